@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+// All that a controller may ask of the world. The window, the terminal and the tests' recorder implement
+// it. No operation blocks: a question is answered later, through its callback, so that no nested event
+// loop runs while replies arrive.
+class screen {
+public:
+    virtual ~screen() = default;
+
+    virtual void show_status(const QString& text) = 0;
+    // A transient notice; "" hides it.
+    virtual void show_toast(const QString& text) = 0;
+    virtual void show_busy(bool busy) = 0;
+    // A notice that stays until it is dismissed. An empty title stands for the program's name.
+    virtual void show_message(const QString& title, const QString& text) = 0;
+    // `answer` is called once: true for Yes.
+    virtual void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) = 0;
+    // The named list or group of labels of the current controller has changed ("codes", "readiness", "labels" ...).
+    virtual void reload(const QString& list) = 0;
+    virtual void play_sound(int sound) = 0;
+    virtual void beep() = 0;
+};
+
+// The sounds of play_sound(), by their numbers.
+enum sound : int { sound_nothing_found = 0, sound_alert = 1, sound_no_identifier = 2, sound_done = 6 };

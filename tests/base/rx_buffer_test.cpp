@@ -1,0 +1,26 @@
+#include "base/rx_buffer.h"
+
+#include <gtest/gtest.h>
+
+TEST(rx_buffer, holds_more_than_its_fixed_part_and_is_never_overrun) {
+    rx_buffer buffer;
+    const QByteArray line = "7E8 21 00 00 00 00 00 00 00\r"; // 28 bytes
+    QByteArray sent;
+    for (int i = 0; i < 40; ++i) {
+        buffer.append(line);
+        sent += line;
+    }
+    EXPECT_EQ(buffer.text(), sent);
+    EXPECT_FALSE(buffer.is_cut());
+
+    while (!buffer.is_cut())
+        buffer.append(line);
+    EXPECT_EQ(buffer.size(), rx_buffer::limit);
+    buffer.append(line);
+    EXPECT_EQ(buffer.size(), rx_buffer::limit);
+
+    buffer.clear();
+    EXPECT_TRUE(buffer.is_empty());
+    EXPECT_FALSE(buffer.is_cut());
+    EXPECT_EQ(buffer.text(), QByteArray());
+}
