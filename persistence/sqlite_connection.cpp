@@ -1,0 +1,132 @@
+#include "persistence/sqlite_connection.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int lock_patience_ms = 250;
+// The schema of this program has the number 0, which is what a database without a number has.
+constexpr int known_schema_version = 0;
+
+} // namespace
+
+sqlite_connection::sqlite_connection(const QString& path, db_access access) {
+    if (!open(path, access)) {
+        sqlite3_close(db);
+        db = nullptr;
+    }
+}
+
+sqlite_connection::~sqlite_connection() {
+    sqlite3_close(db);
+}
+
+bool sqlite_connection::open(const QString& path, db_access access) {
+    const QFileInfo place(path);
+    if (place.exists() && !place.isFile())
+        return fail(sqlite_failure::not_a_file, QStringLiteral("not a file: %1").arg(path));
+
+    const int flags = SQLITE_OPEN_READWRITE | (access == db_access::creating ? SQLITE_OPEN_CREATE : 0);
+    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, flags, nullptr) != SQLITE_OK)
+        return fail();
+    sqlite3_busy_timeout(db, lock_patience_ms);
+    distrust_file();
+    // A reader too opens the file for writing where it may: only so can SQLite undo what a crash left half
+    // done.
+    return access == db_access::reading ? execute(QStringLiteral("PRAGMA query_only=1")) : is_writable();
+}
+
+bool sqlite_connection::is_writable() {
+    {
+        sqlite_statement version(*this, QStringLiteral("PRAGMA user_version"));
+        if (!version.is_prepared() || version.step() != sqlite_statement::stepped::row)
+            return false;
+        if (version.text(0).toLongLong() > known_schema_version)
+            return fail(sqlite_failure::newer_database,
+                        QStringLiteral("schema version %1").arg(version.text(0)));
+    }
+    if (sqlite3_db_readonly(db, "main") == 1)
+        return fail(SQLITE_READONLY, QStringLiteral("attempt to write a readonly database"));
+    return true;
+}
+
+void sqlite_connection::distrust_file() {
+    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, largest_value);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // The default vehicle's values stand in double quotes, which some builds of SQLite refuse by default.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 1, nullptr);
+}
+
+bool sqlite_connection::execute(const QString& sql) {
+    sqlite_statement statement(*this, sql);
+    if (!statement.is_prepared())
+        return false;
+    sqlite_statement::stepped state;
+    do {
+        state = statement.step();
+    } while (state == sqlite_statement::stepped::row);
+    return state == sqlite_statement::stepped::done;
+}
+
+bool sqlite_connection::fail() {
+    return fail(sqlite3_errcode(db) & 0xff, QString::fromUtf8(sqlite3_errmsg(db)));
+}
+
+bool sqlite_connection::fail(int code, const QString& message) {
+    last_failure = {code, message};
+    return false;
+}
+
+sqlite_statement::sqlite_statement(sqlite_connection& opened, const QString& sql) : connection(opened) {
+    const QByteArray text = sql.toUtf8();
+    if (text.size() > sqlite_connection::largest_value)
+        connection.fail(SQLITE_TOOBIG, QStringLiteral("statement too long"));
+    else
+        accepted(sqlite3_prepare_v2(connection.db, text.constData(), static_cast<int>(text.size()),
+                                    &statement, nullptr));
+}
+
+bool sqlite_statement::accepted(int code) {
+    return code == SQLITE_OK || connection.fail();
+}
+
+bool sqlite_statement::bind(int position, const QString& value) {
+    const QByteArray bytes = value.toUtf8();
+    return accepted(sqlite3_bind_text64(statement, position, bytes.constData(),
+                                        static_cast<sqlite3_uint64>(bytes.size()), SQLITE_TRANSIENT,
+                                        SQLITE_UTF8));
+}
+
+bool sqlite_statement::bind(int position, int number) {
+    return accepted(sqlite3_bind_int(statement, position, number));
+}
+
+bool sqlite_statement::bind(int position, const QByteArray& bytes) {
+    return accepted(sqlite3_bind_blob64(statement, position, bytes.isNull() ? nullptr : bytes.constData(),
+                                        static_cast<sqlite3_uint64>(bytes.size()), SQLITE_TRANSIENT));
+}
+
+sqlite_statement::stepped sqlite_statement::step() {
+    const int code = sqlite3_step(statement);
+    if (code == SQLITE_ROW)
+        return stepped::row;
+    if (code == SQLITE_DONE)
+        return stepped::done;
+    connection.fail();
+    return stepped::failed;
+}
+
+QString sqlite_statement::text(int column) const {
+    // The text is asked for before its size: reading it may convert the value.
+    const unsigned char* bytes = sqlite3_column_text(statement, column);
+    return QString::fromUtf8(reinterpret_cast<const char*>(bytes), sqlite3_column_bytes(statement, column));
+}
+
+QByteArray sqlite_statement::blob(int column) const {
+    const void* bytes = sqlite3_column_blob(statement, column);
+    return QByteArray(static_cast<const char*>(bytes), sqlite3_column_bytes(statement, column));
+}

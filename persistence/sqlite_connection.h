@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <sqlite3.h>
+
+// Why something in the database was refused. `code` is a primary SQLite result code, or one of the codes
+// below that SQLite has no name for.
+struct sqlite_failure {
+    static constexpr int newer_database = 1000; // made by a newer version of this program
+    static constexpr int not_a_file = 1001;     // a folder, a pipe or a device stands at the path
+    static constexpr int incomplete = 1002;     // a database, but without the tables of this program
+    int code = SQLITE_OK;
+    QString message;
+};
+
+enum class db_access {
+    reading,  // nothing can be changed, whatever the statement says
+    writing,  // refused for a read-only file and for a newer database
+    creating, // as writing, and the file is made when it is missing
+};
+
+// One opened database file; closed with the object. A file from elsewhere is not trusted: no value larger
+// than 64 MiB is read or written, and triggers, views and functions that the file brings along do not run.
+// A lock of another program is waited for a quarter of a second, since all this is on the main thread.
+class sqlite_connection {
+public:
+    static constexpr int largest_value = 64 * 1024 * 1024;
+
+    sqlite_connection(const QString& path, db_access access);
+    ~sqlite_connection();
+    Q_DISABLE_COPY_MOVE(sqlite_connection)
+
+    bool is_open() const { return db != nullptr; }
+    // Runs the first statement of `sql` to its end and drops its rows. False when it fails.
+    bool execute(const QString& sql);
+    bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
+    // 32 bits of the key, as all ids of the program have.
+    int last_row_id() const { return static_cast<int>(sqlite3_last_insert_rowid(db)); }
+    int changed_rows() const { return sqlite3_changes(db); }
+    // The last refusal of this connection or one of its statements.
+    const sqlite_failure& failure() const { return last_failure; }
+
+private:
+    friend class sqlite_statement;
+    bool open(const QString& path, db_access access);
+    bool is_writable();
+    void distrust_file();
+    bool fail();
+    bool fail(int code, const QString& message);
+
+    sqlite3* db = nullptr;
+    sqlite_failure last_failure;
+};
+
+// A prepared statement of an open connection, which must outlive it. Only the first statement of the text is
+// prepared: what stands behind it, brought in by a spliced value, never runs.
+class sqlite_statement {
+public:
+    enum class stepped { row, done, failed };
+
+    sqlite_statement(sqlite_connection& opened, const QString& sql);
+    ~sqlite_statement() { sqlite3_finalize(statement); }
+    Q_DISABLE_COPY_MOVE(sqlite_statement)
+
+    bool is_prepared() const { return statement != nullptr; }
+    // Positions count from 1; false when the place does not exist or the value is too large.
+    bool bind(int position, const QString& text);
+    bool bind(int position, int number);
+    bool bind(int position, const QByteArray& blob); // null bytes bind NULL
+
+    stepped step();
+    int columns() const { return sqlite3_column_count(statement); }
+    // Columns count from 0. A NULL is the empty text.
+    QString text(int column) const;
+    QByteArray blob(int column) const;
+
+private:
+    bool accepted(int code);
+
+    sqlite_connection& connection;
+    sqlite3_stmt* statement = nullptr;
+};

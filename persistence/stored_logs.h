@@ -1,0 +1,21 @@
+#pragma once
+
+#include "persistence/database.h"
+#include <optional>
+
+// The headers of stored results: one row of LOGGIES each.
+struct log_header {
+    int id = -1;
+    int veh_id = -1;
+    QString type; // "DTC", "Veh_info", "Mode6", "Misfire", "O2 Test", "O2", "Boost", "Fuel" or "Log"
+    QString info;
+    QString time_stamp; // UTC, "yyyy-MM-dd HH:mm:ss"
+};
+
+// The header in a row of LOGGIES; none when its ids are no numbers.
+std::optional<log_header> log_header_of(const QStringList& row);
+std::optional<log_header> log_with_id(database& db, int log_id);
+
+// A sampling run has ended: its header gets the final text. A run that stored no line loses its header.
+bool finish_sampling_log(database& db, int log_id, const QString& info);
+bool delete_empty_sampling_log(database& db, int log_id);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/console_log.h"
+#include "persistence/database.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+// A Documents folder of its own with a database in it, the log lines written, and a second way into the file.
+struct test_database {
+    QTemporaryDir folder;
+    database db{folder.path()};
+
+    test_database() { EXPECT_TRUE(redirect_console_log(folder.filePath("console.log"))); }
+    ~test_database() { silence_console_log(); }
+
+    QByteArray bytes_of(const QString& path) const {
+        QFile opened(path);
+        return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
+    }
+    QByteArray bytes() const { return bytes_of(db.path()); }
+    QString log() const { return QString::fromUtf8(bytes_of(folder.filePath("console.log"))); }
+    void write(const QByteArray& content) const {
+        QFile made(db.path());
+        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+        made.write(content);
+    }
+    // Runs statements as another program would.
+    void outside(const QByteArray& sql) const {
+        sqlite3* other = nullptr;
+        ASSERT_EQ(sqlite3_open(db.path().toUtf8().constData(), &other), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(other, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(other);
+        sqlite3_close(other);
+    }
+    // The first column of the query's rows, joined by blanks.
+    QString column(const QString& sql) {
+        QStringList texts;
+        for (const QStringList& row : db.retrieve_from_DB(sql))
+            texts += row.value(0);
+        return texts.join(' ');
+    }
+    QString tables() {
+        return column(
+            "SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite%' ORDER BY name");
+    }
+};

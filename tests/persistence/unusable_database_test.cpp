@@ -1,0 +1,187 @@
+#include "tests/persistence/test_database.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <functional>
+#include <random>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Every way to store is refused, says so, and changes no byte.
+void expect_nothing_is_stored(test_database& t, const QString& reason) {
+    const QByteArray before = t.bytes();
+    const std::function<bool()> stores[] = {
+        [&t] { return t.db.init_DB(); },
+        [&t] { return t.db.add_2_LOG_DB("DTC", 1, "") > 0; },
+        [&t] { return t.db.append_2_LOG_DB("x", "", 0, 1) > 0; },
+        [&t] {
+            return t.db.add_update_DB({"a", "b", "c"}, "VEHICLES") != -1;
+        },
+        [&t] {
+            return t.db.add_update_DB({"a", "b", "c"}, "VEHICLES", "1") != -1;
+        },
+        [&t] { return t.db.update_tableInDB2({"NAME"}, {"a"}, "VEHICLES", "VEH_ID", "1"); },
+        [&t] { return t.db.do_update_vehicle_image("1", QImage(2, 2, QImage::Format_RGB32), "-666") > 0; },
+        [&t] { return t.db.delete_a_DB_log(1); },
+        [&t] { return t.db.delete_from_DB("DELETE FROM VEHICLES"); },
+    };
+    for (const auto& store : stores) {
+        EXPECT_FALSE(store());
+        EXPECT_TRUE(t.db.problem().contains(t.db.path())) << t.db.problem().toStdString();
+        EXPECT_TRUE(t.db.problem().contains(reason)) << t.db.problem().toStdString();
+    }
+    EXPECT_EQ(t.bytes(), before);
+}
+
+// Root may write anything, so the rights of a file are tried out as nobody.
+class as_nobody {
+public:
+    as_nobody() : was_root(geteuid() == 0), in_force(!was_root || seteuid(65534) == 0) {}
+    ~as_nobody() {
+        if (was_root && seteuid(0) != 0)
+            abort();
+    }
+    const bool was_root;
+    const bool in_force;
+};
+
+} // namespace
+
+TEST(unusable_database, damaged) {
+    test_database t;
+    t.write(QByteArray(5000, 'x'));
+    expect_nothing_is_stored(t, "damaged");
+    EXPECT_TRUE(t.db.retrieve_from_DB("SELECT * FROM VEHICLES").isEmpty());
+    EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
+    EXPECT_TRUE(t.db.pull_veh_image("VEH_ID=1").isNull());
+}
+
+TEST(unusable_database, newer_can_still_be_read) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB());
+    t.outside("PRAGMA user_version=1; DROP TABLE VEH_IMAGES");
+    expect_nothing_is_stored(t, "newer version");
+    EXPECT_EQ(t.column("SELECT NAME FROM VEHICLES"), "Cur Veh.");
+}
+
+TEST(unusable_database, locked_until_the_other_program_has_closed_it) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB());
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(t.db.path().toUtf8().constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    expect_nothing_is_stored(t, "locked by another program");
+    EXPECT_TRUE(t.db.retrieve_from_DB("SELECT * FROM VEHICLES").isEmpty());
+    sqlite3_close(other);
+    EXPECT_TRUE(t.db.init_DB());
+    EXPECT_EQ(t.db.problem(), "");
+    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), 1);
+}
+
+TEST(unusable_database, no_file_stands_at_the_path) {
+    test_database t;
+    ASSERT_TRUE(QDir().mkdir(t.db.path()));
+    expect_nothing_is_stored(t, "folder");
+    ASSERT_TRUE(QDir().rmdir(t.db.path()));
+    ASSERT_EQ(mkfifo(t.db.path().toUtf8().constData(), 0600), 0);
+    EXPECT_FALSE(t.db.init_DB());
+    ASSERT_TRUE(QFile::remove(t.db.path()));
+
+    // Only init_DB() makes the file: an empty one would pass for a database later.
+    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), -1);
+    EXPECT_FALSE(QFileInfo::exists(t.db.path()));
+    t.write("");
+    EXPECT_TRUE(t.db.init_DB());
+    EXPECT_TRUE(t.db.is_new());
+
+    database vanished(t.folder.filePath("nowhere"));
+    EXPECT_FALSE(vanished.init_DB());
+    EXPECT_TRUE(vanished.problem().contains("cannot be opened"));
+}
+
+TEST(unusable_database, read_only_and_unreadable) {
+    struct {
+        mode_t file, folder;
+        const char* reason;
+    } const cases[] = {{0444, 0755, "read-only"}, {0000, 0755, "cannot be opened"}};
+    for (const auto& rights : cases) {
+        test_database t;
+        ASSERT_TRUE(t.db.init_DB() && t.db.init_DB()); // nothing is left to migrate
+        ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), rights.folder), 0);
+        ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), rights.file), 0);
+        {
+            const as_nobody nobody;
+            if (!nobody.in_force)
+                GTEST_SKIP() << "root may write every file here, and cannot become another user";
+            expect_nothing_is_stored(t, rights.reason);
+            EXPECT_EQ(t.column("SELECT NAME FROM VEHICLES"), rights.file ? "Cur Veh." : "");
+        }
+    }
+}
+
+TEST(unusable_database, a_folder_that_takes_no_journal) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB() && t.db.init_DB());
+    ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), 0666), 0);
+    ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), 0555), 0);
+    const as_nobody nobody;
+    if (!nobody.in_force)
+        GTEST_SKIP() << "root may write every folder here, and cannot become another user";
+    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), -1);
+    EXPECT_TRUE(t.db.problem().contains("folder")) << t.db.problem().toStdString();
+}
+
+TEST(unusable_database, a_failed_migration_leaves_the_file_as_it_was) {
+    test_database t;
+    t.outside("CREATE TABLE VEHICLES (VEH_ID INTEGER PRIMARY KEY, NAME TEXT); INSERT INTO VEHICLES VALUES "
+              "(1, 'mine')");
+    const QByteArray before = t.bytes();
+    EXPECT_FALSE(t.db.init_DB()); // no LOGGIES_DATA to add a column to
+    EXPECT_TRUE(t.db.problem().contains("LOGGIES_DATA")) << t.db.problem().toStdString();
+    EXPECT_TRUE(t.log().contains("Error:no such table: LOGGIES_DATA"));
+    EXPECT_EQ(t.bytes(), before);
+    EXPECT_EQ(t.tables(), "VEHICLES");
+}
+
+TEST(unusable_database, what_a_file_brings_along_does_not_run) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB());
+    t.outside("CREATE TRIGGER t AFTER INSERT ON LOGGIES BEGIN DELETE FROM VEHICLES; END;"
+              "DROP TABLE VEH_IMAGES; CREATE VIEW VEH_IMAGES AS WITH RECURSIVE n(i) AS "
+              "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS VEH_ID, x'00' AS PICY FROM n WHERE i < 0;"
+              "INSERT INTO LOGGIES_DATA (LOG_ID, DATA) VALUES (1, zeroblob(65 * 1024 * 1024))");
+    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), 1);
+    EXPECT_EQ(t.column("SELECT COUNT(*) FROM VEHICLES"), "1");
+    EXPECT_TRUE(t.db.pull_veh_image("VEH_ID=1").isNull());
+    EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
+    EXPECT_TRUE(t.db.problem().contains("too large")) << t.db.problem().toStdString();
+}
+
+TEST(unusable_database, flipped_bytes_never_crash) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB() && t.db.init_DB());
+    ASSERT_EQ(t.db.do_update_vehicle_image("1", QImage(20, 20, QImage::Format_RGB32), "-666"), 1);
+    for (int line = 0; line < 50; ++line)
+        ASSERT_GT(
+            t.db.append_2_LOG_DB("410D3C,411140", "", line, t.db.add_2_LOG_DB("Log", 1, "sample points")), 0);
+    const QByteArray sound = t.bytes();
+    std::mt19937 random(1);
+    for (int round = 0; round < 150; ++round) {
+        QByteArray damaged = sound;
+        for (int flips = 0; flips < 8; ++flips)
+            damaged[static_cast<qsizetype>(random() % static_cast<unsigned>(sound.size()))] ^=
+                1 << (random() % 8);
+        if (round % 5 == 0)
+            damaged.truncate(static_cast<qsizetype>(random() % static_cast<unsigned>(sound.size())));
+        t.write(damaged);
+        QFile::remove(t.db.path() + "-journal");
+        t.db.init_DB();
+        t.db.retrieve_from_DB("SELECT * FROM VEHICLES");
+        t.db.retrieve_from_DB("SELECT * FROM LOGGIES where veh_id=1 ORDER by time_stamp DESC ");
+        t.db.pull_veh_image("VEH_ID=1");
+        t.db.add_2_LOG_DB("Log", 1, "");
+        EXPECT_TRUE(t.db.pull_rawData_fromDB("3", true).startsWith("-1"));
+    }
+}
