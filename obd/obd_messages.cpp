@@ -1,0 +1,245 @@
+#include "obd/obd_messages.h"
+
+#include "base/console_log.h"
+#include "obd/ecu_names.h"
+#include "obd/reply_text.h"
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+// A first frame and the fifteen consecutive frames 21 to 2F: beyond them the sequence digit begins again at
+// 20, and the order of the text is no longer that of the frames.
+constexpr qsizetype frames_in_text_order = 16;
+
+struct arrived_line {
+    QString text;
+    qsizetype place;
+};
+
+// The lines of one header that are more than the text order can hold go back to their order of arrival.
+void restore_long_answers(std::vector<arrived_line>& lines, int width) {
+    const auto header_of = [width](const arrived_line& line) { return QStringView(line.text).left(width); };
+    for (auto begin = lines.begin(); begin != lines.end();) {
+        const auto end = std::find_if(begin, lines.end(), [&](const arrived_line& line) {
+            return header_of(line) != header_of(*begin);
+        });
+        if (end - begin > frames_in_text_order)
+            std::sort(begin, end, [](const auto& a, const auto& b) { return a.place < b.place; });
+        begin = end;
+    }
+}
+
+void sort_lines(QStringList& lines, int protocol) {
+    if (lines.size() < 2)
+        return;
+    std::vector<arrived_line> order;
+    order.reserve(static_cast<size_t>(lines.size()));
+    for (const QString& line : lines)
+        order.push_back({line, static_cast<qsizetype>(order.size())});
+    // By code point, digits before letters, so that no locale changes which ECU comes first.
+    std::stable_sort(order.begin(), order.end(), [](const arrived_line& a, const arrived_line& b) {
+        return a.text.compare(b.text, Qt::CaseInsensitive) < 0;
+    });
+    if (is_can(protocol))
+        restore_long_answers(order, header_width(protocol));
+    std::transform(order.begin(), order.end(), lines.begin(),
+                   [](const arrived_line& line) { return line.text; });
+}
+
+// "7F ss 78": the ECU has understood the request of service ss and will answer later.
+bool is_response_pending(const QString& body, int protocol) {
+    const QStringView text(body);
+    if (is_can(protocol))
+        return text.size() >= 8 && text.startsWith(u"037F") && text.sliced(6, 2) == u"78";
+    const bool holds_one_answer = text.size() == 6 || text.size() == 8; // without and with check byte
+    return holds_one_answer && text.startsWith(u"7F") && text.sliced(4, 2) == u"78";
+}
+
+void drop_pending_notices(obd_messages& messages, int protocol) {
+    QStringList answered; // the headers of ECUs with an answer, each run once
+    for (const obd_message& message : messages) {
+        const bool is_answer = !is_response_pending(message.body, protocol);
+        if (is_answer && (answered.isEmpty() || answered.last() != message.header))
+            answered.append(message.header);
+    }
+    messages.removeIf([&](const obd_message& message) {
+        return is_response_pending(message.body, protocol) &&
+               std::any_of(answered.begin(), answered.end(),
+                           [&](const QString& header) { return same_ecu(header, message.header, protocol); });
+    });
+}
+
+QString no_data_for(qsizetype size, qsizetype needed) {
+    console_log(QStringLiteral("l_pullOBDFromSingleGroupedMsg: a body of %1 characters, at least %2 needed")
+                    .arg(size)
+                    .arg(needed));
+    return not_available;
+}
+
+// The bodies from their character `from` on, joined after `start`; "N/A" when one is shorter.
+QString join_bodies(const QString& start, const QStringList& bodies, qsizetype first, qsizetype from) {
+    QString joined = start;
+    for (qsizetype i = first; i < bodies.size(); ++i) {
+        if (bodies[i].size() < from)
+            return no_data_for(bodies[i].size(), from);
+        joined += QStringView(bodies[i]).sliced(from);
+    }
+    return joined;
+}
+
+QString data_of_can_answer(const QStringList& bodies) {
+    const QString& first = bodies.first();
+    const bool is_multi_frame = bodies.size() > 1 && first.startsWith(u'1');
+    if (!is_multi_frame)
+        return first.size() < 2 ? no_data_for(first.size(), 2) : first.sliced(2);
+    if (first.size() < 4)
+        return no_data_for(first.size(), 4);
+    // The length is read from its low byte only.
+    const auto length = static_cast<qsizetype>(convertStr2Byte(QStringView(first).sliced(2, 2)));
+    const QString joined = join_bodies(first.sliced(4), bodies, 1, 2);
+    return joined == not_available ? joined : joined.leftJustified(2 * length, u'0', true);
+}
+
+QString data_of_legacy_answer(const QStringList& bodies) {
+    if (bodies.size() == 1)
+        return bodies.first();
+    if (bodies.first().size() < 6)
+        return no_data_for(bodies.first().size(), 6);
+    return join_bodies(bodies.first().first(4), bodies, 0, 6);
+}
+
+} // namespace
+
+protocol_class class_of_protocol(int protocol) {
+    if (protocol >= 1 && protocol <= 5)
+        return protocol_class::legacy;
+    if (!is_can(protocol))
+        return protocol_class::unknown;
+    const bool is_29_bit = protocol == 7 || protocol == 9 || protocol == 10;
+    return is_29_bit ? protocol_class::can_29_bit : protocol_class::can_11_bit;
+}
+
+bool is_can(int protocol) {
+    return protocol >= 6 && protocol <= 12;
+}
+
+int header_width(int protocol) {
+    switch (class_of_protocol(protocol)) {
+    case protocol_class::legacy: return 6;
+    case protocol_class::can_11_bit: return 3;
+    case protocol_class::can_29_bit: return 8;
+    default: return 0;
+    }
+}
+
+QStringList reply_lines(const QString& reply) {
+    QStringList lines = prepReply(reply).replace(u'\n', u'\r').split(u'\r', Qt::SkipEmptyParts);
+    lines.removeIf([](const QString& line) { return line.contains(u'<'); });
+    const auto is_message = [](const QString& line) { return is_hex(line); };
+    if (std::any_of(lines.cbegin(), lines.cend(), is_message))
+        lines.removeIf([&](const QString& line) { return !is_message(line); });
+    return lines;
+}
+
+obd_messages pullObdMsgs(const QString& reply, int protocol) {
+    QStringList lines = reply_lines(reply);
+    const int width = header_width(protocol);
+    if (width == 0)
+        return obd_messages(lines.size());
+    sort_lines(lines, protocol);
+    obd_messages messages;
+    messages.reserve(lines.size());
+    for (const QString& line : lines)
+        messages.append({line.left(width), line.mid(width)});
+    drop_pending_notices(messages, protocol);
+    return messages;
+}
+
+obd_groups pullObdMsgsGrouped(const obd_messages& messages, int protocol) {
+    obd_groups groups;
+    for (const obd_message& message : messages) {
+        if (message.header.isEmpty())
+            continue;
+        if (groups.isEmpty() || !same_ecu(groups.last().header, message.header, protocol))
+            groups.append({message.header, {}});
+        groups.last().pidSet.append(message.body);
+    }
+    return groups;
+}
+
+QString l_pullOBDFromSingleMsg(const QString& body, int protocol) {
+    if (is_can(protocol))
+        return body.mid(2);
+    return class_of_protocol(protocol) == protocol_class::legacy ? body : QString();
+}
+
+QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies, int protocol) {
+    if (bodies.isEmpty() || class_of_protocol(protocol) == protocol_class::unknown)
+        return {};
+    return is_can(protocol) ? data_of_can_answer(bodies) : data_of_legacy_answer(bodies);
+}
+
+QString grab_CAN_msg(const QString& reply) {
+    const QStringList lines = prepReply(reply).remove(u'\n').split(u'\r', Qt::SkipEmptyParts);
+    QString data;
+    if (lines.size() < 2 || !is_hex(lines.first()))
+        return data;
+    const qsizetype wanted = 2 * static_cast<qsizetype>(convertStr2Byte(lines.first()));
+    for (qsizetype i = 1; i < lines.size() && data.size() < wanted; ++i) {
+        QString frame = lines[i].mid(2); // without its index and ":"
+        // A first frame of more than six bytes loses its fifth digit, on purpose.
+        if (i == 1 && frame.size() >= 13)
+            frame.remove(4, 1);
+        data += QStringView(frame).left(wanted - data.size());
+    }
+    return data;
+}
+
+std::optional<QString> pull_PID_msg(const QString& line, const QString& this_PID,
+                                    const QString& for_this_ECU) {
+    const auto message = [&](qsizetype ecu_place, qsizetype data_place) -> std::optional<QString> {
+        const bool is_wanted = for_this_ECU.isEmpty() || line.mid(ecu_place, 2) == for_this_ECU;
+        return is_wanted ? std::optional(line.sliced(data_place)) : std::nullopt;
+    };
+    // An 11-bit line is filtered on its first two characters, so that "7E8" asks for no line at all, on
+    // purpose.
+    if (line.startsWith(QStringLiteral("7E")))
+        return line.size() < 5 ? std::nullopt : message(0, 5);
+    // Shorter lines have no room for what tells the two other layouts apart.
+    if (line.size() < 14)
+        return std::nullopt;
+    const QString wanted = QStringLiteral("41") + this_PID;
+    const bool is_29_bit = line.mid(10, 4) == wanted && line.mid(6, 4) != wanted;
+    return is_29_bit ? message(6, 10) : message(4, 6);
+}
+
+QString encode_to_OBD(const QString& this_pid, double value, unit_system units) {
+    double scaled = 0;
+    if (this_pid == QStringLiteral("10"))
+        scaled = (units == unit_system::metric ? value : value * 7.5) * 100;
+    else if (this_pid == QStringLiteral("E4"))
+        scaled = value * 1.609344 / 3.78541178 * 100;
+    else
+        return {};
+    // Both PIDs overflow to the text of "E4", on purpose.
+    if (scaled > 65534)
+        return QStringLiteral("41E4FFFF");
+    const unsigned whole = std::isnan(scaled) || scaled < 0 ? 0 : static_cast<unsigned>(scaled);
+    return QStringLiteral("41") + this_pid + QString::number(whole, 16).toUpper().rightJustified(4, u'0');
+}
+
+QString data_of_single_message(const QString& body, int protocol, bool headers_shown) {
+    const protocol_class kind = class_of_protocol(protocol);
+    if (kind == protocol_class::unknown)
+        return {};
+    if (!headers_shown)
+        return body;
+    if (kind == protocol_class::legacy)
+        return body.left(std::max<qsizetype>(0, body.size() - 2));
+    if (body.size() < 2 || !body.startsWith(u'0'))
+        return body.mid(2);
+    const qsizetype length = charToNibble(body[1]);
+    return body.mid(2, 2 * length);
+}

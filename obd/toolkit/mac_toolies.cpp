@@ -1,0 +1,159 @@
+#include "obd/toolkit/mac_toolies.h"
+
+#include "obd/ecu_names.h"
+#include "obd/maker_values.h"
+#include "obd/obd_messages.h"
+#include "obd/pid_catalogue.h"
+#include "obd/pid_translation.h"
+#include "obd/trouble_codes.h"
+#include "persistence/vehicles.h"
+
+QStringList first_sample_pids() {
+    return {QStringLiteral("0D"), QStringLiteral("11"), QStringLiteral("0C"), QStringLiteral("05")};
+}
+
+mac_toolies::mac_toolies(process_state& process, user_defaults& settings, database& store)
+    : state(process), defaults(settings), db(store) {}
+
+// --- replies -------------------------------------------------------------------------------------------------
+
+obd_messages mac_toolies::pullObdMsgs(const QString& reply) const {
+    return ::pullObdMsgs(reply, state.cur_protocol);
+}
+
+obd_groups mac_toolies::pullObdMsgsGrouped(const obd_messages& messages) const {
+    return ::pullObdMsgsGrouped(messages, state.cur_protocol);
+}
+
+QString mac_toolies::l_pullOBDFromSingleMsg(const QString& body) const {
+    return ::l_pullOBDFromSingleMsg(body, state.cur_protocol);
+}
+
+QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const {
+    return ::l_pullOBDFromSingleGroupedMsg(bodies, state.cur_protocol);
+}
+
+QString mac_toolies::data_of_single_message(const QString& body) const {
+    return ::data_of_single_message(body, state.cur_protocol, state.headers_shown);
+}
+
+QString mac_toolies::l_pull_ECU(const QString& header) const {
+    return ::l_pull_ECU(header, state.cur_protocol);
+}
+
+bool mac_toolies::isThisEngineHeader(const QString& header) const {
+    return ::isThisEngineHeader(header, state.cur_protocol);
+}
+
+qsizetype mac_toolies::findEngineEcuIdx(const obd_groups& groups) const {
+    return ::findEngineEcuIdx(groups, state.cur_protocol);
+}
+
+QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const {
+    return ::encode_to_OBD(this_pid, value, units());
+}
+
+// --- supported PIDs ------------------------------------------------------------------------------------------
+
+void mac_toolies::handle_00_replies(const QString& reply, int this_pid_group) {
+    ::handle_00_replies(reply, this_pid_group, bitmaps);
+}
+
+bool mac_toolies::is_this_code_available(const QString& this_pid, int this_pid_set) const {
+    const bool is_held = this_pid_set >= 0 && this_pid_set < static_cast<int>(bitmaps.size());
+    return is_held && ::is_this_code_available(bitmaps[static_cast<size_t>(this_pid_set)], this_pid, this_pid_set);
+}
+
+bool mac_toolies::isEveryItemInSampleSetAvailable(const QStringList& samples, const obd_groups& availablePIDs) const {
+    return ::isEveryItemInSampleSetAvailable(samples, availablePIDs, state.cur_protocol);
+}
+
+obd_groups mac_toolies::grab_pids_available() {
+    return ::grab_pids_available(db, state.cur_veh_id);
+}
+
+bool mac_toolies::checkIfSameVehicle(const obd_groups& available) {
+    return ::checkIfSameVehicle(db, state.cur_veh_id, available);
+}
+
+void mac_toolies::fixSamplePidsFornewVehicle(const obd_groups& available) {
+    const QStringList samples = defaults.list(sample_set_key(state.cur_veh_id), first_sample_pids());
+    save_pids_2_sample_prefs(fixSamplePids(samples, available, state.cur_protocol));
+}
+
+void mac_toolies::save_pids_2_sample_prefs(const QStringList& samples) {
+    state.sample_pids = samples;
+    defaults.set(sample_set_key(state.cur_veh_id), samples);
+    defaults.synchronise();
+}
+
+bool mac_toolies::save_pids_available(const obd_groups& available) {
+    return store_pids_available(db, state.cur_veh_id, available);
+}
+
+// --- values and names ----------------------------------------------------------------------------------------
+
+QString mac_toolies::translateResponse(const QString& reply) const {
+    return ::translateResponse(reply, units(), state.boost_reference_kpa, resources);
+}
+
+double mac_toolies::get_OBDVal(const QString& reply) const {
+    return ::get_OBDVal(reply, units(), state.boost_reference_kpa, resources);
+}
+
+QString mac_toolies::get_units(const QString& pid) const {
+    return ::get_units(pid, units());
+}
+
+double mac_toolies::get_PID_min_max(const QString& pid, bool get_max) const {
+    return ::get_PID_min_max(pid, get_max, units());
+}
+
+QString mac_toolies::get_pid_name(const QString& pid, bool with_pid) const {
+    return ::get_pid_name(pid, with_pid, resources);
+}
+
+QString mac_toolies::l_get_pid_name(const QString& pid, bool with_pid) const {
+    return ::l_get_pid_name(pid, with_pid, resources);
+}
+
+QString mac_toolies::get_pid_name_with_pid(const QString& pid) const {
+    return ::get_pid_name_with_pid(pid, resources);
+}
+
+QString mac_toolies::translateResponse_subaru(const QString& reply) const {
+    return ::translateResponse_subaru(reply, units(), resources);
+}
+
+// --- trouble codes and readiness -----------------------------------------------------------------------------
+
+obd_groups mac_toolies::l_workoutReadCodes(const QString& reply) const {
+    return ::l_workoutReadCodes(reply, state.cur_protocol);
+}
+
+QStringList mac_toolies::work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const {
+    return ::work_reply_to_error_codes_pid(mode, reply, state.protocol_description);
+}
+
+QList<readiness_row> mac_toolies::handle_readiness_codes(const QString& these_flags) const {
+    return ::handle_readiness_codes(these_flags, resources);
+}
+
+// --- settings ------------------------------------------------------------------------------------------------
+
+unit_system mac_toolies::units() const {
+    return defaults.boolean(QStringLiteral("BV_metric_units"), false) ? unit_system::metric : unit_system::imperial;
+}
+
+void mac_toolies::setDefaults() {
+    // clang-format off
+    defaults.set(QStringLiteral("BV_interface"),     static_cast<int>(interface_bluetooth));
+    defaults.set(QStringLiteral("wifi_IP"),          QStringLiteral("192.168.0.10"));
+    defaults.set(QStringLiteral("wifi_port"),        QStringLiteral("35000"));
+    defaults.set(QStringLiteral("BV_metric_units"),  false);
+    defaults.set(QStringLiteral("BV_log_runs"),      true);
+    defaults.set(QStringLiteral("BV_log_timeStamp"), false);
+    defaults.set(QStringLiteral("BV_sample_rate"),   -1);
+    // clang-format on
+    save_pids_2_sample_prefs(first_sample_pids());
+}

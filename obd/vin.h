@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+// The vehicle identification number from the reply to "09 02" (SAE J1979 service 09, info type 02), headers
+// off: on CAN a byte count and lines "0:...", "1:...", on the older protocols one line for four characters.
+// At most 39 characters; "N/A" when the reply holds no readable one (refused, no data, never programmed).
+QString work_out_vin(const QString& reply);
+
+// The bytes that the hex text holds as characters, at most 39. Bytes 00 are left out, and so are pairs that
+// are no hex digits.
+QString pullAsciiStr(QStringView hex);

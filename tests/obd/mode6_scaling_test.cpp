@@ -1,0 +1,154 @@
+#include "obd/mode6_scaling.h"
+
+#include "base/text_resources.h"
+#include "obd/maker_values.h"
+#include "obd/number_text.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString hex_text(int identifier) {
+    return QString::number(identifier, 16).toUpper().rightJustified(2, '0');
+}
+
+QString monitor(const QString& identifier, const text_resources& lists) {
+    return grab_CAN_mode6_OBDMID_TESTID_description(identifier, true, lists);
+}
+
+QString test_name(const QString& identifier, const text_resources& lists) {
+    return grab_CAN_mode6_OBDMID_TESTID_description(identifier, false, lists);
+}
+
+} // namespace
+
+TEST(mode6_scaling, worked_examples) {
+    // clang-format off
+    const std::tuple<const char*, const char*, const char*> examples[] = {
+        {"01", "01F4", "500.000000 "},      {"03", "0002", "6.000000 "},      {"05", "8000", "0.999424 "},
+        {"07", "0FA0", "1000.000000 RPM"},  {"0A", "03E8", "122.000000 mV"},  {"0a", "0e66", "449.692000 mV"},
+        {"11", "0003", "300.000000 ms"},    {"16", "0000", "-40.000000 ^C"},  {"16", "0190", "0.000000 ^C"},
+        {"1F", "0126", "14.700000 A/F ratio"}, {"20", "FFFF", "255.992817 "}, {"26", "000A", "1.000000 V/ms"},
+        {"29", "0008", "8.000000 "},        {"2E", "0000", "0.000000 False"}, {"2E", "0005", "5.000000 True"},
+        {"30", "FFFF", "100.006410 %"},     {"39", "0000", "-327.680000 %"},  {"39", "0148", "0.320000 %"},
+        {"0D", "0002", "0.007812 mA"}, // an exact tie goes to the even digit
+        // Signed identifiers take the number as it comes, and some have units of their own.
+        {"81", "FFFF", "65535.000000 "},    {"83", "FFE4", "655.080000 "},    {"96", "0190", "40.000000 ^C"},
+        {"8B", "03E8", "1.000000 mV"},      {"8C", "03E8", "10.000000 mV"},   {"8E", "03E8", "1.000000 mA"},
+        {"B1", "8000", "65536.000000 mV"},  {"FE", "FF38", "16334.000000 Pa"},
+        // More than 16 bits, no hex, no byte
+        {"81", "7FFFF", "524287.000000 "},  {"81", "80000", "-32768.000000 "}, {"01", "80000", "524288.000000 "},
+        {"01", "123456789ABC", "4294967295.000000 "}, {"81", "123456789ABC", "-1.000000 "},
+        {"0A", "zz", "0.000000 mV"},        {"", "", "0.000000 "},            {"zz", "0010", "16.000000 "},
+        {"10A", "0010", "16.000000 "},
+    };
+    // clang-format on
+    for (const auto& [uasid, raw, text] : examples) {
+        EXPECT_EQ(CAN_scale_and_units(uasid, raw, true), text) << uasid << ' ' << raw;
+        EXPECT_EQ(CAN_scale_and_units(uasid, raw, false), QString(text).section(' ', 0, 0)) << uasid;
+    }
+}
+
+TEST(mode6_scaling, unlisted_identifiers_give_the_raw_value) {
+    const std::pair<int, int> unlisted[] = {{0x00, 0x00}, {0x3A, 0x81}, {0x87, 0x89}, {0x8F, 0x8F},
+                                            {0x91, 0x95}, {0x97, 0x9B}, {0x9E, 0xA7}, {0xAA, 0xAE},
+                                            {0xB2, 0xFC}, {0xFF, 0xFF}};
+    for (const auto& [first, last] : unlisted)
+        for (int uasid = first; uasid <= last; ++uasid)
+            EXPECT_EQ(CAN_scale_and_units(hex_text(uasid), "9234", true), "37428.000000 ") << uasid;
+}
+
+TEST(mode6_scaling, descriptions_cover_the_range_up_to_the_next_line) {
+    QTemporaryDir folder;
+    const auto write = [&folder](const QString& list, const QByteArray& lines) {
+        QFile file(folder.filePath(list));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(lines);
+    };
+    write("OBDMID_CAN.txt", "10|ten\n20 some|twenty|more\n30\n40|end\n");
+    const text_resources lists(folder.path());
+
+    const std::pair<const char*, const char*> examples[] = {
+        {"10", "ten"}, {"1f", "ten"}, {"20", "twenty|more"}, {"0F", "N/A"}, {"30", "N/A"},
+        {"40", "N/A"}, {"FF", "N/A"}, {"100", "N/A"},        {"", "N/A"},
+    };
+    for (const auto& [identifier, text] : examples)
+        EXPECT_EQ(monitor(identifier, lists), text) << identifier;
+    EXPECT_EQ(test_name("10", lists), "N/A"); // there is no such list
+    write("TID_CAN.txt", "");
+    EXPECT_EQ(test_name("10", text_resources(folder.path())), "N/A");
+}
+
+TEST(mode6_scaling, ranges_are_pruned) {
+    QStringList obdmids{"00", "01", "20", "21", "A0", "A1"};
+    fixArrayForMode6(obdmids);
+    EXPECT_EQ(obdmids, (QStringList{"01", "21", "A1"}));
+
+    obdmids = {"40", "E0", "3F", "C0", "80", "60", "ff", "10", ""};
+    fixArrayForMode6(obdmids);
+    EXPECT_EQ(obdmids, (QStringList{"3F", "ff", "10"}));
+}
+
+TEST(mode6_scaling, shipped_descriptions) {
+    // Printable ASCII without the characters that separate fields or quote: ~ | and the apostrophe.
+    const QRegularExpression form("^[0-9A-F]{2}\\|[!-&(-{}][ -&(-{}]*$");
+    const text_resources lists;
+    for (const auto& [name, count] : {std::pair("OBDMID_CAN", 107), std::pair("TID_CAN", 16)}) {
+        QStringList lines = lists.get_array_from_resource(name, "txt").value_or(QStringList());
+        lines.removeAll("");
+        ASSERT_EQ(lines.size(), count);
+        EXPECT_TRUE(lines.first().startsWith("00|"));
+        EXPECT_TRUE(lines.last().startsWith("FF|"));
+        int previous = -1;
+        for (const QString& line : lines) {
+            EXPECT_TRUE(form.match(line).hasMatch()) << line.toStdString();
+            EXPECT_GT(hex_byte(line, 0), previous) << line.toStdString();
+            previous = hex_byte(line, 0);
+        }
+    }
+
+    // clang-format off
+    const std::pair<const char*, const char*> monitors[] = {
+        {"05", "Exhaust gas sensor monitor bank 2 sensor 1"},       {"1F", "Reserved"},
+        {"10", "Exhaust gas sensor monitor bank 4 sensor 4"},       {"21", "Catalyst monitor bank 1"},
+        {"50", "Exhaust gas sensor heater monitor bank 4 sensor 4"}, {"30", "Reserved"},
+        {"A1", "Misfire monitor general data"},                     {"A5", "Misfire cylinder 4 data"},
+        {"00", "OBD monitor IDs supported (01-20)"},                {"BE", "Reserved"},
+        {"E0", "OBD monitor IDs supported (E1-FF)"},                {"FE", "Manufacturer defined"},
+        {"FF", "N/A"},
+    };
+    // clang-format on
+    for (const auto& [identifier, text] : monitors)
+        EXPECT_EQ(monitor(identifier, lists), text) << identifier;
+    EXPECT_EQ(test_name("0A", lists), "Sensor period (calculated)");
+    EXPECT_EQ(test_name("7F", lists), "Reserved");
+    EXPECT_EQ(test_name("81", lists), test_name("FE", lists));
+    EXPECT_EQ(test_name("FF", lists), "N/A");
+    for (int group = 0; group <= 0xE0; group += 0x20)
+        EXPECT_TRUE(monitor(hex_text(group), lists).contains(" supported (")) << group;
+}
+
+// Every command asks for an identifier that the program can translate, and every label is there once.
+TEST(mode6_scaling, shipped_extras) {
+    const text_resources lists;
+    const QStringList lines = lists.get_array_from_resource("SUBARU_EURO4", "txt").value_or(QStringList());
+    ASSERT_EQ(lines.size(), 16);
+    EXPECT_TRUE(lines.contains("22 F1 97|VIN"));
+    QSet<QString> commands, labels;
+    for (const QString& line : lines) {
+        const QStringList parts = line.split('|');
+        ASSERT_EQ(parts.size(), 2) << line.toStdString();
+        ASSERT_TRUE(parts[0].startsWith("22 ")) << line.toStdString();
+        EXPECT_FALSE(parts[1].isEmpty());
+        const QString reply = "62" + QString(parts[0]).remove(" ").mid(2) + "4142434445";
+        EXPECT_NE(translateResponse_subaru(reply, unit_system::metric, lists), "~") << line.toStdString();
+        commands.insert(parts[0]);
+        labels.insert(parts[1]);
+    }
+    EXPECT_EQ(commands.size(), lines.size());
+    EXPECT_EQ(labels.size(), lines.size());
+}

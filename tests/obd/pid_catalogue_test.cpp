@@ -1,0 +1,90 @@
+#include "base/string_table.h"
+#include "base/text_resources.h"
+#include "obd/pid_catalogue.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr unit_system metric = unit_system::metric;
+constexpr unit_system imperial = unit_system::imperial;
+
+} // namespace
+
+TEST(pid_catalogue, units) {
+    const std::tuple<const char*, const char*, const char*> examples[] = {
+        {"04", "%", "%"},          {"0F", "° C", "° F"}, {"0d", "kph", "mph"}, {"0B", "KPa", "in.Hg"},
+        {"22", "KPa", "psi"},      {"2A", " V", " V"},   {"2D", "%", "%"},     {"3B", " mA", " mA"},
+        {"10", "gm/s", "lb/min"},  {"43", "%", "%"},     {"4C", "%", "%"},     {"54", "KPa", "in.H2O"},
+        {"E4", "km/litre", "mpg"}, {"E8", "%", "%"},     {"32", "N/A", "N/A"}, {"13", "N/A", "N/A"},
+        {"4D", "N/A", "N/A"},      {"E7", "N/A", "N/A"}, {"", "N/A", "N/A"},   {"123456789", "N/A", "N/A"},
+    };
+    for (const auto& [pid, in_metric, in_imperial] : examples) {
+        EXPECT_EQ(get_units(pid, metric).toStdString(), in_metric) << pid;
+        EXPECT_EQ(get_units(pid, imperial).toStdString(), in_imperial) << pid;
+    }
+}
+
+TEST(pid_catalogue, ranges) {
+    struct example {
+        const char* pid;
+        double min, max, imperial_min, imperial_max;
+    };
+    const example examples[] = {
+        {"05", -40, 215, -40, 419},
+        {"08", -100, 92.22, -100, 92.22},
+        {"0C", 0, 16383.75, 0, 16383.75},
+        {"32", -8192, 8191.75, -32.8878, 32.8868},
+        {"3F", -40, 6513.5, -40, 11756.3},
+        {"2D", -100, 100, -100, 100},
+        {"42", 0, 65535, 0, 65535},
+        {"E1", 0, 1, 0, 1},
+        {"E5", 0, 255, 0, 36.98332124728064},
+        {"53", 0, 0, 0, 0},
+        {"30", 0, 0, 0, 0},
+        {"E9", 0, 0, 0, 0},
+    };
+    for (const example& e : examples) {
+        EXPECT_EQ(get_PID_min_max(e.pid, false, metric), e.min) << e.pid;
+        EXPECT_EQ(get_PID_min_max(e.pid, true, metric), e.max) << e.pid;
+        EXPECT_EQ(get_PID_min_max(e.pid, false, imperial), e.imperial_min) << e.pid;
+        EXPECT_EQ(get_PID_min_max(e.pid, true, imperial), e.imperial_max) << e.pid;
+    }
+}
+
+TEST(pid_catalogue, names) {
+    QTemporaryDir folder;
+    const auto write = [&folder](const QString& list, const QByteArray& lines) {
+        QFile file(folder.filePath(list));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(lines);
+    };
+    write("FIELD_PIDS_0.txt", "00 Supported 01-20\n01 Monitor status\n02");
+    write("FIELD_PIDS_3.txt", "60 Supported 61-80\n61 Demand torque");
+    const text_resources lists(folder.path());
+
+    EXPECT_EQ(get_pid_name("01", true, lists), "01 Monitor status");
+    EXPECT_EQ(get_pid_name_with_pid("01", lists), "Monitor status");
+    EXPECT_EQ(get_pid_name("02", false, lists), "");
+    EXPECT_EQ(get_pid_name("03", false, lists), "N/A"); // no such line
+    EXPECT_EQ(get_pid_name("20", false, lists), "N/A"); // no such list
+    EXPECT_EQ(get_pid_name("60", false, lists), "NOT FOUND");
+    EXPECT_EQ(l_get_pid_name("60", false, lists), "Supported 61-80");
+    EXPECT_EQ(l_get_pid_name("61", true, lists), "61 Demand torque");
+    EXPECT_EQ(l_get_pid_name("C0", false, lists), "N/A");
+    for (const auto pid_name : {get_pid_name, l_get_pid_name}) {
+        EXPECT_EQ(pid_name("E4", false, lists), localised("FIELD_ENGINE_MPG", ""));
+        EXPECT_EQ(pid_name("E5", true, lists), localised("FIELD_ENGINE_BOOST", ""));
+    }
+}
+
+// The shipped lists: every name stands on the line of its own PID.
+TEST(pid_catalogue, shipped_names_stand_on_their_lines) {
+    const text_resources lists;
+    for (int pid = 0; pid <= 0xBF; ++pid) {
+        const QString digits = QString::number(pid, 16).rightJustified(2, '0').toUpper();
+        EXPECT_TRUE(l_get_pid_name(digits, true, lists).startsWith(digits)) << digits.toStdString();
+    }
+}
