@@ -1,0 +1,109 @@
+#include "tools/virtual_adapter/framing.h"
+
+#include <gtest/gtest.h>
+
+using namespace virtual_adapter;
+
+namespace {
+
+bytes hex(std::string_view text) {
+    bytes out;
+    for (std::size_t i = 0; i + 1 < text.size(); i += 3)
+        out.push_back(std::uint8_t(std::stoi(std::string(text.substr(i, 2)), nullptr, 16)));
+    return out;
+}
+
+std::string shown(bus kind, const std::vector<answer>& answers, frame_style style = {}) {
+    std::string out;
+    append_frames(out, answers, kind, style);
+    return out;
+}
+
+frame_style with_headers() {
+    frame_style style;
+    style.headers = true;
+    return style;
+}
+
+} // namespace
+
+// Lines that real adapters printed.
+TEST(framing, single_lines_look_like_those_of_real_adapters) {
+    struct {
+        bus kind;
+        std::uint32_t address;
+        const char* data;
+        const char* line;
+    } const rows[] = {
+        {bus::vpw, 0x10, "41 00 BE 3E B8 11", "48 6B 10 41 00 BE 3E B8 11 FA \r"},
+        {bus::vpw, 0x18, "41 00 80 10 80 00", "48 6B 18 41 00 80 10 80 00 C0 \r"},
+        {bus::pwm, 0x17, "41 00 80 00 80 03", "41 6B 17 41 00 80 00 80 03 C9 \r"},
+        {bus::iso9141, 0x17, "41 00 80 00 80 03", "48 6B 17 41 00 80 00 80 03 0E \r"},
+        {bus::iso9141, 0x10, "49 02 01 00 00 00 57", "48 6B 10 49 02 01 00 00 00 57 66 \r"},
+        {bus::kwp, 0x12, "41 0C 00 00", "84 F1 12 41 0C 00 00 D4 \r"},
+        {bus::kwp, 0x10, "7F 01 11", "83 F1 10 7F 01 11 15 \r"},
+        {bus::kwp, 0x10, "46 06 8A 09 60 00 00", "87 F1 10 46 06 8A 09 60 00 00 C7 \r"},
+        {bus::can11, 0x7E8, "43 02 01 33 02 20", "7E8 06 43 02 01 33 02 20 \r"},
+        {bus::can29, 0x18DAF111, "47 02 22 6D 22 6E", "18 DA F1 11 06 47 02 22 6D 22 6E \r"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(shown(row.kind, {{row.address, {hex(row.data)}}}, with_headers()), row.line);
+        EXPECT_EQ(shown(row.kind, {{row.address, {hex(row.data)}}}), row.data + std::string(" \r"));
+    }
+    frame_style style = with_headers();
+    style.pad_single_frames = true;
+    EXPECT_EQ(shown(bus::can11, {{0x7E8, {hex("41 05 46")}}}, style), "7E8 03 41 05 46 00 00 00 00 \r");
+    style.spaces = false;
+    style.linefeeds = true;
+    EXPECT_EQ(shown(bus::can29, {{0x18DAF110, {hex("41 05 46")}}}, style), "18DAF1100341054600000000\r\n");
+}
+
+// The data sheet's example of two ECUs that answer at the same time.
+TEST(framing, long_answers_of_two_ecus_interleave) {
+    const std::vector<answer> both = {
+        {0x7E8, {hex("49 04 01 35 36 30 32 38 39 34 39 41 43 00 00 00 00 00 00")}},
+        {0x7E9, {hex("49 04 01 35 36 30 32 38 39 35 34 41 43 00 00 00 00 00 00")}},
+    };
+    EXPECT_EQ(shown(bus::can11, both, with_headers()),
+              "7E8 10 13 49 04 01 35 36 30 \r7E8 21 32 38 39 34 39 41 43 \r7E9 10 13 49 04 01 35 36 30 \r"
+              "7E8 22 00 00 00 00 00 00 00 \r7E9 21 32 38 39 35 34 41 43 \r7E9 22 00 00 00 00 00 00 00 \r");
+    EXPECT_EQ(shown(bus::can11, both),
+              "013\r0: 49 04 01 35 36 30 \r1: 32 38 39 34 39 41 43 \r013\r0: 49 04 01 35 36 30 \r"
+              "2: 00 00 00 00 00 00 00 \r1: 32 38 39 35 34 41 43 \r2: 00 00 00 00 00 00 00 \r");
+    frame_style few = with_headers();
+    few.most_lines = 2;
+    EXPECT_EQ(shown(bus::can11, both, few), "7E8 10 13 49 04 01 35 36 30 \r7E8 21 32 38 39 34 39 41 43 \r");
+}
+
+TEST(framing, segments_hold_every_byte_and_the_sequence_wraps) {
+    for (const std::size_t length :
+         {std::size_t(8), std::size_t(13), std::size_t(14), std::size_t(118), std::size_t(4095)}) {
+        bytes data(length);
+        for (std::size_t i = 0; i < length; ++i)
+            data[i] = std::uint8_t(i * 7);
+        frame_style style = with_headers();
+        style.padding = 0xAA;
+        const std::string text = shown(bus::can11, {{0x7E8, {data}}}, style);
+        bytes back;
+        std::size_t frames = 0;
+        for (std::size_t start = 0; start < text.size(); ++frames) {
+            const std::size_t end = text.find('\r', start);
+            const bytes line = hex(text.substr(start + 4, end - start - 4));
+            ASSERT_EQ(line.size(), 8u);
+            if (frames == 0)
+                EXPECT_EQ(std::size_t(line[0] << 8 | line[1]), 0x1000 + length);
+            else
+                EXPECT_EQ(line[0], 0x20 + frames % 16);
+            back.insert(back.end(), line.begin() + (frames == 0 ? 2 : 1), line.end());
+            start = end + 1;
+        }
+        ASSERT_GE(back.size(), length);
+        EXPECT_LT(back.size(), length + 7);
+        EXPECT_EQ(bytes(back.begin() + std::ptrdiff_t(length), back.end()),
+                  bytes(back.size() - length, 0xAA));
+        back.resize(length);
+        EXPECT_EQ(back, data);
+    }
+    EXPECT_TRUE(shown(bus::can11, {{0x7E8, {bytes(118, 0x11)}}})
+                    .ends_with("\rF: 11 11 11 11 11 11 11 \r0: 11 11 11 11 11 11 11 \r"));
+}

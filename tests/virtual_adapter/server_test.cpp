@@ -1,0 +1,173 @@
+#include "tools/virtual_adapter/car_catalogue.h"
+#include "tools/virtual_adapter/command_line.h"
+#include "tools/virtual_adapter/virtual_adapter_server.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QTcpSocket>
+
+#include <algorithm>
+#include <array>
+
+using namespace virtual_adapter;
+
+namespace {
+
+void make_application() {
+    static int count = 1;
+    static char name[] = "tests";
+    static char* arguments[] = {name, nullptr};
+    if (QCoreApplication::instance() == nullptr)
+        new QCoreApplication(count, arguments);
+}
+
+// A client on the event loop of the test.
+struct client {
+    QTcpSocket socket;
+    std::string received;
+    int reads = 0;
+
+    explicit client(quint16 port) {
+        QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] {
+            ++reads;
+            received += socket.readAll().toStdString();
+        });
+        socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+        EXPECT_TRUE(wait([this] { return socket.state() == QAbstractSocket::ConnectedState; }));
+    }
+
+    template <typename Done>
+    bool wait(Done done) {
+        const QDeadlineTimer deadline(5000);
+        while (!done() && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        return done();
+    }
+
+    void send(const char* text) { socket.write(text); }
+
+    // Everything up to that many prompts since the last call.
+    std::string replies(int prompts = 1) {
+        wait([&] { return std::count(received.begin(), received.end(), '>') >= prompts; });
+        return std::exchange(received, {});
+    }
+
+    std::string ask(const char* command) {
+        send(command);
+        return replies();
+    }
+};
+
+class server : public testing::Test {
+protected:
+    void SetUp() override {
+        make_application();
+        QString problem;
+        on = load_car(QStringLiteral("can11"), problem);
+        on->set_clock([] { return steady_moment_s; });
+    }
+    quint16 start(const faults& what = {}) {
+        adapter.set_faults(what);
+        return adapter.start(on);
+    }
+
+    std::shared_ptr<car> on;
+    virtual_adapter_server adapter;
+};
+
+} // namespace
+
+TEST_F(server, connections_have_their_own_adapter_and_share_the_car) {
+    client one(start());
+    EXPECT_EQ(one.ask("ATE0\r"), "ATE0\rOK\r\r>");
+    EXPECT_EQ(one.ask("04\r"), "SEARCHING...\r44 \r44 \r\r>");
+    client two(adapter.start(on)); // a new start closes the old connections
+    EXPECT_TRUE(one.wait([&] { return one.socket.state() == QAbstractSocket::UnconnectedState; }));
+    client three(quint16(two.socket.peerPort()));
+    EXPECT_EQ(two.ask("ATE0\r"), "ATE0\rOK\r\r>");
+    EXPECT_EQ(three.ask("03\r"), "03\rSEARCHING...\r43 00 \r43 00 \r\r>");
+    EXPECT_EQ(two.reads, 1);
+    two.send("ATRV\r010D\r"); // in one write: answered one after the other
+    EXPECT_EQ(two.replies(2), "14.1V\r\r>SEARCHING...\r41 0D 3C \r41 0D 3C \r\r>");
+}
+
+TEST_F(server, a_character_stops_a_delayed_reply) {
+    client slow(start({.delay_ms = 40}));
+    EXPECT_EQ(slow.ask("ATE0\r"), "ATE0\rOK\r\r>");
+    slow.send("010D\r");
+    slow.send("xATRV\r"); // the interrupting character is lost
+    EXPECT_EQ(slow.replies(2), "STOPPED\r\r>14.1V\r\r>");
+}
+
+TEST_F(server, a_late_reply_holds_up_the_next) {
+    client held(start({.late_reply = 2, .late_ms = 40}));
+    held.ask("ATE0\r");
+    held.send("ATRV\r");
+    held.send("ATI\r");
+    EXPECT_EQ(held.replies(2), "14.1V\r\r>ELM327 v1.5\r\r>");
+}
+
+TEST_F(server, every_byte_by_itself) {
+    client thin(start({.split = true}));
+    EXPECT_EQ(thin.ask("ATE0\r"), "ATE0\rOK\r\r>");
+    EXPECT_GT(thin.reads, 5);
+}
+
+TEST_F(server, the_link_is_cut) {
+    client cut(start({.cut_after = 2}));
+    cut.ask("ATE0\r");
+    EXPECT_EQ(cut.ask("ATRV\r"), "14.1V\r\r>");
+    EXPECT_TRUE(cut.wait([&] { return cut.socket.state() == QAbstractSocket::UnconnectedState; }));
+    client again(start({.reset_closes = true}));
+    again.send("at z\r");
+    EXPECT_TRUE(again.wait([&] { return again.socket.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_EQ(again.received, "");
+}
+
+TEST(fault_line, what_becomes_of_four_exchanges) {
+    struct {
+        const char* name;
+        faults what;
+        std::array<const char*, 4> sent;
+    } const rows[] = {
+        {"none", {}, {"A\rB\r\r>", "A\rB\r\r>", "A\rB\r\r>", "A\rB\r\r>"}},
+        {"one line", {.lose_line = 3}, {"A\rB\r\r>", "B\r\r>", "A\rB\r\r>", "A\rB\r\r>"}},
+        {"every third", {.lose_every = 3}, {"A\rB\r\r>", "B\r\r>", "A\r\r>", "A\rB\r\r>"}},
+        {"glued", {.glue_reply = 2}, {"A\rB\r\r>", "", "A\rB\r\r>A\rB\r\r>", "A\rB\r\r>"}},
+        {"silent", {.silent_from = 3}, {"A\rB\r\r>", "A\rB\r\r>", "", ""}},
+        {"noise before",
+         {.garbage_before = "?", .garbage_every = 2},
+         {"A\rB\r\r>", "?A\rB\r\r>", "A\rB\r\r>", "?A\rB\r\r>"}},
+        {"noise inside", {.garbage_inside = "#"}, {"A\rB#\r\r>", "A\rB#\r\r>", "A\rB#\r\r>", "A\rB#\r\r>"}},
+    };
+    for (const auto& row : rows) {
+        fault_line line(row.what);
+        for (const char* expected : row.sent)
+            EXPECT_EQ(line.pass({"0100", "", "A\rB\r\r>"}).text, expected) << row.name;
+    }
+    fault_line linefeeds({.lose_line = 1});
+    EXPECT_EQ(linefeeds.pass({"0100", "0100\r\n", "A\r\nB\r\n\r\n>"}).text, "0100\r\nB\r\n\r\n>");
+}
+
+TEST(command_line, is_checked) {
+    make_application();
+    const auto read = [](QStringList words) {
+        return read_command_line(words << QStringLiteral("--port=0"));
+    };
+    for (const char* bad : {"--nonsense", "stray", "--delay=-1", "--delay=x", "--listen=nowhere", "--late=3",
+                            "--late=1:2:3", "--protocol=D", "--port"})
+        EXPECT_FALSE(read({QStringLiteral("program"), QString::fromLatin1(bad)}).mistake.isEmpty()) << bad;
+    const wishes good =
+        read({QStringLiteral("program"), QStringLiteral("--late=3:250"), QStringLiteral("--protocol=A3"),
+              QStringLiteral("--refuse=at rv"), QStringLiteral("--still")});
+    EXPECT_EQ(good.mistake, QString());
+    EXPECT_EQ(good.what.late_reply, 3);
+    EXPECT_EQ(good.what.late_ms, 250);
+    EXPECT_EQ(good.what.refused, std::vector<std::string>{"ATRV"});
+    EXPECT_TRUE(good.still && good.options.stored_automatic);
+    EXPECT_EQ(good.options.stored_protocol, 3);
+    EXPECT_TRUE(read({QStringLiteral("program"), QStringLiteral("--list-cars")})
+                    .print_and_leave.contains(QStringLiteral("can11")));
+}

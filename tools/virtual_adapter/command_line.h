@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tools/virtual_adapter/faults.h"
+
+#include <QHostAddress>
+#include <QString>
+#include <QStringList>
+
+namespace virtual_adapter {
+
+// What the command line of the program asks for.
+struct wishes {
+    QString mistake;         // why the command line cannot be used; empty when it can
+    QString print_and_leave; // help, version or list of cars; empty to serve
+    QHostAddress address;
+    quint16 port = 0;
+    QString car;
+    bool still = false;
+    bool log = false;
+    adapter_options options;
+    faults what;
+};
+
+// `arguments` begin with the name of the program.
+wishes read_command_line(const QStringList& arguments);
+
+} // namespace virtual_adapter
