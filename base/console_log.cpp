@@ -1,18 +1,25 @@
 #include "base/console_log.h"
 
-#include <QByteArray>
+#include <QCoreApplication>
 #include <QFile>
+#include <QThread>
+#include <QTimer>
 #include <QtGlobal>
+#include <chrono>
 #include <cstdio>
 
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr qint64 largest_log = 8 * 1024 * 1024;
+constexpr std::chrono::seconds held_back_at_most{1};
 
 struct log_sink {
     FILE* stream = stderr;
     QByteArray path;
     qint64 written = 0;
+    steady_clock::time_point next_flush; // no flush is on its way once this is over
 
     void open_next() {
         std::fclose(stream);
@@ -21,15 +28,41 @@ struct log_sink {
         written = 0;
     }
 
-    void write(const QByteArray& line) {
+    void write(std::initializer_list<QByteArrayView> pieces) {
         if (!stream)
             return;
-        std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stream);
-        std::fputc('\n', stream);
-        std::fflush(stream);
-        written += line.size() + 1;
+        for (const QByteArrayView piece : pieces)
+            put(piece);
+        put("\n");
         if (!path.isEmpty() && written > largest_log)
-            open_next();
+            return open_next();
+        if (path.isEmpty() || !flush_later())
+            flush();
+    }
+
+    void flush() {
+        if (stream)
+            std::fflush(stream);
+    }
+
+private:
+    void put(QByteArrayView text) {
+        std::fwrite(text.data(), 1, static_cast<size_t>(text.size()), stream);
+        written += text.size();
+    }
+
+    // A line of its own to the disk costs as much as the command it tells of. False where no event loop will
+    // come round to it.
+    bool flush_later() {
+        QCoreApplication* application = QCoreApplication::instance();
+        if (!application || QThread::currentThread() != application->thread())
+            return false;
+        const auto now = steady_clock::now();
+        if (now >= next_flush) {
+            next_flush = now + held_back_at_most;
+            QTimer::singleShot(held_back_at_most, application, flush_console_log);
+        }
+        return true;
     }
 };
 
@@ -38,14 +71,24 @@ log_sink& sink() {
     return the_sink;
 }
 
-void take_qt_message(QtMsgType, const QMessageLogContext&, const QString& message) {
+void take_qt_message(QtMsgType type, const QMessageLogContext&, const QString& message) {
     console_log(message);
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        flush_console_log();
 }
 
 } // namespace
 
 void console_log(const QString& line) {
-    sink().write(line.toUtf8());
+    console_log_utf8({line.toUtf8()});
+}
+
+void console_log_utf8(std::initializer_list<QByteArrayView> pieces) {
+    sink().write(pieces);
+}
+
+void flush_console_log() {
+    sink().flush();
 }
 
 bool redirect_console_log(const QString& file) {

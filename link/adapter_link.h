@@ -1,0 +1,98 @@
+#pragma once
+
+#include "base/process_state.h"
+#include "base/screen.h"
+#include "base/timers.h"
+#include "link/connect_watchdog.h"
+#include "link/exchange.h"
+#include "link/task_controller.h"
+#include "link/transport.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+
+// The one link to the adapter, for the life of the process: it opens and closes the transport, carries commands
+// and replies through the exchange, and tells the current task controller what happens. Everything runs on the
+// main thread. The process state, the timers and the screen outlive it.
+class adapter_link : public QObject, private exchange_owner {
+    Q_OBJECT
+
+public:
+    using transport_maker = std::function<std::unique_ptr<transport>(const process_state&)>;
+
+    // `make_transport` builds the transport for the interface kind of the process state, anew for each kind.
+    adapter_link(process_state& process, timers& time_source, screen& its_screen, transport_maker make_transport);
+    ~adapter_link() override;
+
+    // The controller that gets replies; the one before leaves its operation first. May be null.
+    void set_controller(task_controller* controller);
+    task_controller* mainViewController() const { return controller; }
+
+    // Opens the link. True when it is up, so that the operation may start at once; false when it is still opening
+    // (the controller's work_current_task() is called when it is up) or could not be opened.
+    bool openInterfaceConnection();
+    // Closes it, whatever its state.
+    void disconnect();
+    // Gives up a link that is still opening; an open one stays.
+    void stop_opening();
+    bool is_connected() const { return link && link->state() == transport::condition::open; }
+    bool is_opening() const { return link && link->state() == transport::condition::opening; }
+
+    // See exchange.
+    void sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr);
+    void sendOBDcmd(const QString& command);
+    // Sends the command in flight again under its own time-out: what a step does when it is redone.
+    void send_again() { traffic.send_again(); }
+    // True inside work_current_task() when the current step is to be redone after a time-out.
+    bool is_redo() const { return redo; }
+
+    void l_set_status_msg(const QString& status);
+    void l_set_toast_msg(const QString& toast);
+    void l_work_current_task(const QString& status);
+    void l_leave_cur_op_gracefully(const QString& status);
+    void stop_timers();
+    // No reply is awaited any more: the operation is over.
+    void abandon_command() { traffic.abandon(); }
+    void pop_a_messy(const QString& text) override;
+
+Q_SIGNALS:
+    // The link opened, closed or began to open; or what stands at its far end became known.
+    void condition_changed();
+
+private:
+    // exchange_owner
+    void transmit(const QByteArray& command) override;
+    void show_status(const QString& status) override { l_set_status_msg(status); }
+    void reply_refused() override { l_leave_cur_op_gracefully(QStringLiteral("")); }
+    void reply_arrived(const QString& reply) override;
+    void redo_current_step() override;
+    void command_unanswered() override;
+
+    void make_sure_of_transport();
+    bool openTCP_socky();
+    void forget_adapter();
+    void link_opened();
+    void link_failed(const QString& reason);
+    void link_closed();
+    void still_waiting(int tick, bool quiet);
+    void never_opened();
+
+    process_state& state;
+    timers& clock;
+    screen& view;
+    transport_maker maker;
+    exchange traffic;
+    connect_watchdog watchdog;
+    std::unique_ptr<transport> link;
+    int link_kind = 0;
+    task_controller* controller = nullptr;
+    bool redo = false;
+
+    timer_handle first_task; // the first task of a connection starts a moment after it opened
+    timer_handle late_toast_clearing;
+    timer_handle late_message;
+};
+
+// The transport for the state's interface kind, null for one that is not available.
+std::unique_ptr<transport> make_transport(const process_state& process);

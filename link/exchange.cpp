@@ -1,0 +1,195 @@
+#include "link/exchange.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "obd/reply_text.h"
+
+namespace {
+
+constexpr int default_timeout_secs = 3;
+constexpr int longest_timeout_secs = 600;
+constexpr int timeouts_before_giving_up = 4;
+
+// The whole seconds of a time-out suffix; 3 for one that is no positive number.
+int seconds_of_suffix(const QString& suffix) {
+    bool ok = false;
+    const double seconds = suffix.trimmed().toDouble(&ok);
+    return ok && seconds >= 1 && seconds <= longest_timeout_secs ? static_cast<int>(seconds)
+                                                                  : default_timeout_secs;
+}
+
+} // namespace
+
+exchange::exchange(process_state& process, timers& time_source, exchange_owner& its_owner)
+    : state(process), clock(time_source), owner(its_owner) {}
+
+void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
+    cur_expectedReply = expectedReply;
+    cur_reply_has_hdr = msg_has_hdr;
+    state.cmd_timeout_secs = default_timeout_secs;
+    const qsizetype bar = command.indexOf(QLatin1Char('|'));
+    if (bar < 0) {
+        cur_cmd = command;
+    } else {
+        cur_cmd = command.first(bar) + QLatin1Char('\r');
+        state.cmd_timeout_secs = seconds_of_suffix(command.sliced(bar + 1));
+    }
+    sendOBDcmd(QString(cur_cmd));
+}
+
+void exchange::sendOBDcmd(const QString& command) {
+    const QByteArray bytes = command.toUtf8();
+    console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
+    if (state.cur_op == op_expert) {
+        cur_cmd = command;
+        // Whatever was sent may have changed the adapter: the next operation starts from a reset.
+        state.adapter_ready = false;
+        state.adapter_known = false;
+    }
+    state.rx_accum.clear(); // text that came before the command cannot answer it
+    in_flight = true;
+    ++outstanding;
+    // Armed before writing: a simulated reply arrives inside the write.
+    obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
+    owner.transmit(bytes);
+}
+
+void exchange::abandon() {
+    stop_timer();
+    if (in_flight)
+        unanswered = in_force();
+    in_flight = false;
+    state.timeout_retry_count = 0;
+}
+
+void exchange::reset() {
+    abandon();
+    state.rx_accum.clear();
+    state.rx_reply.clear();
+    state.reply_pending = 0;
+    cur_cmd.clear();
+    unanswered = {};
+    outstanding = 0;
+}
+
+// The reply up to the first prompt; what follows it, up to the next prompt, stays in the buffer.
+QString exchange::cut_reply(QByteArrayView bytes, qsizetype prompt) {
+    state.rx_accum.append(bytes.first(prompt + 1));
+    std::swap(state.rx_reply, state.rx_accum);
+    state.rx_accum.clear();
+
+    const QByteArrayView rest = bytes.sliced(prompt + 1);
+    const qsizetype next_prompt = rest.indexOf('>');
+    state.rx_accum.append(next_prompt < 0 ? rest : rest.first(next_prompt));
+    return QString::fromUtf8(state.rx_reply.text());
+}
+
+void exchange::handleOBDRcvdNotification(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    console_log_utf8({"delegate:handleOBDRcvd<<<<<<<<< [", bytes, "]"});
+    QByteArrayView rest = bytes;
+    for (;;) {
+        const qsizetype prompt = rest.indexOf('>');
+        if (prompt < 0)
+            return state.rx_accum.append(rest);
+        if (!take_reply(rest, prompt))
+            return;
+        rest = rest.sliced(prompt + 1);
+        state.rx_accum.clear();
+    }
+}
+
+// Works on the text up to the prompt. True when it was a late reply, so that the next one is still looked at.
+bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
+    stop_timer();
+    state.timeout_retry_count = 0;
+    state.reply_pending = 0;
+    const QString raw = cut_reply(bytes, prompt);
+    outstanding = std::max(0, outstanding - 1);
+    if (!in_flight && state.cur_op != op_expert)
+        return true; // its operation is over
+
+    const bool is_cut = state.rx_reply.is_cut();
+    if (is_cut)
+        console_log(QStringLiteral("handleOBDRcvdNotification: reply longer than %1 bytes, not decoded")
+                        .arg(rx_buffer::limit));
+    // A reply that was cut is never decoded: what follows sees an empty one.
+    return check_reply(is_cut ? QString() : prepReply(raw), raw);
+}
+
+// True when the reply is a late one to an earlier try, so that the next prompt is the one to wait for.
+bool exchange::check_reply(const QString& reply, const QString& raw) {
+    switch (check_initial_car_reply(reply)) {
+    case car_reply::no_reply_from_car:
+        owner.show_status(localised(QStringLiteral("no_reply_from_car_MSG")));
+        owner.pop_a_messy(localised(QStringLiteral("no_reply_from_car_MSG")));
+        return owner.reply_refused(), false;
+    case car_reply::init_error:
+        owner.pop_a_messy(localised(QStringLiteral("init_OBD_error_MSG")));
+        return owner.reply_refused(), false;
+    case car_reply::accepted: break;
+    }
+    if (state.cur_op == op_expert || cur_cmd.isEmpty())
+        return hand_on(reply), false;
+
+    // Some commands take any answer, an empty one too, but none that was cut.
+    reply_verdict verdict = state.rx_reply.is_cut()
+                                ? unconfirmed(state.no_confirm_count)
+                                : work_a_rcvdOBD_cmd(reply, in_force(), state.cur_protocol, state.no_confirm_count);
+    state.obd_msgs = std::move(verdict.obd_msgs);
+    if (verdict.result == reply_retry && outstanding > 0) {
+        // Sending once more would leave the exchange one reply behind for good.
+        obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
+        return true;
+    }
+    state.no_confirm_count = verdict.no_confirm_count;
+    switch (verdict.result) {
+    case reply_accepted:
+        // Adapters answer in order: once a later command is answered, no reply to an earlier one can come.
+        // A reply that answers both leaves it open whose it was.
+        if (answers_unanswered(reply)) {
+            unanswered = in_force();
+        } else {
+            unanswered = {};
+            outstanding = 0;
+        }
+        hand_on(reply);
+        break;
+    case reply_retry:
+        owner.show_status(QStringLiteral("Didn't get a confirmation from interface ... Trying again"));
+        send_again();
+        break;
+    default:
+        if (state.warn_no_reply != -1 && !raw.contains(QLatin1Char('?')))
+            owner.pop_a_messy(QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
+                                             "Check pairing/connections"));
+        state.warn_no_reply = -1;
+        hand_on(no_reply);
+    }
+    return false;
+}
+
+// An "OK" may be the late reply to an earlier command although it answers this one too.
+bool exchange::answers_unanswered(const QString& reply) const {
+    return !unanswered.text.isEmpty() &&
+           work_a_rcvdOBD_cmd(reply, unanswered, state.cur_protocol, 0).result == reply_accepted;
+}
+
+void exchange::hand_on(const QString& reply) {
+    in_flight = false;
+    owner.reply_arrived(reply);
+}
+
+void exchange::obdTimedOutHandler() {
+    console_log(QStringLiteral("Timed out handler here"));
+    stop_timer();
+    if (state.timeout_retry_count >= timeouts_before_giving_up) {
+        state.timeout_retry_count = 0;
+        return owner.command_unanswered();
+    }
+    unanswered = in_force();
+    ++state.timeout_retry_count;
+    owner.show_status(fill(QStringLiteral("OBD Cmd: (%s:%s) Timed out!! \n    Retrying...%d/4"),
+                           {state.wifi_ip, state.wifi_port, QString::number(state.timeout_retry_count)}));
+    owner.redo_current_step();
+}

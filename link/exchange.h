@@ -1,0 +1,73 @@
+#pragma once
+
+#include "base/process_state.h"
+#include "base/timers.h"
+#include "link/reply_check.h"
+
+// What the exchange asks of its owner.
+class exchange_owner {
+public:
+    virtual ~exchange_owner() = default;
+    virtual void transmit(const QByteArray& command) = 0;
+    virtual void show_status(const QString& status) = 0;
+    virtual void pop_a_messy(const QString& text) = 0;
+    // The adapter's words say that the operation cannot go on.
+    virtual void reply_refused() = 0;
+    // A reply to the command in flight, or "~".
+    virtual void reply_arrived(const QString& reply) = 0;
+    // No prompt came in time: the current step is to be redone.
+    virtual void redo_current_step() = 0;
+    // It did not come in time five times.
+    virtual void command_unanswered() = 0;
+};
+
+// The command in flight: sent, timed, its reply cut at ">", normalised, checked, asked again or given up. At most
+// one command waits for a reply at any time; only its reply is handed on. Lives as long as its owner and the
+// process state it works on.
+class exchange {
+public:
+    exchange(process_state& process, timers& time_source, exchange_owner& its_owner);
+
+    // Sends a command ("01 00\r") that may carry its own time-out in seconds ("01 00|12.0\r"; 3 without one).
+    // `expectedReply`: alternatives separated by "|", or null for a reply that is checked by message.
+    void sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr);
+    // Sends the text as it is, under the time-out in force; the expert console's way, and how a command is sent again.
+    void sendOBDcmd(const QString& command);
+    void send_again() { sendOBDcmd(cur_cmd); }
+
+    // Text from the adapter, in pieces of any size.
+    void handleOBDRcvdNotification(const QString& text);
+
+    void stop_timer() { obdTimeOutTimer.reset(); }
+    // No reply is awaited any more; one that still comes is dropped.
+    void abandon();
+    // A fresh or a closed link: nothing sent, nothing received.
+    void reset();
+
+    bool is_in_flight() const { return in_flight; }
+    const QString& current_command() const { return cur_cmd; }
+
+private:
+    void obdTimedOutHandler();
+    bool take_reply(QByteArrayView bytes, qsizetype prompt);
+    QString cut_reply(QByteArrayView bytes, qsizetype prompt);
+    bool check_reply(const QString& reply, const QString& raw);
+    bool answers_unanswered(const QString& reply) const;
+    void hand_on(const QString& reply);
+    sent_command in_force() const { return {cur_cmd, cur_expectedReply, cur_reply_has_hdr}; }
+
+    process_state& state;
+    timers& clock;
+    exchange_owner& owner;
+
+    QString cur_cmd;
+    QString cur_expectedReply;
+    bool cur_reply_has_hdr = false;
+    timer_handle obdTimeOutTimer;
+    bool in_flight = false;
+
+    // Commands written whose prompt has not come. More than one after a time-out: the reply to the first try may
+    // still come, ahead of the reply to the second.
+    int outstanding = 0;
+    sent_command unanswered; // the last one that timed out or was abandoned, and may still be answered
+};

@@ -1,0 +1,107 @@
+#include "link/reply_check.h"
+
+#include "base/console_log.h"
+#include "obd/obd_messages.h"
+#include "obd/reply_text.h"
+
+namespace {
+
+constexpr int retries = 3;
+
+bool is_hex_digit(QChar c) {
+    const ushort u = c.unicode();
+    return (u >= '0' && u <= '9') || (u >= 'a' && u <= 'f') || (u >= 'A' && u <= 'F');
+}
+
+bool at_command_confirmed(const QString& reply, const sent_command& command) {
+    // A voltage is matched by "^(\d*\.?\d*V?)", which matches the empty text too: any answer will do.
+    if (command.text.contains(QLatin1String("AT RV")))
+        return true;
+    // A protocol number that was found automatically: "A" and a hex digit.
+    if (command.text.contains(QLatin1String("AT DPN")))
+        return reply.size() >= 2 && reply.at(0).toUpper() == QLatin1Char('A') && is_hex_digit(reply.at(1));
+    return string_has_Tokens(reply, command.expectedReply);
+}
+
+// "01 00|12.0\r" gives "0100".
+QString digits_of_request(const QString& command) {
+    QString digits;
+    digits.reserve(command.size());
+    for (const QChar c : command) {
+        if (c == QLatin1Char('|'))
+            break;
+        if (c != QLatin1Char('\r') && c != QLatin1Char(' '))
+            digits += c;
+    }
+    return digits;
+}
+
+// A request answered with headers shown: the first ECU's data must begin with the answer to this very request.
+bool message_confirmed(const QString& reply, const sent_command& command, int protocol, obd_messages& messages) {
+    if (protocol == -1 || reply == QLatin1String("?"))
+        return true;
+    messages = pullObdMsgs(reply, protocol);
+    // Without a group (protocol 0, before the car was found) the reply itself is tested.
+    const obd_groups groups = pullObdMsgsGrouped(messages, protocol);
+    const QString tested =
+        groups.isEmpty() ? reply : l_pullOBDFromSingleGroupedMsg(groups.first().pidSet, protocol);
+    const QString request = digits_of_request(command.text);
+    return tested.size() >= request.size() && tested.startsWith(QLatin1Char('4')) &&
+           QStringView(tested).mid(1).startsWith(QStringView(request).mid(1));
+}
+
+bool confirmed(const QString& reply, const sent_command& command, int protocol, obd_messages& messages) {
+    if (reply.contains(u"NODATA")) {
+        console_log(QStringLiteral("work_a_rcvdOBD_cmd:No data"));
+        return true; // the controller decides what no data means
+    }
+    if (command.text.contains(u"AT"))
+        return at_command_confirmed(reply, command);
+    if (command.has_header)
+        return message_confirmed(reply, command, protocol, messages);
+    return string_has_Tokens(reply, command.expectedReply);
+}
+
+} // namespace
+
+reply_verdict unconfirmed(int no_confirm_count) {
+    if (no_confirm_count >= retries)
+        return {.result = reply_given_up, .no_confirm_count = 0, .obd_msgs = {}};
+    return {.result = reply_retry, .no_confirm_count = no_confirm_count + 1, .obd_msgs = {}};
+}
+
+reply_verdict work_a_rcvdOBD_cmd(const QString& reply, const sent_command& command, int protocol,
+                                 int no_confirm_count) {
+    obd_messages messages;
+    reply_verdict verdict = unconfirmed(no_confirm_count);
+    if (confirmed(reply, command, protocol, messages))
+        verdict = {.result = reply_accepted, .no_confirm_count = 0, .obd_msgs = {}};
+    if (verdict.result != reply_given_up)
+        verdict.obd_msgs = std::move(messages);
+    return verdict;
+}
+
+QString positive_reply_of(const QString& command) {
+    const QString request = digits_of_request(command).toUpper();
+    if (request.startsWith(QLatin1String("AT")))
+        return QStringLiteral("OK");
+    const unsigned service = convertStr2Byte(QStringView(request).left(2));
+    qsizetype echoed = request.size() - 2;
+    if (service == 0x02)
+        echoed = 2; // the frame number is echoed after the PID, not looked at
+    else if (service == 0x22)
+        echoed = 4;
+    return convertByte2HexStr((service + 0x40) & 0xFF) + request.mid(2, std::max<qsizetype>(0, echoed));
+}
+
+car_reply check_initial_car_reply(const QString& reply) {
+    // The words keep their blanks although a normalised reply has none: on the receiving path neither is
+    // ever refused, and the reply check and its retries deal with them.
+    if (!reply.contains(u' '))
+        return car_reply::accepted;
+    if (reply.contains(u"UNABLE TO CONNECT"))
+        return car_reply::no_reply_from_car;
+    if (reply.contains(u"BUS INIT:") && reply.contains(u"ERROR"))
+        return car_reply::init_error;
+    return car_reply::accepted;
+}

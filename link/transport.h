@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+// One connection to an adapter. Wi-Fi, Bluetooth and the simulated adapter are siblings behind it.
+//
+//   closed --open()--> opening --opened()--> open --close() or closed()--> closed
+//
+// open() while opening or open does nothing. failed() may come while opening (the transport is closed again and
+// can be opened anew) and while open (closed() follows). close() emits nothing. Signals may be emitted inside
+// open() and write().
+class transport : public QObject {
+    Q_OBJECT
+
+public:
+    enum class condition { closed, opening, open };
+
+    virtual condition state() const = 0;
+    virtual void open() = 0;
+    virtual void close() = 0;
+    // Writes the command, which ends in "\r", whole. Nothing is written unless the transport is open.
+    virtual void write(const QByteArray& command) = 0;
+
+Q_SIGNALS:
+    void opened();
+    // Text from the adapter as it came; a reply may be split over several.
+    void OBDevent(const QString& text);
+    // `reason`: a description for the person.
+    void failed(const QString& reason);
+    // What came could not be read. The transport stays as it is.
+    void read_failed(const QString& reason);
+    // The far end closed the connection, or it broke.
+    void closed();
+};

@@ -1,0 +1,228 @@
+#include "tests/link/link_bench.h"
+
+// One command and its reply: what comes is cut, checked, asked for again, given up, timed.
+
+class exchange_of : public link_test {
+protected:
+    exchange_of() { open(); }
+};
+
+TEST_F(exchange_of, a_reply_ends_at_the_prompt) {
+    ask("AT I", "ELM");
+    const QString reply = "ELM327 v1.5\r\r>";
+    for (const QChar character : reply) {
+        EXPECT_EQ(heard(), "");
+        adapter->receive(character);
+    }
+    EXPECT_EQ(heard(), "reply ELM327v1.5");
+
+    const std::array<std::array<QString, 4>, 7> rows{{
+        // command, expected, received, heard
+        {"AT I", "ELM", "ELM1\r>rest", "reply ELM1"},
+        {"AT I", "ELM", "ELM2>ELM3\r>ELM4", "reply ELM2"},
+        {"AT I", "ELM", "\r\nELM5\r\n>", "reply ELM5"},
+        {"AT I", "ELM", "ELM6\rmore>", "reply ELM6\rmore"},
+        {"01 00", "4100", "SEARCHING...\r41 00 BE\r\r>", "reply 4100BE"},
+        {"01 00", "4100", "BUS INIT: ...OK\r41 00 BE\r\r>", "reply BUSINIT:OK\r4100BE"},
+        {"01 00", "4100", "NO DATA\r\r>", "reply NODATA"},
+    }};
+    for (const auto& [command, expected, received, told] : rows) {
+        ask(command, expected); // what came before the command does not answer it
+        adapter->receive(received);
+        EXPECT_EQ(heard(), told) << received.toStdString();
+    }
+}
+
+TEST_F(exchange_of, the_text_after_a_prompt_stays) {
+    ask("AT I", "ELM");
+    adapter->receive("ELM>4100>4120>");
+    EXPECT_EQ(state.rx_accum.text(), "4100"); // up to the next prompt
+    adapter->receive("BE>");
+    EXPECT_EQ(heard(), "reply ELM"); // no command was waiting for it
+    EXPECT_TRUE(state.rx_accum.is_empty());
+}
+
+TEST_F(exchange_of, an_oversize_reply_is_not_decoded) {
+    const QString much = QString("7E8064100BE3FA813\r").repeated(1000);
+    ask("01 00", "4100");
+    adapter->receive(much);
+    EXPECT_LE(state.rx_accum.size(), rx_buffer::limit);
+    adapter->receive(much + ">");
+    EXPECT_EQ(heard(), "");
+    EXPECT_EQ(sent(), "01 00, 01 00");
+    adapter->receive("4100BE>");
+    ask("AT RV", "8|9|1"); // takes any text, but not this one
+    adapter->receive(much + ">");
+    EXPECT_EQ(sent(), "AT RV, AT RV");
+    adapter->receive("12.3V>");
+    EXPECT_EQ(heard(), "reply 4100BE, reply 12.3V");
+    ask("01 00", "4100"); // as large as allowed
+    const QString most = much.first(rx_buffer::limit - 1);
+    adapter->receive(most + ">");
+    EXPECT_TRUE(heard().startsWith("reply 7E80641"));
+}
+
+TEST_F(exchange_of, an_unconfirmed_command_is_sent_three_times_more) {
+    for (const auto& [word, boxes] : {std::pair("STOPPED", 1), std::pair("STOPPED", 0), std::pair("?", 0)}) {
+        view.events.clear();
+        if (boxes == 1)
+            state.warn_no_reply = 1; // else it was shown already
+        ask("01 00|12.0", "4100");
+        for (int tries = 1; tries <= 4; ++tries) {
+            EXPECT_EQ(sent(), "01 00");
+            EXPECT_EQ(heard(), "");
+            clock.advance(11999); // the time-out of the command holds for each try
+            adapter->receive(QString(word) + "\r\r>");
+        }
+        EXPECT_EQ(heard(), "reply ~");
+        EXPECT_EQ(sent(), "");
+        EXPECT_EQ(view.events.count("status: Didn't get a confirmation from interface ... Trying again"), 3);
+        EXPECT_EQ(view.events
+                      .filter("message: Retried 3 times and Did not get a reply from interface.  Check "
+                              "pairing/connections")
+                      .size(),
+                  boxes);
+        EXPECT_TRUE(state.obd_msgs.isEmpty());
+        EXPECT_EQ(state.no_confirm_count, 0);
+    }
+    state.warn_no_reply = 1; // a "?" keeps the box away by itself
+    view.events.clear();
+    ask("AT I", "ELM");
+    for (int tries = 1; tries <= 4; ++tries)
+        adapter->receive("?\r\r>");
+    EXPECT_TRUE(view.events.filter("message").isEmpty());
+    EXPECT_EQ(state.warn_no_reply, -1);
+}
+
+TEST_F(exchange_of, an_accepted_reply_ends_the_run_of_refused_ones) {
+    for (int times = 0; times < 5; ++times) {
+        ask("AT I", "ELM");
+        adapter->receive("#>");
+        adapter->receive("ELM>");
+        EXPECT_EQ(heard(), "reply ELM");
+    }
+}
+
+TEST_F(exchange_of, time_outs) {
+    const std::pair<const char*, int> rows[] = {
+        {"AT I", 3},     {"AT I|12.0", 12}, {"AT I", 3},      {"AT I|12.9", 12}, {"AT I|0", 3},
+        {"AT I|0.9", 3}, {"AT I|-5", 3},    {"AT I|x", 3},    {"AT I|", 3},      {"AT I|nan", 3},
+        {"AT I|5|7", 3}, {"AT I|1e99", 3},  {"AT I|12,5", 3}, {"AT I| 7 ", 7},   {"AT I|600", 600},
+    };
+    for (const auto& [command, seconds] : rows) {
+        ask(command, "ELM");
+        EXPECT_EQ(sent(), "AT I") << command;
+        clock.advance(seconds * 1000 - 1);
+        EXPECT_EQ(sent(), "") << command;
+        clock.advance(1);
+        EXPECT_EQ(sent(), "AT I") << command;
+        adapter->receive("ELM>ELM>");
+        EXPECT_EQ(heard(), "reply ELM") << command;
+    }
+}
+
+TEST_F(exchange_of, five_time_outs_close_the_link) {
+    ask("AT I", "ELM");
+    for (int n = 1; n <= 4; ++n) {
+        clock.advance(3000);
+        EXPECT_EQ(sent(), n == 1 ? "AT I, AT I" : "AT I");
+        EXPECT_EQ(view.last("status"),
+                  QString("OBD Cmd: (192.168.0.10:35000) Timed out!! \\n    Retrying...%1/4").arg(n));
+    }
+    forget();
+    state.adapter_ready = true;
+    clock.advance(3000);
+    EXPECT_EQ(heard(), "leave");
+    EXPECT_EQ(view.events.join(", "), "beep: ");
+    EXPECT_FALSE(link.is_connected() || state.adapter_ready);
+    clock.advance(499);
+    EXPECT_EQ(view.events.size(), 1);
+    clock.advance(1);
+    EXPECT_EQ(view.last("message"), localised("DLG_4_TIMEOUTS_CHECK").replace('\n', "\\n"));
+    EXPECT_EQ(clock.running(), 0u);
+    open(); // and the next link counts from the start
+    ask("AT I", "ELM");
+    clock.advance(3000);
+    EXPECT_TRUE(view.last("status").endsWith("1/4"));
+}
+
+TEST_F(exchange_of, late_replies_do_not_put_it_one_behind) {
+    // Three tries of "01 0C"; all three answers come, late, and in between "01 0D" is asked for.
+    const QString rpm = "410C1AF8\r\r>";
+    ask("01 0C", "410C");
+    clock.advance(6000);
+    adapter->receive(rpm);
+    EXPECT_EQ(heard(), "reply 410C1AF8");
+    ask("01 0D", "410D");
+    sent();
+    adapter->receive(rpm.first(5));
+    adapter->receive(rpm.sliced(5) + rpm + "410D3C\r\r>");
+    EXPECT_EQ(heard(), "reply 410D3C");
+    for (int n = 0; n < 3; ++n) { // back in step: an unconfirmed reply is asked for again at once
+        ask("01 0C", "410C");
+        adapter->receive("#>");
+        adapter->receive(rpm);
+        EXPECT_EQ(heard(), "reply 410C1AF8");
+        EXPECT_EQ(sent(), "01 0C, 01 0C");
+    }
+    // The first answer was lost for good: waiting for it ends with the time-out.
+    ask("01 0C", "410C");
+    clock.advance(3000);
+    adapter->receive(rpm);
+    ask("01 0D", "410D");
+    heard(), sent();
+    adapter->receive("#>");
+    EXPECT_EQ(sent(), "");
+    clock.advance(3000);
+    EXPECT_EQ(sent(), "01 0D");
+    adapter->receive("410D3C>");
+    EXPECT_EQ(heard(), "reply 410D3C");
+}
+
+TEST_F(exchange_of, replies_are_dropped_when_nobody_waits) {
+    ask("AT I", "ELM");
+    link.l_leave_cur_op_gracefully("");
+    EXPECT_EQ(heard(), "leave");
+    EXPECT_EQ(clock.running(), 0u);
+    adapter->receive("ELM>");
+    EXPECT_EQ(heard(), "");
+    ask("AT I", "ELM");
+    recording_controller other(link, view);
+    link.set_controller(&other); // another screen
+    EXPECT_EQ(heard(), "leave");
+    adapter->receive("ELM>");
+    link.set_controller(nullptr); // a screen that talks to nobody
+    ask("AT I", "ELM");
+    adapter->receive("ELM>");
+    EXPECT_EQ(other.heard.join(", "), "leave");
+    link.set_controller(&controller);
+    link.disconnect();
+    adapter->receive("ELM>");
+    EXPECT_EQ(heard(), "");
+}
+
+TEST_F(exchange_of, the_console_gets_every_reply_as_it_is) {
+    state.cur_op = op_expert;
+    state.adapter_ready = state.adapter_known = true;
+    link.sendOBDcmd("AT RV\r");
+    EXPECT_EQ(sent(), "AT RV");
+    EXPECT_FALSE(state.adapter_ready || state.adapter_known); // it may have changed anything
+    adapter->receive("UNABLE TO CONNECT\r\r>");
+    adapter->receive("unasked\r\r>");
+    EXPECT_EQ(heard(), "reply UNABLETOCONNECT, reply unasked");
+    link.sendOBDcmd("ATI\r");
+    clock.advance(3000);
+    EXPECT_EQ(sent(), "ATI, ATI"); // the text last sent is what a time-out sends again
+}
+
+TEST_F(exchange_of, headers_are_known_to_be_shown) {
+    const std::tuple<const char*, const char*, bool> rows[] = {
+        {"AT H1", "OK>", true}, {"AT I", "ELM>", true},  {"AT H0", "OK>", false},
+        {"AT H1", "OK>", true}, {"AT Z", "ELM>", false}, {"AT H1", "?>?>", false},
+    };
+    for (const auto& [command, reply, shown] : rows) {
+        ask(command, "OK|ELM");
+        adapter->receive(reply);
+        EXPECT_EQ(state.headers_shown, shown) << command;
+    }
+}

@@ -1,0 +1,121 @@
+#include "link/reply_check.h"
+#include "tests/support/print_qt.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct row {
+    const char* why;
+    const char* command;
+    const char* expected; // null: none
+    bool has_header;
+    int protocol;
+    const char* reply; // normalised
+    bool accepted;
+};
+
+constexpr bool headers = true;
+constexpr bool plain = false;
+
+// clang-format off
+constexpr row rows[] = {
+    {"no data answers everything",             "01 00\r",    "4100",    plain,    6, "NODATA",                     true},
+    {"  also what expects nothing",            "04\r",       nullptr,   plain,    6, "NODATA",                     true},
+    {"a voltage",                              "AT RV\r",    "8|9|1",   plain,    6, "12.3V",                      true},
+    {"  which matches the empty text",         "AT RV\r",    "8|9|1",   plain,    6, "?",                          true},
+    {"a protocol number",                      "AT DPN\r",   "A",       plain,   -1, "A6",                         true},
+    {"  in lower case",                        "AT DPN\r",   "A",       plain,   -1, "aC",                         true},
+    {"  found before",                         "AT DPN\r",   "A",       plain,   -1, "6",                          false},
+    {"  A and no number",                      "AT DPN\r",   "A",       plain,   -1, "AUTO",                       false},
+    {"  at the start only",                    "AT DPN\r",   "A",       plain,   -1, "\rA6",                       false},
+    {"one alternative of an AT command",       "AT DP\r",    "AUTO|ISO|SAE", plain, -1, "ISO15765-4",              true},
+    {"  none of them",                         "AT DP\r",    "AUTO|ISO|SAE", plain, -1, "USER1",                   false},
+    {"  upper and lower case differ",          "AT H1\r",    "OK",      plain,   -1, "ok",                         false},
+    {"  echoed",                               "AT E0\r",    "OK",      plain,   -1, "ATE0\rOK",                   true},
+    {"  AT commands are tested as such",       "AT H1\r",    "OK",      headers,  6, "?",                          false},
+    {"  without an expectation",               "AT H1\r",    nullptr,   plain,    6, "OK",                         false},
+    {"a request without headers",              "01 00|12\r", "4100",    plain,   -1, "7E8064100BE3FA813",          true},
+    {"  unanswered",                           "01 00\r",    "4100",    plain,   -1, "UNABLETOCONNECT",            false},
+    {"  never, without an expectation",        "04\r",       nullptr,   plain,    6, "44",                         false},
+    {"headers, protocol unknown",              "01 00\r",    nullptr,   headers, -1, "anything",                   true},
+    {"headers, nothing but ?",                 "01 00\r",    nullptr,   headers,  6, "?",                          true},
+    {"headers, ? and more",                    "01 00\r",    nullptr,   headers,  6, "?7E8",                       false},
+    {"headers, before the car was found",      "01 00\r",    nullptr,   headers,  0, "4100BE3FA813",               true},
+    {"  with a header",                        "01 00\r",    nullptr,   headers,  0, "7E8064100BE3FA813",          false},
+    {"headers, 11 bit",                        "01 00\r",    "?",       headers,  6, "7E8064100BE3FA813",          true},
+    {"  29 bit",                               "01 00\r",    nullptr,   headers,  7, "18DAF110064100BE3FA813",     true},
+    {"  ISO 9141",                             "01 0C\r",    nullptr,   headers,  3, "486B10410C16446A",           true},
+    {"  the length as header",                 "01 0C\r",    nullptr,   headers,  5, "84F112410C0000D4",           true},
+    {"  another PID",                          "01 0C\r",    nullptr,   headers,  6, "7E803410D3C",                false},
+    {"  cut off",                              "01 0C\r",    nullptr,   headers,  6, "7E80341",                    false},
+    {"  the first group counts",               "01 0C\r",    nullptr,   headers,  6, "7E804410C1AF8\r7E9037F0112", true},
+    {"  even when it refuses",                 "01 0C\r",    nullptr,   headers,  6, "7E8037F0112\r7E904410C1AF8", false},
+    {"  which it is by header, not by time",   "01 0C\r",    nullptr,   headers,  6, "7E9037F0112\r7E804410C1AF8", true},
+    {"  an answer that comes later",           "01 0C\r",    nullptr,   headers,  6, "7E8037F0178\r7E804410C1AF8", true},
+    {"  several frames",                       "09 02\r",    nullptr,   headers,  6,
+        "7E81014490201314731\r7E8214A433534343452\r7E82237323532333637", true},
+    {"  PID and freeze frame number",          "02 02 00\r", nullptr,   headers,  6, "7E8054202000133",            true},
+    {"  of another freeze frame",              "02 02 00\r", nullptr,   headers,  6, "7E8054202010133",            false},
+    {"  line noise",                           "03\r",       nullptr,   headers,  6, "<DATAERROR",                 false},
+    {"  nothing",                              "03\r",       nullptr,   headers,  6, "",                           false},
+};
+// clang-format on
+
+sent_command of(const row& from) {
+    return {from.command, from.expected ? QString(from.expected) : QString(), from.has_header};
+}
+
+} // namespace
+
+TEST(reply_check, accepts_and_refuses) {
+    for (const row& row : rows) {
+        const reply_verdict verdict = work_a_rcvdOBD_cmd(row.reply, of(row), row.protocol, 2);
+        EXPECT_EQ(verdict.result, row.accepted ? 671 : 673) << row.why << ": " << row.command << row.reply;
+        EXPECT_EQ(verdict.no_confirm_count, row.accepted ? 0 : 3) << row.why;
+    }
+}
+
+TEST(reply_check, keeps_the_messages_by_ecu) {
+    const sent_command sent{"01 0C\r", QString(), true};
+    const obd_messages kept = work_a_rcvdOBD_cmd("7E904410C0AF0\r7E804410C1AF8", sent, 6, 0).obd_msgs;
+    EXPECT_EQ(kept, (obd_messages{{"7E8", "04410C1AF8"}, {"7E9", "04410C0AF0"}}));
+    EXPECT_TRUE(work_a_rcvdOBD_cmd("NODATA", sent, 6, 0).obd_msgs.isEmpty()); // not those of the reply before
+}
+
+TEST(reply_check, gives_up_at_the_fourth) {
+    int count = 0;
+    for (const int expected : {673, 673, 673, 672}) {
+        const reply_verdict verdict =
+            work_a_rcvdOBD_cmd("7E803410D3C", {"01 0C\r", QString(), true}, 6, count);
+        EXPECT_EQ(verdict.result, expected);
+        count = verdict.no_confirm_count;
+        EXPECT_EQ(verdict.obd_msgs.isEmpty(), expected == 672);
+    }
+    EXPECT_EQ(count, 0);
+}
+
+TEST(reply_check, positive_replies) {
+    const std::pair<const char*, const char*> pairs[] = {
+        {"04\r", "44"},
+        {"01 0C", "410C"},
+        {"02 0C 00\r", "420C"},
+        {"03|12\r", "43"},
+        {"09 02", "4902"},
+        {"22 10 2A", "62102A"},
+        {"22 F1 97 01", "62F197"},
+        {"at h0\r", "OK"},
+        {"", "40"},
+        {"0", "40"},
+    };
+    for (const auto& [command, expected] : pairs)
+        EXPECT_EQ(positive_reply_of(command), expected) << command;
+}
+
+// The words keep their blanks, so nothing that was normalised is refused.
+TEST(reply_check, error_words) {
+    EXPECT_EQ(check_initial_car_reply("UNABLE TO CONNECT"), car_reply::no_reply_from_car);
+    EXPECT_EQ(check_initial_car_reply("BUS INIT: ERROR"), car_reply::init_error);
+    for (const char* passed : {"UNABLETOCONNECT", "BUSINIT:ERROR", "BUS INIT: OK", "ERROR", "", "NODATA"})
+        EXPECT_EQ(check_initial_car_reply(passed), car_reply::accepted) << passed;
+}
