@@ -1,0 +1,161 @@
+#include "base/string_table.h"
+#include "tests/diagnostics/diagnostic_bench.h"
+
+#include <QDir>
+#include <gtest/gtest.h>
+
+// Whole operations: the commands sent, what the screen showed, the rows and what was stored, checked
+// together. The conversations stand in files; those that run to their end are played again with every kind of
+// trouble that is mended on the way.
+
+namespace {
+
+const QString folder = QStringLiteral(BV_TEST_DATA "/conversations/");
+
+QStringList files_in(const QString& path) {
+    return QDir(path).entryList({"*.txt"}, QDir::Files, QDir::Name);
+}
+
+QString played(const conversation& talk, delivery pace = delivery::whole) {
+    diagnostic_bench bench;
+    return play(talk, bench, pace);
+}
+
+conversation the_usual_one() {
+    return conversation::load(folder + "can11_two_ecus.txt");
+}
+
+} // namespace
+
+TEST(conversations, happen_as_written_however_the_text_is_cut) {
+    const QStringList clean = files_in(folder);
+    const QStringList refusals = files_in(folder + "refusals");
+    ASSERT_GT(clean.size(), 10);
+    ASSERT_GT(refusals.size(), 8);
+    QStringList files = clean;
+    for (const QString& file : refusals)
+        files += "refusals/" + file;
+    for (const QString& file : files) {
+        const conversation talk = conversation::load(folder + file);
+        EXPECT_EQ(played(talk), "");
+        EXPECT_EQ(played(talk, delivery::byte_by_byte), "") << "byte by byte";
+    }
+}
+
+// One command more, and the rest as before: the exchange is back in step at once.
+TEST(conversations, survive_trouble_at_every_command) {
+    const std::array<std::pair<disturbance, const char*>, 4> troubles{{
+        {disturbance::time_out, "time-out"},
+        {disturbance::late, "late reply"},
+        {disturbance::late_glued, "late reply glued to the next"},
+        {disturbance::noise, "noise"},
+    }};
+    for (const QString& file : files_in(folder)) {
+        const conversation talk = conversation::load(folder + file);
+        for (const qsizetype command : talk.commands()) {
+            for (const auto& [trouble, name] : troubles) {
+                diagnostic_bench bench;
+                bench.results.P0_Codes = {
+                    {"P0133", "nothing else is looked up"}}; // the whole list takes its time
+                EXPECT_EQ(play(disturbed(talk, command, trouble), bench), "")
+                    << name << " at " << talk.steps[command].text.toStdString() << " of "
+                    << file.toStdString();
+            }
+        }
+    }
+}
+
+TEST(conversations, end_quietly_when_the_link_is_lost_or_the_person_stops) {
+    const conversation talk = the_usual_one();
+    for (const QString& ending : {QString("close"), QString("do stop")}) {
+        for (const qsizetype command : talk.commands()) {
+            diagnostic_bench bench;
+            conversation short_talk;
+            short_talk.steps = talk.steps.first(command + 1);
+            short_talk.steps += {'!', ending, ending};
+            short_talk.steps += talk.reply_to(command); // still comes when the person stopped
+            for (const char* fact : {"ended failed", "busy no", "timers 0"})
+                short_talk.steps += {'=', fact, ending + " at " + talk.steps[command].where};
+            EXPECT_EQ(play(short_talk, bench), "");
+            EXPECT_EQ(bench.state.pid_loop_active, -1);
+            EXPECT_EQ(bench.state.cur_step, -1);
+            EXPECT_EQ(bench.view.last("status"), ending == "close" ? "Disconnected" : "Stopped");
+        }
+    }
+}
+
+// The reply to the command before the stop comes during the next operation, and even fits its first command.
+TEST(conversations, a_reply_from_before_a_stop_does_not_answer_what_comes_after) {
+    diagnostic_bench bench;
+    conversation talk = the_usual_one();
+    const QList<qsizetype> commands = talk.commands();
+    conversation again;
+    again.steps = talk.steps.first(commands[1] + 1); // AT Z answered, AT E0 sent
+    again.steps += {'!', "do stop", "stop"};
+    again.steps += {'!', "do link-info", "again"};
+    again.steps += {'>', "AT E0", "again"};
+    again.steps += {'|', "OK\\r\\r>", "late"};
+    again.steps += {'>', "AT E0", "again"};
+    again.steps += {'|', "OK\\r\\r>", "in time"};
+    again.steps += {'>', "AT I", "again"};
+    again.steps += {'|', "OK\\r\\r>ELM327 v1.5\\r\\r>", "the last OK and the answer"};
+    again.steps += {'>', "AT DP", "again"};
+    EXPECT_EQ(play(again, bench), "");
+}
+
+// A command that is never confirmed is sent four times; what its step makes of "~".
+TEST(conversations, give_up_at_every_command) {
+    const QString no_pids = "message: The adapter answers, but the car does not: it did not say";
+    const QList<std::array<QString, 3>> rows{
+        // given up     sent next   shown
+        {"AT Z", "AT E0", ""},
+        {"AT E0", "AT I", ""},
+        {"AT I", "AT DP", ""},
+        {"AT DP", "AT SP A3", ""},
+        {"AT H1", "AT DPN", "status: AT H1 not supported by current chip"},
+        {"AT DPN", "01 00", ""},
+        {"01 00", "", no_pids},
+        {"AT DPN", "", no_pids},
+        {"01 00", "", no_pids},
+        {"01 20", "", "message: Failed to receive available PIDs "},
+        {"AT H1", "", "message: " + localised("DLG_TIMEDOUT_RETRY") + " | Timed out .. Try again"},
+        {"01 01", "03", "status: Initial  reply: [~]"},
+        {"03", "", "status: Failed to receive the error codes"},
+    };
+    const conversation talk = the_usual_one();
+    const QList<qsizetype> commands = talk.commands();
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        const auto& [given_up, next, shown] = rows[i];
+        diagnostic_bench bench;
+        conversation refused;
+        refused.steps = talk.steps.first(commands[i] + 1);
+        const conversation::step sent = refused.steps.last();
+        for (int times = 0; times < 3; ++times)
+            refused.steps += {{'<', "#", sent.where}, sent};
+        refused.steps += {'<', "#", sent.where};
+        refused.steps += {'=', "shown message: Retried 3 times", sent.where};
+        if (!next.isEmpty())
+            refused.steps += {'>', next, sent.where};
+        if (!shown.isEmpty())
+            refused.steps += {'=', "shown " + shown, sent.where};
+        refused.steps += {'=', next.isEmpty() ? "ended failed" : "ended no", sent.where};
+        EXPECT_EQ(sent.text.section(" |", 0, 0), given_up);
+        EXPECT_EQ(play(refused, bench), "");
+    }
+}
+
+TEST(conversations, the_player_finds_what_differs) {
+    const conversation talk = the_usual_one();
+    const qsizetype first = talk.commands().first();
+    const auto changed = [&](QChar kind, const QString& text) {
+        conversation other = talk;
+        other.steps[first] = {kind, text, "here"};
+        return played(other);
+    };
+    EXPECT_EQ(changed('>', "AT X"), "here: expected AT X, sent AT Z");
+    EXPECT_TRUE(changed('=', "codes P0001").startsWith("here: codes is "));
+    EXPECT_TRUE(changed('=', "shown status: nothing like it").startsWith("here: not shown"));
+    conversation early = talk;
+    early.steps = early.steps.first(first);
+    EXPECT_TRUE(played(early).contains("sent as well: AT Z"));
+}
