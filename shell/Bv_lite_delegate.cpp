@@ -1,0 +1,172 @@
+#include "shell/Bv_lite_delegate.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "persistence/vehicles.h"
+
+#include <array>
+
+namespace {
+
+constexpr int focus_delay_ms = 1100;
+constexpr qsizetype longest_address = 30;
+constexpr qsizetype longest_port = 10;
+
+struct help_of_screen {
+    screen_kind screen;
+    const char* hints;
+    const char* title;
+    const char* icon;
+};
+
+// clang-format off
+constexpr std::array<help_of_screen, 5> help_panels{{
+    {screen_kind::diagnostics, "BV_DIAGS_HINTS",   "BV_DIAGS_TITLE",   "diags.png"},
+    {screen_kind::expert,      "BV_EXPERT_HINTS",  "BV_EXPERT_TITLE",  "obd_mode.png"},
+    {screen_kind::live_data,   "BV_ACTIONS_HINTS", "BV_ACTIONS_TITLE", "actions.gif"},
+    {screen_kind::preferences, "BV_PREFS_HINTS",   "BV_PREFS_TITLE",   "prefs.png"},
+    {screen_kind::logs,        "BV_LOGS_HINTS",    "BV_LOGS_TITLE",    "logs.png"},
+}};
+// clang-format on
+
+} // namespace
+
+Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settings, database& store,
+                                   timers& time_source, screen& its_screen, transport_maker make)
+    : adapter_link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings),
+      db(store), clock(time_source), view(its_screen), toolies(process, settings, store) {
+    read_defaults();
+    console_log(QStringLiteral("finish kloading"));
+}
+
+void Bv_lite_delegate::read_defaults() {
+    state.cur_veh_id = -1;
+    state.cmd_timeout_secs = 3;
+    const int interface = defaults.integer(QStringLiteral("BV_interface"), 0);
+    if (interface == 0) {
+        defaults.set(QStringLiteral("BV_interface"), static_cast<int>(interface_bluetooth));
+        defaults.set(QStringLiteral("wifi_IP"), state.wifi_ip);
+        defaults.set(QStringLiteral("wifi_port"), state.wifi_port);
+        defaults.set(QStringLiteral("BV_metric_units"), false);
+        defaults.set(QStringLiteral("BV_log_runs"), false);
+    } else if (interface == interface_bluetooth) {
+        state.interface_kind = interface_bluetooth;
+    } else {
+        state.interface_kind = interface_wifi;
+        state.wifi_ip = defaults.text(QStringLiteral("wifi_IP"), state.wifi_ip, longest_address);
+        state.wifi_port = defaults.text(QStringLiteral("wifi_port"), state.wifi_port, longest_port);
+    }
+    state.metric_units = defaults.boolean(QStringLiteral("BV_metric_units"), false);
+    state.log_runs = defaults.boolean(QStringLiteral("BV_log_runs"), false);
+    state.sample_pids.clear();
+    state.available_pids.clear();
+}
+
+void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
+    area = its_area;
+    if (!defaults.has(QStringLiteral("BV_log_runs")))
+        toolies.setDefaults();
+    if (!db.init_DB())
+        view.show_message(QString(), db.problem());
+    pick_current_vehicle();
+    if (area)
+        area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));
+    state.reply_pending = 0;
+    state.tcpConnectReady = false;
+    if (area)
+        do_actions();
+}
+
+void Bv_lite_delegate::pick_current_vehicle() {
+    const int remembered = defaults.integer(QStringLiteral("BV_cur_veh_id"), -1);
+    const auto current = vehicle_or_first(db, db.is_new() ? -1 : remembered);
+    if (!current)
+        return;
+    state.cur_veh_id = current->id;
+    if (db.is_new()) {
+        defaults.set(QStringLiteral("BV_cur_veh_id"), current->id);
+        toolies.save_pids_2_sample_prefs(first_sample_pids());
+    }
+    state.sample_pids = defaults.list(sample_set_key(current->id), first_sample_pids());
+    state.available_pids = toolies.grab_pids_available();
+    show_current_vehicle();
+}
+
+void Bv_lite_delegate::show_current_vehicle() {
+    const auto current = vehicle_with_id(db, state.cur_veh_id);
+    if (current)
+        setCurCarVals(current->name, photo_of_vehicle(db, current->id));
+}
+
+void Bv_lite_delegate::setCurCarVals(const QString& vehicle_name, const QImage& curImg) {
+    if (!area)
+        return;
+    const QImage own(QStringLiteral(":/artwork/car_base.png"));
+    area->show_vehicle(vehicle_name, curImg.isNull() ? own : curImg);
+}
+
+// --- screens -------------------------------------------------------------------------------------------------
+
+void Bv_lite_delegate::switch_to(screen_kind kind) {
+    if (!area)
+        return;
+    if (shown == screen_kind::preferences)
+        area->savePrefs();
+    set_controller(nullptr); // the operation that runs is left before its controller goes
+    if (area->open_screen(kind)) {
+        shown = kind;
+        setSelectedButton(kind);
+    }
+    set_controller(area->current_controller());
+}
+
+void Bv_lite_delegate::setSelectedButton(screen_kind kind) {
+    area->set_selected_button(kind);
+}
+
+void Bv_lite_delegate::do_help_button() {
+    if (!area)
+        return;
+    for (const help_of_screen& help : help_panels) {
+        if (help.screen == shown)
+            area->pop_helpy(localised(QLatin1String(help.title)), localised(QLatin1String(help.hints)),
+                            QLatin1String(help.icon));
+    }
+}
+
+// --- focus and quitting --------------------------------------------------------------------------------------
+
+void Bv_lite_delegate::handly() {
+    console_log(QStringLiteral("got it : NSWindowDidBecomeKeyNotification"));
+    focus_check = clock.one_shot(focus_delay_ms, [this] { handly3(); });
+}
+
+void Bv_lite_delegate::handly3() {
+    console_log(QStringLiteral("key 333 here called from handly"));
+    state.window_has_focus = true;
+    if (area && shown == screen_kind::diagnostics)
+        area->regain_focus();
+}
+
+void Bv_lite_delegate::handly2() {
+    console_log(QStringLiteral("get it: NSWindowDidResignKeyNotification"));
+    focus_check.reset();
+    state.window_has_focus = false;
+}
+
+void Bv_lite_delegate::handleQuitEvent() {
+    applicationWillTerminate();
+}
+
+void Bv_lite_delegate::applicationWillTerminate() {
+    if (is_connected() || is_opening()) {
+        l_leave_cur_op_gracefully(QStringLiteral(""));
+        disconnect();
+    }
+}
+
+void redirectConsoleLogToDocumentFolder(const app_paths& paths) {
+    const QString file = paths.documents + QStringLiteral("/console.log");
+    if (!redirect_console_log(file))
+        console_log(QStringLiteral("%1 cannot be written: the diagnostic log goes to standard error").arg(file));
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/app_paths.h"
+#include "link/adapter_link.h"
+#include "obd/toolkit/mac_toolies.h"
+#include "shell/main_area.h"
+
+// The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and switches
+// between the screens. The link to the adapter is the part of it that adapter_link gives. Without a main area (the
+// terminal program) it only starts up. All that it is given outlives it.
+class Bv_lite_delegate : public adapter_link {
+    Q_OBJECT
+
+public:
+    // Reads the defaults into the process state.
+    Bv_lite_delegate(process_state& process, user_defaults& settings, database& store, timers& time_source,
+                     screen& its_screen, transport_maker make = make_transport);
+
+    // Opens the database and shows the current vehicle; with a main area also the first screen.
+    void applicationDidFinishLaunching(main_area* area);
+    void applicationWillTerminate();
+
+    void do_read_codes() { switch_to(screen_kind::diagnostics); }
+    void do_actions() { switch_to(screen_kind::live_data); }
+    void do_prefs() { switch_to(screen_kind::preferences); }
+    void do_expert() { switch_to(screen_kind::expert); }
+    void do_logs() { switch_to(screen_kind::logs); }
+    void switch_to(screen_kind kind);
+    // The screen shown, which is the first one until the window is up.
+    screen_kind current_screen() const { return shown; }
+
+    void do_help_button();
+    void setSelectedButton(screen_kind kind);
+    void setCurCarVals(const QString& vehicle_name, const QImage& curImg);
+    void handleQuitEvent();
+
+    // The window became the one that takes keys, or stopped being it.
+    void handly();
+    void handly2();
+
+    // Shows the vehicle with the id in the process state.
+    void show_current_vehicle();
+
+private:
+    void read_defaults();
+    void pick_current_vehicle();
+    void handly3();
+
+    process_state& state;
+    user_defaults& defaults;
+    database& db;
+    timers& clock;
+    screen& view;
+    mac_toolies toolies;
+    main_area* area = nullptr;
+    screen_kind shown = screen_kind::live_data;
+    timer_handle focus_check;
+};
+
+// Sends the diagnostic log to "console.log" in the Documents folder.
+void redirectConsoleLogToDocumentFolder(const app_paths& paths);

@@ -1,0 +1,137 @@
+#include "shell/launch_options.h"
+
+namespace {
+
+// "HOST:PORT", with "[...]" around an IPv6 address.
+bool take_address(const QString& text, launch_options& options) {
+    const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
+    bool ok = false;
+    const int port = text.sliced(colon + 1).toInt(&ok);
+    if (colon <= 0 || !ok || port < 1 || port > 65535)
+        return false;
+    options.wifi_host = text.first(colon);
+    if (options.wifi_host.startsWith(QLatin1Char('[')) && options.wifi_host.endsWith(QLatin1Char(']')))
+        options.wifi_host = options.wifi_host.sliced(1).chopped(1);
+    options.wifi_port = QString::number(port);
+    return !options.wifi_host.isEmpty();
+}
+
+// One word that begins with "-". `value` is what stands after "=", or the next word for options that need one.
+class option_words {
+public:
+    option_words(const QStringList& words, launch_options& target, QString& its_problem)
+        : arguments(words), options(target), problem(its_problem) {}
+
+    bool take_all() {
+        for (index = 0; index < arguments.size(); ++index) {
+            if (!take(arguments.at(index)))
+                return false;
+        }
+        return true;
+    }
+
+private:
+    bool take(const QString& word) {
+        if (!word.startsWith(QLatin1Char('-')))
+            return take_command(word);
+        const QString name = word.section(QLatin1Char('='), 0, 0);
+        if (name == QLatin1String("--wifi"))
+            return choose_link(launch_options::link_choice::wifi) && take_wifi(value_of(word));
+        if (name == QLatin1String("--demo"))
+            return choose_link(launch_options::link_choice::demo) && take_car(word);
+        if (name == QLatin1String("--profile"))
+            return take_profile(value_of(word));
+        if (name != word)
+            return wrong(QStringLiteral("There is no option %1.").arg(word));
+        if (name == QLatin1String("--simulate"))
+            return choose_link(launch_options::link_choice::simulate);
+        if (name == QLatin1String("--metric") || name == QLatin1String("--imperial"))
+            return take_units(name == QLatin1String("--metric"));
+        if (name == QLatin1String("--json"))
+            options.json = true;
+        else if (name == QLatin1String("--yes"))
+            options.yes = true;
+        else if (name == QLatin1String("--help") || name == QLatin1String("-h"))
+            options.help = true;
+        else if (name == QLatin1String("--version"))
+            options.version = true;
+        else
+            return wrong(QStringLiteral("There is no option %1.").arg(name));
+        return true;
+    }
+
+    QString value_of(const QString& word) {
+        const qsizetype equals = word.indexOf(QLatin1Char('='));
+        if (equals >= 0)
+            return word.sliced(equals + 1);
+        return index + 1 < arguments.size() ? arguments.at(++index) : QString();
+    }
+
+    bool take_command(const QString& word) {
+        if (!options.command.isEmpty())
+            return wrong(QStringLiteral("One command at a time: %1, or %2?").arg(options.command, word));
+        options.command = word;
+        return true;
+    }
+
+    bool choose_link(launch_options::link_choice choice) {
+        if (options.link != launch_options::link_choice::as_stored)
+            return wrong(QStringLiteral("Only one of --wifi, --demo and --simulate can be chosen."));
+        options.link = choice;
+        return true;
+    }
+
+    bool take_wifi(const QString& address) {
+        return take_address(address, options) ||
+               wrong(QStringLiteral("--wifi needs HOST:PORT with a port from 1 to 65535, for example "
+                                    "--wifi 192.168.0.10:35000."));
+    }
+
+    bool take_car(const QString& word) {
+        if (word.contains(QLatin1Char('=')))
+            options.demo_car = word.section(QLatin1Char('='), 1);
+        return !options.demo_car.isEmpty() || wrong(QStringLiteral("--demo= needs the name of a car."));
+    }
+
+    bool take_profile(const QString& folder) {
+        options.profile = folder;
+        return !folder.isEmpty() || wrong(QStringLiteral("--profile needs a folder."));
+    }
+
+    bool take_units(bool metric) {
+        if (options.metric && *options.metric != metric)
+            return wrong(QStringLiteral("Only one of --metric and --imperial can be chosen."));
+        options.metric = metric;
+        return true;
+    }
+
+    bool wrong(const QString& sentence) {
+        problem = sentence;
+        return false;
+    }
+
+    const QStringList& arguments;
+    launch_options& options;
+    QString& problem;
+    qsizetype index = 0;
+};
+
+} // namespace
+
+std::optional<launch_options> parse_launch_options(const QStringList& arguments, QString& problem) {
+    launch_options options;
+    if (!option_words(arguments, options, problem).take_all())
+        return std::nullopt;
+    return options;
+}
+
+QString launch_options_usage() {
+    return QStringLiteral("The link:\n"
+                          "  --wifi HOST:PORT      a Wi-Fi adapter (otherwise the link chosen in the preferences)\n"
+                          "  --demo[=CAR]          a car and an adapter inside the program; nothing is kept\n"
+                          "  --simulate            a stand-in adapter with a few fixed answers\n"
+                          "\nOther options:\n"
+                          "  --profile DIR         settings, documents and database below DIR\n"
+                          "  --metric, --imperial  the units of values\n"
+                          "  --version, --help\n");
+}

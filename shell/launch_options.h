@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+// What the command line of brivant-lite or brivant-cli asks for.
+struct launch_options {
+    enum class link_choice { as_stored, wifi, demo, simulate };
+
+    link_choice link = link_choice::as_stored;
+    QString wifi_host;
+    QString wifi_port;
+    QString demo_car = QStringLiteral("can11"); // a name or a file
+    QString profile;
+    bool json = false;
+    bool yes = false;
+    std::optional<bool> metric;
+    bool help = false;
+    bool version = false;
+    QString command; // the terminal program's; "" for none
+};
+
+// The options of the words after the program's name, or nothing and a sentence in `problem` when they are wrong.
+std::optional<launch_options> parse_launch_options(const QStringList& arguments, QString& problem);
+
+// The lines of a usage text that tell the options both programs know.
+QString launch_options_usage();

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "base/user_defaults.h"
+#include "link/adapter_link.h"
+#include "obd/toolkit/mac_toolies.h"
+
+// What the General tab of the preferences edits.
+struct general_settings {
+    int interface_kind = interface_bluetooth; // or interface_wifi
+    QString wifi_ip;
+    QString wifi_port;
+    bool metric_units = false;
+    bool log_runs = false;
+    bool time_stamps = false;
+    int sample_rate = -1; // seconds, -1 as fast as available
+};
+
+// Checks and stores the settings, and puts them into force. All that it is given outlives it.
+class preferences {
+public:
+    preferences(user_defaults& settings, process_state& process, adapter_link& its_link,
+                mac_toolies& its_toolies);
+
+    general_settings stored() const;
+
+    // Stores what differs from what is stored; an address or port that is wrong, or not in use, stays as it
+    // was. When the kind of link, the address or the port changes, an open link is closed and the next one
+    // goes to the new place. A link chosen on the command line stays in force while these three are left
+    // alone. False when the settings file cannot be written.
+    bool store(const general_settings& chosen);
+    // Stores the first values of every setting. False as above.
+    bool restore_first_values();
+
+    // What is wrong with a typed text, as a sentence; "" when it is good.
+    static QString address_problem(const QString& address);
+    static QString port_problem(const QString& port);
+
+private:
+    void store_link(const general_settings& chosen);
+    void store_units(bool metric);
+    void put_in_force(bool link_changed);
+
+    user_defaults& defaults;
+    process_state& state;
+    adapter_link& link;
+    mac_toolies& toolies;
+};
+
+// The sampling rates by their place in the list, 0 to 5: seconds, and -1 for the first and any other index.
+int secs_4_sampling(int index);
+// The name of the rate of that many seconds; any other number is as fast as available.
+QString text_4_sampling(int secs);

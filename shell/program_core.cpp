@@ -1,0 +1,50 @@
+#include "shell/program_core.h"
+
+#include "tools/virtual_adapter/car_catalogue.h"
+#include "tools/virtual_adapter/virtual_adapter_server.h"
+
+program_core::program_core(const launch_options& what_was_asked)
+    : options(what_was_asked), paths(app_paths::for_profile(profile_folder(), &bad_folder)),
+      defaults(paths.settings_file), db(paths.documents) {
+    if (options.metric)
+        defaults.override_for_this_run(QStringLiteral("BV_metric_units"), *options.metric);
+}
+
+program_core::~program_core() = default;
+
+QString program_core::profile_folder() {
+    if (options.link != launch_options::link_choice::demo || !options.profile.isEmpty())
+        return options.profile;
+    demo_folder = std::make_unique<QTemporaryDir>();
+    return demo_folder->path();
+}
+
+bool program_core::start_demo(QString& problem) {
+    if (options.link != launch_options::link_choice::demo)
+        return true;
+    std::shared_ptr<virtual_adapter::car> car = virtual_adapter::load_car(options.demo_car, problem);
+    if (!car)
+        return false;
+    demo = std::make_unique<virtual_adapter_server>();
+    demo_port = demo->start(std::move(car));
+    if (demo_port == 0)
+        problem = demo->error();
+    return demo_port != 0;
+}
+
+void program_core::choose_link() {
+    switch (options.link) {
+    case launch_options::link_choice::as_stored: return;
+    case launch_options::link_choice::wifi:
+        state.interface_kind = interface_wifi;
+        state.wifi_ip = options.wifi_host;
+        state.wifi_port = options.wifi_port;
+        return;
+    case launch_options::link_choice::demo:
+        state.interface_kind = interface_wifi;
+        state.wifi_ip = QStringLiteral("127.0.0.1");
+        state.wifi_port = QString::number(demo_port);
+        return;
+    case launch_options::link_choice::simulate: state.interface_kind = interface_simulated; return;
+    }
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/app_paths.h"
+#include "base/process_state.h"
+#include "base/qt_timers.h"
+#include "base/user_defaults.h"
+#include "diagnostics/diagnostic_results.h"
+#include "persistence/database.h"
+#include "shell/launch_options.h"
+
+#include <QTemporaryDir>
+#include <memory>
+
+class virtual_adapter_server;
+
+// What stands below both programs for the life of the process: the folders, the state, the settings, the database,
+// time, and for a demo the car. A demo without a profile of its own keeps its files in a folder that goes with it.
+class program_core {
+public:
+    explicit program_core(const launch_options& what_was_asked);
+    ~program_core();
+
+    // Starts the demo's car, where one was asked for. False and a sentence in `problem` when that fails.
+    bool start_demo(QString& problem);
+    // Puts the link that was asked for in the place of the stored one, for this run.
+    void choose_link();
+    // Why the person's folders cannot be used, "" when they can.
+    const QString& folder_problem() const { return bad_folder; }
+
+    const launch_options options;
+
+private:
+    QString profile_folder();
+
+    std::unique_ptr<QTemporaryDir> demo_folder;
+    QString bad_folder;
+
+public:
+    const app_paths paths;
+    process_state state;
+    user_defaults defaults;
+    database db;
+    qt_timers clock;
+    diagnostic_results diagnostics;
+
+private:
+    std::unique_ptr<virtual_adapter_server> demo;
+    int demo_port = 0;
+};

@@ -1,0 +1,66 @@
+#include "terminal/cli_screen.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+void to_stderr(const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
+cli_screen::cli_screen(bool always_yes) : yes(always_yes) {}
+
+void cli_screen::show(const QString& text) {
+    const QString line = text.trimmed().replace(QLatin1Char('\r'), QLatin1Char('\n')); // the lines of a reply
+    if (line.isEmpty() || (!shown.isEmpty() && shown.last() == line))
+        return;
+    shown += line;
+    to_stderr(line + QLatin1Char('\n'));
+}
+
+void cli_screen::show_status(const QString& text) {
+    show(text);
+}
+
+void cli_screen::show_toast(const QString& text) {
+    show(text);
+}
+
+void cli_screen::show_message(const QString& title, const QString& text) {
+    show(title.isEmpty() ? text : title + QStringLiteral("\n") + text);
+}
+
+void cli_screen::beep() {
+    if (isatty(STDERR_FILENO))
+        to_stderr(QStringLiteral("\a"));
+}
+
+// Without a terminal to ask at, the operation goes on: the person who wrote the script wants its result.
+void cli_screen::ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) {
+    show(title.trimmed() + QLatin1Char('\n') + text);
+    if (yes || !isatty(STDIN_FILENO)) {
+        show(QStringLiteral("Answered: Yes"));
+        return answer(true);
+    }
+    to_stderr(QStringLiteral("[yes/no] "));
+    waiting = std::move(answer);
+    input = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
+    connect(input.get(), &QSocketNotifier::activated, this, &cli_screen::take_answer);
+}
+
+void cli_screen::take_answer() {
+    char typed[64];
+    const ssize_t size = read(STDIN_FILENO, typed, sizeof typed);
+    const bool is_yes = size > 0 && (typed[0] == 'y' || typed[0] == 'Y');
+    const bool is_no = size <= 0 || typed[0] == 'n' || typed[0] == 'N';
+    if (!is_yes && !is_no)
+        return to_stderr(QStringLiteral("[yes/no] "));
+    input->setEnabled(false);
+    input.release()->deleteLater(); // it is the sender
+    const auto answer = std::exchange(waiting, nullptr);
+    answer(is_yes);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/screen.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <QStringList>
+#include <memory>
+
+// The terminal as a screen: what is shown goes to standard error, a line each, and is kept for the result.
+class cli_screen : public QObject, public screen {
+    Q_OBJECT
+
+public:
+    // `always_yes`: questions are not asked.
+    explicit cli_screen(bool always_yes);
+
+    // Everything shown so far, in order.
+    const QStringList& messages() const { return shown; }
+
+    void show_status(const QString& text) override;
+    void show_toast(const QString& text) override;
+    void show_busy(bool) override {}
+    void show_message(const QString& title, const QString& text) override;
+    void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    void reload(const QString&) override {}
+    void play_sound(int) override {}
+    void beep() override;
+
+private:
+    void show(const QString& text);
+    void take_answer();
+
+    bool yes;
+    QStringList shown;
+    std::function<void(bool)> waiting;
+    std::unique_ptr<QSocketNotifier> input;
+};

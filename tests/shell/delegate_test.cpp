@@ -1,0 +1,235 @@
+#include "base/console_log.h"
+#include "diagnostics/readCodes.h"
+#include "persistence/vehicles.h"
+#include "shell/Bv_lite_delegate.h"
+#include "tests/support/adapter_bench.h"
+#include "tests/support/print_qt.h"
+
+#include <QFileInfo>
+#include <gtest/gtest.h>
+
+// Start-up and the five screens, with a window that writes down what is asked of it.
+
+namespace {
+
+class recording_area : public main_area {
+public:
+    QStringList calls;
+    screen_kind broken = screen_kind::preferences; // with is_broken: cannot be opened
+    bool is_broken = false;
+    task_controller* controller = nullptr;
+
+    QString seen() { return std::exchange(calls, {}).join(", "); }
+
+    bool open_screen(screen_kind kind) override {
+        calls += "open " + QString::number(int(kind));
+        return !(is_broken && kind == broken);
+    }
+    task_controller* current_controller() override { return controller; }
+    void savePrefs() override { calls += "save"; }
+    void set_selected_button(screen_kind kind) override { calls += "button " + QString::number(int(kind)); }
+    void set_window_title(const QString& title) override { calls += "title " + title; }
+    void show_vehicle(const QString& name, const QImage&) override { calls += "vehicle " + name; }
+    void pop_helpy(const QString& title, const QString&, const QString& icon) override {
+        calls += "help " + title + " " + icon;
+    }
+    void regain_focus() override { calls += "focus"; }
+};
+
+// One start of the program on a profile that may have been used before.
+struct program {
+    process_state state;
+    hand_timers clock;
+    recording_screen view;
+    recording_area area;
+    QStringList written;
+    user_defaults defaults;
+    database db;
+    std::unique_ptr<Bv_lite_delegate> delegate;
+
+    explicit program(const temporary_profile& profile)
+        : defaults(profile.paths.settings_file), db(profile.paths.documents) {}
+    void start() {
+        delegate = std::make_unique<Bv_lite_delegate>(
+            state, defaults, db, clock, view,
+            [this](const process_state&) { return std::make_unique<scripted_transport>(written, true); });
+        delegate->applicationDidFinishLaunching(&area);
+    }
+};
+
+class start_up : public testing::Test {
+protected:
+    temporary_profile profile;
+    program again{profile};
+
+    start_up() { silence_console_log(); }
+};
+
+} // namespace
+
+TEST_F(start_up, the_first_time) {
+    again.state.reply_pending = 1;
+    again.state.tcpConnectReady = true;
+    again.start();
+    EXPECT_EQ(again.area.seen(), "vehicle Cur Veh., title Brivant Lite " BV_VERSION ", open 1, button 1");
+    EXPECT_EQ(again.state.interface_kind, interface_bluetooth);
+    EXPECT_FALSE(again.state.log_runs || again.state.metric_units || again.state.tcpConnectReady);
+    EXPECT_EQ(again.state.reply_pending, 0);
+    EXPECT_EQ(again.state.sample_pids, QStringList({"0D", "11", "0C", "05"}));
+    EXPECT_EQ(again.defaults.list(sample_set_key(again.state.cur_veh_id), {}), again.state.sample_pids);
+    EXPECT_EQ(again.defaults.integer("BV_cur_veh_id", -1), again.state.cur_veh_id);
+    EXPECT_EQ(again.defaults.integer("BV_interface", 0), 5);
+    EXPECT_EQ(again.defaults.text("wifi_IP", ""), "192.168.0.10");
+    EXPECT_EQ(again.defaults.text("wifi_port", ""), "35000");
+    EXPECT_TRUE(
+        again.defaults.has("BV_log_runs")); // off, and the toolkit's first values are not written over it
+    EXPECT_FALSE(again.defaults.boolean("BV_log_runs", true));
+    EXPECT_FALSE(again.defaults.has("BV_sample_rate"));
+    EXPECT_TRUE(again.view.events.isEmpty());
+}
+
+TEST_F(start_up, the_stored_link) {
+    struct {
+        const char* why;
+        QVariant kind;
+        QString address;
+        int expected_kind;
+        QString expected_address;
+    } const rows[] = {
+        {"Bluetooth does not look at the address", 5, "10.0.0.1", 5, "192.168.0.10"},
+        {"Wi-Fi", 6, "10.0.0.1", 6, "10.0.0.1"},
+        {"anything else is Wi-Fi", 7, "10.0.0.1", 6, "10.0.0.1"},
+        {"at most thirty characters", -1, QString(40, 'x'), 6, QString(30, 'x')},
+        {"no number: as the first time", "six", "10.0.0.1", 5, "192.168.0.10"},
+    };
+    for (const auto& row : rows) {
+        program next(profile);
+        next.defaults.set("BV_interface", row.kind);
+        next.defaults.set("wifi_IP", row.address);
+        next.defaults.set("wifi_port", QString("123456789012"));
+        next.defaults.set("BV_metric_units", true);
+        next.start();
+        EXPECT_EQ(next.state.interface_kind, row.expected_kind) << row.why;
+        EXPECT_EQ(next.state.wifi_ip, row.expected_address) << row.why;
+        EXPECT_EQ(next.state.wifi_port, row.expected_kind == 6 ? "1234567890" : "35000") << row.why;
+    }
+}
+
+TEST_F(start_up, settings_without_log_runs_get_the_whole_table) {
+    again.defaults.set("BV_interface", 6);
+    again.start();
+    EXPECT_EQ(again.defaults.integer("BV_interface", 0), 5);
+    EXPECT_TRUE(again.defaults.boolean("BV_log_runs", false));
+    EXPECT_EQ(again.defaults.integer("BV_sample_rate", 0), -1);
+}
+
+TEST_F(start_up, the_current_vehicle) {
+    profile.db.init_DB();
+    const int first = vehicle_or_first(profile.db, -1)->id;
+    const int second = profile.db.add_update_DB({"Second", "2001", "2.0"}, "VEHICLES");
+    store_pids_available(profile.db, second, ecus_of("7E8 01 0C"));
+    const std::tuple<const char*, QVariant, int> rows[] = {
+        {"remembered", second, second},
+        {"deleted since", 999, first},
+        {"no number", "x", first},
+        {"first", first, first},
+    };
+    for (const auto& [why, remembered, expected] : rows) {
+        program next(profile);
+        next.defaults.set("BV_cur_veh_id", remembered);
+        next.defaults.set(sample_set_key(second), QStringList{"0C|7E8"});
+        next.start();
+        EXPECT_EQ(next.state.cur_veh_id, expected) << why;
+        EXPECT_EQ(text_of(next.state.available_pids), expected == second ? "7E8 01 0C" : "") << why;
+        EXPECT_EQ(next.state.sample_pids.join(' '), expected == second ? "0C|7E8" : "0D 11 0C 05") << why;
+        EXPECT_TRUE(next.area.seen().startsWith(expected == second ? "vehicle Second" : "vehicle Cur Veh."))
+            << why;
+    }
+}
+
+TEST_F(start_up, without_a_usable_database_it_says_so_and_runs) {
+    QDir().mkpath(profile.db.path()); // a folder in its place
+    again.start();
+    EXPECT_TRUE(again.view.last("message").contains("BV_loggies_lite.db"));
+    EXPECT_EQ(again.state.cur_veh_id, -1);
+    EXPECT_TRUE(again.area.seen().endsWith("open 1, button 1"));
+}
+
+TEST_F(start_up, screens) {
+    again.start();
+    Bv_lite_delegate& delegate = *again.delegate;
+    again.area.seen();
+    const std::tuple<void (Bv_lite_delegate::*)(), const char*, const char*> rows[] = {
+        {&Bv_lite_delegate::do_read_codes, "open 0, button 0", "help Diagnostics diags.png"},
+        {&Bv_lite_delegate::do_actions, "open 1, button 1", "help Live data actions.gif"},
+        {&Bv_lite_delegate::do_prefs, "open 2, button 2", "help Preferences prefs.png"},
+        {&Bv_lite_delegate::do_expert, "save, open 3, button 3", "help Expert console obd_mode.png"},
+        {&Bv_lite_delegate::do_logs, "open 4, button 4", "help Logs logs.png"},
+    };
+    for (const auto& [go, calls, help] : rows) {
+        (delegate.*go)();
+        EXPECT_EQ(again.area.seen(), calls);
+        delegate.do_help_button();
+        EXPECT_EQ(again.area.seen(), help);
+    }
+    again.area.is_broken = true;
+    delegate.do_prefs(); // cannot be made: the logs stay, marker and help with them
+    EXPECT_EQ(again.area.seen(), "open 2");
+    EXPECT_EQ(delegate.current_screen(), screen_kind::logs);
+}
+
+TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
+    again.defaults.set("BV_interface", 6);
+    again.defaults.set("BV_log_runs", false);
+    again.start();
+    mac_toolies toolies(again.state, again.defaults, again.db);
+    diagnostic_results results;
+    readCodes diagnostics(again.state, *again.delegate, toolies, again.view, results);
+    again.area.controller = &diagnostics;
+    again.delegate->do_read_codes();
+    diagnostics.l_readCodes();
+    again.clock.advance(800);
+    EXPECT_EQ(again.written.join(' '), "AT Z");
+    again.area.controller = nullptr;
+    again.delegate->do_logs();
+    EXPECT_FALSE(diagnostics.is_running() || again.view.is_busy);
+    EXPECT_TRUE(again.delegate->is_connected()); // the link stays
+    again.clock.advance(60000);
+    EXPECT_EQ(again.written.size(), 1);
+    EXPECT_EQ(again.delegate->mainViewController(), nullptr);
+    again.delegate->applicationWillTerminate();
+    EXPECT_FALSE(again.delegate->is_connected());
+}
+
+TEST_F(start_up, focus_comes_back_after_a_moment) {
+    again.start();
+    again.delegate->do_read_codes();
+    again.area.seen();
+    again.delegate->handly();
+    again.clock.advance(1099);
+    EXPECT_FALSE(again.state.window_has_focus);
+    again.clock.advance(1);
+    EXPECT_TRUE(again.state.window_has_focus);
+    EXPECT_EQ(again.area.seen(), "focus");
+    again.delegate->handly();
+    again.delegate->handly2(); // lost again before it counted
+    again.clock.advance(2000);
+    EXPECT_FALSE(again.state.window_has_focus);
+    again.delegate->do_logs();
+    again.area.seen();
+    again.delegate->handly();
+    again.clock.advance(2000);
+    EXPECT_EQ(again.area.seen(), ""); // another screen is not asked
+}
+
+TEST_F(start_up, the_console_log_goes_to_documents) {
+    redirectConsoleLogToDocumentFolder(profile.paths);
+    console_log("once");
+    redirectConsoleLogToDocumentFolder(profile.paths);
+    console_log("twice");
+    silence_console_log();
+    QFile log(profile.paths.documents + "/console.log");
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QByteArray lines = log.readAll();
+    EXPECT_TRUE(lines.contains("once") && lines.contains("twice")); // appended
+}
