@@ -1,0 +1,86 @@
+#include "app/busy_marks.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int frame_ms = 40;
+constexpr int degrees_a_frame = 15;
+constexpr int ring_size = 18;
+constexpr double ring_pen = 2.25;
+constexpr int bar_height = 3;
+constexpr double bar_a_frame = 0.018;
+constexpr double piece = 0.28; // of the bar's width
+
+QColor faint(QColor colour) {
+    colour.setAlphaF(0.22f);
+    return colour;
+}
+
+} // namespace
+
+busy_ring::busy_ring(QWidget* parent) : QWidget(parent) {
+    setFixedSize(ring_size, ring_size);
+    setAccessibleName(QStringLiteral("Working"));
+    turning.setInterval(frame_ms);
+    connect(&turning, &QTimer::timeout, this, [this] {
+        angle = (angle + degrees_a_frame) % 360;
+        update();
+    });
+}
+
+void busy_ring::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor colour = palette().color(foregroundRole());
+    const QRectF ring = QRectF(rect()).adjusted(ring_pen, ring_pen, -ring_pen, -ring_pen);
+    painter.setPen(QPen(faint(colour), ring_pen));
+    painter.drawEllipse(ring);
+    painter.setPen(QPen(colour, ring_pen, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(ring, -angle * 16, 100 * 16);
+}
+
+busy_bar::busy_bar(QWidget* parent) : QWidget(parent) {
+    setFixedHeight(bar_height);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    moving.setInterval(frame_ms);
+    connect(&moving, &QTimer::timeout, this, [this] {
+        place = std::fmod(place + bar_a_frame, 1.0);
+        update();
+    });
+}
+
+void busy_bar::set_running(bool runs) {
+    if (running == runs)
+        return;
+    running = runs;
+    place = 0;
+    if (running && isVisible())
+        moving.start();
+    else
+        moving.stop();
+    update();
+}
+
+void busy_bar::showEvent(QShowEvent*) {
+    if (running)
+        moving.start();
+}
+
+void busy_bar::paintEvent(QPaintEvent*) {
+    if (!running)
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QColor colour = palette().color(foregroundRole());
+    const double round = height() / 2.0;
+    painter.setBrush(faint(colour));
+    painter.drawRoundedRect(rect(), round, round);
+    const double from = std::max(0.0, place * (1 + piece) - piece) * width();
+    const double to = std::min(1.0, place * (1 + piece)) * width();
+    painter.setBrush(colour);
+    painter.drawRoundedRect(QRectF(from, 0, to - from, height()), round, round);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+// The two signs that something runs, drawn in the colour of text. Their timers run only while they are seen.
+
+// A small turning ring.
+class busy_ring : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit busy_ring(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void showEvent(QShowEvent*) override { turning.start(); }
+    void hideEvent(QHideEvent*) override { turning.stop(); }
+
+private:
+    QTimer turning;
+    int angle = 0;
+};
+
+// A thin bar with a piece that moves through it. It keeps its place when nothing runs, so that nothing jumps.
+class busy_bar : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit busy_bar(QWidget* parent = nullptr);
+
+    void set_running(bool runs);
+    bool is_running() const { return running; }
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void showEvent(QShowEvent*) override;
+    void hideEvent(QHideEvent*) override { moving.stop(); }
+
+private:
+    QTimer moving;
+    double place = 0; // 0 to 1
+    bool running = false;
+};

@@ -1,0 +1,162 @@
+#include "app/codes_page.h"
+
+#include "app/table_copy.h"
+
+#include <QHeaderView>
+#include <algorithm>
+
+namespace {
+
+constexpr int empty_icon_size = 32;
+constexpr int side_letters = 37;
+constexpr int narrowest_side = 272;
+constexpr int widest_side = 376;
+constexpr int mil_size = 28;
+constexpr int code_row_height = 36;
+constexpr int readiness_row_height = 26;
+constexpr int empty_page = 0;
+constexpr int table_page = 1;
+const QString unknown = QStringLiteral("\u2013");
+
+// "Protocol: CAN" with its first part in a quieter colour, as HTML that is not broken within.
+QString fact_as_html(const QString& fact, const QColor& quiet) {
+    const qsizetype colon = fact.indexOf(QLatin1String(": "));
+    const auto unbroken = [](const QString& text) {
+        return text.toHtmlEscaped().replace(QLatin1Char(' '), QStringLiteral("&nbsp;"));
+    };
+    return QStringLiteral("<span style=\"color:%1\">%2</span>%3")
+        .arg(quiet.name(), unbroken(fact.left(colon + 1)), unbroken(fact.mid(colon + 1)));
+}
+
+} // namespace
+
+codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller)
+    : context(its_context), controller(its_controller), results(its_controller.results()),
+      codes(its_controller, nullptr), readiness(results.readinessFlagsArray, nullptr),
+      read_button(part_of<QPushButton>(view, "read")), stop_button(part_of<QPushButton>(view, "stop")),
+      clear_button(part_of<QPushButton>(view, "clear")), progress(part_of<busy_bar>(view, "progress")),
+      codes_stack(part_of<QStackedWidget>(view, "codes_stack")),
+      empty_icon(part_of<QLabel>(view, "empty_icon")), empty_text(part_of<QLabel>(view, "empty_text")),
+      codes_table(part_of<QTableView>(view, "codes_table")), side(part_of<QWidget>(view, "side")),
+      mil_picture(part_of<QLabel>(view, "mil_picture")), mil_word(part_of<QLabel>(view, "mil_word")),
+      code_count(part_of<QLabel>(view, "code_count")),
+      readiness_stack(part_of<QStackedWidget>(view, "readiness_stack")),
+      readiness_table(part_of<QTableView>(view, "readiness_table")),
+      readiness_summary_label(part_of<QLabel>(view, "readiness_summary")),
+      facts(part_of<QLabel>(view, "facts")) {
+    set_up_tables();
+    connect(&read_button, &QPushButton::clicked, this, &codes_page::start);
+    connect(&stop_button, &QPushButton::clicked, this, [this] { controller.stop(); });
+    connect(&clear_button, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
+    stop_button.hide();
+}
+
+void codes_page::set_up_tables() {
+    codes_table.setModel(&codes);
+    codes_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    codes_table.horizontalHeader()->setSectionResizeMode(codes_model::description_column,
+                                                         QHeaderView::Stretch);
+    codes_table.verticalHeader()->setMinimumSectionSize(code_row_height);
+    codes_table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    connect(codes_table.horizontalHeader(), &QHeaderView::sectionResized, &codes_table,
+            &QTableView::resizeRowsToContents); // a narrower description takes more lines
+    make_copyable(codes_table);
+
+    readiness_table.setModel(&readiness);
+    readiness_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    readiness_table.horizontalHeader()->setSectionResizeMode(readiness_model::description_column,
+                                                             QHeaderView::Stretch);
+    readiness_table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    readiness_table.verticalHeader()->setDefaultSectionSize(readiness_row_height);
+    make_copyable(readiness_table);
+}
+
+void codes_page::start() {
+    controller.l_readCodes();
+    // The status line has told it already; here is the way on.
+    if (!controller.is_running() && context.core.state.interface_kind == interface_bluetooth)
+        context.frame.tell(
+            {QStringLiteral("Bluetooth is not available yet"),
+             QStringLiteral("Choose Wi-Fi in the preferences, join the network of a Wi-Fi adapter, and "
+                            "read again."),
+             QStringLiteral("Open preferences"),
+             [&frame = context.frame] { frame.go_to(screen_kind::preferences); }, true});
+}
+
+void codes_page::reload(const QString& list) {
+    if (list == QLatin1String("codes"))
+        show_codes();
+    else if (list == QLatin1String("readiness"))
+        show_readiness();
+    else if (list == QLatin1String("labels"))
+        show_labels();
+    else if (list == QLatin1String("operation"))
+        show_operation();
+}
+
+void codes_page::show_operation() {
+    const bool running = controller.is_running();
+    const bool had_focus =
+        running ? read_button.hasFocus() || clear_button.hasFocus() : stop_button.hasFocus();
+    read_button.setVisible(!running);
+    stop_button.setVisible(running);
+    clear_button.setEnabled(!running);
+    if (had_focus)
+        (running ? stop_button : read_button).setFocus();
+    progress.set_running(running);
+    show_codes();
+}
+
+void codes_page::show_codes() {
+    codes.reload();
+    codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
+    if (controller.is_running())
+        empty_text.setText(QStringLiteral("The car is being asked ..."));
+    else if (results.read_on_label.isEmpty())
+        empty_text.setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));
+    else
+        empty_text.setText(QStringLiteral("Nothing to show now. Press Read (F5) with the ignition on."));
+}
+
+void codes_page::show_readiness() {
+    readiness.reload();
+    readiness_table.clearSpans();
+    for (int row = 0; row < readiness.rowCount(); ++row) {
+        if (readiness.is_heading(row))
+            readiness_table.setSpan(row, 0, 1, readiness_model::column_count);
+    }
+    readiness_stack.setCurrentIndex(readiness.rowCount() > 0 ? table_page : empty_page);
+    readiness_summary_label.setText(readiness.summary());
+}
+
+void codes_page::show_labels() {
+    const theme& look = context.frame.look();
+    const bool on = results.mil_label == QLatin1String("ON");
+    const bool known = on || results.mil_label == QLatin1String("OFF");
+    bool is_number = false;
+    results.code_count_label.toInt(&is_number);
+
+    mil_word.setText(known ? results.mil_label : unknown);
+    theme::mark(mil_word, "warning", on);
+    code_count.setText(is_number ? results.code_count_label : unknown);
+    const QString picture = on ? QStringLiteral("mil_on.png") : QStringLiteral("mil_off.png");
+    mil_picture.setPixmap(look.icon(picture).pixmap(mil_size));
+    mil_picture.setAccessibleName(
+        QStringLiteral("MIL Lamp: %1").arg(known ? results.mil_label : "not known"));
+
+    QStringList shown;
+    for (const QString& fact : results.xtra_info_label.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        shown += fact_as_html(fact, look.muted);
+    facts.setText(shown.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
+}
+
+void codes_page::look_changed() {
+    const theme& look = context.frame.look();
+    empty_icon.setPixmap(look.icon(QStringLiteral("diags.png")).pixmap(empty_icon_size));
+    side.setFixedWidth(std::clamp(side.fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters,
+                                  narrowest_side, widest_side));
+    code_count.setFont(theme::figures(code_count.font()));
+    show_labels();
+    show_readiness();
+    show_operation();
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/busy_marks.h"
+#include "app/codes_model.h"
+#include "app/readiness_model.h"
+#include "app/screen_view.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableView>
+
+// The page of the trouble codes: the codes, the MIL, the readiness of the monitors, and facts about the read.
+class codes_page : public QObject {
+    Q_OBJECT
+
+public:
+    // `view` holds the widgets of the page. Throws broken_view when one is missing.
+    codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller);
+
+    void start();
+    // The names of base/screen.h: "codes", "readiness", "labels", "operation".
+    void reload(const QString& list);
+    void show_operation();
+    void look_changed();
+
+private:
+    void set_up_tables();
+    void show_codes();
+    void show_readiness();
+    void show_labels();
+
+    view_context context;
+    readCodes& controller;
+    diagnostic_results& results;
+    codes_model codes;
+    readiness_model readiness;
+
+    QPushButton& read_button;
+    QPushButton& stop_button;
+    QPushButton& clear_button;
+    busy_bar& progress;
+    QStackedWidget& codes_stack;
+    QLabel& empty_icon;
+    QLabel& empty_text;
+    QTableView& codes_table;
+    QWidget& side;
+    QLabel& mil_picture;
+    QLabel& mil_word;
+    QLabel& code_count;
+    QStackedWidget& readiness_stack;
+    QTableView& readiness_table;
+    QLabel& readiness_summary_label;
+    QLabel& facts;
+};

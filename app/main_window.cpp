@@ -1,0 +1,267 @@
+#include "app/main_window.h"
+
+#include "app/link_report.h"
+#include "app/not_available_view.h"
+#include "app/prefs_view.h"
+#include "app/read_codes_view.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QShortcut>
+
+namespace {
+
+constexpr QSize first_size{1180, 760};
+constexpr QSize smallest_size{800, 560};
+constexpr int longest_geometry = 4096;
+const QString geometry_key = QStringLiteral("BV_window_geometry");
+
+QFrame* thin_line() {
+    auto* line = new QFrame;
+    line->setProperty("role", QStringLiteral("line"));
+    line->setFixedHeight(1);
+    return line;
+}
+
+} // namespace
+
+main_window::main_window(program_core& its_core, const QString& views)
+    : core(its_core), delegate(core.state, core.defaults, core.db, core.clock, *this),
+      toolies(core.state, core.defaults, core.db), loader(views), toast(&area), help(&area), sheet(this) {
+    lay_out();
+    add_keys();
+    apply_look();
+    restore_place();
+    connect(&tools, &tool_strip::chosen, this, &main_window::choose_screen);
+    connect(&tools, &tool_strip::help_wanted, this, &main_window::toggle_help);
+    connect(&delegate, &adapter_link::condition_changed, this, &main_window::show_surroundings);
+    qApp->installEventFilter(this);
+}
+
+main_window::~main_window() {
+    qApp->removeEventFilter(this);
+    sheet.refuse();
+    delegate.applicationWillTerminate();
+    const auto last = std::move(view); // while it goes, nobody is told of what it does
+}
+
+void main_window::lay_out() {
+    area.setObjectName(QStringLiteral("main_area"));
+    area_room = new QVBoxLayout(&area);
+    area_room->setContentsMargins(0, 0, 0, 0);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(&tools);
+    column->addWidget(thin_line());
+    column->addWidget(&banner);
+    column->addWidget(&area, 1);
+    column->addWidget(thin_line());
+    column->addWidget(&status);
+    setMinimumSize(smallest_size);
+}
+
+void main_window::add_keys() {
+    const auto on_key = [this](const QKeySequence& key, auto what) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this, what);
+    };
+    on_key(Qt::Key_F1, [this] { toggle_help(); });
+    on_key(Qt::Key_Escape, [this] { escape(); });
+    on_key(Qt::Key_F5, [this] {
+        if (view && !sheet.is_open())
+            view->start();
+    });
+    for (int i = 0; const auto kind = tool_strip::screen_at(i); ++i)
+        on_key(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i), [this, kind] { choose_screen(*kind); });
+}
+
+void main_window::start() {
+    core.choose_link();
+    started_with = link_now();
+    if (!core.folder_problem().isEmpty())
+        show_message(QString(), core.folder_problem());
+    delegate.applicationDidFinishLaunching(this);
+    show_surroundings();
+}
+
+// --- screens
+// -------------------------------------------------------------------------------------------------
+
+void main_window::choose_screen(screen_kind kind) {
+    if (!view || kind != delegate.current_screen())
+        delegate.switch_to(kind);
+}
+
+void main_window::go_to(screen_kind kind) {
+    QMetaObject::invokeMethod(
+        this, [this, kind] { choose_screen(kind); }, Qt::QueuedConnection);
+}
+
+std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
+    const view_context context{core, delegate, *this, *this, loader};
+    switch (kind) {
+    case screen_kind::diagnostics: return std::make_unique<read_codes_view>(context);
+    case screen_kind::preferences: return std::make_unique<prefs_view>(context);
+    case screen_kind::expert:
+        return std::make_unique<not_available_view>(context, QStringLiteral("expertView"),
+                                                    QStringLiteral("obd_mode.png"));
+    case screen_kind::logs:
+        return std::make_unique<not_available_view>(context, QStringLiteral("logsDB_view"),
+                                                    QStringLiteral("logs.png"));
+    default:
+        return std::make_unique<not_available_view>(context, QStringLiteral("actions_view"),
+                                                    QStringLiteral("actions.gif"));
+    }
+}
+
+bool main_window::open_screen(screen_kind kind) {
+    sheet.refuse();
+    std::unique_ptr<screen_view> next;
+    try {
+        next = make_view(kind);
+    } catch (const broken_view& problem) {
+        tell({QStringLiteral("This screen cannot be shown"), QString::fromUtf8(problem.what()), {}, nullptr});
+        return false;
+    }
+    help.hide();
+    toast.show_text(QString());
+    area_room->addWidget(next.get());
+    next->look_changed();
+    view.swap(next);
+    next.reset();
+    view->setFocus();
+    status.set_busy(false);
+    status.set_status(QStringLiteral("Ready"));
+    return true;
+}
+
+void main_window::savePrefs() {
+    if (view)
+        view->save();
+}
+
+void main_window::regain_focus() {
+    if (view)
+        view->regain_focus();
+}
+
+void main_window::set_window_title(const QString& title) {
+    setWindowTitle(is_demo() ? QStringLiteral("%1 \u2013 Demo car").arg(title) : title);
+}
+
+// --- what the controllers tell
+// -------------------------------------------------------------------------------
+
+void main_window::show_status(const QString& text) {
+    status.set_status(text);
+    show_surroundings(); // what stands at the far end of the link becomes known step by step
+}
+
+void main_window::show_busy(bool busy) {
+    if (busy)
+        banner.drop_superseded();
+    status.set_busy(busy);
+    if (view)
+        view->show_busy(busy);
+}
+
+void main_window::show_message(const QString& title, const QString& text) {
+    tell({title, text, {}, nullptr, current_controller() != nullptr});
+}
+
+void main_window::ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) {
+    help.hide();
+    sheet.ask(title, text, std::move(answer));
+}
+
+void main_window::reload(const QString& list) {
+    if (view)
+        view->reload(list);
+    show_surroundings();
+}
+
+void main_window::beep() {
+    QApplication::beep();
+}
+
+void main_window::show_surroundings() {
+    status.set_link(report_link(delegate, core.state, toolies, is_demo()));
+    tools.set_vehicle_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
+                           is_demo());
+}
+
+main_window::link_in_force main_window::link_now() const {
+    return {core.state.interface_kind, core.state.wifi_ip, core.state.wifi_port};
+}
+
+bool main_window::is_demo() const {
+    return core.options.link == launch_options::link_choice::demo && link_is_as_started();
+}
+
+// --- help and keys
+// -------------------------------------------------------------------------------------------
+
+void main_window::toggle_help() {
+    if (help.isVisible())
+        help.hide();
+    else if (!sheet.is_open())
+        delegate.do_help_button();
+}
+
+void main_window::pop_helpy(const QString& title, const QString& html, const QString& icon) {
+    help.show_help(title, html, icon, colours);
+}
+
+void main_window::escape() {
+    if (sheet.is_open())
+        sheet.refuse();
+    else if (help.isVisible())
+        help.hide();
+    else if (view)
+        view->stop();
+}
+
+// --- the window itself
+// ---------------------------------------------------------------------------------------
+
+void main_window::apply_look() {
+    colours = theme::of(QApplication::palette());
+    setPalette(colours.palette());
+    setStyleSheet(colours.style_sheet(QApplication::font()));
+    tools.set_look(colours);
+    help.hide();
+    if (view)
+        view->look_changed();
+}
+
+void main_window::restore_place() {
+    resize(first_size);
+    const QString stored = core.defaults.text(geometry_key, QString(), longest_geometry);
+    if (!stored.isEmpty())
+        restoreGeometry(QByteArray::fromBase64(stored.toLatin1()));
+}
+
+bool main_window::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange)
+        apply_look();
+    return QWidget::eventFilter(watched, event);
+}
+
+void main_window::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange)
+        return;
+    if (isActiveWindow())
+        delegate.handly();
+    else
+        delegate.handly2();
+}
+
+void main_window::closeEvent(QCloseEvent* event) {
+    sheet.refuse();
+    savePrefs();
+    delegate.handleQuitEvent();
+    core.defaults.set(geometry_key, QString::fromLatin1(saveGeometry().toBase64()));
+    core.defaults.synchronise();
+    event->accept();
+}

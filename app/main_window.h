@@ -1,0 +1,101 @@
+#pragma once
+
+#include "app/help_panel.h"
+#include "app/notice_banner.h"
+#include "app/question_sheet.h"
+#include "app/screen_view.h"
+#include "app/sound_player.h"
+#include "app/status_strip.h"
+#include "app/toast_overlay.h"
+#include "app/tool_strip.h"
+
+#include <QVBoxLayout>
+#include <QWidget>
+#include <memory>
+
+// The window: the tool strip on top, notices, one of the five screens, and the status line. It is all that
+// the controllers see of the world, and it owns the delegate. `core` outlives it.
+class main_window : public QWidget, public ::screen, public main_area, private window_frame {
+    Q_OBJECT
+
+public:
+    // `views`: the folder of the view descriptions.
+    explicit main_window(program_core& its_core, const QString& views = QStringLiteral(":/views"));
+    ~main_window() override;
+
+    // Opens the database, takes the link that was asked for, and shows the first screen.
+    void start();
+    // What a button of the tool strip does. The screen that is shown already stays as it is.
+    void choose_screen(screen_kind kind);
+    screen_kind current_screen() const { return delegate.current_screen(); }
+
+    // screen
+    void show_status(const QString& text) override;
+    void show_toast(const QString& text) override { toast.show_text(text); }
+    void show_busy(bool busy) override;
+    void show_message(const QString& title, const QString& text) override;
+    void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    void reload(const QString& list) override;
+    void play_sound(int sound) override { sounds.play(sound); }
+    void beep() override;
+
+    // main_area
+    bool open_screen(screen_kind kind) override;
+    task_controller* current_controller() override { return view ? view->controller() : nullptr; }
+    void savePrefs() override;
+    void set_selected_button(screen_kind kind) override { tools.mark(kind); }
+    void set_window_title(const QString& title) override;
+    void show_vehicle(const QString& name, const QImage& image) override { tools.show_vehicle(name, image); }
+    void pop_helpy(const QString& title, const QString& html, const QString& icon) override;
+    void regain_focus() override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // The link that is in force, for telling whether it is still the one of the command line.
+    struct link_in_force {
+        int kind = 0;
+        QString address;
+        QString port;
+        bool operator==(const link_in_force&) const = default;
+    };
+
+    // window_frame
+    void tell(const notice& what) override { banner.add(what); }
+    void go_to(screen_kind kind) override;
+    const theme& look() const override { return colours; }
+    void settings_changed() override { show_surroundings(); }
+    bool link_is_as_started() const override { return link_now() == started_with; }
+
+    void lay_out();
+    void add_keys();
+    void apply_look();
+    void restore_place();
+    void show_surroundings();
+    void toggle_help();
+    void escape();
+    std::unique_ptr<screen_view> make_view(screen_kind kind);
+    link_in_force link_now() const;
+    bool is_demo() const;
+
+    program_core& core;
+    Bv_lite_delegate delegate;
+    mac_toolies toolies;
+    view_loader loader;
+    theme colours;
+    sound_player sounds;
+    link_in_force started_with;
+
+    tool_strip tools;
+    notice_banner banner;
+    QWidget area;
+    QVBoxLayout* area_room = nullptr;
+    status_strip status;
+    toast_overlay toast;
+    help_panel help;
+    question_sheet sheet;
+    std::unique_ptr<screen_view> view;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QList>
+#include <QPushButton>
+#include <QToolButton>
+#include <functional>
+
+// Something the person is told on top of the screen, until it is dismissed.
+struct notice {
+    QString title; // "" for none
+    QString text;
+    QString button; // "" for none
+    std::function<void()> action;
+    // Told by an operation: the next operation supersedes it.
+    bool of_operation = false;
+};
+
+// Shows the notices one after the other, the oldest first. Esc does not close it.
+class notice_banner : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit notice_banner(QWidget* parent = nullptr);
+
+    // One that is already waiting is not told twice.
+    void add(const notice& what);
+    void dismiss();
+    void drop_superseded();
+    qsizetype count() const { return waiting.size(); }
+    QString shown_text() const { return waiting.isEmpty() ? QString() : waiting.first().text; }
+
+private:
+    void show_first();
+
+    QList<notice> waiting;
+    QLabel mark;
+    QLabel title;
+    QLabel text;
+    QLabel more;
+    QPushButton action;
+    QToolButton close_button;
+};

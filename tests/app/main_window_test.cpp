@@ -1,0 +1,145 @@
+#include "tests/app/running_window.h"
+
+#include <QDir>
+#include <QFile>
+#include <array>
+
+namespace {
+
+QByteArray content_of(const QString& name) {
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void write(const QString& name, const QByteArray& content) {
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(content), content.size());
+}
+
+} // namespace
+
+TEST(main_window, keeps_its_screen_when_another_is_broken) {
+    QTemporaryDir views;
+    view_loader compiled_in(QStringLiteral(":/views")); // brings them in
+    for (const QString& name : QDir(QStringLiteral(":/views")).entryList({QStringLiteral("*.ui")})) {
+        QByteArray content = content_of(QStringLiteral(":/views/") + name);
+        if (name == QLatin1String("expertView.ui"))
+            content.truncate(content.size() / 2);
+        if (name == QLatin1String("read_codes_view.ui"))
+            content.replace("name=\"codes_table\"", "name=\"another_table\"");
+        if (name != QLatin1String("logsDB_view.ui"))
+            write(views.filePath(name), content);
+    }
+
+    running_window program(launch_options::link_choice::as_stored, views.path());
+    QLabel* marker = program.window->findChild<QLabel*>(QStringLiteral("667"));
+    const QWidget* shown = &program.part<screen_view>();
+    for (const screen_kind broken : {screen_kind::expert, screen_kind::diagnostics, screen_kind::logs}) {
+        program.window->choose_screen(broken);
+        EXPECT_EQ(program.window->current_screen(), screen_kind::live_data);
+        EXPECT_EQ(&program.part<screen_view>(), shown);
+        EXPECT_EQ(program.window->findChild<QLabel*>(QStringLiteral("667")), marker);
+    }
+    EXPECT_EQ(program.part<notice_banner>().count(), 3);
+    program.window->choose_screen(screen_kind::preferences);
+    EXPECT_EQ(program.window->current_screen(), screen_kind::preferences);
+}
+
+TEST(main_window, asks_once_and_is_answered_once) {
+    running_window program;
+    QList<std::pair<int, bool>> answers;
+    const auto ask = [&](int question) {
+        program.window->ask_yes_no(QStringLiteral("Sure?"), QString(), [&answers, question](bool yes) {
+            answers += {question, yes};
+        });
+    };
+    ask(1);
+    ask(2); // takes the place of the first
+    program.press(Qt::Key_Escape);
+    ask(3);
+    program.press(Qt::Key_5, Qt::ControlModifier);
+    ask(4);
+    program.window->close();
+    program.window.reset();
+    const QList<std::pair<int, bool>> expected{{1, false}, {2, false}, {3, false}, {4, false}};
+    EXPECT_EQ(answers, expected);
+}
+
+TEST(main_window, keeps_notices_until_dismissed_or_superseded) {
+    running_window program;
+    auto& banner = program.part<notice_banner>();
+    program.window->show_message(QString(), QStringLiteral("of the start"));
+    program.press(Qt::Key_1, Qt::ControlModifier);
+    for (const char* text : {"first", "second", "first"})
+        program.window->show_message(QString(), QLatin1String(text));
+    EXPECT_EQ(banner.count(), 3);
+    program.press(Qt::Key_Escape);
+    EXPECT_EQ(banner.shown_text(), QStringLiteral("of the start"));
+    banner.dismiss();
+    EXPECT_EQ(banner.shown_text(), QStringLiteral("first"));
+
+    program.window->show_busy(true); // another operation begins
+    EXPECT_EQ(banner.count(), 0);
+    EXPECT_FALSE(banner.isVisible());
+}
+
+TEST(main_window, shows_texts_of_the_car_as_plain_text_in_one_line) {
+    running_window program;
+    const QString reply = QStringLiteral("<b>7E8</b>\n<img src=\"/etc/hostname\">");
+    program.window->show_status(reply);
+    auto& label = program.part<elided_label>("status");
+    EXPECT_EQ(label.textFormat(), Qt::PlainText);
+    EXPECT_FALSE(label.text().contains(QLatin1Char('\n')));
+    EXPECT_FALSE(label.toolTip().contains(QStringLiteral("<img")));
+    EXPECT_TRUE(label.toolTip().contains(QStringLiteral("hostname")));
+}
+
+TEST(main_window, follows_the_palette_of_the_desktop) {
+    running_window program;
+    const QPalette before = QApplication::palette();
+    const auto is_dark = [&] { return program.window->palette().color(QPalette::Window).lightness() < 128; };
+    EXPECT_FALSE(is_dark());
+    QPalette night = before;
+    night.setColor(QPalette::Window, Qt::black);
+    QApplication::setPalette(night);
+    EXPECT_TRUE(QTest::qWaitFor(is_dark));
+    QApplication::setPalette(before);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !is_dark(); }));
+}
+
+TEST(main_window, remembers_its_size) {
+    QTemporaryDir profile;
+    for (const int run : {1, 2}) {
+        program_core core(running_window::with(launch_options::link_choice::as_stored, profile.path()));
+        main_window window(core);
+        window.start();
+        if (run == 1)
+            window.resize(1000, 640);
+        window.show();
+        EXPECT_EQ(window.size(), QSize(1000, 640));
+        window.close();
+    }
+}
+
+TEST(help_panel, opens_with_f1_and_loads_only_artwork) {
+    running_window program;
+    auto& help = program.part<help_panel>();
+    program.press(Qt::Key_F1);
+    EXPECT_TRUE(help.isVisible());
+    program.press(Qt::Key_F1);
+    EXPECT_FALSE(help.isVisible());
+    program.press(Qt::Key_F1);
+    program.press(Qt::Key_Escape);
+    EXPECT_FALSE(help.isVisible());
+
+    help_browser browser;
+    const auto load = [&browser](const char* address, int type = QTextDocument::ImageResource) {
+        return browser.loadResource(type, QUrl(QLatin1String(address)));
+    };
+    EXPECT_FALSE(load("qrc:/artwork/prefs_wifi.gif").value<QImage>().isNull());
+    for (const char* refused : {"file:///etc/hostname", "/etc/hostname", "qrc:/views/chevron.png",
+                                "qrc:/artwork/../views/chevron.png", "http://127.0.0.1/artwork/help.png"})
+        EXPECT_FALSE(load(refused).isValid()) << refused;
+    EXPECT_FALSE(load("qrc:/artwork/help.png", QTextDocument::StyleSheetResource).isValid());
+}

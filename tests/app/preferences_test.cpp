@@ -1,0 +1,107 @@
+#include "tests/app/running_window.h"
+
+#include "shell/preferences.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QRadioButton>
+
+namespace {
+
+struct preferences_screen : running_window {
+    using running_window::running_window;
+
+    void open() { window->choose_screen(screen_kind::preferences); }
+    void type(const char* field, const char* text) {
+        auto& line = part<QLineEdit>(field);
+        line.setText(QLatin1String(text));
+        Q_EMIT line.editingFinished();
+    }
+    bool is_hidden(const char* name) { return part<QWidget>(name).isHidden(); }
+    QString stored(const char* key) {
+        return QSettings(core.paths.settings_file, QSettings::IniFormat).value(QLatin1String(key)).toString();
+    }
+};
+
+} // namespace
+
+TEST(preferences, tells_what_is_wrong_with_a_typed_text) {
+    for (const char* good : {"192.168.0.10", "obd.local", "fe80::1", "123456789012345678901234567890"})
+        EXPECT_EQ(preferences::address_problem(QLatin1String(good)), QString()) << good;
+    for (const char* bad : {"", " ", "192.168.0.10 ", "a b", "1234567890123456789012345678901"})
+        EXPECT_NE(preferences::address_problem(QLatin1String(bad)), QString()) << bad;
+    for (const char* good : {"1", "35000", "65535", "0035000"})
+        EXPECT_EQ(preferences::port_problem(QLatin1String(good)), QString()) << good;
+    for (const char* bad : {"", "0", "65536", "-1", "+5", "35000 ", "1e3", "99999999999999999999"})
+        EXPECT_NE(preferences::port_problem(QLatin1String(bad)), QString()) << bad;
+}
+
+TEST(preferences, names_the_sampling_rates) {
+    const QList<int> secs{-1, 10, 30, 60, 120, 300};
+    for (int i = 0; i < secs.size(); ++i)
+        EXPECT_EQ(secs_4_sampling(i), secs.at(i));
+    EXPECT_EQ(secs_4_sampling(6), -1);
+    EXPECT_EQ(text_4_sampling(120), QStringLiteral("Every 2 minutes"));
+    EXPECT_EQ(text_4_sampling(7), QStringLiteral("As fast as available"));
+}
+
+TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
+    preferences_screen program;
+    program.open();
+    EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
+    EXPECT_TRUE(program.is_hidden("wifi_pane"));
+    program.part<QRadioButton>("wifi").click();
+    EXPECT_FALSE(program.is_hidden("wifi_pane"));
+    EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6"));
+    EXPECT_EQ(program.core.state.interface_kind, interface_wifi);
+
+    program.type("address", "10.0.0.5");
+    program.type("port", "70000");
+    EXPECT_TRUE(program.is_hidden("address_problem"));
+    EXPECT_FALSE(program.is_hidden("port_problem"));
+    EXPECT_EQ(program.stored("wifi_IP"), QStringLiteral("10.0.0.5"));
+    EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35000"));
+    EXPECT_EQ(program.core.state.wifi_ip, QStringLiteral("10.0.0.5"));
+    EXPECT_EQ(program.core.state.wifi_port, QStringLiteral("35000"));
+
+    program.part<QCheckBox>("metric_units").click();
+    program.part<QCheckBox>("log_runs").click();
+    program.part<QComboBox>("sample_rate").setCurrentIndex(2);
+    EXPECT_TRUE(program.core.state.metric_units && program.core.state.log_runs);
+    EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("30"));
+
+    // Typed, and left with a key: stored on the way out.
+    program.part<QLineEdit>("port").setText(QStringLiteral("35001"));
+    program.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35001"));
+
+    program.open();
+    program.click("set_defaults");
+    EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
+    EXPECT_EQ(program.core.state.interface_kind, interface_bluetooth);
+    EXPECT_EQ(program.stored("BV_log_runs"), QStringLiteral("true"));
+    EXPECT_FALSE(program.core.state.metric_units);
+}
+
+TEST(prefs_view, leaves_the_link_of_the_command_line_until_it_is_changed) {
+    preferences_screen program(launch_options::link_choice::demo);
+    program.press(Qt::Key_1, Qt::ControlModifier);
+    program.press(Qt::Key_F5);
+    ASSERT_TRUE(program.wait_until_idle());
+    const QString port = program.core.state.wifi_port;
+
+    program.open();
+    EXPECT_FALSE(program.is_hidden("run_note"));
+    program.part<QCheckBox>("metric_units").click();
+    program.window->choose_screen(screen_kind::logs);
+    EXPECT_EQ(program.core.state.interface_kind, interface_wifi);
+    EXPECT_EQ(program.core.state.wifi_port, port);
+    EXPECT_EQ(program.link(), link_words::condition::open);
+
+    program.open();
+    program.part<QRadioButton>("wifi").click();
+    EXPECT_EQ(program.core.state.wifi_port, QStringLiteral("35000"));
+    EXPECT_EQ(program.link(), link_words::condition::closed) << "it led to the old place";
+    EXPECT_TRUE(program.is_hidden("run_note"));
+}

@@ -1,0 +1,107 @@
+#include "tests/app/running_window.h"
+
+#include <QClipboard>
+
+namespace {
+
+const QStringList codes_of_the_car{
+    QStringLiteral("P0133\t7E8\tO2 Sensor Circuit Slow Response Bank 1 Sensor 1"),
+    QStringLiteral("P0220\t7E8\tThrottle/Pedal Position Sensor/Switch B Circuit"),
+};
+
+struct diagnosed_car : running_window {
+    diagnosed_car() : running_window(launch_options::link_choice::demo) {
+        press(Qt::Key_1, Qt::ControlModifier);
+        press(Qt::Key_F5);
+        EXPECT_FALSE(part<QPushButton>("stop").isHidden());
+        EXPECT_TRUE(wait_until_idle());
+    }
+};
+
+} // namespace
+
+TEST(read_codes_view, shows_what_the_demo_car_says) {
+    diagnosed_car car;
+    EXPECT_EQ(car.rows_of("codes_table"), codes_of_the_car);
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("ON"));
+    EXPECT_EQ(car.part<QLabel>("code_count").text(), QStringLiteral("2"));
+    EXPECT_TRUE(car.part<QLabel>("facts").text().contains(QStringLiteral("ELM327v1.5")));
+    EXPECT_EQ(car.link(), link_words::condition::open);
+    EXPECT_TRUE(car.part<status_strip>().link().details.contains(QStringLiteral("7E8 (Eng.), 7E9 (Trans.)")));
+
+    const QAbstractItemModel& readiness = *car.part<QTableView>("readiness_table").model();
+    EXPECT_EQ(readiness.index(0, 0).data().toString(), QStringLiteral("Continous"));
+    EXPECT_EQ(readiness.index(4, 0).data().toString(), QStringLiteral("Non-Continous"));
+    EXPECT_EQ(readiness.index(1, 1).data().toString(), QStringLiteral("     Misfire"));
+    const QStringList states = car.rows_of("readiness_table");
+    EXPECT_EQ(states.size(), 11);
+    EXPECT_TRUE(states.contains(QStringLiteral("complete\tCatalyst")));
+    EXPECT_TRUE(states.contains(QStringLiteral("not complete\tEvaporative system")));
+    EXPECT_TRUE(states.contains(QStringLiteral("not supported\tHeated catalyst")));
+    EXPECT_EQ(car.part<QLabel>("readiness_summary").text(), QStringLiteral("6 of 7 complete"));
+
+    auto& table = car.part<QTableView>("codes_table");
+    table.setFocus();
+    table.selectRow(1);
+    car.press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), codes_of_the_car.at(1));
+
+    // The results outlive the screen.
+    car.press(Qt::Key_4, Qt::ControlModifier);
+    EXPECT_EQ(car.window->current_controller(), nullptr);
+    car.press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(car.rows_of("codes_table"), codes_of_the_car);
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("ON"));
+}
+
+TEST(read_codes_view, clears_only_after_a_yes) {
+    diagnosed_car car;
+    auto& sheet = car.part<question_sheet>();
+    car.click("clear");
+    ASSERT_TRUE(sheet.is_open());
+    car.press(Qt::Key_F5);
+    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden()) << "nothing starts below a question";
+    car.press(Qt::Key_Return); // the first answer
+    EXPECT_FALSE(sheet.is_open());
+    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
+    EXPECT_EQ(car.rows_of("codes_table"), codes_of_the_car);
+
+    car.click("clear");
+    car.press(Qt::Key_Tab);
+    car.press(Qt::Key_Return);
+    EXPECT_FALSE(car.part<QPushButton>("stop").isHidden());
+    ASSERT_TRUE(car.wait_until_idle());
+    EXPECT_EQ(car.rows_of("codes_table"), QStringList());
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("\u2013"));
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_idle());
+    EXPECT_EQ(car.rows_of("codes_table"), QStringList{QStringLiteral("No codes\t\tLook for pending codes")});
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("OFF"));
+}
+
+TEST(read_codes_view, stops_and_leaves_in_mid_operation) {
+    running_window car(launch_options::link_choice::demo);
+    car.press(Qt::Key_1, Qt::ControlModifier);
+    car.press(Qt::Key_F5);
+    car.press(Qt::Key_Escape);
+    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
+    EXPECT_EQ(car.part<status_strip>().status_text(), QStringLiteral("Stopped"));
+
+    car.press(Qt::Key_F5);
+    car.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(car.window->current_screen(), screen_kind::live_data);
+    EXPECT_TRUE(car.part<busy_ring>().isHidden());
+}
+
+TEST(read_codes_view, shows_the_way_when_bluetooth_is_chosen) {
+    running_window car;
+    car.press(Qt::Key_1, Qt::ControlModifier);
+    car.click("read");
+    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
+    auto& banner = car.part<notice_banner>();
+    ASSERT_TRUE(banner.isVisible());
+    for (QPushButton* button : banner.findChildren<QPushButton*>())
+        button->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return car.window->current_screen() == screen_kind::preferences; }));
+    EXPECT_FALSE(banner.isVisible());
+}

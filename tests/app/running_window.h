@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/main_window.h"
+#include "app/table_copy.h"
+
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <optional>
+
+// The whole program around a window, started as main() does it, with a profile of its own.
+struct running_window {
+    static launch_options with(launch_options::link_choice link, const QString& profile) {
+        launch_options options;
+        options.link = link;
+        options.profile = profile;
+        return options;
+    }
+
+    QTemporaryDir folder;
+    program_core core;
+    std::optional<main_window> window;
+
+    explicit running_window(launch_options::link_choice link = launch_options::link_choice::as_stored,
+                            const QString& views = QStringLiteral(":/views"))
+        : core(with(link, folder.path())) {
+        QString problem;
+        EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();
+        window.emplace(core, views);
+        window->start();
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&*window));
+    }
+
+    template <class T>
+    T& part(const char* name = nullptr) {
+        T* found = window->findChild<T*>(name ? QLatin1String(name) : QString());
+        if (!found)
+            throw std::runtime_error(name ? name : "part");
+        return *found;
+    }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(window->windowHandle(), key, modifiers);
+    }
+    void click(const char* button) { part<QPushButton>(button).click(); }
+
+    QStringList rows_of(const char* table_name) {
+        auto& table = part<QTableView>(table_name);
+        table.selectAll();
+        return selected_rows_as_text(table).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+
+    // An operation that was started has ended.
+    bool wait_until_idle() {
+        return QTest::qWaitFor([this] { return part<QPushButton>("stop").isHidden(); }, 20000);
+    }
+    link_words::condition link() { return part<status_strip>().link().now; }
+};
