@@ -1,0 +1,230 @@
+// How many commands a second go to an adapter and come back as a value: through the transport, the exchange,
+// the reply check, a controller's step and the translation, with the diagnostic log on. Beside it a bare
+// socket that sends the same command as soon as the prompt is there: what adapter, network and event loop
+// allow. Both talk to the same virtual adapter and take turns. Run a release build on an otherwise idle
+// machine.
+
+#include "base/console_log.h"
+#include "diagnostics/readCodes.h"
+#include "shell/program_core.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int rounds = 9;
+constexpr qint64 round_ms = 1500;
+constexpr int patience_ms = 20'000;
+const QByteArray asked_for = "01 0C\r";
+
+[[noreturn]] void give_up(const QString& why) {
+    std::fprintf(stderr, "%s\n", qPrintable(why));
+    std::exit(1);
+}
+
+class quiet_screen : public screen {
+public:
+    void show_status(const QString&) override {}
+    void show_toast(const QString&) override {}
+    void show_busy(bool) override {}
+    void show_message(const QString&, const QString& text) override { give_up(text); }
+    void ask_yes_no(const QString&, const QString&, std::function<void(bool)> answer) override {
+        answer(true);
+    }
+    void reload(const QString&) override {}
+    void play_sound(int) override {}
+    void beep() override {}
+};
+
+// The exchanges of one round, and when it is over.
+class round_counter {
+public:
+    // Runs the event loop until next() has said no. The exchanges a second.
+    template <typename function>
+    double run(function start) {
+        count = 0;
+        clock.start();
+        const QMetaObject::Connection watch = QObject::connect(
+            &watchdog, &QTimer::timeout, [] { give_up(QStringLiteral("the adapter is silent")); });
+        watchdog.start(patience_ms);
+        start();
+        loop.exec();
+        watchdog.stop();
+        QObject::disconnect(watch);
+        return static_cast<double>(count) * 1e9 / static_cast<double>(elapsed_ns);
+    }
+    // Called for each reply: true when another command is wanted.
+    bool next() {
+        ++count;
+        elapsed_ns = clock.nsecsElapsed();
+        if (elapsed_ns < round_ms * 1'000'000)
+            return true;
+        loop.quit();
+        return false;
+    }
+
+private:
+    QEventLoop loop;
+    QTimer watchdog;
+    QElapsedTimer clock;
+    qint64 count = 0;
+    qint64 elapsed_ns = 0;
+};
+
+// What a live run does with each reply, without a matrix to put the value in.
+class sampler : public task_controller {
+public:
+    sampler(process_state& process, adapter_link& its_link, const mac_toolies& its_toolies)
+        : state(process), link(its_link), toolies(its_toolies) {}
+
+    double run() {
+        state.cur_op = op_log_run;
+        return counter.run([this] { send(); });
+    }
+    const QString& last_value() const { return value; }
+
+    void work_current_task(const QString&) override { give_up(QStringLiteral("a command timed out")); }
+    void handleOBDRcvdMsg(const QString& reply) override {
+        const obd_groups ecus = toolies.pullObdMsgsGrouped(state.obd_msgs);
+        if (ecus.isEmpty())
+            give_up(QStringLiteral("no value in \"%1\"").arg(reply));
+        const obd_group& engine = ecus.at(toolies.findEngineEcuIdx(ecus));
+        value = toolies.translateResponse(toolies.data_of_single_message(engine.pidSet.first()));
+        if (counter.next())
+            send();
+    }
+    void leave_cur_op_gracefully(const QString&) override {}
+    void set_status_msg(const QString& status) override { give_up(status); }
+    void handleOBDToast(const QString&) override {}
+
+private:
+    void send() { link.sendOBDcmd_n(QString::fromLatin1(asked_for), QString(), true); }
+
+    process_state& state;
+    adapter_link& link;
+    const mac_toolies& toolies;
+    round_counter counter;
+    QString value;
+};
+
+class bare_socket {
+public:
+    explicit bare_socket(quint16 port) {
+        socket.connectToHost(QStringLiteral("127.0.0.1"), port);
+        if (!socket.waitForConnected(patience_ms))
+            give_up(socket.errorString());
+        socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        for (const char* command : {"AT E0\r", "AT H1\r", "01 00\r"}) {
+            socket.write(command);
+            while (!is_answered())
+                if (!socket.waitForReadyRead(patience_ms))
+                    give_up(socket.errorString());
+        }
+        QObject::connect(&socket, &QTcpSocket::readyRead, [this] {
+            if (is_answered() && counter.next())
+                socket.write(asked_for);
+        });
+    }
+
+    double run() {
+        return counter.run([this] { socket.write(asked_for); });
+    }
+
+private:
+    bool is_answered() {
+        reply += socket.readAll();
+        const bool whole = reply.contains('>');
+        if (whole)
+            reply.clear();
+        return whole;
+    }
+
+    QTcpSocket socket;
+    QByteArray reply;
+    round_counter counter;
+};
+
+quint16 start_adapter(QProcess& adapter) {
+    adapter.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    adapter.start(QStringLiteral(BV_VIRTUAL_ADAPTER), {"--port", "0", "--car", "can11", "--still"});
+    QByteArray line;
+    while (!line.endsWith('\n')) {
+        if (!adapter.waitForReadyRead(patience_ms))
+            give_up(QStringLiteral("the virtual adapter does not start: %1").arg(adapter.errorString()));
+        line += adapter.readLine();
+    }
+    return line.trimmed().split(':').last().toUShort();
+}
+
+// Through the program's own initialisation: echo off, headers on, the protocol and the supported PIDs known.
+void initialise(adapter_link& link, readCodes& controller) {
+    QEventLoop loop;
+    link.set_controller(&controller);
+    controller.operation_ended = [&loop](bool done) {
+        if (!done)
+            give_up(QStringLiteral("the adapter could not be initialised"));
+        loop.quit();
+    };
+    controller.read_link_info();
+    loop.exec();
+    controller.operation_ended = nullptr;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QTemporaryDir profile;
+    QProcess adapter;
+    launch_options options;
+    options.link = launch_options::link_choice::wifi;
+    options.wifi_host = QStringLiteral("127.0.0.1");
+    const quint16 port = start_adapter(adapter);
+    options.wifi_port = QString::number(port);
+    options.profile = profile.path();
+    program_core core(options);
+    core.choose_link();
+    redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
+
+    quiet_screen view;
+    adapter_link link(core.state, core.clock, view, make_transport);
+    mac_toolies toolies(core.state, core.defaults, core.db);
+    toolies.store().init_DB();
+    readCodes controller(core.state, link, toolies, view, core.diagnostics);
+    initialise(link, controller);
+
+    sampler program(core.state, link, toolies);
+    link.set_controller(&program);
+    bare_socket bare(port);
+    std::vector<double> with_program, without, ratios;
+    program.run(), bare.run(); // warm
+    for (int i = 0; i < rounds; ++i) {
+        with_program.push_back(program.run());
+        without.push_back(bare.run());
+        ratios.push_back(with_program.back() / without.back());
+    }
+    link.set_controller(nullptr);
+    link.disconnect();
+    adapter.kill();
+    adapter.waitForFinished();
+
+    std::printf("command to value       %8.0f a second (last: %s)\n", median(with_program),
+                qPrintable(program.last_value()));
+    std::printf("bare socket            %8.0f a second\n", median(without));
+    std::printf("ratio, pair by pair    %8.2f (median of %d)\n", median(ratios), rounds);
+    return 0;
+}
