@@ -49,7 +49,7 @@ QVariant codes_model::data(const QModelIndex& index, int role) const {
 
 QString codes_model::cell(const QString& row, int at) const {
     const qsizetype bar = row.indexOf(QLatin1Char('|'));
-    const QString code = bar < 0 ? row : row.first(bar);
+    QString code = bar < 0 ? row : row.first(bar);
     switch (at) {
     case code_column: return code;
     case ecu_column: return bar < 0 ? QString() : row.sliced(bar + 1);

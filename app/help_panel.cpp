@@ -9,6 +9,7 @@ namespace {
 
 constexpr int panel_width = 440;
 constexpr int icon_size = 28;
+constexpr double shadow_offset = 4;
 const QString artwork = QStringLiteral("/artwork/");
 
 } // namespace
@@ -55,7 +56,7 @@ help_panel::help_panel(QWidget* over) : overlay(over) {
 
     auto* shadow = new QGraphicsDropShadowEffect(this);
     shadow->setBlurRadius(3 * theme::step);
-    shadow->setOffset(0, theme::step / 2);
+    shadow->setOffset(0, shadow_offset);
     shadow->setColor(QColor(0, 0, 0, 90));
     setGraphicsEffect(shadow);
     connect(&close_button, &QToolButton::clicked, this, &QWidget::hide);

@@ -1,5 +1,7 @@
 #include "app/prefs_view.h"
 
+#include "persistence/log_files.h"
+
 #include <QPushButton>
 #include <QTabWidget>
 

@@ -20,7 +20,7 @@ public:
     void ask(const QString& title, const QString& text, std::function<void(bool)> answer);
     bool is_open() const { return waiting != nullptr; }
     // Answers No, when a question is open.
-    void refuse() { finish(true); }
+    void refuse() { finish(false); }
 
 protected:
     void place(const QRect& room) override;

@@ -43,7 +43,8 @@ sound_player::sound_player() : out(std::make_shared<output>()), worker(std::make
 sound_player::~sound_player() {
     worker->clear();
     if (!worker->waitForDone(patience_ms))
-        worker.release(); // a sound system that hangs must not keep the program from ending
+        static_cast<void>(
+            worker.release()); // a sound system that hangs must not keep the program from ending
 }
 
 void sound_player::play(int sound) {

@@ -201,7 +201,7 @@ QString theme::picture(const QString& file) const {
     const QString folder = QStringLiteral(":/artwork/");
     if (dark) {
         const qsizetype dot = file.lastIndexOf(QLatin1Char('.'));
-        const QString for_dark = folder + file.left(dot) + QStringLiteral("_dark") + file.mid(dot);
+        QString for_dark = folder + file.left(dot) + QStringLiteral("_dark") + file.mid(dot);
         if (dot > 0 && QFile::exists(for_dark))
             return for_dark;
     }

@@ -11,7 +11,7 @@ static void bring_in_resources() {
 }
 
 namespace {
-constexpr qint64 largest_description = 1024 * 1024;
+constexpr qint64 largest_description = 1 << 20;
 }
 
 view_loader::view_loader(const QString& its_folder) : folder(its_folder) {

@@ -1,9 +1,6 @@
 #include "shell/preferences.h"
 
-#include "base/string_table.h"
-
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -11,22 +8,6 @@ namespace {
 constexpr qsizetype longest_address = 30;
 constexpr qsizetype longest_port = 10;
 constexpr int highest_port = 65535;
-
-struct sampling_rate {
-    int secs;
-    const char* name;
-};
-
-// clang-format off
-constexpr std::array<sampling_rate, 6> rates{{
-    {-1,  "AS_FAST_AS_AVAIL"},
-    {10,  "EVERY_10_SECS"},
-    {30,  "EVERY_30_SECS"},
-    {60,  "EVERY_MIN"},
-    {120, "EVERY_2_MINS"},
-    {300, "EVERY_5_MINS"},
-}};
-// clang-format on
 
 bool same_link(const general_settings& one, const general_settings& other) {
     return one.interface_kind == other.interface_kind && one.wifi_ip == other.wifi_ip &&
@@ -97,7 +78,7 @@ void preferences::put_in_force(bool link_changed) {
     state.interface_kind = now.interface_kind;
     state.wifi_ip = now.wifi_ip;
     state.wifi_port = now.wifi_port;
-
+    link.disconnect(); // it leads to the old place
 }
 
 bool preferences::restore_first_values() {
@@ -125,14 +106,4 @@ QString preferences::port_problem(const QString& port) {
     return number >= 1 && number <= highest_port
                ? QString()
                : QStringLiteral("A port is a whole number from 1 to 65535.");
-}
-
-int secs_4_sampling(int index) {
-    return index > 0 && index < static_cast<int>(rates.size()) ? rates[static_cast<size_t>(index)].secs : -1;
-}
-
-QString text_4_sampling(int secs) {
-    const auto rate = std::find_if(rates.begin(), rates.end(),
-                                   [secs](const sampling_rate& one) { return one.secs == secs; });
-    return localised(QLatin1String((rate == rates.end() ? rates.front() : *rate).name));
 }

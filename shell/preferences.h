@@ -45,8 +45,3 @@ private:
     adapter_link& link;
     mac_toolies& toolies;
 };
-
-// The sampling rates by their place in the list, 0 to 5: seconds, and -1 for the first and any other index.
-int secs_4_sampling(int index);
-// The name of the rate of that many seconds; any other number is as fast as available.
-QString text_4_sampling(int secs);

@@ -1,0 +1,132 @@
+#include "persistence/log_files.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <array>
+#include <ctime>
+#include <optional>
+
+namespace {
+
+constexpr std::array<int, 6> rate_seconds{-1, 10, 30, 60, 120, 300};
+constexpr std::array<const char*, 6> rate_keys{"AS_FAST_AS_AVAIL", "EVERY_10_SECS", "EVERY_30_SECS",
+                                               "EVERY_MIN",        "EVERY_2_MINS",  "EVERY_5_MINS"};
+
+const char* prefix_of(int task) {
+    switch (task) {
+    case 1: return "dtc_";
+    case 3: return "xprt_";
+    case 4: return "log_";
+    case 5: return "frz_";
+    case 6: return "vinfo_";
+    case 7: return "fuel_";
+    case 8: return "mode6_";
+    case 11: return "misfire_";
+    case 13: return "boost_";
+    case 14: return "o2_";
+    default: return "other_";
+    }
+}
+
+// The number written with just these digits; -1 when another character is among them.
+int number_at(QStringView text, qsizetype at, int digits) {
+    int number = 0;
+    for (const QChar c : text.sliced(at, digits)) {
+        if (c < u'0' || c > u'9')
+            return -1;
+        number = number * 10 + (c.unicode() - u'0');
+    }
+    return number;
+}
+
+// A time stamp of the database in local time; nothing for other text. An export asks for every line, and Qt's
+// parser and its conversion, which looks at the time zone's file each time, take longer than all the rest of it.
+std::optional<std::tm> local_time(QStringView utc) {
+    constexpr QStringView form = u"0000-00-00 00:00:00";
+    if (utc.size() != form.size())
+        return std::nullopt;
+    for (qsizetype i = 0; i < form.size(); ++i) {
+        if (form[i] != u'0' && utc[i] != form[i])
+            return std::nullopt;
+    }
+    const QDate day(number_at(utc, 0, 4), number_at(utc, 5, 2), number_at(utc, 8, 2));
+    const QTime time(number_at(utc, 11, 2), number_at(utc, 14, 2), number_at(utc, 17, 2));
+    if (!day.isValid() || !time.isValid())
+        return std::nullopt;
+    const std::time_t moment = QDateTime(day, time, Qt::UTC).toSecsSinceEpoch();
+    std::tm local{};
+    return localtime_r(&moment, &local) ? std::optional(local) : std::nullopt;
+}
+
+} // namespace
+
+QString loggies_folder(const QString& folder) {
+    const QString path = folder + QStringLiteral("/loggies");
+    if (!QDir().mkpath(path))
+        console_log(QStringLiteral("Couldn't create loggies folder"));
+    return path;
+}
+
+QString pull_out_docs_dir(const QString& documents) {
+    return loggies_folder(documents);
+}
+
+QString work_out_log_fname(const QString& documents, const QString& file_name) {
+    return pull_out_docs_dir(documents) + u'/' + file_name;
+}
+
+QString work_out_log_fname_for_mode(const QString& application_folder, int task, bool metric, const QDateTime& now) {
+    return fill(QStringLiteral("%@/%@%@"), {loggies_folder(application_folder), QLatin1String(prefix_of(task)),
+                                            get_todays_date(false, metric, now)});
+}
+
+void delete_a_log(const QString& application_folder, const QString& file_name) {
+    QFile file(loggies_folder(application_folder) + u'/' + file_name);
+    if (!file.remove())
+        console_log(QStringLiteral("oops: %1").arg(file.errorString()));
+}
+
+QString get_todays_date(bool for_display, bool metric, const QDateTime& now) {
+    const int hour = now.time().hour() % 12 == 0 ? 12 : now.time().hour() % 12;
+    const QString hours = QString::number(hour).rightJustified(2, u'0');
+    const QString day = QLocale::c().toString(now, metric     ? QStringLiteral("dd_MMM_yyyy")
+                                                   : QStringLiteral("MMM_dd_yyyy"));
+    const QString minutes = now.toString(QStringLiteral("mm"));
+    const QString seconds = now.toString(QStringLiteral("ss"));
+    if (for_display)
+        return QString(day).replace(u'_', u' ') + u' ' + hours + u':' + minutes + u':' + seconds;
+    return day + u'-' + hours + minutes + u'_' + seconds;
+}
+
+QString gmt_date_str_2_local_date_str(const QString& utc) {
+    const auto local = local_time(utc);
+    if (!local)
+        return {};
+    return QString::asprintf("%04d-%02d-%02d %02d:%02d:%02d", local->tm_year + 1900, local->tm_mon + 1,
+                             local->tm_mday, local->tm_hour, local->tm_min, local->tm_sec);
+}
+
+QString format_date_str(const QString& utc) {
+    const auto local = local_time(utc);
+    if (!local)
+        return {};
+    const QDate day(local->tm_year + 1900, local->tm_mon + 1, local->tm_mday);
+    return QLocale::c().toString(day, QStringLiteral("d MMM yyyy ")) +
+           QString::asprintf("%02d:%02d", local->tm_hour, local->tm_min);
+}
+
+int secs_4_sampling(int index) {
+    return index >= 1 && index < static_cast<int>(rate_seconds.size()) ? rate_seconds[static_cast<size_t>(index)] : -1;
+}
+
+QString text_4_sampling(int seconds) {
+    for (size_t i = 1; i < rate_seconds.size(); ++i) {
+        if (rate_seconds[i] == seconds)
+            return localised(QLatin1String(rate_keys[i]));
+    }
+    return localised(QLatin1String(rate_keys[0]));
+}
