@@ -1,73 +1,95 @@
 #include "base/qt_timers.h"
 
-#include <QHash>
+#include <QBasicTimer>
 #include <QObject>
-#include <QTimerEvent>
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 
 class event_loop_timer;
 
-// Receives the events of all timers. A receiver for each timer would have to be deleted by the event loop, since
-// a call may destroy its own handle; one timer a command makes that the greater part of its cost.
+// The timers that have not come yet, and the event loop's own timer for the earliest of them. Nearly every
+// timer is stopped before it comes, one with each command, so that starting and stopping must cost next to
+// nothing.
 class timer_events : public QObject {
 public:
-    int start(int milliseconds, event_loop_timer& timer) {
-        const int id = startTimer(milliseconds);
-        running.insert(id, &timer);
-        return id;
+    using places = std::multimap<steady_clock::time_point, event_loop_timer*>;
+
+    places::iterator add(milliseconds delay, event_loop_timer& timer) {
+        const auto place = waiting.emplace(steady_clock::now() + delay, &timer);
+        if (!alarm.isActive() || place->first < alarm_at)
+            set_alarm();
+        return place;
     }
-    void stop(int id) {
-        killTimer(id);
-        running.remove(id);
-    }
+    // The alarm stays: it comes once for nothing.
+    void remove(places::iterator place) { waiting.erase(place); }
+    places::iterator nowhere() { return waiting.end(); }
 
 protected:
-    void timerEvent(QTimerEvent* event) override;
+    void timerEvent(QTimerEvent*) override;
 
 private:
-    QHash<int, event_loop_timer*> running;
+    void set_alarm() {
+        alarm.stop();
+        if (waiting.empty())
+            return;
+        alarm_at = waiting.begin()->first;
+        const auto left = std::chrono::ceil<milliseconds>(alarm_at - steady_clock::now());
+        alarm.start(static_cast<int>(std::max(left, milliseconds(0)).count()), Qt::PreciseTimer, this);
+    }
+
+    places waiting;
+    QBasicTimer alarm;
+    steady_clock::time_point alarm_at;
 };
 
 class event_loop_timer : public running_timer {
 public:
-    event_loop_timer(std::shared_ptr<timer_events> its_events, int milliseconds, bool repeats,
+    event_loop_timer(std::shared_ptr<timer_events> its_events, int delay_ms, bool repeats,
                      std::function<void()> its_call)
-        : events(std::move(its_events)), call(std::move(its_call)), is_repeating(repeats),
-          id(events->start(milliseconds, *this)) {}
-    ~event_loop_timer() override { stop(); }
+        : events(std::move(its_events)), delay(std::max(delay_ms, 0)), is_repeating(repeats),
+          call(std::move(its_call)), place(events->add(delay, *this)) {}
+    ~event_loop_timer() override {
+        if (place != events->nowhere())
+            events->remove(place);
+    }
     Q_DISABLE_COPY_MOVE(event_loop_timer)
 
-    void come() {
-        const std::function<void()> due = call; // the call may destroy this timer
-        if (!is_repeating)
-            stop();
-        due();
+    // What is to be called. From now on the timer waits for its next turn, if it has one.
+    std::function<void()> come() {
+        events->remove(place);
+        place = is_repeating ? events->add(delay, *this) : events->nowhere();
+        return call;
     }
 
 private:
-    void stop() {
-        if (id != 0)
-            events->stop(id);
-        id = 0;
-    }
-
     std::shared_ptr<timer_events> events;
-    std::function<void()> call;
+    milliseconds delay;
     bool is_repeating;
-    int id; // 0 when it has come or could not be started
+    std::function<void()> call;
+    timer_events::places::iterator place;
 };
 
-void timer_events::timerEvent(QTimerEvent* event) {
-    if (event_loop_timer* timer = running.value(event->timerId()))
-        timer->come();
+// One timer a turn of the event loop, so that calls which take long do not keep other events waiting.
+void timer_events::timerEvent(QTimerEvent*) {
+    std::function<void()> call;
+    if (!waiting.empty() && waiting.begin()->first <= steady_clock::now())
+        call = waiting.begin()->second->come();
+    set_alarm();
+    if (call)
+        call(); // last: it may destroy the timer that it belongs to
 }
 
 qt_timers::qt_timers() : events(std::make_shared<timer_events>()) {}
 qt_timers::~qt_timers() = default;
 
-timer_handle qt_timers::one_shot(int milliseconds, std::function<void()> call) {
-    return std::make_unique<event_loop_timer>(events, milliseconds, false, std::move(call));
+timer_handle qt_timers::one_shot(int delay_ms, std::function<void()> call) {
+    return std::make_unique<event_loop_timer>(events, delay_ms, false, std::move(call));
 }
 
-timer_handle qt_timers::repeating(int milliseconds, std::function<void()> call) {
-    return std::make_unique<event_loop_timer>(events, milliseconds, true, std::move(call));
+timer_handle qt_timers::repeating(int delay_ms, std::function<void()> call) {
+    return std::make_unique<event_loop_timer>(events, delay_ms, true, std::move(call));
 }

@@ -75,7 +75,7 @@ void exchange::reset() {
 // The reply up to the first prompt; what follows it, up to the next prompt, stays in the buffer.
 QString exchange::cut_reply(QByteArrayView bytes, qsizetype prompt) {
     state.rx_accum.append(bytes.first(prompt + 1));
-    std::swap(state.rx_reply, state.rx_accum);
+    state.rx_reply = state.rx_accum;
     state.rx_accum.clear();
 
     const QByteArrayView rest = bytes.sliced(prompt + 1);

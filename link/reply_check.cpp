@@ -25,15 +25,8 @@ bool at_command_confirmed(const QString& reply, const sent_command& command) {
 
 // "01 00|12.0\r" gives "0100".
 QString digits_of_request(const QString& command) {
-    QString digits;
-    digits.reserve(command.size());
-    for (const QChar c : command) {
-        if (c == QLatin1Char('|'))
-            break;
-        if (c != QLatin1Char('\r') && c != QLatin1Char(' '))
-            digits += c;
-    }
-    return digits;
+    QString digits = command.left(command.indexOf(u'|')); // all of it when there is no "|"
+    return digits.removeIf([](QChar c) { return c == u'\r' || c == u' '; });
 }
 
 // A request answered with headers shown: the first ECU's data must begin with the answer to this very request.

@@ -5,7 +5,6 @@
 #include "obd/reply_text.h"
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace {
 
@@ -13,39 +12,43 @@ namespace {
 // 20, and the order of the text is no longer that of the frames.
 constexpr qsizetype frames_in_text_order = 16;
 
-struct arrived_line {
-    QString text;
-    qsizetype place;
-};
+// The lines of a normalised reply that can hold a message, in order of arrival; they are parts of its text.
+QList<QStringView> message_lines(QStringView text) {
+    QList<QStringView> lines = text.split(u'\r', Qt::SkipEmptyParts);
+    lines.removeIf([](QStringView line) { return line.contains(u'<'); });
+    const auto is_other = [](QStringView line) { return !is_hex(line); };
+    const auto others = std::count_if(lines.cbegin(), lines.cend(), is_other);
+    if (others > 0 && others < lines.size())
+        lines.removeIf(is_other);
+    return lines;
+}
+
+QString text_of_lines(const QString& reply) {
+    return prepReply(reply).replace(u'\n', u'\r');
+}
 
 // The lines of one header that are more than the text order can hold go back to their order of arrival.
-void restore_long_answers(std::vector<arrived_line>& lines, int width) {
-    const auto header_of = [width](const arrived_line& line) { return QStringView(line.text).left(width); };
+void restore_long_answers(QList<QStringView>& lines, int width) {
     for (auto begin = lines.begin(); begin != lines.end();) {
-        const auto end = std::find_if(begin, lines.end(), [&](const arrived_line& line) {
-            return header_of(line) != header_of(*begin);
-        });
+        const auto end = std::find_if(
+            begin, lines.end(), [&](QStringView line) { return line.left(width) != begin->left(width); });
         if (end - begin > frames_in_text_order)
-            std::sort(begin, end, [](const auto& a, const auto& b) { return a.place < b.place; });
+            std::sort(begin, end, [](QStringView a, QStringView b) { return a.data() < b.data(); });
         begin = end;
     }
 }
 
-void sort_lines(QStringList& lines, int protocol) {
-    if (lines.size() < 2)
+// By code point, digits before letters, so that no locale changes which ECU comes first.
+bool text_order(QStringView a, QStringView b) {
+    return a.compare(b, Qt::CaseInsensitive) < 0;
+}
+
+void sort_lines(QList<QStringView>& lines, int protocol) {
+    if (std::is_sorted(lines.cbegin(), lines.cend(), text_order))
         return;
-    std::vector<arrived_line> order;
-    order.reserve(static_cast<size_t>(lines.size()));
-    for (const QString& line : lines)
-        order.push_back({line, static_cast<qsizetype>(order.size())});
-    // By code point, digits before letters, so that no locale changes which ECU comes first.
-    std::stable_sort(order.begin(), order.end(), [](const arrived_line& a, const arrived_line& b) {
-        return a.text.compare(b.text, Qt::CaseInsensitive) < 0;
-    });
+    std::stable_sort(lines.begin(), lines.end(), text_order);
     if (is_can(protocol))
-        restore_long_answers(order, header_width(protocol));
-    std::transform(order.begin(), order.end(), lines.begin(),
-                   [](const arrived_line& line) { return line.text; });
+        restore_long_answers(lines, header_width(protocol));
 }
 
 // "7F ss 78": the ECU has understood the request of service ss and will answer later.
@@ -58,14 +61,18 @@ bool is_response_pending(const QString& body, int protocol) {
 }
 
 void drop_pending_notices(obd_messages& messages, int protocol) {
+    const auto is_notice = [protocol](const obd_message& message) {
+        return is_response_pending(message.body, protocol);
+    };
+    if (std::none_of(messages.cbegin(), messages.cend(), is_notice))
+        return;
     QStringList answered; // the headers of ECUs with an answer, each run once
     for (const obd_message& message : messages) {
-        const bool is_answer = !is_response_pending(message.body, protocol);
-        if (is_answer && (answered.isEmpty() || answered.last() != message.header))
+        if (!is_notice(message) && (answered.isEmpty() || answered.last() != message.header))
             answered.append(message.header);
     }
     messages.removeIf([&](const obd_message& message) {
-        return is_response_pending(message.body, protocol) &&
+        return is_notice(message) &&
                std::any_of(answered.begin(), answered.end(),
                            [&](const QString& header) { return same_ecu(header, message.header, protocol); });
     });
@@ -135,36 +142,38 @@ int header_width(int protocol) {
 }
 
 QStringList reply_lines(const QString& reply) {
-    QStringList lines = prepReply(reply).replace(u'\n', u'\r').split(u'\r', Qt::SkipEmptyParts);
-    lines.removeIf([](const QString& line) { return line.contains(u'<'); });
-    const auto is_message = [](const QString& line) { return is_hex(line); };
-    if (std::any_of(lines.cbegin(), lines.cend(), is_message))
-        lines.removeIf([&](const QString& line) { return !is_message(line); });
+    const QString text = text_of_lines(reply);
+    QStringList lines;
+    for (const QStringView line : message_lines(text))
+        lines.append(line.toString());
     return lines;
 }
 
 obd_messages pullObdMsgs(const QString& reply, int protocol) {
-    QStringList lines = reply_lines(reply);
+    const QString text = text_of_lines(reply);
+    QList<QStringView> lines = message_lines(text);
     const int width = header_width(protocol);
     if (width == 0)
         return obd_messages(lines.size());
     sort_lines(lines, protocol);
     obd_messages messages;
     messages.reserve(lines.size());
-    for (const QString& line : lines)
-        messages.append({line.left(width), line.mid(width)});
+    for (const QStringView line : std::as_const(lines))
+        messages.append({line.left(width).toString(), line.mid(width).toString()});
     drop_pending_notices(messages, protocol);
     return messages;
 }
 
 obd_groups pullObdMsgsGrouped(const obd_messages& messages, int protocol) {
     obd_groups groups;
+    groups.reserve(messages.size());
     for (const obd_message& message : messages) {
         if (message.header.isEmpty())
             continue;
-        if (groups.isEmpty() || !same_ecu(groups.last().header, message.header, protocol))
-            groups.append({message.header, {}});
-        groups.last().pidSet.append(message.body);
+        if (groups.isEmpty() || !same_ecu(groups.constLast().header, message.header, protocol))
+            groups.append(obd_group{message.header, {message.body}});
+        else
+            groups.last().pidSet.append(message.body);
     }
     return groups;
 }

@@ -33,6 +33,15 @@ QString trimmed(const QString& text, Predicate is_edge) {
     return QString(first, last - first);
 }
 
+// True for a text that normalising would leave as it is; not for every such text.
+bool is_normalised(const QString& text) {
+    const auto stays = [](QChar c) {
+        return (c > u'.' && c != u'>' && c != u'S' && c != u's') || is_line_end(c);
+    };
+    return !text.isEmpty() && !is_line_end(text.front()) && !is_line_end(text.back()) &&
+           std::all_of(text.begin(), text.end(), stays);
+}
+
 // As much of the repeated pad text as is missing to the length.
 QString padding(qsizetype missing, const QString& pad) {
     if (missing <= 0 || pad.isEmpty())
@@ -43,6 +52,8 @@ QString padding(qsizetype missing, const QString& pad) {
 } // namespace
 
 QString prepReply(const QString& reply) {
+    if (is_normalised(reply))
+        return reply;
     constexpr QLatin1String notice("SEARCHING...");
     QString result(reply.size(), Qt::Uninitialized);
     QChar* const begin = result.data();
