@@ -43,7 +43,7 @@ read_codes_view::read_codes_view(const view_context& its_context)
     : screen_view(its_context, QStringLiteral("read_codes_view")),
       toolies(context.core.state, context.core.defaults, context.core.db),
       codes_controller(context.core.state, context.delegate, toolies, context.window,
-                       context.core.diagnostics),
+                       context.core.diagnostics, context.core.paths),
       rail(part<QListWidget>("rail")), pages(part<QStackedWidget>("pages")),
       codes(*this, context, codes_controller) {
     part<QLabel>("later_title");

@@ -204,7 +204,7 @@ int main(int argc, char** argv) {
     adapter_link link(core.state, core.clock, view, make_transport);
     mac_toolies toolies(core.state, core.defaults, core.db);
     toolies.store().init_DB();
-    readCodes controller(core.state, link, toolies, view, core.diagnostics);
+    readCodes controller(core.state, link, toolies, view, core.diagnostics, core.paths);
     initialise(link, controller);
 
     sampler program(core.state, link, toolies);

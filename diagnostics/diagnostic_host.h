@@ -15,5 +15,10 @@ public:
     // everything slow, so the next operation starts from a reset.
     virtual void adapter_slowed() = 0;
     virtual void load_the_codes() = 0;
+    // While logging is on: writes the text to the session file; writes and stores the operation's report.
+    virtual void append_to_log(const QString& text) = 0;
+    virtual void write_report() = 0;
+    // The date of a heading.
+    virtual QString todays_date() const = 0;
     virtual diagnostic_results& results() = 0;
 };

@@ -13,6 +13,19 @@ struct diagnostic_results {
     QStringList xtraInfoArray;                // facts about the read
     QString cur_err_msg;                      // "Read on: ..." of the last read
 
+    QStringList pendingArray; // "P0133|7E8"
+    QStringList freezeArray;  // "Freezed by: P0133| ...", then "Engine RPM: 1726.00 RPM" ...
+    QStringList vehInfoArray; // see work_out_vehicle_info
+    QStringList mode6Array;   // test results: see mode6_records.h
+    QStringList misfireArray;
+    QStringList o2XtraArray;
+    QStringList xtrasArray;       // "label:| value |"
+    QStringList cur_CAN_raw_data; // a compact copy of each record of the test that ran last
+
+    // How far the running operation has come; 0 of 0 when that is not known.
+    int progress_done = 0;
+    int progress_total = 0;
+
     int no_of_ecus = 0;
     int no_of_codes = 0; // as the monitor status announces them
     bool milLamp = false;

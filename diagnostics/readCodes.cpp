@@ -1,16 +1,19 @@
 #include "diagnostics/readCodes.h"
 
 #include "obd/trouble_codes.h"
+#include "persistence/log_files.h"
 
 namespace {
 constexpr int idle = -1;
 }
 
 readCodes::readCodes(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
-                     diagnostic_results& its_results)
+                     diagnostic_results& its_results, const app_paths& its_paths)
     : context{process, its_link, its_toolies, its_view, process.interface_description, process.protocol_description},
       state(process), results_(its_results), pid_loop(context, *this), connector(context, *this, pid_loop),
-      reading(context, *this), clearing(context, *this) {}
+      reading(context, *this), clearing(context, *this), pending(context, *this), vehicle(context, *this),
+      mode6(context, *this, pid_loop), misfire(context, *this), o2_tests(context, *this), extras(context, *this),
+      log(its_paths, its_toolies.store()) {}
 
 readCodes::~readCodes() {
     operation_ended = nullptr;
@@ -40,6 +43,50 @@ void readCodes::start_clearing() {
     start_operation(op_clear_codes, QStringLiteral("starting out"));
 }
 
+void readCodes::start_with_empty_list(operation code, const QString& status, QStringList& list,
+                                      const QString& list_name) {
+    list.clear();
+    context.view.reload(list_name);
+    start_operation(code, status);
+}
+
+void readCodes::readPendingFreezeCodes() {
+    results_.freezeArray.clear();
+    context.view.reload(QStringLiteral("freeze"));
+    start_with_empty_list(op_pending_freeze, QStringLiteral("Starting Read Pending/Freeze Codes"),
+                          results_.pendingArray, QStringLiteral("pending"));
+}
+
+void readCodes::readVehicleInfo() {
+    start_with_empty_list(op_vehicle_info, QStringLiteral("Starting Read vehicle Info"), results_.vehInfoArray,
+                          QStringLiteral("vehicle"));
+}
+
+void readCodes::readMode6Support() {
+    start_with_empty_list(op_mode6, QStringLiteral("Starting Read Mode 6"), results_.mode6Array,
+                          QStringLiteral("mode6"));
+}
+
+void readCodes::readMisfire() {
+    start_with_empty_list(op_misfire, QStringLiteral("Starting Read Misfire"), results_.misfireArray,
+                          QStringLiteral("misfire"));
+}
+
+void readCodes::readO2() {
+    start_with_empty_list(op_o2_tests, QStringLiteral("Starting O2 Read "), results_.o2XtraArray,
+                          QStringLiteral("o2"));
+}
+
+void readCodes::readXtras() {
+    start_with_empty_list(op_extras, QStringLiteral("Starting Read Vehicle Xtras"), results_.xtrasArray,
+                          QStringLiteral("extras"));
+}
+
+void readCodes::read_for_report() {
+    l_readCodes();
+    pending_follows = running;
+}
+
 void readCodes::read_link_info() {
     start_operation(op_link_info, QStringLiteral("Asking the adapter and the car who they are"));
 }
@@ -50,6 +97,10 @@ void readCodes::start_operation(operation code, const QString& status) {
     running = true;
     done = false;
     slowed = false;
+    pending_follows = false;
+    results_.progress_done = 0;
+    results_.progress_total = 0;
+    context.view.reload(QStringLiteral("progress"));
     cur_reply_cp.clear();
     state.cur_op = code;
     state.cur_task = code;
@@ -59,6 +110,8 @@ void readCodes::start_operation(operation code, const QString& status) {
         results_.codesReadArray.clear();
         context.view.reload(QStringLiteral("codes"));
     }
+    if (code != op_clear_codes && code != op_link_info)
+        log.work_out_log_file(code, state.log_runs, context.toolies.units() == unit_system::metric);
     set_status_msg(status);
     context.view.show_busy(true);
     if (context.link.openInterfaceConnection())
@@ -79,15 +132,24 @@ void readCodes::work_current_task(const QString& status) {
         return context.link.send_again();
     if (!status.isEmpty())
         set_status_msg(status);
-    switch (state.cur_task) {
-    case op_initialise: return connector.run(cur_reply_cp);
-    case op_read_codes: return reading.run(cur_reply_cp);
-    case op_clear_codes: return clearing.run(cur_reply_cp);
-    case op_link_info:
-        if (!connect_first())
-            task_done();
-        return;
-    default: return;
+    if (step_machine* machine = machine_of(state.cur_task))
+        machine->run(cur_reply_cp);
+    else if (state.cur_task == op_link_info && !connect_first())
+        task_done();
+}
+
+step_machine* readCodes::machine_of(int task) {
+    switch (task) {
+    case op_initialise: return &connector;
+    case op_read_codes: return &reading;
+    case op_clear_codes: return &clearing;
+    case op_pending_freeze: return &pending;
+    case op_vehicle_info: return &vehicle;
+    case op_mode6: return &mode6;
+    case op_misfire: return &misfire;
+    case op_o2_tests: return &o2_tests;
+    case op_extras: return &extras;
+    default: return nullptr;
     }
 }
 
@@ -118,6 +180,11 @@ void readCodes::leave_cur_op_gracefully(const QString& status) {
     state.no_confirm_count = 0;
     state.obd_msgs.clear();
     reading.reset_retries();
+    pending.reset_retries();
+    mode6.reset_retries();
+    misfire.reset_retries();
+    o2_tests.reset_retries();
+    log.close();
     if (slowed) {
         state.adapter_ready = false;
         state.adapter_known = false;
@@ -143,6 +210,12 @@ bool readCodes::connect_first() {
 }
 
 void readCodes::task_done() {
+    if (pending_follows) { // the first half of the report has no end of its own
+        const auto told_at_the_end = std::exchange(operation_ended, nullptr);
+        leave_cur_op_gracefully(QStringLiteral(""));
+        operation_ended = told_at_the_end;
+        return readPendingFreezeCodes();
+    }
     done = true;
     leave_cur_op_gracefully(QStringLiteral(""));
 }
@@ -158,6 +231,27 @@ void readCodes::load_the_codes() {
 QString readCodes::description_of(const QString& code) {
     load_the_codes();
     return look_upCode(code, results_.P0_Codes);
+}
+
+QString readCodes::todays_date() const {
+    return get_todays_date(true, context.toolies.units() == unit_system::metric, QDateTime::currentDateTime());
+}
+
+diagnostic_report readCodes::report_of(int operation_code) {
+    return work_out_text_4_log(operation_code, results_, todays_date(),
+                               [this](const QString& code) {
+                                   load_the_codes();
+                                   return look_upCode(code, results_.P0_Codes);
+                               })
+        .value_or(diagnostic_report());
+}
+
+void readCodes::write_report() {
+    if (!log.is_on())
+        return;
+    const QString problem = log.store(report_of(state.cur_op), state.cur_veh_id);
+    if (!problem.isEmpty())
+        context.view.show_message(QString(), problem);
 }
 
 void readCodes::regainFocus() {

@@ -1,8 +1,15 @@
 #pragma once
 
 #include "diagnostics/diagnostic_host.h"
+#include "diagnostics/session_log.h"
+#include "diagnostics/work_O2_mode.h"
+#include "diagnostics/work_mode6_support.h"
+#include "diagnostics/work_misfire_reading.h"
 #include "diagnostics/work_out_clear_codes.h"
+#include "diagnostics/work_out_pending_freeze.h"
 #include "diagnostics/work_out_read_codes.h"
+#include "diagnostics/work_out_vehicle_info.h"
+#include "diagnostics/work_out_xtras.h"
 #include "initialisation/connect_2_interface.h"
 
 #include <functional>
@@ -14,7 +21,7 @@ class readCodes : public diagnostic_host {
 public:
     // Everything referred to outlives the controller.
     readCodes(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
-              diagnostic_results& its_results);
+              diagnostic_results& its_results, const app_paths& its_paths);
     ~readCodes() override;
 
     // Reads the codes and the readiness of the monitors.
@@ -24,6 +31,15 @@ public:
     void clearCodes();
     // Clears the codes; the person has said yes already.
     void start_clearing();
+    // Pending codes and freeze frame; vehicle information; test results; maker-specific values.
+    void readPendingFreezeCodes();
+    void readVehicleInfo();
+    void readMode6Support();
+    void readMisfire();
+    void readO2();
+    void readXtras();
+    // Codes, readiness, pending codes and freeze frame, one operation after the other.
+    void read_for_report();
     // Initialises the adapter and stops there.
     void read_link_info();
     // The person stops the operation, or gives up a link that is opening.
@@ -33,6 +49,8 @@ public:
     const operation_context& what_it_works_with() const { return context; }
     // The code's description: see look_upCode of obd/trouble_codes.h.
     QString description_of(const QString& code);
+    // The report of an operation from what was read last; empty for an operation that leaves none.
+    diagnostic_report report_of(int operation_code);
     // The window got the focus back.
     void regainFocus();
     // Sends a single command such as "AT H0\r" that is answered "OK", with its own time-out in seconds.
@@ -53,10 +71,16 @@ public:
     void task_done() override;
     void adapter_slowed() override { slowed = true; }
     void load_the_codes() override;
+    void append_to_log(const QString& text) override { log.append_to_log(text); }
+    void write_report() override;
+    QString todays_date() const override;
     diagnostic_results& results() override { return results_; }
 
 private:
     void start_operation(operation code, const QString& status);
+    // The list of the operation is emptied and told to the view.
+    void start_with_empty_list(operation code, const QString& status, QStringList& list, const QString& list_name);
+    step_machine* machine_of(int task);
 
     operation_context context;
     process_state& state;
@@ -67,9 +91,17 @@ private:
     bool running = false;
     bool done = false;
     bool slowed = false;
+    bool pending_follows = false; // the report goes on with the pending codes
 
     inner_process_pid_support pid_loop;
     connect_2_interface connector;
     work_out_read_codes reading;
     work_out_clear_codes clearing;
+    work_out_pending_freeze pending;
+    work_out_vehicle_info vehicle;
+    work_mode6_support mode6;
+    work_misfire_reading misfire;
+    work_O2_mode o2_tests;
+    work_out_xtras extras;
+    session_log log;
 };

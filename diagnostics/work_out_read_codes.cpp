@@ -102,6 +102,7 @@ void work_out_read_codes::evaluate_confirmed_codes(const QString& reply) {
     list_codes(reply);
     context.view.reload(QStringLiteral("codes"));
     tell_result(reply);
+    host.write_report();
     context.view.play_sound(sound_done);
     host.task_done();
 }
@@ -132,8 +133,7 @@ void work_out_read_codes::list_codes(const QString& reply) {
     if (!refused && !has_no_data(reply)) {
         const obd_groups codes_by_ecu = context.toolies.l_workoutReadCodes(reply);
         host.load_the_codes();
-        console_log(QStringLiteral("------DTC Codes read:%1------------- \n")
-                        .arg(QDateTime::currentDateTime().toString(Qt::ISODate)));
+        host.append_to_log(fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {host.todays_date()}));
         for (const obd_group& ecu : codes_by_ecu) {
             for (const QString& code : ecu.pidSet)
                 results.codesReadArray += fill(QStringLiteral("%@|%@"), {code, ecu.header});

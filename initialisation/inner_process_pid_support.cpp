@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "obd/ecu_names.h"
+#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 
 namespace {
@@ -80,7 +81,9 @@ obd_group& inner_process_pid_support::entry_of(const QString& header) {
 void inner_process_pid_support::take_maps(const QString& reply) {
     const QString answer = convertByte2HexStr(convertStr2Byte(service) + 0x40) + convertByte2HexStr(group);
     // Service 02 echoes the frame number between the PID and the map.
-    const qsizetype map_at = answer.size() + request_suffix.trimmed().size();
+    // The older protocols put a byte of their own before the maps of service 06.
+    const qsizetype own_byte = service == QLatin1String("06") && !is_can(state.cur_protocol) ? 2 : 0;
+    const qsizetype map_at = answer.size() + request_suffix.trimmed().size() + own_byte;
     const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
     for (const obd_group& ecu : ecus) {
         const QString data = context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);

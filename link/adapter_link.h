@@ -44,6 +44,8 @@ public:
     void sendOBDcmd(const QString& command);
     // Sends the command in flight again under its own time-out: what a step does when it is redone.
     void send_again() { traffic.send_again(); }
+    // The command that was sent last, with its "\r".
+    const QString& current_command() const { return traffic.current_command(); }
     // True inside work_current_task() when the current step is to be redone after a time-out.
     bool is_redo() const { return redo; }
 

@@ -2,6 +2,7 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
+#include "obd/number_text.h"
 
 #include <QDir>
 #include <QFile>
@@ -32,17 +33,6 @@ const char* prefix_of(int task) {
     }
 }
 
-// The number written with just these digits; -1 when another character is among them.
-int number_at(QStringView text, qsizetype at, int digits) {
-    int number = 0;
-    for (const QChar c : text.sliced(at, digits)) {
-        if (c < u'0' || c > u'9')
-            return -1;
-        number = number * 10 + (c.unicode() - u'0');
-    }
-    return number;
-}
-
 // A time stamp of the database in local time; nothing for other text. An export asks for every line, and Qt's
 // parser and its conversion, which looks at the time zone's file each time, take longer than all the rest of it.
 std::optional<std::tm> local_time(QStringView utc) {
@@ -50,11 +40,13 @@ std::optional<std::tm> local_time(QStringView utc) {
     if (utc.size() != form.size())
         return std::nullopt;
     for (qsizetype i = 0; i < form.size(); ++i) {
-        if (form[i] != u'0' && utc[i] != form[i])
+        const bool is_digit = utc[i] >= u'0' && utc[i] <= u'9';
+        if (form[i] == u'0' ? !is_digit : utc[i] != form[i])
             return std::nullopt;
     }
-    const QDate day(number_at(utc, 0, 4), number_at(utc, 5, 2), number_at(utc, 8, 2));
-    const QTime time(number_at(utc, 11, 2), number_at(utc, 14, 2), number_at(utc, 17, 2));
+    const auto number = [utc](qsizetype at, qsizetype digits) { return leading_decimal(utc.sliced(at, digits)); };
+    const QDate day(number(0, 4), number(5, 2), number(8, 2));
+    const QTime time(number(11, 2), number(14, 2), number(17, 2));
     if (!day.isValid() || !time.isValid())
         return std::nullopt;
     const std::time_t moment = QDateTime(day, time, Qt::UTC).toSecsSinceEpoch();

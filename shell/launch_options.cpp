@@ -49,6 +49,10 @@ private:
             return take_units(name == QLatin1String("--metric"));
         if (name == QLatin1String("--json"))
             options.json = true;
+        else if (name == QLatin1String("--log"))
+            options.log = true;
+        else if (name == QLatin1String("--txt"))
+            options.as_text = true;
         else if (name == QLatin1String("--yes"))
             options.yes = true;
         else if (name == QLatin1String("--help") || name == QLatin1String("-h"))
@@ -68,9 +72,10 @@ private:
     }
 
     bool take_command(const QString& word) {
-        if (!options.command.isEmpty())
-            return wrong(QStringLiteral("One command at a time: %1, or %2?").arg(options.command, word));
-        options.command = word;
+        if (options.command.isEmpty())
+            options.command = word;
+        else
+            options.arguments += word;
         return true;
     }
 

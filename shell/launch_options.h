@@ -18,7 +18,10 @@ struct launch_options {
     std::optional<bool> metric;
     bool help = false;
     bool version = false;
-    QString command; // the terminal program's; "" for none
+    bool log = false;     // results are stored, whatever the preference says
+    bool as_text = false; // an export ends in ".txt"
+    QString command;      // the terminal program's; "" for none
+    QStringList arguments; // the words after the command
 };
 
 // The options of the words after the program's name, or nothing and a sentence in `problem` when they are wrong.

@@ -6,6 +6,8 @@
 program_core::program_core(const launch_options& what_was_asked)
     : options(what_was_asked), paths(app_paths::for_profile(profile_folder(), &bad_folder)),
       defaults(paths.settings_file), db(paths.documents) {
+    if (options.log)
+        defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
     if (options.metric)
         defaults.override_for_this_run(QStringLiteral("BV_metric_units"), *options.metric);
 }

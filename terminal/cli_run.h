@@ -4,6 +4,7 @@
 #include "shell/program_core.h"
 #include "terminal/cli_screen.h"
 #include "terminal/commands.h"
+#include "terminal/stop_signals.h"
 
 // One command of the terminal program, from the start of the operation to its result on standard output.
 class cli_run : public QObject {
@@ -20,7 +21,6 @@ Q_SIGNALS:
     void finished(int exit_status);
 
 private:
-    void stop_on_signal();
     void print_result(bool done);
 
     program_core& core;
@@ -30,5 +30,5 @@ private:
     mac_toolies toolies;
     readCodes controller;
     timer_handle ending;
-    std::unique_ptr<QSocketNotifier> signals_;
+    std::unique_ptr<stop_signals> signals_;
 };

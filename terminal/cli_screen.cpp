@@ -19,7 +19,7 @@ void cli_screen::show(const QString& text) {
     if (line.isEmpty() || (!shown.isEmpty() && shown.last() == line))
         return;
     shown += line;
-    to_stderr(line + QLatin1Char('\n'));
+    to_stderr(QString(line).replace(QLatin1Char('\r'), QLatin1Char('\n')) + QLatin1Char('\n'));
 }
 
 void cli_screen::show_status(const QString& text) {

@@ -1,10 +1,13 @@
 #include "terminal/commands.h"
 
 #include "base/string_table.h"
+#include "terminal/command_parts.h"
+#include "terminal/operation_commands.h"
 
 #include <QJsonArray>
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -50,9 +53,9 @@ struct code_row {
 };
 
 // The rows that name a code; the one that says that there is none is left out.
-QList<code_row> code_rows(readCodes& controller) {
+QList<code_row> code_rows(readCodes& controller, const QStringList& texts) {
     QList<code_row> rows;
-    for (const QString& row : controller.results().codesReadArray) {
+    for (const QString& row : texts) {
         const qsizetype bar = row.indexOf(QLatin1Char('|'));
         if (bar > 0)
             rows += {row.first(bar), row.sliced(bar + 1), controller.description_of(row.first(bar)).trimmed()};
@@ -62,9 +65,6 @@ QList<code_row> code_rows(readCodes& controller) {
 
 QJsonObject read_codes_json(readCodes& controller) {
     const diagnostic_results& results = controller.results();
-    QJsonArray codes;
-    for (const code_row& row : code_rows(controller))
-        codes += QJsonObject{{"code", row.code}, {"ecu", row.ecu}, {"description", row.description}};
     QJsonArray readiness;
     for (const readiness_row& row : results.readinessFlagsArray)
         readiness += QJsonObject{{"state", row.state}, {"label", row.label}, {"group", row.group}};
@@ -73,7 +73,7 @@ QJsonObject read_codes_json(readCodes& controller) {
             {"ecus", results.no_of_ecus},
             {"mil", results.milLamp},
             {"expected_codes", results.no_of_codes},
-            {"codes", codes},
+            {"codes", codes_as_json(controller, results.codesReadArray)},
             {"readiness", readiness}};
 }
 
@@ -81,11 +81,7 @@ QString read_codes_text(readCodes& controller) {
     const diagnostic_results& results = controller.results();
     QString text = results.xtraInfoArray.join(QLatin1Char('\n')) +
                    QStringLiteral("\nMIL: %1\nCodes announced: %2\n\n").arg(results.mil_label, results.code_count_label);
-    const QList<code_row> rows = code_rows(controller);
-    if (rows.isEmpty())
-        text += localised(QStringLiteral("NO_CODES")) + QLatin1Char('\n');
-    for (const code_row& row : rows)
-        text += QStringLiteral("%1  %2  %3\n").arg(row.code, row.ecu, row.description);
+    text += codes_as_text(controller, results.codesReadArray);
     if (!results.readinessFlagsArray.isEmpty())
         text += QStringLiteral("\nReadiness:\n");
     for (const readiness_row& row : results.readinessFlagsArray)
@@ -105,7 +101,7 @@ QString clear_codes_text(readCodes&) {
 }
 
 // clang-format off
-constexpr std::array<cli_command, 3> commands{{
+constexpr std::array<cli_command, 3> first_commands{{
     {"link-info",   "which adapter, protocol and ECUs answer, and their supported PIDs",
      [](readCodes& c) { c.read_link_info(); }, link_info_json,   link_info_text},
     {"read-codes",  "trouble codes, MIL and readiness of the monitors",
@@ -117,11 +113,35 @@ constexpr std::array<cli_command, 3> commands{{
 
 } // namespace
 
+QJsonArray codes_as_json(readCodes& controller, const QStringList& rows) {
+    QJsonArray codes;
+    for (const code_row& row : code_rows(controller, rows))
+        codes += QJsonObject{{"code", row.code}, {"ecu", row.ecu}, {"description", row.description}};
+    return codes;
+}
+
+QString codes_as_text(readCodes& controller, const QStringList& rows) {
+    const QList<code_row> codes = code_rows(controller, rows);
+    if (codes.isEmpty())
+        return localised(QStringLiteral("NO_CODES")) + QLatin1Char('\n');
+    QString text;
+    for (const code_row& row : codes)
+        text += QStringLiteral("%1  %2  %3\n").arg(row.code, row.ecu, row.description);
+    return text;
+}
+
 std::span<const cli_command> cli_commands() {
-    return commands;
+    static const std::vector<cli_command> all = [] {
+        std::vector<cli_command> commands(first_commands.begin(), first_commands.end());
+        const auto more = operation_commands();
+        commands.insert(commands.end(), more.begin(), more.end());
+        return commands;
+    }();
+    return all;
 }
 
 const cli_command* find_command(const QString& name) {
+    const auto commands = cli_commands();
     const auto found = std::find_if(commands.begin(), commands.end(),
                                     [&](const cli_command& command) { return QLatin1String(command.name) == name; });
     return found == commands.end() ? nullptr : &*found;

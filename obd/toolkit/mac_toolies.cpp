@@ -2,10 +2,12 @@
 
 #include "obd/ecu_names.h"
 #include "obd/maker_values.h"
+#include "obd/mode6_scaling.h"
 #include "obd/obd_messages.h"
 #include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
 #include "obd/trouble_codes.h"
+#include "obd/vin.h"
 #include "persistence/vehicles.h"
 
 QStringList first_sample_pids() {
@@ -35,6 +37,10 @@ QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) co
 
 QString mac_toolies::data_of_single_message(const QString& body) const {
     return ::data_of_single_message(body, state.cur_protocol, state.headers_shown);
+}
+
+QString mac_toolies::data_of_answer(const QStringList& bodies) const {
+    return bodies.size() == 1 ? data_of_single_message(bodies.first()) : l_pullOBDFromSingleGroupedMsg(bodies);
 }
 
 QString mac_toolies::l_pull_ECU(const QString& header) const {
@@ -123,6 +129,28 @@ QString mac_toolies::get_pid_name_with_pid(const QString& pid) const {
 
 QString mac_toolies::translateResponse_subaru(const QString& reply) const {
     return ::translateResponse_subaru(reply, units(), resources);
+}
+
+QString mac_toolies::work_out_vin(const QString& reply) const {
+    return ::work_out_vin(reply);
+}
+
+QString mac_toolies::pullAsciiStr(const QString& hex) const {
+    return ::pullAsciiStr(hex);
+}
+
+// --- test results --------------------------------------------------------------------------------------------
+
+QString mac_toolies::CAN_scale_and_units(const QString& uasid, const QString& this_value, bool with_units) const {
+    return ::CAN_scale_and_units(uasid, this_value, with_units);
+}
+
+QString mac_toolies::grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier, bool is_OBDMID) const {
+    return ::grab_CAN_mode6_OBDMID_TESTID_description(identifier, is_OBDMID, resources);
+}
+
+void mac_toolies::fixArrayForMode6(QStringList& obdmids) const {
+    ::fixArrayForMode6(obdmids);
 }
 
 // --- trouble codes and readiness -----------------------------------------------------------------------------

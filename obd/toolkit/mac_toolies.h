@@ -22,6 +22,8 @@ public:
     QString l_pullOBDFromSingleMsg(const QString& body) const;
     QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const;
     QString data_of_single_message(const QString& body) const;
+    // The data of one ECU's answer of one or several messages, without what hangs on behind it.
+    QString data_of_answer(const QStringList& bodies) const;
     QString l_pull_ECU(const QString& header) const;
     bool isThisEngineHeader(const QString& header) const;
     qsizetype findEngineEcuIdx(const obd_groups& groups) const;
@@ -47,6 +49,13 @@ public:
     QString l_get_pid_name(const QString& pid, bool with_pid) const;
     QString get_pid_name_with_pid(const QString& pid) const;
     QString translateResponse_subaru(const QString& reply) const;
+    QString work_out_vin(const QString& reply) const;
+    QString pullAsciiStr(const QString& hex) const;
+
+    // Test results (obd/mode6_scaling.h)
+    QString CAN_scale_and_units(const QString& uasid, const QString& this_value, bool with_units) const;
+    QString grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier, bool is_OBDMID) const;
+    void fixArrayForMode6(QStringList& obdmids) const;
 
     // Trouble codes and readiness (obd/trouble_codes.h, obd/readiness.h)
     obd_groups l_workoutReadCodes(const QString& reply) const;

@@ -144,6 +144,18 @@ TEST(conversations, give_up_at_every_command) {
     }
 }
 
+TEST(conversations, an_answer_after_the_screen_went_clears_nothing) {
+    adapter_bench bench;
+    diagnostic_results results;
+    {
+        readCodes screen_before(bench.state, bench.link, bench.toolies, bench.view, results, bench.profile.paths);
+        screen_before.clearCodes();
+    }
+    bench.view.answer(true);
+    EXPECT_TRUE(bench.written.isEmpty());
+    EXPECT_EQ(bench.adapter, nullptr); // not even the link was opened
+}
+
 TEST(conversations, the_player_finds_what_differs) {
     const conversation talk = the_usual_one();
     const qsizetype first = talk.commands().first();

@@ -6,7 +6,7 @@
 // The diagnostics screen's controller on a scripted adapter.
 struct diagnostic_bench : adapter_bench {
     diagnostic_results results;
-    readCodes controller{state, link, toolies, view, results};
+    readCodes controller{state, link, toolies, view, results, profile.paths};
     QString ended = "no"; // how the last operation ended
 
     diagnostic_bench() {

@@ -114,6 +114,8 @@ TEST_F(initialisation, the_further_steps_that_no_step_leads_to) {
 }
 
 TEST_F(initialisation, an_adapter_that_never_goes_automatic_is_given_up) {
+    const QString start = "! step 0\n> AT E0\n< OK\n> AT E0\n< OK\n> AT I\n< ELM327\n";
+    const QString untold = "> AT DP\n< #\n! again 3\n";
     QString talk = "! step 0\n> AT Z\n< ELM327\n> AT E0\n< OK\n> AT I\n< ELM327\n";
     for (int round = 0; round < 20; ++round)
         talk += "> AT DP\n< SAE J1850 PWM\n> AT SP A3\n< OK\n";
@@ -122,11 +124,10 @@ TEST_F(initialisation, an_adapter_that_never_goes_automatic_is_given_up) {
             "= never message\n= step -1";
     EXPECT_EQ(played(talk), "");
     EXPECT_EQ(state.warn_no_reply, -1);
-    EXPECT_EQ(
-        played("! step 0\n> AT E0\n< OK\n> AT E0\n< OK\n> AT I\n< ELM327\n> AT DP\n< #\n! again 3\n> AT SP "
-               "A3\n< OK\n"
-               "> AT DP\n< #\n! again 3\n= shown status: The adapter does not tell its protocol\n= step -1"),
-        "");
+    for (int sequence = 0; sequence < 2; ++sequence) // each bears one such answer, and ends with the second
+        EXPECT_EQ(played(start + untold + "> AT SP A3\n< OK\n" + untold +
+                         "= shown status: The adapter does not tell its protocol\n= step -1"),
+                  "");
 }
 
 TEST_F(initialisation, the_protocol_number) {

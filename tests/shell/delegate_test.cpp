@@ -18,11 +18,14 @@ public:
     screen_kind broken = screen_kind::preferences; // with is_broken: cannot be opened
     bool is_broken = false;
     task_controller* controller = nullptr;
+    std::function<void()> on_open; // when the screen before goes
 
     QString seen() { return std::exchange(calls, {}).join(", "); }
 
     bool open_screen(screen_kind kind) override {
         calls += "open " + QString::number(int(kind));
+        if (on_open)
+            on_open();
         return !(is_broken && kind == broken);
     }
     task_controller* current_controller() override { return controller; }
@@ -184,13 +187,14 @@ TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
     again.start();
     mac_toolies toolies(again.state, again.defaults, again.db);
     diagnostic_results results;
-    readCodes diagnostics(again.state, *again.delegate, toolies, again.view, results);
+    readCodes diagnostics(again.state, *again.delegate, toolies, again.view, results, profile.paths);
     again.area.controller = &diagnostics;
     again.delegate->do_read_codes();
     diagnostics.l_readCodes();
     again.clock.advance(800);
     EXPECT_EQ(again.written.join(' '), "AT Z");
     again.area.controller = nullptr;
+    again.area.on_open = [&] { EXPECT_FALSE(diagnostics.is_running()); }; // left before its controller goes
     again.delegate->do_logs();
     EXPECT_FALSE(diagnostics.is_running() || again.view.is_busy);
     EXPECT_TRUE(again.delegate->is_connected()); // the link stays

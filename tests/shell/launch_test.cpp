@@ -35,7 +35,7 @@ TEST(launch_options, wrong_ones_are_refused_with_a_sentence) {
                               "--wifi a:1 --demo",
                               "--json=no",
                               "--yes=no",
-                              "--simulate=x",
+                              "--simulate=x"
                               "read-codes clear-codes"}) {
         QString problem;
         EXPECT_FALSE(parse_launch_options(QString(words).split(' '), problem).has_value()) << words;

@@ -25,6 +25,7 @@ TEST(usage, exit_statuses) {
         {{"--demo=no-such-car", "read-codes"}, 2, ""},
         {{"--demo", "clear-codes"}, 2, ""}, // not without --yes
         {{"--demo", "--yes=no", "clear-codes"}, 2, ""},
+        {{"--demo", "read-codes", "link-info"}, 2, ""},
         {{"--simulate", "read-codes"}, 1, ""},
         {{"read-codes"}, 1, ""}, // Bluetooth is the stored link at first, and not available
     };

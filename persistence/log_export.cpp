@@ -1,0 +1,179 @@
+#include "persistence/log_export.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "obd/number_text.h"
+#include "obd/pid_catalogue.h"
+#include "obd/pid_translation.h"
+#include "obd/reply_text.h"
+#include "persistence/log_files.h"
+#include "persistence/stored_logs.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+constexpr int data_column = 1;
+constexpr int time_column = 3;
+
+// The PID of a sampled reply ("410C1AF8"); "" when the item is none ("~", "-1", "NODATA").
+QString pid_of(const QString& item) {
+    const QString reply = item.trimmed();
+    const bool is_reply = reply.startsWith(QLatin1String("41")) && hex_byte(reply, 2) >= 0;
+    return is_reply ? reply.mid(2, 2).toUpper() : QString();
+}
+
+QString value_text(double value) {
+    return std::isnan(value) ? QStringLiteral("nan") : with_decimals(value, 6);
+}
+
+} // namespace
+
+log_export::log_export(database& store, const text_resources& texts, export_settings its_settings)
+    : db(store), lists(texts), settings(std::move(its_settings)) {}
+
+log_export::~log_export() {
+    stop();
+}
+
+bool log_export::begin(int log_id, bool as_txt) {
+    stop();
+    phase = stage::idle;
+    written = 0;
+    column_pids.clear();
+    what_is_wrong.clear();
+    log = log_id;
+    if (!db.init_DB())
+        return fail(db.problem());
+    const auto found = log_with_id(db, log_id);
+    if (!found)
+        return fail(QStringLiteral("There is no log with the number %1.").arg(log_id));
+    announced = found->info.section(u' ', 0, 0).toLongLong();
+
+    QString stamp = gmt_date_str_2_local_date_str(found->time_stamp);
+    stamp.replace(u' ', u'_').replace(u':', u'_');
+    QString type = found->type;
+    type.replace(u'/', u'_');
+    const QString name = fill(QStringLiteral("%@_%@"), {stamp, type}) + QLatin1String(as_txt ? ".txt" : ".csv");
+    final_path = work_out_log_fname(settings.documents, name);
+    // A file of that name goes from the application folder, not from this one, where it is replaced: on purpose.
+    if (QFile::exists(final_path))
+        delete_a_log(settings.application_folder, name);
+    file.setFileName(final_path + QStringLiteral(".part"));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return fail(QStringLiteral("%1 cannot be written (%2). Check the rights of its folder.")
+                        .arg(final_path, file.errorString()));
+    phase = stage::finding_columns;
+    return open_rows();
+}
+
+bool log_export::open_rows() {
+    rows = std::make_unique<row_cursor>(
+        db.path(), fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log)}));
+    return !rows->has_failed() || fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
+}
+
+bool log_export::step(int lines) {
+    switch (phase) {
+    case stage::finding_columns: return find_columns(lines);
+    case stage::writing: return write_lines(lines);
+    default: return false;
+    }
+}
+
+// A column whose first cells hold no reply gets its name from the first line that has one.
+bool log_export::find_columns(int lines) {
+    for (int i = 0; i < lines; ++i) {
+        const auto row = rows->next();
+        const bool known = !column_pids.isEmpty() && !column_pids.contains(QString());
+        if (!row || known) {
+            if (rows->has_failed())
+                return fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
+            phase = stage::writing;
+            return open_rows() && write(column_pids.isEmpty() ? QString() : header());
+        }
+        const QStringList items = Pull_line_into_array(row->value(data_column), QStringLiteral(","));
+        column_pids.resize(std::max(column_pids.size(), items.size()));
+        for (qsizetype column = 0; column < items.size(); ++column) {
+            if (column_pids[column].isEmpty())
+                column_pids[column] = pid_of(items[column]);
+        }
+    }
+    return true;
+}
+
+QString log_export::header() const {
+    QString text;
+    for (const QString& pid : column_pids) {
+        const QString name = pid.isEmpty() ? not_available : get_pid_name(pid, false, lists);
+        const QString unit = pid.isEmpty() ? not_available : get_units(pid, settings.units);
+        text += fill(text.isEmpty() ? QStringLiteral("%@ (%@)") : QStringLiteral(",%@ (%@)"), {name, unit});
+    }
+    return text + (settings.time_column ? QStringLiteral(",(Sample time)\n") : QStringLiteral("\n"));
+}
+
+QString log_export::line_of(const QStringList& row) const {
+    QString text;
+    const QStringList items = Pull_line_into_array(row.value(data_column), QStringLiteral(","));
+    for (const QString& item : items) {
+        const QString value = value_text(get_OBDVal(item, settings.units, settings.boost_reference_kpa, lists));
+        text += text.isEmpty() ? value : u',' + value;
+    }
+    if (settings.time_column)
+        text += u',' + gmt_date_str_2_local_date_str(row.value(time_column));
+    return text + u'\n';
+}
+
+bool log_export::write_lines(int lines) {
+    QString slice;
+    for (int i = 0; i < lines; ++i) {
+        const auto row = rows->next();
+        if (!row) {
+            if (rows->has_failed())
+                return fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
+            return write(slice) && finish();
+        }
+        slice += line_of(*row);
+        ++written;
+    }
+    return write(slice);
+}
+
+bool log_export::write(const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    if (file.write(bytes) == bytes.size() && file.flush())
+        return true;
+    return fail(QStringLiteral("%1 cannot be written to its end (%2). Is the disk full?")
+                    .arg(final_path, file.errorString()));
+}
+
+bool log_export::finish() {
+    file.close();
+    rows.reset();
+    const QByteArray from = QFile::encodeName(file.fileName());
+    const QByteArray to = QFile::encodeName(final_path);
+    if (std::rename(from.constData(), to.constData()) != 0) // in one go, over the export of another time
+        return fail(QStringLiteral("%1 cannot be put in place (%2).").arg(final_path, qt_error_string(errno)));
+    phase = stage::done;
+    return false;
+}
+
+void log_export::stop() {
+    if (phase != stage::finding_columns && phase != stage::writing)
+        return;
+    rows.reset();
+    file.close();
+    file.remove();
+    phase = stage::idle;
+}
+
+bool log_export::fail(const QString& sentence) {
+    console_log(QStringLiteral("Fallo export_fromDB_2_CSV::%1").arg(sentence));
+    what_is_wrong = sentence;
+    rows.reset();
+    file.close();
+    phase = stage::failed;
+    return false;
+}

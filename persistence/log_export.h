@@ -1,0 +1,69 @@
+#pragma once
+
+#include "base/shared_types.h"
+#include "base/text_resources.h"
+#include "persistence/database.h"
+#include "persistence/row_cursor.h"
+
+#include <QFile>
+#include <memory>
+
+// What an export needs beside the log itself.
+struct export_settings {
+    QString documents;          // its "loggies" folder takes the file
+    QString application_folder; // see log_export::begin
+    unit_system units = unit_system::imperial;
+    int boost_reference_kpa = 101;
+    bool time_column = false;
+};
+
+// Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it can be
+// shown, stopped, and of any length. The values are those of the unit system in force. Under its final name the
+// file is whole: what is written before that, or left by a failure, is called "<name>.part".
+class log_export {
+public:
+    log_export(database& store, const text_resources& texts, export_settings its_settings);
+    ~log_export();
+    Q_DISABLE_COPY_MOVE(log_export)
+
+    // False when the log cannot be exported: see problem().
+    bool begin(int log_id, bool as_txt);
+    // Handles up to `lines` stored lines. True while there are more.
+    bool step(int lines);
+    // The person stops it, or it goes away on its way: nothing stays behind.
+    void stop();
+
+    bool succeeded() const { return phase == stage::done; }
+    // A sentence for the person, "" while nothing is wrong.
+    const QString& problem() const { return what_is_wrong; }
+    const QString& path() const { return final_path; }
+    qint64 lines_written() const { return written; }
+    // How many lines the log says that it has; 0 when it does not say.
+    qint64 lines_announced() const { return announced; }
+
+private:
+    enum class stage { idle, finding_columns, writing, done, failed };
+
+    bool open_rows();
+    bool find_columns(int lines);
+    bool write_lines(int lines);
+    bool write(const QString& text);
+    bool fail(const QString& sentence);
+    bool finish();
+    QString header() const;
+    QString line_of(const QStringList& row) const;
+
+    database& db;
+    const text_resources& lists;
+    const export_settings settings;
+
+    stage phase = stage::idle;
+    int log = 0;
+    qint64 announced = 0;
+    qint64 written = 0;
+    QStringList column_pids; // "" until a line tells it
+    QString final_path;
+    QFile file;
+    std::unique_ptr<row_cursor> rows;
+    QString what_is_wrong;
+};

@@ -1,0 +1,242 @@
+#include "persistence/log_export.h"
+
+#include "tests/persistence/local_time_zone.h"
+#include "tests/persistence/test_database.h"
+
+#include <QDir>
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+// A Documents folder with stored sampling runs, in Berlin.
+struct export_bench : test_database {
+    local_time_zone zone{"Europe/Berlin"};
+    text_resources lists;
+    export_settings settings{.documents = folder.path(), .application_folder = folder.filePath("app")};
+
+    export_bench() { EXPECT_TRUE(db.init_DB() && db.init_DB()); } // nothing is left to migrate
+
+    struct line {
+        QString data;
+        QString time_stamp = "2013-05-01 14:03:08";
+    };
+    int stored(const QList<line>& lines, const QString& type = "Log") {
+        const int id = db.add_2_LOG_DB(type, 1, QString("%1 Sample points  ").arg(lines.size()));
+        QString sql = QString("UPDATE LOGGIES SET time_stamp='2013-05-01 14:03:07' WHERE LOG_ID=%1;").arg(id);
+        for (const line& l : lines)
+            sql += QString("INSERT INTO LOGGIES_DATA (LOG_ID, DATA, time_stamp) VALUES (%1, '%2', '%3');")
+                       .arg(id).arg(l.data, l.time_stamp);
+        outside(sql.toUtf8());
+        return id;
+    }
+    QString path(const QString& name = "2013-05-01_16_03_07_Log.csv") const {
+        return folder.filePath("loggies/" + name);
+    }
+    QStringList exports() const { return QDir(folder.filePath("loggies")).entryList(QDir::Files); }
+
+    // What stands in the file after an export in slices; the problem when there is none.
+    QString exported(int id, bool as_txt = false, int lines_a_slice = 1) {
+        log_export exporting(db, lists, settings);
+        if (!exporting.begin(id, as_txt))
+            return exporting.problem();
+        while (exporting.step(lines_a_slice)) {
+        }
+        EXPECT_EQ(exporting.succeeded(), exporting.problem().isEmpty());
+        return exporting.succeeded() ? QString::fromUtf8(bytes_of(exporting.path())) : exporting.problem();
+    }
+};
+
+// No file of this process can grow beyond the size.
+class full_disk {
+public:
+    explicit full_disk(rlim_t size) : signal_before(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit small{size, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~full_disk() {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, signal_before);
+    }
+    Q_DISABLE_COPY_MOVE(full_disk)
+
+private:
+    rlimit before{};
+    void (*signal_before)(int);
+};
+
+} // namespace
+
+TEST(log_export, byte_for_byte) {
+    export_bench t;
+    const int id = t.stored({{"410D3C,411180,410C1AF8,41057B", "2013-03-31 00:59:59"},
+                             {"410D3D,411180,410C1AF8,41057B", "2013-03-31 01:00:00"}, // summer time begins
+                             {"410D3C,~,410C1AF8,-1", "2013-10-27 00:59:59"},
+                             {"410D3C,,411180,", "2013-10-27 01:00:00"}}); // and ends
+    const QString path = t.path();
+
+    t.settings.units = unit_system::metric;
+    EXPECT_EQ(t.exported(id), "Vehicle speed (kph),Throttle position (%),Engine RPM (RPM),"
+                              "Engine coolant temperature (\u00B0 C)\n"
+                              "60.000000,50.200000,1726.000000,83.000000\n"
+                              "61.000000,50.200000,1726.000000,83.000000\n"
+                              "60.000000,nan,1726.000000,nan\n"
+                              "60.000000,nan,50.200000,nan\n");
+    EXPECT_EQ(t.exports(), QStringList("2013-05-01_16_03_07_Log.csv"));
+
+    t.settings.units = unit_system::imperial;
+    t.settings.time_column = true;
+    EXPECT_EQ(t.exported(id, true), "Vehicle speed (mph),Throttle position (%),Engine RPM (RPM),"
+                                    "Engine coolant temperature (\u00B0 F),(Sample time)\n"
+                                    "37.500000,50.200000,1726.000000,181.400000,2013-03-31 01:59:59\n"
+                                    "38.120000,50.200000,1726.000000,181.400000,2013-03-31 03:00:00\n"
+                                    "37.500000,nan,1726.000000,nan,2013-10-27 02:59:59\n"
+                                    "37.500000,nan,50.200000,nan,2013-10-27 02:00:00\n");
+    EXPECT_EQ(t.exports().last(), "2013-05-01_16_03_07_Log.txt");
+}
+
+TEST(log_export, columns) {
+    export_bench t;
+    const auto first_lines = [&t](const QList<export_bench::line>& lines) {
+        return t.exported(t.stored(lines)).split('\n').mid(0, 2);
+    };
+    // A name comes from the first line that has one for the column; without any there is none.
+    EXPECT_EQ(first_lines({{"~,-1,~"}, {"~,410C1AF8,NODATA"}, {"410D3C,410D3C,"}}),
+              (QStringList{"Vehicle speed (mph),Engine RPM (RPM),N/A (N/A)", "nan,nan,nan"}));
+    // A cut first line hides no column.
+    EXPECT_EQ(first_lines({{""}, {"410D3C,410C1AF8"}})[0], "Vehicle speed (mph),Engine RPM (RPM)");
+    // Computed PIDs, names and units of their own
+    t.settings.boost_reference_kpa = 100;
+    t.settings.units = unit_system::metric;
+    EXPECT_EQ(first_lines({{"41E565,41E403E8"}})[1], "1.000000,10.000000");
+
+    const QStringList forty(40, "410C1AF8"); // more than the 300 bytes that items are counted in
+    const QStringList wide = first_lines({{forty.join(',')}});
+    EXPECT_EQ(wide[0], QStringList(40, "Engine RPM (RPM)").join(','));
+    EXPECT_EQ(wide[1], QStringList(40, "1726.000000").join(','));
+
+    EXPECT_EQ(t.exported(t.stored({})), "");
+}
+
+TEST(log_export, lines_of_its_own_log_in_order_of_insertion_however_sliced) {
+    export_bench t;
+    QList<export_bench::line> lines;
+    QString expected = "Vehicle speed (kph)\n";
+    for (int speed = 0; speed < 250; ++speed) {
+        lines += {"410D" + QString("%1").arg(speed, 2, 16, QChar('0')).toUpper(), "2013-05-01 14:00:00"};
+        expected += QString("%1.000000\n").arg(speed);
+    }
+    t.stored({{"410C1AF8"}});
+    const int id = t.stored(lines);
+    t.stored({{"41057B"}});
+    t.settings.units = unit_system::metric;
+    for (const int slice : {1, 7, 249, 250, 251, 1000})
+        EXPECT_EQ(t.exported(id, false, slice), expected) << slice;
+
+    log_export exporting(t.db, t.lists, t.settings);
+    ASSERT_TRUE(exporting.begin(id, false));
+    while (exporting.step(100))
+        EXPECT_LE(exporting.lines_written(), exporting.lines_announced());
+    EXPECT_EQ(exporting.lines_written(), 250);
+    EXPECT_EQ(exporting.lines_announced(), 250);
+}
+
+TEST(log_export, the_same_name_again) {
+    export_bench t;
+    const int longer = t.stored({{"410D3C"}, {"410D3C"}});
+    const int shorter = t.stored({{"410C1AF8"}}); // stored in the same second
+    ASSERT_TRUE(QDir(t.folder.path()).mkpath("app/loggies"));
+    QFile session(t.folder.filePath("app/loggies/2013-05-01_16_03_07_Log.csv"));
+    ASSERT_TRUE(session.open(QIODevice::WriteOnly));
+    t.exported(longer);
+    EXPECT_TRUE(session.exists());
+    EXPECT_EQ(t.exported(shorter), "Engine RPM (RPM)\n1726.000000\n");
+    EXPECT_FALSE(session.exists()); // the file of that name goes from the other folder
+    EXPECT_EQ(t.exports(), QStringList("2013-05-01_16_03_07_Log.csv"));
+
+    // No name leads out of the folder.
+    t.exported(t.stored({{"410D3C"}}, "../../Log"));
+    EXPECT_EQ(t.exports().first(), "2013-05-01_16_03_07_.._.._Log.csv");
+}
+
+TEST(log_export, a_log_or_a_folder_that_is_not_there) {
+    export_bench t;
+    const int id = t.stored({{"410D3C"}});
+    EXPECT_EQ(t.exported(77), "There is no log with the number 77.");
+    EXPECT_FALSE(QDir(t.folder.filePath("loggies")).exists());
+
+    QFile in_the_way(t.folder.filePath("loggies"));
+    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(t.exported(id).contains("loggies/2013-05-01_16_03_07_Log.csv cannot be written (Not a directory)"));
+    EXPECT_TRUE(t.log().contains("Fallo export_fromDB_2_CSV::"));
+    ASSERT_TRUE(in_the_way.remove());
+
+    // A folder stands where the file would be.
+    ASSERT_TRUE(QDir(t.folder.path()).mkpath("loggies/2013-05-01_16_03_07_Log.csv/inside"));
+    EXPECT_TRUE(t.exported(id).contains("cannot be put in place"));
+
+    t.outside("DROP TABLE LOGGIES_DATA; CREATE TABLE LOGGIES_DATA (DATA2 TEXT)");
+    EXPECT_TRUE(t.exported(id).startsWith("The log cannot be read: no such column: LOG_ID"));
+    t.write("no database");
+    EXPECT_TRUE(t.exported(id).contains("is no database"));
+}
+
+TEST(log_export, stopped_in_the_middle_leaves_nothing) {
+    export_bench t;
+    const int id = t.stored(QList<export_bench::line>(20, {"410D3C"}));
+    {
+        log_export exporting(t.db, t.lists, t.settings);
+        ASSERT_TRUE(exporting.begin(id, false));
+        ASSERT_TRUE(exporting.step(5));
+        ASSERT_TRUE(exporting.step(5));
+        EXPECT_EQ(t.exports(), QStringList("2013-05-01_16_03_07_Log.csv.part"));
+        exporting.stop();
+        EXPECT_EQ(t.exports(), QStringList());
+        EXPECT_FALSE(exporting.step(5) || exporting.succeeded());
+        EXPECT_EQ(t.exports(), QStringList());
+
+        ASSERT_TRUE(exporting.begin(id, false));
+        ASSERT_TRUE(exporting.step(5)); // and goes away unfinished
+    }
+    EXPECT_EQ(t.exports(), QStringList());
+
+    // What was exported before survives a stop.
+    const QString whole = t.exported(id);
+    log_export again(t.db, t.lists, t.settings);
+    ASSERT_TRUE(again.begin(id, false));
+    ASSERT_TRUE(again.step(5));
+    again.stop();
+    EXPECT_EQ(t.bytes_of(t.path()), whole.toUtf8());
+}
+
+TEST(log_export, a_disk_that_fills_up) {
+    export_bench t;
+    const int few = t.stored({{"410D3C"}});
+    const int many = t.stored(QList<export_bench::line>(1000, {"410D3C"}));
+    for (const bool was_exported_before : {false, true}) {
+        const QString before = was_exported_before ? t.exported(few) : QString();
+        log_export exporting(t.db, t.lists, t.settings);
+        ASSERT_TRUE(exporting.begin(many, false));
+        {
+            const full_disk full(4096);
+            while (exporting.step(100)) {
+            }
+        }
+        EXPECT_FALSE(exporting.succeeded());
+        EXPECT_TRUE(exporting.problem().contains("Is the disk full?")) << exporting.problem().toStdString();
+        EXPECT_EQ(t.bytes_of(t.path()), before.toUtf8());
+        EXPECT_EQ(QFile::exists(t.path()), was_exported_before);
+    }
+}
+
+TEST(log_export, the_table_goes_away_meanwhile) {
+    export_bench t;
+    const int id = t.stored({{"410D3C"}});
+    log_export exporting(t.db, t.lists, t.settings);
+    ASSERT_TRUE(exporting.begin(id, false));
+    t.outside("DROP TABLE LOGGIES_DATA");
+    EXPECT_FALSE(exporting.step(10));
+    EXPECT_EQ(exporting.problem(), "The log cannot be read: no such table: LOGGIES_DATA.");
+    EXPECT_FALSE(QFile::exists(t.path()));
+}
