@@ -57,16 +57,22 @@ void busy_bar::set_running(bool runs) {
         return;
     running = runs;
     place = 0;
-    if (running && isVisible())
-        moving.start();
-    else
-        moving.stop();
-    update();
+    total = 0;
+    move_or_stand();
 }
 
-void busy_bar::showEvent(QShowEvent*) {
-    if (running)
+void busy_bar::set_progress(int its_done, int its_total) {
+    total = std::max(0, its_total);
+    done = std::clamp(its_done, 0, total);
+    move_or_stand();
+}
+
+void busy_bar::move_or_stand() {
+    if (!running || total > 0 || !isVisible())
+        moving.stop();
+    else if (!moving.isActive())
         moving.start();
+    update();
 }
 
 void busy_bar::paintEvent(QPaintEvent*) {
@@ -79,8 +85,9 @@ void busy_bar::paintEvent(QPaintEvent*) {
     const double round = height() / 2.0;
     painter.setBrush(faint(colour));
     painter.drawRoundedRect(rect(), round, round);
-    const double from = std::max(0.0, place * (1 + piece) - piece) * width();
-    const double to = std::min(1.0, place * (1 + piece)) * width();
+    const double from = total > 0 ? 0 : std::max(0.0, place * (1 + piece) - piece) * width();
+    const double to = total > 0 ? static_cast<double>(width()) * done / total
+                                : std::min(1.0, place * (1 + piece)) * width();
     painter.setBrush(colour);
     painter.drawRoundedRect(QRectF(from, 0, to - from, height()), round, round);
 }

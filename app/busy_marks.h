@@ -22,7 +22,8 @@ private:
     int angle = 0;
 };
 
-// A thin bar with a piece that moves through it. It keeps its place when nothing runs, so that nothing jumps.
+// A thin bar: it fills as far as the work has come, or a piece moves through it while that is not known. It
+// keeps its place when nothing runs, so that nothing jumps.
 class busy_bar : public QWidget {
     Q_OBJECT
 
@@ -31,14 +32,20 @@ public:
 
     void set_running(bool runs);
     bool is_running() const { return running; }
+    // How far the work has come; a total of 0 when that is not known.
+    void set_progress(int its_done, int its_total);
 
 protected:
     void paintEvent(QPaintEvent*) override;
-    void showEvent(QShowEvent*) override;
+    void showEvent(QShowEvent*) override { move_or_stand(); }
     void hideEvent(QHideEvent*) override { moving.stop(); }
 
 private:
+    void move_or_stand();
+
     QTimer moving;
     double place = 0; // 0 to 1
+    int done = 0;
+    int total = 0;
     bool running = false;
 };

@@ -3,34 +3,16 @@
 #include "app/theme.h"
 
 #include <QFont>
-#include <algorithm>
 
-codes_model::codes_model(readCodes& its_controller, QObject* parent)
-    : QAbstractTableModel(parent), controller(its_controller) {
-    reload();
-}
-
-void codes_model::reload() {
-    beginResetModel();
-    shown_rows = static_cast<int>(controller.results().codesReadArray.size());
-    endResetModel();
-}
-
-int codes_model::rowCount(const QModelIndex& parent) const {
-    // The results may be emptied before the views hear of it.
-    return parent.isValid()
-               ? 0
-               : std::min(shown_rows, static_cast<int>(controller.results().codesReadArray.size()));
-}
-
-int codes_model::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : column_count;
-}
+codes_model::codes_model(readCodes& its_controller, const QStringList& its_rows, QObject* parent)
+    : results_model(its_rows, {QStringLiteral("Codes"), QStringLiteral("ECU"), QStringLiteral("Description")},
+                    parent),
+      controller(its_controller) {}
 
 QVariant codes_model::data(const QModelIndex& index, int role) const {
-    if (!index.isValid() || index.row() >= rowCount())
+    if (!is_shown(index))
         return {};
-    const QString& row = controller.results().codesReadArray.at(index.row());
+    const QString& row = row_at(index);
     switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: return cell(row, index.column());
@@ -61,19 +43,4 @@ QString codes_model::cell(const QString& row, int at) const {
 QString codes_model::ecu_name(const QString& header) const {
     const QString name = controller.what_it_works_with().toolies.l_pull_ECU(header);
     return name.isEmpty() ? header : QStringLiteral("%1: %2").arg(header, name);
-}
-
-QVariant codes_model::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
-        return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case code_column: return QStringLiteral("Codes");
-    case ecu_column: return QStringLiteral("ECU");
-    case description_column: return QStringLiteral("Description");
-    default: return {};
-    }
 }

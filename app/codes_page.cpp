@@ -32,9 +32,9 @@ QString fact_as_html(const QString& fact, const QColor& quiet) {
 
 codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller)
     : context(its_context), controller(its_controller), results(its_controller.results()),
-      codes(its_controller, nullptr), readiness(results.readinessFlagsArray, nullptr),
-      read_button(part_of<QPushButton>(view, "read")), stop_button(part_of<QPushButton>(view, "stop")),
-      clear_button(part_of<QPushButton>(view, "clear")), progress(part_of<busy_bar>(view, "progress")),
+      codes(its_controller, results.codesReadArray), readiness(results.readinessFlagsArray, nullptr),
+      head(view, its_context, its_controller, {op_read_codes, op_clear_codes}),
+      stop_button(part_of<QPushButton>(view, "stop")), clear_button(part_of<QPushButton>(view, "clear")),
       codes_stack(part_of<QStackedWidget>(view, "codes_stack")),
       empty_icon(part_of<QLabel>(view, "empty_icon")), empty_text(part_of<QLabel>(view, "empty_text")),
       codes_table(part_of<QTableView>(view, "codes_table")), side(part_of<QWidget>(view, "side")),
@@ -45,10 +45,8 @@ codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes
       readiness_summary_label(part_of<QLabel>(view, "readiness_summary")),
       facts(part_of<QLabel>(view, "facts")) {
     set_up_tables();
-    connect(&read_button, &QPushButton::clicked, this, &codes_page::start);
-    connect(&stop_button, &QPushButton::clicked, this, [this] { controller.stop(); });
+    connect(&part_of<QPushButton>(view, "read"), &QPushButton::clicked, this, &codes_page::start);
     connect(&clear_button, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
-    stop_button.hide();
 }
 
 void codes_page::set_up_tables() {
@@ -72,15 +70,7 @@ void codes_page::set_up_tables() {
 }
 
 void codes_page::start() {
-    controller.l_readCodes();
-    // The status line has told it already; here is the way on.
-    if (!controller.is_running() && context.core.state.interface_kind == interface_bluetooth)
-        context.frame.tell(
-            {QStringLiteral("Bluetooth is not available yet"),
-             QStringLiteral("Choose Wi-Fi in the preferences, join the network of a Wi-Fi adapter, and "
-                            "read again."),
-             QStringLiteral("Open preferences"),
-             [&frame = context.frame] { frame.go_to(screen_kind::preferences); }, true});
+    head.start([this] { controller.l_readCodes(); });
 }
 
 void codes_page::reload(const QString& list) {
@@ -90,27 +80,25 @@ void codes_page::reload(const QString& list) {
         show_readiness();
     else if (list == QLatin1String("labels"))
         show_labels();
+    else if (list == QLatin1String("progress"))
+        head.show_progress();
     else if (list == QLatin1String("operation"))
         show_operation();
 }
 
 void codes_page::show_operation() {
-    const bool running = controller.is_running();
-    const bool had_focus =
-        running ? read_button.hasFocus() || clear_button.hasFocus() : stop_button.hasFocus();
-    read_button.setVisible(!running);
-    stop_button.setVisible(running);
-    clear_button.setEnabled(!running);
-    if (had_focus)
-        (running ? stop_button : read_button).setFocus();
-    progress.set_running(running);
+    const bool had_focus = clear_button.hasFocus();
+    head.show(QString());
+    clear_button.setEnabled(!controller.is_running());
+    if (had_focus && head.runs_here())
+        stop_button.setFocus();
     show_codes();
 }
 
 void codes_page::show_codes() {
     codes.reload();
     codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
-    if (controller.is_running())
+    if (head.runs_here())
         empty_text.setText(QStringLiteral("The car is being asked ..."));
     else if (results.read_on_label.isEmpty())
         empty_text.setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));

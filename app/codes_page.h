@@ -1,12 +1,9 @@
 #pragma once
 
-#include "app/busy_marks.h"
 #include "app/codes_model.h"
+#include "app/operation_head.h"
 #include "app/readiness_model.h"
-#include "app/screen_view.h"
 
-#include <QLabel>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QTableView>
 
@@ -19,7 +16,7 @@ public:
     codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller);
 
     void start();
-    // The names of base/screen.h: "codes", "readiness", "labels", "operation".
+    // The names of base/screen.h: "codes", "readiness", "labels", "progress", "operation".
     void reload(const QString& list);
     void show_operation();
     void look_changed();
@@ -36,10 +33,9 @@ private:
     codes_model codes;
     readiness_model readiness;
 
-    QPushButton& read_button;
+    operation_head head;
     QPushButton& stop_button;
     QPushButton& clear_button;
-    busy_bar& progress;
     QStackedWidget& codes_stack;
     QLabel& empty_icon;
     QLabel& empty_text;

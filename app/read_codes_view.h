@@ -1,9 +1,12 @@
 #pragma once
 
 #include "app/codes_page.h"
+#include "app/report_button.h"
+#include "app/result_page.h"
 
 #include <QListWidget>
 #include <memory>
+#include <vector>
 
 // The diagnostics screen: a rail of pages on the left, and the controller that all of them share.
 class read_codes_view : public screen_view {
@@ -16,17 +19,21 @@ public:
     task_controller* controller() override { return &codes_controller; }
     void start() override;
     void stop() override;
-    void reload(const QString& list) override { codes.reload(list); }
-    void show_busy(bool) override { codes.show_operation(); }
+    void reload(const QString& list) override;
+    void show_busy(bool) override;
     void regain_focus() override { codes_controller.regainFocus(); }
     void look_changed() override;
 
 private:
-    void show_page(int row);
+    template <class page, class... rows>
+    void add_page(const result_words& words, rows&&... its_rows);
+    void add_pages();
 
     mac_toolies toolies;
     readCodes codes_controller;
     QListWidget& rail;
     QStackedWidget& pages;
     codes_page codes;
+    std::vector<std::unique_ptr<result_page>> others; // in the order of the rail, below the codes
+    report_button report;
 };

@@ -22,7 +22,7 @@ theme light() {
     t.text    = 0x24303b; t.muted     = 0x5a6672;
     t.accent  = 0x14796f; t.on_accent = 0xffffff; t.accent_soft = 0xd9eeeb;
     t.amber   = 0x9a5b00; t.amber_soft = 0xfff3dc;
-    t.red     = 0xb3322a;
+    t.red     = 0xb3322a; t.green     = 0x1d7a3c;
     return t;
 }
 
@@ -34,7 +34,7 @@ theme night() {
     t.text    = 0xe3e8ed; t.muted     = 0xa0acb8;
     t.accent  = 0x45c2b5; t.on_accent = 0x0d211f; t.accent_soft = 0x23443f;
     t.amber   = 0xf5b44b; t.amber_soft = 0x3d3220;
-    t.red     = 0xff8a80;
+    t.red     = 0xff8a80; t.green     = 0x74d694;
     return t;
 }
 // clang-format on
@@ -135,6 +135,7 @@ QFrame#notice_card { background: {amber_soft}; border: 1px solid {amber}; border
 QLabel#notice_mark { background: {amber}; color: {card}; border-radius: 12px; font-weight: 700; }
 QLabel#toast { background: {toast}; color: {on_toast}; border-radius: 12px; padding: 12px 20px; }
 help_panel > QFrame { background: {card}; border: 1px solid {edge}; border-radius: 10px; }
+QTextBrowser[role="detail"] { background: {card}; color: {text}; border: none; }
 help_panel QTextBrowser { background: {card}; color: {text}; border: none; }
 )";
 

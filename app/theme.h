@@ -19,7 +19,7 @@ struct theme {
     QColor text, muted;
     QColor accent, on_accent, accent_soft;
     QColor amber, amber_soft;
-    QColor red;
+    QColor red, green;
 
     // `system`: the palette of the desktop, not one that this theme made.
     static theme of(const QPalette& system);

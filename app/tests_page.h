@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/result_page.h"
+#include "app/test_delegate.h"
+#include "app/tests_model.h"
+
+#include <QTextBrowser>
+
+// Test results with their limits: the rows, and below them the one that is selected.
+class tests_page : public result_page {
+    Q_OBJECT
+
+public:
+    tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+               const result_words& its_words, const QStringList& rows);
+    ~tests_page() override;
+
+    void look_changed() override;
+
+protected:
+    void show_rows() override;
+    QString summary() const override;
+
+private:
+    void show_detail();
+
+    tests_model model;
+    test_delegate delegate;
+    QTextBrowser& detail;
+};

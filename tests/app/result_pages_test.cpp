@@ -1,0 +1,107 @@
+#include "tests/app/running_window.h"
+
+#include "app/report_button.h"
+
+#include <QFile>
+#include <QListWidget>
+#include <QTextBrowser>
+
+namespace {
+
+enum rail_row { codes_row, pending_row, vehicle_row, mode6_row_of_rail, misfire_row, o2_row, extras_row };
+
+struct opened_car : running_window {
+    opened_car() : running_window(launch_options::link_choice::demo) {
+        press(Qt::Key_1, Qt::ControlModifier);
+    }
+
+    void open_page(rail_row row) { part<QListWidget>("rail").setCurrentRow(row); }
+    bool wait_until_stopped(const char* stop) {
+        return QTest::qWaitFor([&] { return part<QPushButton>(stop).isHidden(); }, 30000);
+    }
+    QString text_of(const char* label) { return part<QLabel>(label).text(); }
+};
+
+} // namespace
+
+TEST(result_pages, show_the_tests_and_the_selected_one) {
+    opened_car car;
+    car.open_page(mode6_row_of_rail);
+    EXPECT_TRUE(car.text_of("mode6_main_empty_text").startsWith(QStringLiteral("No tests read yet.")));
+    car.press(Qt::Key_F5);
+    EXPECT_FALSE(car.part<QPushButton>("misfire_read").isEnabled()) << "one operation at a time";
+    EXPECT_TRUE(car.text_of("misfire_note").startsWith(QStringLiteral("Mode 6 is being read")));
+    ASSERT_TRUE(car.wait_until_stopped("mode6_stop"));
+    EXPECT_TRUE(car.part<QPushButton>("misfire_read").isEnabled());
+
+    const QStringList& results = car.core.diagnostics.mode6Array;
+    const QStringList shown = car.rows_of("mode6_main_table");
+    ASSERT_GT(results.size(), 1);
+    ASSERT_EQ(shown.size(), results.size());
+    auto& detail = car.part<QTextBrowser>("mode6_detail");
+    for (qsizetype i = 0; i < results.size(); ++i) {
+        const QStringList fields = results.at(i).split(QLatin1Char('|'));
+        const QStringList triple = fields.at(4).split(QLatin1Char('~'));
+        const QStringList cells = shown.at(i).split(QLatin1Char('\t'));
+        EXPECT_TRUE(cells.at(1).startsWith(triple.at(1))) << shown.at(i).toStdString();
+        EXPECT_TRUE(fields.at(3).endsWith(cells.at(2))) << shown.at(i).toStdString();
+        EXPECT_EQ(cells.at(3), QStringLiteral("Min %1, Max %2").arg(triple.at(0), triple.at(2)));
+
+        car.part<QTableView>("mode6_main_table").selectRow(static_cast<int>(i));
+        const QString told = detail.toPlainText().simplified();
+        EXPECT_TRUE(told.contains(fields.at(3).simplified())) << told.toStdString();
+    }
+    EXPECT_EQ(car.rows_of("misfire_main_table"), QStringList());
+}
+
+TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
+    opened_car car;
+    car.open_page(pending_row);
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_stopped("pending_stop"));
+    EXPECT_EQ(car.rows_of("pending_main_table"),
+              QStringList{QStringLiteral("P0171\t7E8\tSystem Too Lean Bank 1")});
+    const QStringList frame = car.rows_of("pending_side_table");
+    ASSERT_FALSE(frame.isEmpty());
+    EXPECT_EQ(frame.first(),
+              QStringLiteral("Freezed by\tP0133 - O2 Sensor Circuit Slow Response Bank 1 Sensor 1"));
+    EXPECT_TRUE(frame.contains(QStringLiteral("Engine RPM\t1726.00 RPM")));
+
+    // What was read goes into a file without marks of HTML; one that cannot be written is told.
+    auto& report = car.part<report_button>();
+    QFile saved(car.folder.filePath(QStringLiteral("report.txt")));
+    report.save_as_text(saved.fileName());
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    const QByteArray text = saved.readAll();
+    EXPECT_TRUE(text.contains("P0171 - ") && text.contains("System Too Lean Bank 1")) << text.toStdString();
+    EXPECT_FALSE(text.contains("<font"));
+    QFile pdf(car.folder.filePath(QStringLiteral("report.pdf")));
+    report.save_as_pdf(pdf.fileName());
+    ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(pdf.readAll().startsWith("%PDF-"));
+    EXPECT_FALSE(car.part<notice_banner>().isVisible());
+    report.save_as_pdf(car.folder.filePath(QStringLiteral("not/there.pdf")));
+    EXPECT_TRUE(
+        car.part<notice_banner>().shown_text().contains(QStringLiteral("there.pdf cannot be written")));
+}
+
+TEST(result_pages, keep_what_was_read_before_a_stop) {
+    opened_car car;
+    car.open_page(vehicle_row);
+    car.press(Qt::Key_F5);
+    const QStringList& rows = car.core.diagnostics.vehInfoArray;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rows.size() > 6; }, 20000));
+    car.press(Qt::Key_Escape);
+    EXPECT_TRUE(car.part<QPushButton>("vehicle_stop").isHidden());
+    const QStringList kept = car.rows_of("vehicle_main_table");
+    EXPECT_EQ(kept.size(), rows.size());
+    EXPECT_TRUE(kept.contains(QStringLiteral("\tVoltage\t14.1V")))
+        << kept.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(kept.filter(QStringLiteral("ECU(7E8) Eng.")).size(), 1);
+
+    car.press(Qt::Key_F5);
+    EXPECT_LT(car.rows_of("vehicle_main_table").size(), kept.size()) << "the old rows are gone";
+    ASSERT_TRUE(car.wait_until_stopped("vehicle_stop"));
+    EXPECT_GT(car.rows_of("vehicle_main_table").size(), kept.size());
+    EXPECT_EQ(car.rows_of("vehicle_main_table").size(), rows.size());
+}
