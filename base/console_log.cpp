@@ -19,7 +19,7 @@ struct log_sink {
     FILE* stream = stderr;
     QByteArray path;
     qint64 written = 0;
-    steady_clock::time_point next_flush; // no flush is on its way once this is over
+    steady_clock::time_point next_flush; // past: none is on its way
 
     void open_next() {
         std::fclose(stream);
@@ -41,6 +41,7 @@ struct log_sink {
     }
 
     void flush() {
+        next_flush = {};
         if (stream)
             std::fflush(stream);
     }

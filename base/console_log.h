@@ -5,8 +5,8 @@
 #include <initializer_list>
 
 // Free-form diagnostic lines that name the method. They go to "console.log" in the Documents folder once
-// redirected there, else to standard error. Qt's own messages go the same way. While an event loop runs, lines
-// reach the file within about a second; Qt's warnings take those before them along at once.
+// redirected there, else to standard error. Qt's own messages go the same way. While an event loop runs,
+// lines reach the file within about a second; Qt's warnings take those before them along at once.
 void console_log(const QString& line);
 // The same for a line in pieces that are UTF-8 already, as those of every command and reply are.
 void console_log_utf8(std::initializer_list<QByteArrayView> pieces);

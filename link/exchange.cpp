@@ -133,9 +133,10 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         return hand_on(reply), false;
 
     // Some commands take any answer, an empty one too, but none that was cut.
-    reply_verdict verdict = state.rx_reply.is_cut()
-                                ? unconfirmed(state.no_confirm_count)
-                                : work_a_rcvdOBD_cmd(reply, in_force(), state.cur_protocol, state.no_confirm_count);
+    reply_verdict verdict =
+        state.rx_reply.is_cut()
+            ? unconfirmed(state.no_confirm_count)
+            : work_a_rcvdOBD_cmd(reply, in_force(), state.cur_protocol, state.no_confirm_count);
     state.obd_msgs = std::move(verdict.obd_msgs);
     if (verdict.result == reply_retry && outstanding > 0) {
         // Sending once more would leave the exchange one reply behind for good.

@@ -8,6 +8,7 @@
 #include "base/text_resources.h"
 #include "obd/ecu_names.h"
 #include "obd/maker_values.h"
+#include "obd/mode6_scaling.h"
 #include "obd/number_text.h"
 #include "obd/obd_messages.h"
 #include "obd/pid_catalogue.h"
@@ -221,6 +222,22 @@ void reading_the_vin(const QString& text) {
               "characters of a reply fit their place");
 }
 
+void scaling_test_results(const QString& text) {
+    for (const bool with_units : {false, true}) {
+        for (const QString& value : {text.mid(2, 4), text.mid(2)})
+            must_hold(CAN_scale_and_units(text.left(2), value, with_units).size() <= longest_own_text,
+                      "a scaled value is a short text");
+    }
+    for (const bool is_monitor : {false, true})
+        must_hold(!grab_CAN_mode6_OBDMID_TESTID_description(text.left(2), is_monitor, lists()).isEmpty(),
+                  "every monitor and test has a name or none");
+    QStringList identifiers = text.split(u'\r');
+    const qsizetype before = identifiers.size();
+    fixArrayForMode6(identifiers);
+    must_hold(identifiers.size() <= before && !identifiers.contains(QStringLiteral("20")),
+              "what asks for support is no test");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -242,6 +259,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     reading_pid_maps(text, protocol);
     reading_codes(text, protocol);
     reading_the_vin(text);
+    scaling_test_results(text);
     translating(text);
     for (const QString& line :
          reply_lines(text)) // as the controllers do it: one ECU's data without its header

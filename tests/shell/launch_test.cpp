@@ -17,26 +17,13 @@ launch_options asked_for(const QStringList& words) {
 } // namespace
 
 TEST(launch_options, wrong_ones_are_refused_with_a_sentence) {
-    for (const char* words : {"--nonsense",
-                              "-x",
-                              "--wifi",
-                              "--wifi host",
-                              "--wifi :35000",
-                              "--wifi host:0",
-                              "--wifi host:65536",
-                              "--wifi host:port",
-                              "--wifi=",
-                              "--wifi []:1",
-                              "--demo=",
-                              "--profile",
-                              "--profile=",
-                              "--metric --imperial",
-                              "--demo --simulate",
-                              "--wifi a:1 --demo",
-                              "--json=no",
-                              "--yes=no",
-                              "--simulate=x"
-                              "read-codes clear-codes"}) {
+    // clang-format off
+    const char* const wrong[] = {
+        "--nonsense", "-x", "--wifi", "--wifi host", "--wifi :35000", "--wifi host:0", "--wifi host:65536",
+        "--wifi host:port", "--wifi=", "--wifi []:1", "--demo=", "--profile", "--profile=", "--metric --imperial",
+        "--demo --simulate", "--wifi a:1 --demo", "--json=no", "--yes=no", "--simulate=x"};
+    // clang-format on
+    for (const char* words : wrong) {
         QString problem;
         EXPECT_FALSE(parse_launch_options(QString(words).split(' '), problem).has_value()) << words;
         EXPECT_TRUE(problem.endsWith('.') || problem.endsWith('?')) << words << problem.toStdString();

@@ -1,0 +1,38 @@
+#include "base/console_log.h"
+#include "tests/support/wait_until.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray bytes_of(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+TEST(console_log, reaches_the_file_by_itself_and_at_a_problem) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("console.log");
+    ASSERT_TRUE(redirect_console_log(file));
+    console_log("grüße");
+    console_log_utf8({"Sending[", QByteArrayView("01 00\r"), "]"});
+    EXPECT_TRUE(wait_until([&] { return bytes_of(file) == "grüße\nSending[01 00\r]\n"; }));
+    console_log("held back");
+    flush_console_log();
+    EXPECT_TRUE(bytes_of(file).endsWith("held back\n"));
+    console_log("before");
+    qWarning("a problem");
+    EXPECT_TRUE(bytes_of(file).endsWith("before\na problem\n"));
+
+    // Grown too large: what was written stands aside, nothing is lost.
+    const QByteArray large(9 * 1024 * 1024, 'x');
+    console_log_utf8({large});
+    console_log("in the next file");
+    silence_console_log();
+    EXPECT_TRUE(bytes_of(file + ".1").endsWith(large + '\n'));
+    EXPECT_EQ(bytes_of(file), "in the next file\n");
+}
