@@ -45,8 +45,9 @@ QString session_log::store(const diagnostic_report& report, int veh_id) {
 }
 
 void session_log::close() {
-    if (log_out_file.isOpen() && log_out_file.size() == 0)
-        log_out_file.remove(); // the operation had nothing to say
+    const bool was_open = log_out_file.isOpen();
     log_out_file.close();
+    if (was_open && log_out_file.size() == 0)
+        log_out_file.remove(); // the operation had nothing to say
     do_the_log = false;
 }
