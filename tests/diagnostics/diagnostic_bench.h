@@ -17,8 +17,11 @@ struct diagnostic_bench : adapter_bench {
         actions["read-codes"] = [this](const QString&) { controller.l_readCodes(); };
         actions["clear-codes"] = [this](const QString&) { controller.clearCodes(); };
         actions["link-info"] = [this](const QString&) { controller.read_link_info(); };
+        actions["mode6"] = [this](const QString&) { controller.readMode6Support(); };
+        actions["misfire"] = [this](const QString&) { controller.readMisfire(); };
         actions["stop"] = [this](const QString&) { controller.stop(); };
         facts["codes"] = [this] { return results.codesReadArray.join(", "); };
+        facts["misfire"] = [this] { return results.misfireArray.join(", "); };
         facts["mil"] = [this] { return results.mil_label; };
         facts["announced"] = [this] { return results.code_count_label; };
         facts["ecus"] = [this] { return QString::number(results.no_of_ecus); };
