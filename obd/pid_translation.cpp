@@ -302,10 +302,11 @@ double get_OBDVal(const QString& reply, unit_system units, int boost_reference_k
     const QString text = translateResponse(reply, units, boost_reference_kpa, lists);
     if (text.contains(no_reply))
         return std::numeric_limits<double>::quiet_NaN();
-    // The whole first piece has to be a number: "4113033F" and "N/A" give 0.
+    // The whole first piece has to be a number: "4113033F" and "N/A" give 0. So does "41010007E200", a raw
+    // reply whose E is no exponent.
     const qsizetype blank = text.indexOf(QLatin1Char(' '));
     const QByteArray piece = QStringView(text).first(blank < 0 ? text.size() : blank).toLatin1();
     double value = 0;
-    const auto [end, error] = std::from_chars(piece.begin(), piece.end(), value);
+    const auto [end, error] = std::from_chars(piece.begin(), piece.end(), value, std::chars_format::fixed);
     return error == std::errc() && end == piece.end() ? value : 0;
 }

@@ -164,7 +164,8 @@ void translating(const QString& reply) {
         must_hold(shown.size() <= std::max(reply.size(), longest_own_text), "a value is a short text");
         const double value = get_OBDVal(reply, units, 101, lists());
         must_hold(std::isfinite(value) || std::isnan(value), "a value is a number or none");
-        must_hold(formatForDisplay(value).size() <= longest_own_text, "a value has a short display");
+        must_hold(formatForDisplay(value).size() <= std::max(reply.size() + 4, longest_own_text),
+                  "a value has a short display");
         must_hold(translateResponse_subaru(reply, units, lists()).size() <=
                       std::max(reply.size(), longest_own_text),
                   "a maker value is a short text");

@@ -145,10 +145,11 @@ TEST_F(translation, number_is_the_first_piece) {
     EXPECT_TRUE(std::isnan(number("410D")));
     EXPECT_DOUBLE_EQ(number("41 04 FF"), 100);
     EXPECT_DOUBLE_EQ(number("410500"), -40);
-    EXPECT_DOUBLE_EQ(number("410301"), 0);   // a state
-    EXPECT_DOUBLE_EQ(number("410C1A"), 0);   // "N/A"
-    EXPECT_DOUBLE_EQ(number("4113033F"), 0); // the raw reply is no whole number
-    EXPECT_DOUBLE_EQ(number("41E999"), 0);   // nor is one out of range
+    EXPECT_DOUBLE_EQ(number("410301"), 0);                    // a state
+    EXPECT_DOUBLE_EQ(number("410C1A"), 0);                    // "N/A"
+    EXPECT_DOUBLE_EQ(number("4113033F"), 0);                  // the raw reply is no whole number
+    EXPECT_DOUBLE_EQ(number("41010007E200"), 0);              // nor has it an exponent
+    EXPECT_DOUBLE_EQ(number("4101" + QString(400, u'9')), 0); // nor is one out of range
 }
 
 TEST_F(translation, maker_values) {
