@@ -1,0 +1,207 @@
+#include "obd/standard_reading/codes_and_texts.h"
+#include "obd/standard_reading/pid_table.h"
+#include "obd/standard_reading/pid_values.h"
+#include "obd/standard_reading/test_results.h"
+
+#include "tests/support/print_qt.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString said(const QString& ecu, const QString& text, const QString& fault) {
+    QStringList words{ecu, text, fault.isEmpty() ? QString() : QStringLiteral("! ") + fault};
+    words.removeAll(QString());
+    return words.join(u' ');
+}
+
+QStringList pid_lines(int pid, const QString& reply, reply_form form) {
+    QStringList lines;
+    for (const ecu_answer& answer : answers_to(1, reply, form)) {
+        QString text;
+        for (const QByteArray& data : answer.messages)
+            text = pid_value_text(decode_pid(pid, data.mid(2), unit_system::metric));
+        lines.append(said(answer.ecu, pid % 0x20 == 0 ? text.remove(u',') : text,
+                          answer.messages.isEmpty() ? answer.fault : QString()));
+    }
+    return lines;
+}
+
+QStringList test_lines(const QString& reply, reply_form form) {
+    QStringList lines;
+    const ecu_tests tests = read_tests(reply, form);
+    const auto limit = [](const ecu_test& t, std::optional<double> l) {
+        return l ? QString::number(*l, 'f', t.decimals) : QString();
+    };
+    for (const ecu_test& t : tests.tests)
+        lines.append(QStringLiteral("%1 %2/%3 %4 %5..%6 %7")
+                         .arg(t.ecu)
+                         .arg(t.monitor, 2, 16, QLatin1Char('0'))
+                         .arg(t.test, 2, 16, QLatin1Char('0'))
+                         .arg(test_value_text(t, t.value), limit(t, t.minimum), limit(t, t.maximum),
+                              t.passed() ? QStringLiteral("passed") : QStringLiteral("failed")));
+    if (!tests.fault.isEmpty())
+        lines.append(said({}, {}, tests.fault));
+    return lines;
+}
+
+QStringList lines_for(const QString& request, const QString& reply, reply_form form) {
+    const int service = request.left(2).toInt(nullptr, 16);
+    const int which = request.mid(3, 2).toInt(nullptr, 16);
+    QStringList lines;
+    switch (service) {
+    case 0x01: return pid_lines(which, reply, form);
+    case 0x06: return test_lines(reply, form);
+    case 0x09:
+        for (const ecu_info& info : read_vehicle_info(static_cast<info_type>(which), reply, form))
+            lines.append(said(info.ecu, info.items.join(u' '), info.fault));
+        return lines;
+    default:
+        for (const ecu_codes& codes : read_trouble_codes(service, reply, form))
+            lines.append(said(codes.ecu, codes.codes.join(u' '), codes.fault));
+        return lines;
+    }
+}
+
+} // namespace
+
+TEST(standard_reading, says_what_real_cars_said) {
+    QFile file(QStringLiteral(BV_TEST_DATA "/captures.txt"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    reply_form form;
+    QString request, reply;
+    QStringList expected;
+    int blocks = 0;
+    const auto check = [&] {
+        if (request.isEmpty())
+            return;
+        ++blocks;
+        for (const QString& text : {reply, QString(reply).remove(u' ')})
+            EXPECT_EQ(lines_for(request, text, form).join(u'\n').toUpper(), expected.join(u'\n').toUpper())
+                << request.toStdString() << "\n"
+                << reply.toStdString();
+        request.clear();
+        reply.clear();
+        expected.clear();
+    };
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        const QString rest = line.mid(2);
+        if (line.startsWith(u"protocol") || line.startsWith(u"headers") || line.startsWith(u'>'))
+            check();
+        if (line.startsWith(u"protocol "))
+            form.protocol = line.mid(9).toInt();
+        else if (line.startsWith(u"headers "))
+            form.headers_shown = line.endsWith(u"on");
+        else if (line.startsWith(u'>'))
+            request = rest;
+        else if (line.startsWith(u'<'))
+            reply += rest + u'\r';
+        else if (line.startsWith(u'='))
+            expected.append(rest);
+    }
+    check();
+    EXPECT_GT(blocks, 40);
+}
+
+// Frames past the fifteenth: the sequence goes on from 0. Out of it, nothing is read.
+TEST(standard_reading, sequence_of_frames_wraps) {
+    QString reply = QStringLiteral("7E8 10 7A 43 3C 01 01 01 02\r");
+    for (int frame = 1; frame <= 17; ++frame)
+        reply += QStringLiteral("7E8 2%1 %2\r")
+                     .arg(frame % 16, 1, 16)
+                     .arg(QStringLiteral("01 11 ").repeated(4).left(frame == 17 ? 12 : 21).trimmed());
+    const auto whole = read_trouble_codes(3, reply, {6, true});
+    ASSERT_EQ(whole.size(), 1);
+    EXPECT_EQ(whole.first().fault, QString());
+    EXPECT_EQ(whole.first().codes.size(), 60);
+    const auto torn =
+        read_trouble_codes(3, reply.replace(QStringLiteral("7E8 20"), QStringLiteral("7E8 21")), {6, true});
+    EXPECT_EQ(torn.first().codes, QStringList());
+    EXPECT_FALSE(torn.first().fault.isEmpty());
+}
+
+struct pid_case {
+    const char* reply;
+    const char* metric;
+    const char* imperial;
+};
+
+TEST(standard_reading, pid_values) {
+    const pid_case cases[] = {
+        {"410D3C", "60 km/h", "37.3 mph"},
+        {"410B8C", "140 kPa", "41.3 in.Hg"},
+        {"411003E8", "10.00 g/s", "1.32 lb/min"},
+        {"41149A80", "voltage 0.770 V, fuel trim 0.0 %", "voltage 0.770 V, fuel trim 0.0 %"},
+        {"411B9AFF", "voltage 0.770 V", "voltage 0.770 V"},
+        {"41248000C000", "voltage 6.000 V, lambda 1.000", "voltage 6.000 V, lambda 1.000"},
+        {"413480008100", "current 1.000 mA, lambda 1.000", "current 1.000 mA, lambda 1.000"},
+        {"4132FFFC", "-1.00 Pa", "-0.00 in.H2O"},
+        {"413C1388", "460.0 ° C", "860.0 ° F"},
+        {"41423A98", "15.000 V", "15.000 V"},
+        {"41550080", "bank 1 -100.0 %, bank 3 0.0 %", "bank 1 -100.0 %, bank 3 0.0 %"},
+        {"415580", "bank 1 0.0 %", "bank 1 0.0 %"},
+        {"416703505A", "sensor 1 40 ° C, sensor 2 50 ° C", "sensor 1 104.0 ° F, sensor 2 122.0 ° F"},
+        {"4167025000", "sensor 2 -40 ° C", "sensor 2 -40.0 ° F"},
+        {"4167000000", "(the car marks every value of it as unsupported)", nullptr},
+        {"416703", "(data bytes are missing)", nullptr},
+        {"410C1A", "(data bytes are missing)", nullptr},
+        {"410301", "system 1: open loop, not ready to close", nullptr},
+        {"410303", "(a state that the standard does not define)", nullptr},
+        {"411303", "bank 1 sensor 1, bank 1 sensor 2", nullptr},
+        {"411300", "none", nullptr},
+        {"41020133", "P0133", nullptr},
+        {"41A600010000", "6553.6 km", "4072.2 mi"},
+        {"41C51234", "(no standard formula for this PID here)", nullptr},
+        {"NODATA", "(no answer to this PID)", nullptr},
+        {"7F0112", "(no answer to this PID)", nullptr},
+        {"410C1", "(no answer to this PID)", nullptr},
+    };
+    for (const pid_case& c : cases) {
+        const QString reply = QString::fromLatin1(c.reply);
+        EXPECT_EQ(pid_value_text(read_pid_value(reply, unit_system::metric)), QString::fromUtf8(c.metric))
+            << c.reply;
+        if (c.imperial) {
+            EXPECT_EQ(pid_value_text(read_pid_value(reply, unit_system::imperial)),
+                      QString::fromUtf8(c.imperial))
+                << c.reply;
+        }
+    }
+}
+
+TEST(standard_reading, tells_a_different_reading_from_a_rounded_one) {
+    const auto same = [](const char* shown, const char* reply, unit_system units = unit_system::metric) {
+        return says_the_same(QString::fromUtf8(shown), read_pid_value(QString::fromLatin1(reply), units));
+    };
+    EXPECT_TRUE(same("83.0 ° C", "41057B"));
+    EXPECT_TRUE(same("37.50 mph", "410D3C", unit_system::imperial));
+    EXPECT_TRUE(same("0.770  V / 0.00  %", "41149A80"));
+    EXPECT_TRUE(same("1 'Hours' 1 'mins' 1 'secs'", "411F0E4D"));
+    EXPECT_TRUE(same("Open Loop - not ready for Close", "410301"));
+    EXPECT_TRUE(same("EOBD", "411C06"));
+    EXPECT_FALSE(same("12 %", "41300C"));         // a count is no percentage
+    EXPECT_FALSE(same("1.500 V", "41423A98"));    // hexadecimal text read as a decimal number
+    EXPECT_FALSE(same("232.00 Kms", "413103E8")); // the low byte alone
+    EXPECT_FALSE(same("41210064", "41210064"));   // not translated
+    EXPECT_FALSE(same("Invalid", "411208"));
+    EXPECT_FALSE(same("0.00  KPa", "NODATA")); // a value from nothing
+    EXPECT_TRUE(same("N/A", "410C1A"));
+}
+
+// A quantity stands once, holds whole bytes, and its support bit is one of the first byte.
+TEST(standard_reading, table_is_sound) {
+    const quantity_row* before = nullptr;
+    for (const quantity_row& row : quantity_rows()) {
+        EXPECT_TRUE(row.bytes == 1 || row.bytes == 2 || row.bytes == 4) << row.pid;
+        EXPECT_LT(row.support, 8) << row.pid;
+        EXPECT_TRUE(row.support == always || row.at > 0) << row.pid;
+        if (before) {
+            EXPECT_GE(row.pid, before->pid);
+            if (row.pid == before->pid) {
+                EXPECT_STRNE(row.name, before->name) << row.pid;
+                EXPECT_NE(row.at, before->at) << row.pid;
+            }
+        }
+        before = &row;
+    }
+}
