@@ -1,0 +1,168 @@
+#include "charts/drawChartyItem.h"
+
+#include "base/console_log.h"
+#include "base/shared_types.h"
+#include "charts/axis_values.h"
+#include "charts/outward_rounding.h"
+#include "charts/picture.h"
+#include "charts/series_plot.h"
+#include "obd/toolkit/mac_toolies.h"
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+
+namespace {
+
+constexpr double narrowed = 0.25; // of a PID's range, off either end, while there is nothing to go by
+constexpr double line_width = 1.8;
+constexpr double thumbnail_line_width = 2.2;
+constexpr double latest_point_radius = 3.5;
+constexpr qsizetype fewest_points = 2;
+
+QString unit_of(const chart_label& label) {
+    return label.unit == not_available ? QString() : label.unit.trimmed();
+}
+
+QString as_f(double value) {
+    return QString::number(value, 'f', 6);
+}
+
+QRect in_device_pixels(const QRectF& place, double ratio) {
+    const QPoint corner(qRound(place.left() * ratio), qRound(place.top() * ratio));
+    return {corner,
+            QSize(qRound(place.right() * ratio) - corner.x(), qRound(place.bottom() * ratio) - corner.y())};
+}
+
+} // namespace
+
+void drawChartyItem::initWitdim(QSizeF dimensions, const QString& its_imageID, double device_pixel_ratio) {
+    image_id = its_imageID;
+    image = blank_picture(dimensions, device_pixel_ratio);
+}
+
+void drawChartyItem::initWithImage(const QImage& its_image, const QString& its_imageID) {
+    initWitdim(its_image.deviceIndependentSize(), its_imageID, its_image.devicePixelRatio());
+}
+
+void drawChartyItem::setNumberPointsToPlot(qsizetype count) {
+    SHOW_THESE_MANY_LAST_POINTS = count == -1 ? -1 : std::max(count, fewest_points);
+}
+
+bool drawChartyItem::isPlottingThisIndex(int index) const {
+    return cur_ITEMS_2_PLOT.size() < 2 ? index == cur_item_2_PLOT : cur_ITEMS_2_PLOT.contains(index);
+}
+
+QList<int> drawChartyItem::plotted(const chart_labels& labels) const {
+    QList<int> columns{cur_item_2_PLOT};
+    if (is_group())
+        columns = QList<int>(cur_ITEMS_2_PLOT.cbegin(), cur_ITEMS_2_PLOT.cend());
+    columns.removeIf([&labels](int column) { return column < 0 || column >= labels.size(); });
+    return columns;
+}
+
+QColor drawChartyItem::setMyColor(int index) {
+    return series_colour(index);
+}
+
+chart_labels drawChartyItem::work_out_labels(const sample_matrix& matrix) const {
+    chart_labels labels;
+    for (int column = 0; column < _pid_logitems_list.size(); ++column) {
+        const QString pid = pid_of(_pid_logitems_list[column]);
+        const double most = toolies.get_PID_min_max(pid, true);
+        const double least = toolies.get_PID_min_max(pid, false);
+        double maximum = most - (most - least) * narrowed;
+        double minimum = least + (most - least) * narrowed;
+        if (matrix.rows() >= 2) {
+            // The wrong way round, so that the first value sets both.
+            maximum = least;
+            minimum = most;
+            if (const series_summary seen = matrix.extremes(column); !seen.empty()) {
+                maximum = std::max(maximum, seen.maximum);
+                minimum = std::min(minimum, seen.minimum);
+            }
+        }
+        labels.append(
+            {toolies.get_pid_name_with_pid(pid), toolies.get_units(pid), as_f(maximum), as_f(minimum)});
+    }
+    return labels;
+}
+
+drawChartyItem::value_range drawChartyItem::rounded_range(const chart_label& label) {
+    return {round_outward(label.minimum.toDouble(), false), round_outward(label.maximum.toDouble(), true)};
+}
+
+void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_labels& these_labels) try {
+    const qsizetype rows = matrix.rows();
+    const qsizetype wanted = SHOW_THESE_MANY_LAST_POINTS;
+    const qsizetype first = wanted != -1 && rows >= wanted ? rows - wanted : 0;
+    const double ratio = image.devicePixelRatio();
+    const QRect place = in_device_pixels(drawSizes, ratio);
+
+    picture_painter painter(image, foot());
+    painter.save();
+    painter.translate(painter.at(0, 0));
+    painter.scale(1 / ratio, -1 / ratio);
+    painter.setClipRect(QRectF(place).adjusted(-ratio, -2 * ratio, ratio, 2 * ratio));
+    const QList<int> columns = plotted(these_labels);
+    QList<double> values;
+    bool has_points = false;
+    for (const int column : columns) {
+        const value_range range = rounded_range(these_labels[column]);
+        values.append(matrix.summary(column, first, rows).last);
+        if (range.is_inverted())
+            continue; // no value yet
+        const QPolygon points =
+            series_points(matrix, column, place, {first, rows, range.minimum, range.maximum});
+        has_points = has_points || !points.isEmpty();
+        const int baseline =
+            scale_point(first, range.minimum, place.x(), place.y(), place.width(), place.height(),
+                        static_cast<double>(rows), static_cast<double>(first), range.maximum, range.minimum)
+                .y();
+        draw_series(painter, points, baseline, setMyColor(column),
+                    ratio * (is_thumbnail ? thumbnail_line_width : line_width));
+        if (!is_thumbnail && !points.isEmpty()) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(setMyColor(column));
+            painter.drawEllipse(QPointF(points.constLast()), ratio * latest_point_radius,
+                                ratio * latest_point_radius);
+        }
+    }
+    painter.restore();
+
+    if (!columns.isEmpty() && !std::isnan(values.constFirst()))
+        last_OBD_val = values.constFirst();
+    if (is_thumbnail) {
+        if (!columns.isEmpty())
+            display_value_4_thumbnail(painter, columns.constFirst(), these_labels[columns.constFirst()],
+                                      values.constFirst());
+        return;
+    }
+    print_sweep_numbers(painter, matrix, first, has_points);
+    display_value(painter, these_labels, columns, values);
+} catch (const std::exception& problem) {
+    console_log(QStringLiteral("plot_array_list::[%1]").arg(QString::fromLocal8Bit(problem.what())));
+}
+
+drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {
+    const QString text = index < cur_sample_set.size() ? cur_sample_set[index].trimmed() : QString();
+    const value_text none{QStringLiteral("\u2013"), unit_of(label)};
+    if (text == no_reply)
+        return none;
+    if (text.isEmpty())
+        return std::isnan(value) ? none : value_text{short_number(value), unit_of(label)};
+    const QString number = text.section(u' ', 0, 0);
+    bool is_number = false;
+    number.toDouble(&is_number);
+    return is_number ? value_text{number, text.section(u' ', 1).trimmed()} : value_text{text, QString()};
+}
+
+QString drawChartyItem::in_words(const chart_labels& labels) const {
+    QStringList words;
+    for (const int column : plotted(labels)) {
+        const value_text value = latest(column, labels[column], last_OBD_val);
+        words.append(
+            QStringLiteral("%1: %2 %3").arg(labels[column].name, value.number, value.unit).trimmed());
+    }
+    return words.join(QStringLiteral(", "));
+}

@@ -1,0 +1,271 @@
+// The frame, grid, axes and value boxes of drawChartyItem.
+
+#include "charts/axis_values.h"
+#include "charts/drawChartyItem.h"
+#include "charts/picture.h"
+
+#include <QLinearGradient>
+#include <QPainterPath>
+#include <algorithm>
+
+namespace {
+
+const QString family = QStringLiteral("Arial");
+
+constexpr QRgb ground_top = 0xff28323e;
+constexpr QRgb ground_bottom = 0xff12171d;
+constexpr QRgb plot_ground = 0x38000000;
+constexpr QRgb frame = 0xff3d4955;
+constexpr QRgb highlight = 0xff45c2b5;
+constexpr QRgb grid_line = 0x30ffffff;
+constexpr QRgb grid_line_across = 0x16ffffff;
+constexpr QRgb box_ground = 0x14ffffff;
+constexpr QRgb bright = 0xfff4f7fa;
+constexpr QRgb text = 0xffd2dae2;
+constexpr QRgb dim = 0xff94a1ae;
+
+constexpr double corner = 10;
+constexpr double pad = 14;
+constexpr double head = 42;
+constexpr double foot_of_chart = 30;
+constexpr double foot_of_thumbnail = 9;
+constexpr double head_of_thumbnail = 50;
+constexpr double axis_font = 12;
+constexpr double least_axis = 40;
+constexpr qsizetype most_axes = 4;
+constexpr int divisions_across = 8;
+constexpr double pixels_per_axis_value = 44;
+constexpr double box_gap = 8;
+constexpr double full_box = 150;
+
+QColor colour(QRgb value) {
+    return QColor::fromRgba(value);
+}
+
+double box_width(double width) {
+    return std::clamp(width * 0.22, 108.0, 190.0);
+}
+
+void write_in(picture_painter& painter, const QFont& font, QRgb ink, QPointF lower_left, const QString& words,
+              double width) {
+    painter.setFont(font);
+    painter.setPen(colour(ink));
+    painter.write(lower_left, elided(font, words, width));
+}
+
+} // namespace
+
+double drawChartyItem::foot() const {
+    return is_thumbnail ? foot_of_thumbnail : foot_of_chart;
+}
+
+// While no value came the ends stand the wrong way round; the axis shows them nevertheless.
+drawChartyItem::value_range drawChartyItem::axis_ends(const chart_label& label) {
+    const value_range range = rounded_range(label);
+    return range.is_inverted() ? value_range{range.maximum, range.minimum} : range;
+}
+
+void drawChartyItem::draw_grid(const chart_labels& labels, const QString& this_title) {
+    const QList<int> columns = plotted(labels);
+    work_out_drawing_sizes(labels, columns);
+    image.fill(Qt::transparent);
+    picture_painter painter(image, foot());
+    draw_background(painter);
+
+    const QSizeF size = image.deviceIndependentSize();
+    if (is_thumbnail) {
+        draw_grid_lines(painter, {0, 0});
+        const QString name = columns.isEmpty() ? this_title : labels[columns.constFirst()].name;
+        write_in(painter, picture_font(family, 12), text, {pad, size.height() - foot() - 23}, name,
+                 size.width() - 2 * pad);
+        return;
+    }
+    write_in(painter, picture_font(family, 15, QFont::DemiBold), text, {pad + 2, size.height() - foot() - 32},
+             this_title, size.width() - 2 * pad);
+    draw_grid_lines(painter, columns.isEmpty() ? value_range{0, 0} : axis_ends(labels[columns.constFirst()]));
+    double x_guide = drawSizes.left();
+    for (const int column : columns.first(std::min(columns.size(), most_axes))) {
+        const value_range ends = axis_ends(labels[column]);
+        print_axis_values_4_grid(painter, ends.maximum, ends.minimum, labels[column], x_guide, column);
+        x_guide -= get_width_of_axis_label(ends.maximum, ends.minimum);
+    }
+}
+
+void drawChartyItem::work_out_drawing_sizes(const chart_labels& labels, const QList<int>& columns) {
+    if (!chosen_sizes.isNull()) {
+        drawSizes = chosen_sizes;
+        return;
+    }
+    const QSizeF size = image.deviceIndependentSize();
+    if (is_thumbnail) {
+        drawSizes =
+            QRectF(pad - 4, 0, size.width() - 2 * pad + 8, size.height() - foot() - head_of_thumbnail);
+        return;
+    }
+    double left = pad;
+    for (const int column : columns.first(std::min(columns.size(), most_axes))) {
+        const value_range ends = axis_ends(labels[column]);
+        left += get_width_of_axis_label(ends.maximum, ends.minimum);
+    }
+    left = std::round(std::max(left, pad + least_axis));
+    const double right = std::round(size.width() - box_width(size.width()) - 2 * pad);
+    drawSizes = QRectF(left, 0, std::max(1.0, right - left), std::max(1.0, size.height() - foot() - head));
+}
+
+void drawChartyItem::draw_background(picture_painter& painter) const {
+    const QSizeF size = image.deviceIndependentSize();
+    const bool selected = is_thumbnail && is_thumb_selected;
+    const double pen = selected ? 3 : 1;
+    QLinearGradient ground(0, 0, 0, size.height());
+    ground.setColorAt(0, colour(ground_top));
+    ground.setColorAt(1, colour(ground_bottom));
+    painter.setPen(QPen(colour(selected ? highlight : frame), pen));
+    painter.setBrush(ground);
+    painter.drawRoundedRect(QRectF({0, 0}, size).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2), corner,
+                            corner);
+}
+
+void drawChartyItem::draw_grid_lines(picture_painter& painter, const value_range& ends) const {
+    const QRectF plot = painter.area(drawSizes);
+    painter.fillRect(plot, colour(plot_ground));
+    if (is_thumbnail) {
+        painter.setPen(colour(grid_line));
+        painter.drawLine(plot.bottomLeft(), plot.bottomRight());
+        return;
+    }
+    const double ratio = image.devicePixelRatio();
+    // In the middle of a pixel of the device, so that a line is one pixel and not two half ones.
+    const auto crisp = [ratio](double logical) { return (std::floor(logical * ratio) + 0.5) / ratio; };
+    painter.setPen(QPen(colour(grid_line_across), 1, Qt::DashLine));
+    for (int division = 1; division < divisions_across; ++division) {
+        const double x = crisp(plot.left() + plot.width() * division / divisions_across);
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+    }
+    painter.setPen(QPen(colour(grid_line), 1, Qt::DashLine));
+    const int wanted = static_cast<int>(drawSizes.height() / pixels_per_axis_value);
+    for (const double value : axis_values::between(ends.minimum, ends.maximum, wanted).values) {
+        const double y =
+            crisp(plot.bottom() - plot.height() * (value - ends.minimum) / (ends.maximum - ends.minimum));
+        painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+    }
+    painter.setPen(QPen(colour(frame), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(QRectF(QPointF(crisp(plot.left()), crisp(plot.top())),
+                            QPointF(crisp(plot.right()), crisp(plot.bottom()))));
+}
+
+double drawChartyItem::get_width_of_axis_label(double cur_max, double cur_min) {
+    const QFont font = picture_font(family, axis_font);
+    const axis_values axis = axis_values::between(cur_min, cur_max, 5);
+    return 14 + std::max(text_width(font, axis.text(cur_max)), text_width(font, axis.text(cur_min)));
+}
+
+// The values stand left of x_guide, with a mark each in the colour of a group's member.
+void drawChartyItem::print_axis_values_4_grid(picture_painter& painter, double cur_max, double cur_min,
+                                              const chart_label& cur_label, double x_guide,
+                                              int this_idx) const {
+    const QFont font = picture_font(family, axis_font);
+    painter.setFont(font);
+    const QColor ink = is_group() ? setMyColor(this_idx) : colour(dim);
+    const int wanted = static_cast<int>(drawSizes.height() / pixels_per_axis_value);
+    axis_values axis = axis_values::between(cur_min, cur_max, wanted);
+    if (axis.values.isEmpty() && cur_label.maximum == cur_label.minimum)
+        axis.values.append(cur_min);
+    painter.setPen(ink);
+    for (const double value : axis.values) {
+        const double part = cur_max > cur_min ? (value - cur_min) / (cur_max - cur_min) : 0;
+        const double y = drawSizes.top() + drawSizes.height() * part;
+        const QString words = axis.text(value);
+        painter.write({x_guide - 8 - text_width(font, words), y - axis_font * 0.58}, words);
+        painter.drawLine(painter.at(x_guide - 4, y), painter.at(x_guide, y));
+    }
+}
+
+void drawChartyItem::print_sweep_numbers(picture_painter& painter, const sample_matrix& matrix,
+                                         qsizetype first, bool has_points) const {
+    const QFont font = picture_font(family, axis_font);
+    painter.setFont(font);
+    painter.setPen(colour(dim));
+    if (!has_points) {
+        painter.setFont(picture_font(family, 15));
+        painter.write_centred(drawSizes.center().x(), drawSizes.center().y(),
+                              QStringLiteral("No values yet"));
+        return;
+    }
+    // The last row is the sweep under way.
+    const QString from = QString::number(matrix.dropped() + first + 1);
+    const QString to = QString::number(matrix.dropped() + matrix.rows());
+    const double y = drawSizes.top() - 21;
+    painter.write({drawSizes.left(), y}, QStringLiteral("sweep ") + from);
+    painter.write({drawSizes.right() - text_width(font, to), y}, to);
+}
+
+void drawChartyItem::display_value(picture_painter& painter, const chart_labels& labels,
+                                   const QList<int>& columns, const QList<double>& values) const {
+    if (columns.isEmpty())
+        return;
+    const QSizeF size = image.deviceIndependentSize();
+    const double width = box_width(size.width());
+    const double left = size.width() - width - pad;
+    const auto count = static_cast<double>(columns.size());
+    const double height = std::min(full_box, (drawSizes.height() - (count - 1) * box_gap) / count);
+    double top = drawSizes.bottom();
+    for (qsizetype place = 0; place < columns.size(); ++place, top -= height + box_gap)
+        draw_value_box(painter, QRectF(left, top - height, width, height), columns[place],
+                       labels[columns[place]], values[place]);
+}
+
+// The box shows as much as its height allows: the value, the name, the extremes.
+void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box, int column,
+                                    const chart_label& label, double value) const {
+    const value_text shown = latest(column, label, value);
+    const QRectF area = painter.area(box);
+    QPainterPath outline;
+    outline.addRoundedRect(area, 8, 8);
+    painter.fillPath(outline, colour(box_ground));
+    painter.save();
+    painter.setClipPath(outline);
+    painter.fillRect(QRectF(area.topLeft(), QSizeF(4, area.height())), setMyColor(column));
+    painter.restore();
+
+    const double left = box.left() + 14;
+    const double width = box.width() - 22;
+    const bool is_large = box.height() >= 110;
+    if (box.height() >= 32)
+        write_in(painter, fitting_font(family, is_large ? 14 : 11, QFont::Normal, label.name, width, 11),
+                 text, {left, box.bottom() - (is_large ? 30 : 17)}, label.name, width);
+
+    const QFont unit_font = picture_font(family, is_large ? 15 : 12);
+    const double beside = is_large ? 0 : text_width(unit_font, shown.unit) + 8;
+    const double largest = is_large ? 36 : std::clamp(box.height() - 22, 13.0, 24.0);
+    const QFont number_font =
+        fitting_font(family, largest, QFont::Bold, shown.number, std::max(width / 2, width - beside), 12);
+    const double bottom = is_large ? box.bottom() - 78 : box.top() + box.height() * 0.06;
+    write_in(painter, number_font, bright, {left, bottom}, shown.number, width);
+    const double used = is_large ? 0 : text_width(number_font, shown.number) + 8;
+    write_in(painter, unit_font, dim, {left + used, is_large ? bottom - 20 : bottom + 1}, shown.unit,
+             width - used);
+
+    if (is_large && !rounded_range(label).is_inverted() && !std::isnan(value)) {
+        const QFont font = picture_font(family, 13);
+        write_in(painter, font, dim, {left, box.top() + 24},
+                 QStringLiteral("Max  ") + short_number(label.maximum.toDouble()), width);
+        write_in(painter, font, dim, {left, box.top() + 7},
+                 QStringLiteral("Min  ") + short_number(label.minimum.toDouble()), width);
+    }
+}
+
+void drawChartyItem::display_value_4_thumbnail(picture_painter& painter, int column, const chart_label& label,
+                                               double value) const {
+    const QSizeF size = image.deviceIndependentSize();
+    const value_text shown = latest(column, label, value);
+    const double width = size.width() - 2 * pad;
+    const QFont unit_font = picture_font(family, 12);
+    const QFont number_font = fitting_font(family, 20, QFont::Bold, shown.number, width, 12);
+    const double bottom = size.height() - foot() - head_of_thumbnail + 3;
+    painter.setFont(number_font);
+    painter.setPen(setMyColor(column));
+    painter.write({pad, bottom}, elided(number_font, shown.number, width));
+    const double used = text_width(number_font, shown.number) + 6;
+    write_in(painter, unit_font, dim, {pad + used, bottom + 2}, shown.unit, width - used);
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <vector>
+
+// What a range of rows of one column holds: its first, smallest, largest and last value; all NaN when no row
+// of the range has one.
+struct series_summary {
+    double first = std::numeric_limits<double>::quiet_NaN();
+    double minimum = first;
+    double maximum = first;
+    double last = first;
+
+    bool empty() const { return std::isnan(first); }
+    // `later`: the rows behind.
+    void append(const series_summary& later);
+    void append(double value);
+};
+
+// The samples of a run: one row a sweep, one raw reply body a PID, "-1" while none came. Only the last row is
+// written to. Beside each body stands its number, and over the rows lie summaries, so that the extremes of
+// the run cost nothing and those of any range of rows next to nothing.
+//
+// A cell takes 16 bytes, and half a byte of the summaries. What is kept is bounded by `most_bytes`: when it
+// is full the oldest 4,096 rows go, and every row behind them is counted from the new oldest. The default
+// holds sixteen million cells, which four PIDs at 14 sweeps a second fill in three days. What a run stores in
+// the database is not affected.
+class sample_matrix {
+public:
+    // The number of a reply body; NaN when it carries none (get_OBDVal).
+    using value_function = std::function<double(const QString& body)>;
+    static constexpr qsizetype default_most_bytes = qsizetype{256} << 20;
+
+    explicit sample_matrix(value_function value_of_body, qsizetype most_bytes = default_most_bytes);
+    ~sample_matrix();
+    sample_matrix(const sample_matrix&) = delete;
+    sample_matrix& operator=(const sample_matrix&) = delete;
+
+    // Empties the matrix for a run of `columns` PIDs and begins the first row.
+    void start(int columns);
+    // Begins a row of "-1". Nothing happens before start().
+    void add_row();
+    // Puts a body into the last row. Nothing happens for a column that is not there.
+    void set(int column, const QString& body);
+    // The number that a body gives has changed (units, boost reference): works out every number anew, about a
+    // tenth of a second for a million sweeps of eight PIDs.
+    void units_changed();
+
+    int columns() const { return column_count; }
+    qsizetype rows() const { return row_count; }
+    // Rows that made room for newer ones since start(); the run has had dropped() + rows().
+    qsizetype dropped() const { return dropped_rows; }
+
+    // "-1" while there is none, and for a row or a column that is not there. "~" for a text that was neither
+    // a short hexadecimal one nor found room among the odd ones (1 MiB of distinct texts).
+    QString body(qsizetype row, int column) const;
+    // NaN where the body is "-1" or "~" or carries no number.
+    double value(qsizetype row, int column) const;
+    // Rows from `begin` to before `end`; the cost does not depend on how many they are.
+    series_summary summary(int column, qsizetype begin, qsizetype end) const;
+    // Smallest and largest value of the whole run, its first row left out; also of rows that were dropped.
+    // `first` and `last` say nothing here.
+    series_summary extremes(int column) const;
+
+    // What the matrix takes in memory.
+    qsizetype bytes() const;
+
+private:
+    struct block;
+
+    const block& block_of(qsizetype row) const;
+    bool has(qsizetype row, int column) const;
+    qsizetype block_bytes() const;
+    void make_room();
+    void finish_row();
+    quint64 odd_word(const QString& body);
+    QString text_of(quint64 word) const;
+    double number_of(const QString& body) const;
+
+    value_function value_of;
+    qsizetype limit;
+    int column_count = 0;
+    qsizetype row_count = 0;
+    qsizetype dropped_rows = 0;
+    std::vector<std::unique_ptr<block>> blocks;
+    std::vector<series_summary> finished; // a column: the run's extremes up to the row before the last
+
+    // Bodies that are no short hexadecimal text, each once.
+    QStringList odd_bodies;
+    QHash<QString, qsizetype> odd_body_at;
+    qsizetype odd_bytes = 0;
+};

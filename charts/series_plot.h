@@ -1,0 +1,36 @@
+#pragma once
+
+#include "charts/sample_matrix.h"
+
+#include <QColor>
+#include <QPainter>
+#include <QPolygon>
+#include <QRect>
+
+// The line of one series. Points are whole pixels, y growing upward.
+
+// The place of a sample in the rectangle at scr_x, scr_y. Y is 0 when there is no range.
+QPoint scale_point(qsizetype this_x, double this_y, int scr_x, int scr_y, int scr_width, int src_height,
+                   double maxX, double minX, double maxY, double minY);
+
+// What of a run is drawn, and between which values.
+struct plot_range {
+    qsizetype first = 0; // row at the left edge
+    qsizetype rows = 0;  // of the matrix; the row after the last is the right edge
+    double minimum = 0;
+    double maximum = 0;
+};
+
+// The series from row `first` on; rows without a value are bridged. A pixel column gets at most its first,
+// smallest, largest and last point, which cover the same pixels as all of them would: the cost depends on the
+// width, not on the rows.
+QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range);
+
+// Fills the area between the points and the baseline, and draws the line over it. Nothing for fewer than two
+// points.
+void draw_series(QPainter& painter, const QPolygon& points, int baseline, const QColor& colour,
+                 double line_width);
+
+// The colour of a column of the matrix. The eight of them differ clearly on a dark ground, also for people
+// who cannot tell red from green or blue from yellow.
+QColor series_colour(int column);

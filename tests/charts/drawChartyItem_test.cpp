@@ -1,0 +1,157 @@
+#include "charts/drawChartyItem.h"
+
+#include "charts/axis_values.h"
+#include "charts/series_plot.h"
+#include "tests/charts/chart_bench.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct drawn_chart : chart_bench {
+    drawChartyItem item{toolies};
+
+    explicit drawn_chart(const QStringList& pids = {"0D"}, double ratio = 1) {
+        item.initWitdim({600, 300}, "chart", ratio);
+        item.use_this_pids(pids);
+    }
+    const QImage& draw() {
+        const chart_labels labels = item.work_out_labels(matrix);
+        item.draw_grid(labels, "title");
+        item.plot_array_list(matrix, labels);
+        return item.imageRepresentation();
+    }
+};
+
+// Soft edges aside.
+bool is_nearly(const QColor& colour, int column) {
+    const QColor wanted = series_colour(column);
+    return std::abs(colour.red() - wanted.red()) + std::abs(colour.green() - wanted.green()) +
+               std::abs(colour.blue() - wanted.blue()) <
+           60;
+}
+
+// Pixels of the plot that are the series' own colour.
+int coloured(const QImage& picture, const QRectF& plot, int column) {
+    int count = 0;
+    for (int y = 42; y < picture.height(); ++y)
+        for (int x = static_cast<int>(plot.left()); x < static_cast<int>(plot.right()); ++x)
+            count += is_nearly(picture.pixelColor(x, y), column) ? 1 : 0;
+    return count;
+}
+
+TEST(work_out_labels, take_the_range_of_the_pid_until_there_are_two_rows) {
+    drawn_chart chart({"0C|7E8", "0D|7E8"});
+    chart.matrix.start(2);
+    const chart_labels labels = chart.item.work_out_labels(chart.matrix);
+    ASSERT_EQ(labels.size(), 2);
+    EXPECT_EQ(labels[0].name, "Engine RPM");
+    EXPECT_EQ(labels[0].unit, "RPM");
+    EXPECT_EQ(labels[0].maximum, "12287.812500");
+    EXPECT_EQ(labels[0].minimum, "4095.937500");
+}
+
+TEST(work_out_labels, follow_the_values_from_the_second_row_on) {
+    drawn_chart chart;
+    const auto ends = [&chart](const QList<int>& speeds) {
+        chart.drive(speeds);
+        const chart_label label = chart.item.work_out_labels(chart.matrix).constFirst();
+        return std::pair(label.maximum, label.minimum);
+    };
+    using texts = std::pair<QString, QString>;
+    EXPECT_EQ(ends({50, -1}), texts("0.000000", "255.000000")) << "the wrong way round without a value";
+    EXPECT_EQ(ends({250, 60}), texts("60.000000", "60.000000"));
+    EXPECT_EQ(ends({250, 60, -1, 90, 20, -1}), texts("90.000000", "20.000000"));
+}
+
+TEST(drawChartyItem, plots_the_last_sweeps_that_it_is_told_to) {
+    drawn_chart chart;
+    chart.drive({10, 40, 20, 60, 30});
+    chart.item.setNumberPointsToPlot(-1);
+    const QImage all = chart.draw();
+    chart.item.setNumberPointsToPlot(20);
+    EXPECT_EQ(chart.draw(), all) << "more than there are";
+    chart.item.setNumberPointsToPlot(3);
+    const QImage three = chart.draw();
+    EXPECT_NE(three, all);
+    chart.item.setNumberPointsToPlot(2);
+    const QImage two = chart.draw();
+    chart.item.setNumberPointsToPlot(0);
+    EXPECT_EQ(chart.draw(), two);
+    EXPECT_EQ(chart.item.last_value(), 30);
+}
+
+TEST(drawChartyItem, draws_nothing_without_values_and_a_standing_car_on_the_baseline) {
+    drawn_chart chart;
+    chart.draw();
+    chart.drive({-1, -1, -1});
+    EXPECT_EQ(coloured(chart.draw(), chart.item.drawingSizes(), 0), 0);
+    EXPECT_TRUE(std::isnan(chart.item.last_value()));
+
+    chart.drive({0, 0, 0, 0});
+    const QImage flat = chart.draw();
+    EXPECT_GT(coloured(flat, chart.item.drawingSizes(), 0), 300);
+    const double middle = chart.item.drawingSizes().center().x() - 40;
+    EXPECT_TRUE(is_nearly(colour_at(flat, middle, 30), 0)) << "y 0 lies above the sweep numbers";
+    EXPECT_FALSE(is_nearly(colour_at(flat, middle, 36), 0));
+}
+
+TEST(drawChartyItem, plots_a_group_of_two_or_more_and_otherwise_the_one_chosen) {
+    drawn_chart chart({"0D", "05", "0C"});
+    chart.item.set_item_2_plot(1);
+    chart.item.updateNoOfPlots({2});
+    EXPECT_TRUE(chart.item.isPlottingThisIndex(1));
+    EXPECT_FALSE(chart.item.isPlottingThisIndex(2));
+    chart.item.updateNoOfPlots({0, 2});
+    EXPECT_FALSE(chart.item.isPlottingThisIndex(1));
+    EXPECT_TRUE(chart.item.isPlottingThisIndex(2));
+
+    chart.matrix.start(3);
+    for (const char* speed : {"410D20", "410D40", "410D30"}) {
+        chart.matrix.set(0, speed);
+        chart.matrix.set(1, "410564");
+        chart.matrix.set(2, "410C1AF8");
+        chart.matrix.add_row();
+    }
+    const auto has = [&](int column) {
+        return coloured(chart.draw(), chart.item.drawingSizes(), column) > 0;
+    };
+    EXPECT_TRUE(has(0));
+    EXPECT_FALSE(has(1));
+    EXPECT_TRUE(has(2));
+    chart.item.setThumbnail(true);
+    EXPECT_TRUE(has(1)) << "a thumbnail is of one PID";
+    EXPECT_FALSE(has(2));
+    chart.item.set_item_2_plot(9);
+    chart.item.updateNoOfPlots({-1, 7});
+    chart.draw();
+}
+
+TEST(drawChartyItem, is_drawn_in_the_pixels_of_the_screen) {
+    drawn_chart chart({"0D"}, 2);
+    chart.drive({10, 40, 20, 60, 30});
+    const QImage& sharp = chart.draw();
+    EXPECT_EQ(sharp.size(), QSize(1200, 600));
+    EXPECT_EQ(sharp.deviceIndependentSize(), QSizeF(600, 300));
+    drawn_chart plain;
+    plain.drive({10, 40, 20, 60, 30});
+    plain.draw();
+    const QRectF plot = plain.item.drawingSizes();
+    EXPECT_EQ(chart.item.drawingSizes(), plot);
+    EXPECT_GT(coloured(sharp, {plot.topLeft() * 2, plot.size() * 2}, 0),
+              2 * coloured(plain.item.imageRepresentation(), plot, 0));
+}
+
+TEST(axis_values, are_round_and_lie_between_the_ends) {
+    EXPECT_EQ(axis_values::between(0, 4000, 5).values, QList<double>({0, 1000, 2000, 3000, 4000}));
+    EXPECT_EQ(axis_values::between(50, 200, 4).values, QList<double>({50, 100, 150, 200}));
+    EXPECT_EQ(axis_values::between(-40, 100, 4).values, QList<double>({0, 50, 100}));
+    const axis_values quarters = axis_values::between(0, 1, 4);
+    EXPECT_EQ(quarters.text(quarters.values[1]), "0.25");
+    EXPECT_EQ(axis_values::between(0.3, 0.5, 2).text(0.4), "0.4");
+    EXPECT_TRUE(axis_values::between(5, 5, 4).values.isEmpty());
+    EXPECT_TRUE(axis_values::between(5, std::nan(""), 4).values.isEmpty());
+    EXPECT_LE(axis_values::between(-1e300, 1e300, 8).values.size(), 12);
+}
+
+} // namespace

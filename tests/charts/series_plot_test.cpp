@@ -1,0 +1,107 @@
+#include "charts/series_plot.h"
+
+#include "tests/charts/chart_bench.h"
+
+#include <QPainterPath>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+constexpr QRect plot(10, 5, 200, 100);
+
+TEST(scale_point, maps_to_whole_pixels_from_the_lower_left_corner) {
+    EXPECT_EQ(scale_point(0, 0, 10, 5, 200, 100, 8, 0, 50, 0), QPoint(10, 5));
+    EXPECT_EQ(scale_point(4, 25, 10, 5, 200, 100, 8, 0, 50, 0), QPoint(110, 55));
+    EXPECT_EQ(scale_point(1, 10, 10, 5, 100, 100, 3, 0, 30, 0), QPoint(43, 38)) << "cut, not rounded";
+    EXPECT_EQ(scale_point(12, 50, 10, 5, 200, 100, 20, 10, 50, 0), QPoint(50, 105));
+    EXPECT_EQ(scale_point(4, 7, 10, 5, 200, 100, 8, 0, 7, 7), QPoint(110, 0)) << "a flat series";
+    EXPECT_LT(std::abs(scale_point(4, 1e300, 10, 5, 200, 100, 8, 0, 1, 0).y()), 40000);
+}
+
+TEST(series_points, bridge_what_is_missing_and_begin_at_the_first_value) {
+    chart_bench bench;
+    bench.drive({-1, 10, -1, -1, 40, -1});
+    EXPECT_EQ(series_points(bench.matrix, 0, {0, 0, 60, 50}, {0, 6, 0, 50}), QPolygon({{10, 10}, {40, 40}}));
+    bench.drive({-1, -1});
+    EXPECT_TRUE(series_points(bench.matrix, 0, plot, {0, 2, 0, 50}).isEmpty());
+    EXPECT_TRUE(series_points(bench.matrix, 0, plot, {2, 2, 0, 50}).isEmpty());
+}
+
+// Every row one step: the area below it, then the line.
+void draw_row_by_row(QPainter& painter, const sample_matrix& matrix, const plot_range& range,
+                     const QColor& colour) {
+    QColor filling = colour;
+    filling.setAlphaF(0.2);
+    QPolygon points;
+    for (qsizetype row = range.first; row < range.rows; ++row)
+        if (!std::isnan(matrix.value(row, 0)))
+            points.append(scale_point(row, matrix.value(row, 0), plot.x(), plot.y(), plot.width(),
+                                      plot.height(), static_cast<double>(range.rows),
+                                      static_cast<double>(range.first), range.maximum, range.minimum));
+    for (qsizetype at = 1; at < points.size(); ++at) {
+        const QPoint from = points[at - 1], to = points[at];
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(filling);
+        painter.drawPolygon(QPolygon({from, to, {to.x(), plot.y()}, {from.x(), plot.y()}}));
+        painter.setPen(QPen(colour, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawLine(from, to);
+    }
+}
+
+TEST(series_points, draw_the_picture_that_all_rows_would_draw) {
+    std::mt19937 random(7);
+    for (const int rows : {2, 3, 20, 150, 199, 200, 201, 650, 5000}) {
+        QList<int> speeds;
+        int speed = 100;
+        for (int row = 0; row < rows; ++row) {
+            speed = std::clamp(speed + static_cast<int>(random() % 31) - 15, 0, 200);
+            speeds.append(random() % 7 == 0 ? -1 : speed);
+        }
+        chart_bench bench;
+        bench.drive(speeds);
+        for (const qsizetype first : {0, rows / 3}) {
+            const plot_range range{first, rows, 0, 200};
+            QImage plain(220, 110, QImage::Format_RGB32), decimated = plain;
+            plain.fill(Qt::black);
+            decimated.fill(Qt::black);
+            QPainter plain_painter(&plain), painter(&decimated);
+            plain_painter.setRenderHint(QPainter::Antialiasing);
+            painter.setRenderHint(QPainter::Antialiasing);
+            draw_row_by_row(plain_painter, bench.matrix, range, Qt::green);
+            draw_series(painter, series_points(bench.matrix, 0, plot, range), plot.y(), Qt::green, 1.8);
+            double sum = 0;
+            int worst = 0;
+            for (int y = 0; y < plain.height(); ++y)
+                for (int x = 0; x < plain.width(); ++x) {
+                    const int off = std::abs(qGreen(plain.pixel(x, y)) - qGreen(decimated.pixel(x, y)));
+                    worst = std::max(worst, off);
+                    sum += off;
+                }
+            // What many lines over each other add at their soft edges.
+            EXPECT_LT(worst, 110) << rows << " rows from " << first;
+            EXPECT_LT(sum / (plain.width() * plain.height()), 4) << rows << " rows from " << first;
+        }
+    }
+}
+
+TEST(series_points, are_bounded_by_the_width_of_the_picture) {
+    sample_matrix matrix([](const QString& body) { return body.right(2).toInt(nullptr, 16); });
+    matrix.start(1);
+    std::mt19937 random(5);
+    const auto drawn = [&matrix](qsizetype last) {
+        const qsizetype first = last < 0 ? 0 : matrix.rows() - last;
+        return series_points(matrix, 0, plot, {first, matrix.rows(), 0, 255}).size();
+    };
+    for (int row = 0; row < 300000; ++row) {
+        matrix.set(0, QStringLiteral("410D%1").arg(random() % 256, 2, 16, QChar(u'0')).toUpper());
+        matrix.add_row();
+        if (row == 999 || row == 29999 || row == 299999) {
+            EXPECT_LE(drawn(-1), 4 * plot.width());
+            EXPECT_LE(drawn(20), 20);
+        }
+    }
+    EXPECT_GT(drawn(-1), 3 * plot.width()) << "noise has its extremes in every pixel column";
+}
+
+} // namespace
