@@ -79,7 +79,8 @@ struct car_description {
     double mil_km = 0;
     double cleared_km = 0;
     engine_model engine;
-    std::vector<ecu> ecus; // in the order in which they answer
+    std::vector<std::string> adapter_refuses; // AT commands (upper case, without blanks) answered "?"
+    std::vector<ecu> ecus;                    // in the order in which they answer
 };
 
 } // namespace virtual_adapter

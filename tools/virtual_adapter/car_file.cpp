@@ -45,6 +45,7 @@ private:
     }
 
     void protocol_line(file_words& words);
+    void adapter_line(file_words& words);
     void ecu_line(file_words& words);
     void engine_line(file_words& words);
     void pid_line(file_words& words);
@@ -67,6 +68,7 @@ const reader::keyword reader::keywords[] = {
     {"protocol",          false, [](auto& r, auto& w) { r.protocol_line(w); }},
     {"battery",           false,
      [](auto& r, auto& w) { r.m_car.battery_tenths = int(std::lround(w.number("the voltage", 0, 40) * 10)); }},
+    {"adapter_refuses",   false, [](auto& r, auto& w) { r.adapter_line(w); }},
     {"ignition",          false, [](auto& r, auto& w) { r.m_car.ignition = w.choice("on", "off"); }},
     {"engine",            false, [](auto& r, auto& w) { r.engine_line(w); }},
     {"engine_runs",       false, [](auto& r, auto& w) { r.m_car.engine_runs = w.choice("yes", "no"); }},
@@ -132,6 +134,14 @@ void reader::protocol_line(file_words& words) {
     m_car.protocol_number = int(words.hex("the protocol", 1));
     if (m_car.protocol_number < 1 || m_car.protocol_number > 9)
         throw mistake{"the protocol is not one of 1 to 9"};
+}
+
+void reader::adapter_line(file_words& words) {
+    std::string command;
+    do
+        command += words.next("the command");
+    while (!words.at_end());
+    m_car.adapter_refuses.push_back(std::move(command));
 }
 
 void reader::ecu_line(file_words& words) {

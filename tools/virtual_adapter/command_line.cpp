@@ -42,6 +42,7 @@ const option options[] = {
     {"cut-after",      "N",       "0",           "Close the link after the N-th answer."},
     {"refuse",         "COMMAND", "",            "Answer \"?\" to that command; may be given several times."},
     {"reset-closes",   nullptr,   nullptr,       "AT Z closes the link."},
+    {"hangs-on",       "COMMAND", "",            "Fall silent at that command; may be given several times."},
 };
 // clang-format on
 
@@ -106,14 +107,21 @@ private:
         what.silent_from = number("silent-from");
         what.cut_after = number("cut-after");
         what.reset_closes = is_set("reset-closes");
-        for (const QString& command : m_parser.values(QStringLiteral("refuse")))
-            what.refused.push_back(command.toUpper().remove(u' ').toStdString());
+        what.refused = commands("refuse");
+        what.hangs_on = commands("hangs-on");
         if (const QStringList late = text("late").split(u':'); is_set("late")) {
             what.late_reply = checked(late.constFirst(), "late", most);
             what.late_ms = checked(late.constLast(), "late", most);
             if (late.size() != 2)
                 complain(QStringLiteral("--late takes two numbers, N:MS."));
         }
+    }
+
+    std::vector<std::string> commands(const char* name) const {
+        std::vector<std::string> made;
+        for (const QString& command : m_parser.values(QLatin1String(name)))
+            made.push_back(command.toUpper().remove(u' ').toStdString());
+        return made;
     }
 
     void read_protocol(QString number) {

@@ -30,6 +30,14 @@ constexpr std::array<gear_step, 5> gears{{{15, 115}, {30, 64}, {48, 43}, {68, 32
 constexpr double idle_rpm = 780;
 constexpr double warm_c = 90;
 
+// No road is quite even, and no foot quite still: a slow and a quick unevenness, both 0 at the steady moment.
+constexpr double steady_time_s = 277;
+static_assert(steady_moment_s == 3 * round_s + steady_time_s);
+
+double unevenness(double time_in_round, double turns_a_minute) {
+    return std::sin((time_in_round - steady_time_s) * turns_a_minute * 2 * 3.14159265358979 / 60);
+}
+
 struct motion {
     double speed_kmh;
     double accel_ms2;
@@ -46,8 +54,11 @@ motion motion_at(double time_in_round) {
         const double slope = (to.speed_kmh - from.speed_kmh) / span; // km/h per second
         const double speed = from.speed_kmh + slope * passed;
         distance += (from.speed_kmh + speed) / 2 * passed / 3600;
-        if (time_in_round <= to.time_s)
-            return {speed, slope / 3.6, distance};
+        if (time_in_round > to.time_s)
+            continue;
+        // A steady speed is held to about a kilometre an hour.
+        const double held = slope == 0 && speed > 0 ? std::clamp(std::min(passed, span - passed) / 2, 0.0, 1.0) : 0;
+        return {speed + 0.9 * held * unevenness(time_in_round, 4), slope / 3.6, distance};
     }
     return {0, 0, distance};
 }
@@ -85,6 +96,10 @@ drive_state drive_at(double seconds, const engine_model& engine) {
     }
 
     s.load = load_of(now);
+    if (s.speed_kmh >= 1 && s.load > 0.05) {
+        const double in_round = t - rounds * round_s;
+        s.load = std::clamp(s.load + 0.035 * unevenness(in_round, 5) + 0.015 * unevenness(in_round, 23), 0.05, 1.0);
+    }
     s.pedal = std::clamp((s.load - 0.18) * 1.15, 0.0, 1.0);
     s.throttle = engine.diesel ? 0.9 : 0.12 + 0.8 * s.pedal;
     s.coolant_c = warm_c - (warm_c - ambient_c) * cold + 1.5 * std::sin(t / 23) * (1 - cold);
@@ -105,9 +120,9 @@ drive_state drive_at(double seconds, const engine_model& engine) {
     s.egr = s.coolant_c > 60 && s.load > 0.1 && s.load < 0.6 ? 0.22 : 0.0;
     s.purge = s.coolant_c > 60 && s.speed_kmh > 20 ? 0.3 : 0.0;
 
-    // Closed loop from about 30 seconds on: the front sensor crosses the middle about once a second.
+    // Closed loop from about 12 seconds on: the heated front sensor crosses the middle about once a second.
     const double phase = std::sin(t * 5.9);
-    const bool closed_loop = t > 30 && !fuel_cut;
+    const bool closed_loop = t > 12 && !fuel_cut;
     s.o2_front_v = fuel_cut ? 0.06 : closed_loop ? 0.45 + 0.36 * std::tanh(4 * phase) : 0.45;
     s.o2_rear_v = fuel_cut ? 0.1 : 0.66 + 0.05 * std::sin(t / 7);
     s.short_trim = closed_loop ? -3.5 * std::tanh(2 * std::sin(t * 5.9 - 0.5)) : 0;

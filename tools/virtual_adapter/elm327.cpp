@@ -25,6 +25,7 @@ std::string normalised(std::string_view received) {
 
 elm327::elm327(std::shared_ptr<car> on, adapter_options options)
     : m_car(std::move(on)), m_options(std::move(options)) {
+    refuse(m_car->description().adapter_refuses);
     reset();
 }
 

@@ -36,7 +36,9 @@ public:
     std::string receive(std::string_view characters);
 
     // Commands (upper case, without blanks) that this adapter does not know although a better one would.
-    void refuse(std::vector<std::string> commands) { m_refused = std::move(commands); }
+    void refuse(const std::vector<std::string>& commands) {
+        m_refused.insert(m_refused.end(), commands.begin(), commands.end());
+    }
 
     // The reply to a character that arrives while a request is being answered.
     std::string stopped() const;

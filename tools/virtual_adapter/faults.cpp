@@ -19,13 +19,16 @@ delivery fault_line::pass(const exchange& done) {
         made.close = true;
         return made;
     }
-    if (m_faults.silent_from > 0 && m_commands >= m_faults.silent_from)
+    const std::vector<std::string>& fatal = m_faults.hangs_on;
+    m_hangs |= std::find(fatal.begin(), fatal.end(), done.command) != fatal.end();
+    if (m_hangs || (m_faults.silent_from > 0 && m_commands >= m_faults.silent_from))
         return made;
 
     made.text = done.reply;
     if (m_faults.lose_line > 0 || m_faults.lose_every > 0)
         made.text = without_lost_lines(made.text);
-    if (is_due(m_commands, m_faults.garbage_every))
+    const bool is_spared = m_faults.garbage_spares_at && done.command.starts_with("AT");
+    if (is_due(m_commands, m_faults.garbage_every) && !is_spared)
         made.text = with_garbage(std::move(made.text));
     if (m_commands == m_faults.late_reply) {
         made.wait_ms = m_faults.late_ms;

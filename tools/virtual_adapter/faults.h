@@ -15,12 +15,14 @@ struct faults {
     std::string garbage_before = {};
     std::string garbage_inside = {}; // in the middle of the reply
     int garbage_every = 1;           // only in every so many-th reply
+    bool garbage_spares_at = false;  // not in replies to AT commands
     int late_reply = 0; // this reply and what follows it are held up on the way, without interruption
     int late_ms = 0;
-    int silent_from = 0;                   // this command and all later ones get no answer
-    int cut_after = 0;                     // the link closes behind the answer to this command
-    std::vector<std::string> refused = {}; // commands (upper case, without blanks) answered "?"
-    bool reset_closes = false;             // AT Z closes the link
+    int silent_from = 0;                    // this command and all later ones get no answer
+    int cut_after = 0;                      // the link closes behind the answer to this command
+    std::vector<std::string> refused = {};  // commands (upper case, without blanks) answered "?"
+    bool reset_closes = false;              // AT Z closes the link
+    std::vector<std::string> hangs_on = {}; // commands (as above) after which it is silent on this link
 };
 
 // What the link does about one command.
@@ -47,6 +49,7 @@ private:
     faults m_faults;
     int m_commands = 0;
     int m_lines = 0;
+    bool m_hangs = false;
     std::string m_held;
 };
 

@@ -1,0 +1,91 @@
+#include "tools/virtual_adapter/adapter_session.h"
+
+namespace virtual_adapter {
+
+namespace {
+constexpr std::size_t most_waiting = 1000; // a client that sends and never waits is cut off here
+} // namespace
+
+adapter_session::adapter_session(std::shared_ptr<car> on, const adapter_options& options, const faults& what,
+                                 observer seen, outside link)
+    : m_adapter(std::move(on), options), m_faults(what), m_seen(std::move(seen)), m_link(std::move(link)) {
+    m_adapter.refuse(what.refused);
+}
+
+void adapter_session::take(char character) {
+    const bool ignored = character == '\n' || character == '\0';
+    if (!m_outbox.empty() && m_outbox.back().interruptible && !ignored) {
+        interrupt(); // the character itself is lost
+        return;
+    }
+    const std::optional<exchange> done = m_adapter.take(character);
+    if (!done)
+        return;
+    if (m_seen)
+        m_seen(*done);
+    deliver(m_faults.pass(*done));
+}
+
+void adapter_session::interrupt() {
+    m_outbox.pop_back();
+    if (m_outbox.empty()) {
+        m_waits = false;
+        m_link.stop_waiting();
+    }
+    delivery stopped;
+    stopped.text = m_adapter.stopped();
+    deliver(std::move(stopped));
+}
+
+void adapter_session::deliver(delivery what) {
+    if (!what.at_once.empty()) {
+        delivery first;
+        first.text.swap(what.at_once);
+        deliver(std::move(first));
+    }
+    m_outbox.push_back(std::move(what));
+    if (m_outbox.size() > most_waiting) {
+        m_outbox.clear();
+        m_link.close();
+        return;
+    }
+    send_due();
+}
+
+void adapter_session::waited() {
+    m_waits = false;
+    if (!m_outbox.empty())
+        m_outbox.front().wait_ms = 0;
+    send_due();
+}
+
+// Everything up to the next delivery that has to wait.
+void adapter_session::send_due() {
+    while (!m_waits && !m_outbox.empty()) {
+        delivery& first = m_outbox.front();
+        if (first.wait_ms > 0) {
+            m_waits = true;
+            m_link.wait(first.wait_ms);
+            return;
+        }
+        first.interruptible = false;
+        if (m_faults.what().split && first.text.size() > 1) {
+            const std::string piece = first.text.substr(0, 1);
+            first.text.erase(0, 1);
+            m_waits = true;
+            m_link.write(piece);
+            m_link.wait(0);
+            return;
+        }
+        const delivery due = std::move(first);
+        m_outbox.pop_front();
+        if (!due.text.empty())
+            m_link.write(due.text);
+        if (due.close) {
+            m_outbox.clear();
+            m_link.close();
+        }
+    }
+}
+
+} // namespace virtual_adapter

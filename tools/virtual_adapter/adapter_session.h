@@ -1,0 +1,42 @@
+#pragma once
+
+#include "tools/virtual_adapter/faults.h"
+
+#include <deque>
+#include <functional>
+
+namespace virtual_adapter {
+
+// One client's talk with one adapter: characters in, text out when it is due. Knows neither sockets nor
+// clocks.
+class adapter_session {
+public:
+    using observer = std::function<void(const exchange&)>;
+    struct outside {
+        std::function<void(std::string_view text)> write;
+        std::function<void(int milliseconds)> wait; // waited() is to be called then
+        std::function<void()> stop_waiting;
+        std::function<void()> close;
+    };
+
+    // `seen` (or none) is told of every command carried out, before its reply is sent.
+    adapter_session(std::shared_ptr<car> on, const adapter_options& options, const faults& what,
+                    observer seen, outside link);
+
+    void take(char character);
+    void waited();
+
+private:
+    void interrupt();
+    void deliver(delivery what);
+    void send_due();
+
+    elm327 m_adapter;
+    fault_line m_faults;
+    observer m_seen;
+    outside m_link;
+    std::deque<delivery> m_outbox; // in order; the first one waits
+    bool m_waits = false;
+};
+
+} // namespace virtual_adapter
