@@ -13,6 +13,7 @@
 
 namespace {
 
+constexpr int most_lines_in_log = 64;
 constexpr qint64 largest_result = 512LL * 1024 * 1024; // bytes of memory
 
 const QString new_photo = QStringLiteral("-666");
@@ -61,6 +62,8 @@ bool database::init_DB() {
         // The table of the photos is made a second time, on a connection of its own.
         sqlite_connection connection(file, db_access::writing);
         usable = connection.is_open() && create_photo_table(connection);
+        if (usable && !lines_follow)
+            connection.end_log_ahead(); // of a run that was cut short
         if (!usable)
             note(connection.failure(), QStringLiteral("init_DB:: "));
     }
@@ -194,6 +197,18 @@ int database::append_2_LOG_DB(const QString& chunk, const QString& this_GPS_data
                                  {QString::number(log_id), chunk, QString::number(line_no), this_GPS_data}));
 }
 
+void database::begin_lines() {
+    lines_follow = true;
+    lines_in_log = 0;
+}
+
+void database::end_lines() {
+    lines_follow = false;
+    sqlite_connection connection(file, db_access::writing);
+    if (connection.is_open())
+        connection.end_log_ahead();
+}
+
 bool database::delete_a_DB_log(int log_id) {
     const QString id = QString::number(log_id);
     // The header stays while its chunks do, or nothing would show that they are there.
@@ -273,10 +288,15 @@ int database::insert(const QString& log_text, const QString& sql, const binder& 
 
 database::stored database::store(const QString& log_text, const QString& sql, const binder& bind,
                                  const std::function<void(const sqlite_connection&)>& done) {
-    sqlite_connection connection(file, db_access::writing);
+    sqlite_connection connection(file, lines_follow ? db_access::appending : db_access::writing);
     if (!connection.is_open()) {
         note(connection.failure(), QStringLiteral("database::open:: "));
         return stored::no;
+    }
+    // Before a change, which then begins the log anew: the next opening reads all of a log.
+    if (lines_follow && ++lines_in_log >= most_lines_in_log) {
+        connection.empty_log();
+        lines_in_log = 0;
     }
     sqlite_statement statement(connection, sql);
     if (!statement.is_prepared()) {

@@ -56,6 +56,12 @@ public:
     // prepared.
     int add_2_LOG_DB(const QString& log_type, int veh_id, const QString& info);
     int append_2_LOG_DB(const QString& chunk, const QString& this_GPS_data, int line_no, int log_id);
+    // The lines of a sampling run come between these two. Each append_2_LOG_DB() is then on the disk when it
+    // returns, at the cost of one flush, and neither waits for a reader nor keeps one out. Meanwhile, and
+    // after a run that was cut short until the next init_DB(), a second file "...-wal" belongs to the
+    // database.
+    void begin_lines();
+    void end_lines();
     // Deletes a log with its chunks.
     bool delete_a_DB_log(int log_id);
     // "-1" and after it the chunks of the log, newest first; "-1" alone for a log without any.
@@ -86,4 +92,6 @@ private:
     const QString file;
     QString what_is_wrong;
     bool made_now = false;
+    bool lines_follow = false;
+    int lines_in_log = 0; // since the write-ahead log was emptied
 };

@@ -52,13 +52,10 @@ bool log_export::begin(int log_id, bool as_txt) {
         return fail(QStringLiteral("There is no log with the number %1.").arg(log_id));
     announced = found->info.section(u' ', 0, 0).toLongLong();
 
-    QString stamp = gmt_date_str_2_local_date_str(found->time_stamp);
-    stamp.replace(u' ', u'_').replace(u':', u'_');
-    QString type = found->type;
-    type.replace(u'/', u'_');
-    const QString name = fill(QStringLiteral("%@_%@"), {stamp, type}) + QLatin1String(as_txt ? ".txt" : ".csv");
+    const QString name = export_file_name(*found, as_txt);
     final_path = work_out_log_fname(settings.documents, name);
-    // A file of that name goes from the application folder, not from this one, where it is replaced: on purpose.
+    // A file of that name goes from the application folder, not from this one, where it is replaced: on
+    // purpose.
     if (QFile::exists(final_path))
         delete_a_log(settings.application_folder, name);
     file.setFileName(final_path + QStringLiteral(".part"));
@@ -71,7 +68,8 @@ bool log_export::begin(int log_id, bool as_txt) {
 
 bool log_export::open_rows() {
     rows = std::make_unique<row_cursor>(
-        db.path(), fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log)}));
+        db.path(),
+        fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log)}));
     return !rows->has_failed() || fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
 }
 
@@ -118,7 +116,8 @@ QString log_export::line_of(const QStringList& row) const {
     QString text;
     const QStringList items = Pull_line_into_array(row.value(data_column), QStringLiteral(","));
     for (const QString& item : items) {
-        const QString value = value_text(get_OBDVal(item, settings.units, settings.boost_reference_kpa, lists));
+        const QString value =
+            value_text(get_OBDVal(item, settings.units, settings.boost_reference_kpa, lists));
         text += text.isEmpty() ? value : u',' + value;
     }
     if (settings.time_column)
@@ -155,7 +154,8 @@ bool log_export::finish() {
     const QByteArray from = QFile::encodeName(file.fileName());
     const QByteArray to = QFile::encodeName(final_path);
     if (std::rename(from.constData(), to.constData()) != 0) // in one go, over the export of another time
-        return fail(QStringLiteral("%1 cannot be put in place (%2).").arg(final_path, qt_error_string(errno)));
+        return fail(
+            QStringLiteral("%1 cannot be put in place (%2).").arg(final_path, qt_error_string(errno)));
     phase = stage::done;
     return false;
 }

@@ -17,9 +17,9 @@ struct export_settings {
     bool time_column = false;
 };
 
-// Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it can be
-// shown, stopped, and of any length. The values are those of the unit system in force. Under its final name the
-// file is whole: what is written before that, or left by a failure, is called "<name>.part".
+// Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it
+// can be shown, stopped, and of any length. The values are those of the unit system in force. Under its final
+// name the file is whole: what is written before that, or left by a failure, is called "<name>.part".
 class log_export {
 public:
     log_export(database& store, const text_resources& texts, export_settings its_settings);

@@ -34,7 +34,8 @@ const char* prefix_of(int task) {
 }
 
 // A time stamp of the database in local time; nothing for other text. An export asks for every line, and Qt's
-// parser and its conversion, which looks at the time zone's file each time, take longer than all the rest of it.
+// parser and its conversion, which looks at the time zone's file each time, take longer than all the rest of
+// it.
 std::optional<std::tm> local_time(QStringView utc) {
     constexpr QStringView form = u"0000-00-00 00:00:00";
     if (utc.size() != form.size())
@@ -44,7 +45,9 @@ std::optional<std::tm> local_time(QStringView utc) {
         if (form[i] == u'0' ? !is_digit : utc[i] != form[i])
             return std::nullopt;
     }
-    const auto number = [utc](qsizetype at, qsizetype digits) { return leading_decimal(utc.sliced(at, digits)); };
+    const auto number = [utc](qsizetype at, qsizetype digits) {
+        return leading_decimal(utc.sliced(at, digits));
+    };
     const QDate day(number(0, 4), number(5, 2), number(8, 2));
     const QTime time(number(11, 2), number(14, 2), number(17, 2));
     if (!day.isValid() || !time.isValid())
@@ -71,9 +74,11 @@ QString work_out_log_fname(const QString& documents, const QString& file_name) {
     return pull_out_docs_dir(documents) + u'/' + file_name;
 }
 
-QString work_out_log_fname_for_mode(const QString& application_folder, int task, bool metric, const QDateTime& now) {
-    return fill(QStringLiteral("%@/%@%@"), {loggies_folder(application_folder), QLatin1String(prefix_of(task)),
-                                            get_todays_date(false, metric, now)});
+QString work_out_log_fname_for_mode(const QString& application_folder, int task, bool metric,
+                                    const QDateTime& now) {
+    return fill(QStringLiteral("%@/%@%@"),
+                {loggies_folder(application_folder), QLatin1String(prefix_of(task)),
+                 get_todays_date(false, metric, now)});
 }
 
 void delete_a_log(const QString& application_folder, const QString& file_name) {
@@ -85,8 +90,8 @@ void delete_a_log(const QString& application_folder, const QString& file_name) {
 QString get_todays_date(bool for_display, bool metric, const QDateTime& now) {
     const int hour = now.time().hour() % 12 == 0 ? 12 : now.time().hour() % 12;
     const QString hours = QString::number(hour).rightJustified(2, u'0');
-    const QString day = QLocale::c().toString(now, metric     ? QStringLiteral("dd_MMM_yyyy")
-                                                   : QStringLiteral("MMM_dd_yyyy"));
+    const QString day =
+        QLocale::c().toString(now, metric ? QStringLiteral("dd_MMM_yyyy") : QStringLiteral("MMM_dd_yyyy"));
     const QString minutes = now.toString(QStringLiteral("mm"));
     const QString seconds = now.toString(QStringLiteral("ss"));
     if (for_display)
@@ -112,7 +117,9 @@ QString format_date_str(const QString& utc) {
 }
 
 int secs_4_sampling(int index) {
-    return index >= 1 && index < static_cast<int>(rate_seconds.size()) ? rate_seconds[static_cast<size_t>(index)] : -1;
+    return index >= 1 && index < static_cast<int>(rate_seconds.size())
+               ? rate_seconds[static_cast<size_t>(index)]
+               : -1;
 }
 
 QString text_4_sampling(int seconds) {

@@ -1,21 +1,38 @@
 #include "persistence/row_cursor.h"
 
+row_cursor::shared_file::shared_file(const QString& database_path) : path(database_path) {
+    sqlite_connection writer(path, db_access::writing);
+    if (writer.is_open())
+        writer.keep_log_ahead();
+}
+
+row_cursor::shared_file::~shared_file() {
+    sqlite_connection writer(path, db_access::writing);
+    if (writer.is_open())
+        writer.end_log_ahead();
+}
+
 row_cursor::row_cursor(const QString& database_path, const QString& sql)
-    : connection(database_path, db_access::reading) {
+    : sharing(database_path), connection(database_path, db_access::reading) {
     if (connection.is_open())
         statement = std::make_unique<sqlite_statement>(connection, sql);
     failed = !statement || !statement->is_prepared();
 }
 
-std::optional<QStringList> row_cursor::next() {
+bool row_cursor::advance() {
     if (failed || !statement)
-        return std::nullopt;
+        return false;
     const sqlite_statement::stepped outcome = statement->step();
-    if (outcome != sqlite_statement::stepped::row) {
-        failed = outcome == sqlite_statement::stepped::failed;
-        statement.reset();
+    if (outcome == sqlite_statement::stepped::row)
+        return true;
+    failed = outcome == sqlite_statement::stepped::failed;
+    statement.reset();
+    return false;
+}
+
+std::optional<QStringList> row_cursor::next() {
+    if (!advance())
         return std::nullopt;
-    }
     QStringList texts;
     texts.reserve(statement->columns());
     for (int column = 0; column < statement->columns(); ++column)

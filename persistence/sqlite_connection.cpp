@@ -34,7 +34,28 @@ bool sqlite_connection::open(const QString& path, db_access access) {
     distrust_file();
     // A reader too opens the file for writing where it may: only so can SQLite undo what a crash left half
     // done.
-    return access == db_access::reading ? execute(QStringLiteral("PRAGMA query_only=1")) : is_writable();
+    if (access == db_access::reading)
+        return execute(QStringLiteral("PRAGMA query_only=1"));
+    if (!is_writable())
+        return false;
+    if (access == db_access::appending)
+        prepare_for_appending();
+    return true;
+}
+
+// A log that cannot be kept (a file system without shared memory) leaves the slower rollback journal, which
+// is as safe.
+void sqlite_connection::prepare_for_appending() {
+    // Emptying the log at each closing would cost two flushes more; database does it now and then.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    execute(QStringLiteral("PRAGMA synchronous=FULL"));
+    keep_log_ahead();
+}
+
+void sqlite_connection::end_log_ahead() {
+    sqlite3_busy_timeout(db, 0);
+    execute(QStringLiteral("PRAGMA journal_mode=DELETE"));
+    sqlite3_busy_timeout(db, lock_patience_ms);
 }
 
 bool sqlite_connection::is_writable() {
@@ -121,9 +142,13 @@ sqlite_statement::stepped sqlite_statement::step() {
 }
 
 QString sqlite_statement::text(int column) const {
+    return QString::fromUtf8(bytes(column));
+}
+
+QByteArrayView sqlite_statement::bytes(int column) const {
     // The text is asked for before its size: reading it may convert the value.
-    const unsigned char* bytes = sqlite3_column_text(statement, column);
-    return QString::fromUtf8(reinterpret_cast<const char*>(bytes), sqlite3_column_bytes(statement, column));
+    const unsigned char* text = sqlite3_column_text(statement, column);
+    return {reinterpret_cast<const char*>(text), sqlite3_column_bytes(statement, column)};
 }
 
 QByteArray sqlite_statement::blob(int column) const {

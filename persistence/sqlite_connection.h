@@ -18,6 +18,10 @@ enum class db_access {
     reading,  // nothing can be changed, whatever the statement says
     writing,  // refused for a read-only file and for a newer database
     creating, // as writing, and the file is made when it is missing
+    // As writing, for one of many small changes that follow each other. Each is on the disk when it is done,
+    // at the cost of one flush, and none waits for a reader or keeps one out: SQLite's write-ahead log, which
+    // stays beside the file between the changes, whatever becomes of the program.
+    appending,
 };
 
 // One opened database file; closed with the object. A file from elsewhere is not trusted: no value larger
@@ -34,6 +38,12 @@ public:
     bool is_open() const { return db != nullptr; }
     // Runs the first statement of `sql` to its end and drops its rows. False when it fails.
     bool execute(const QString& sql);
+    // Whoever reads for long lets others write meanwhile, by the write-ahead log.
+    void keep_log_ahead() { execute(QStringLiteral("PRAGMA journal_mode=WAL")); }
+    // What the write-ahead log holds goes into the file, as far as readers allow; the log then starts anew.
+    void empty_log() { execute(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)")); }
+    // Back to one plain file that can be copied and read anywhere; nothing while somebody else has it open.
+    void end_log_ahead();
     bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
     // 32 bits of the key, as all ids of the program have.
     int last_row_id() const { return static_cast<int>(sqlite3_last_insert_rowid(db)); }
@@ -45,6 +55,7 @@ private:
     friend class sqlite_statement;
     bool open(const QString& path, db_access access);
     bool is_writable();
+    void prepare_for_appending();
     void distrust_file();
     bool fail();
     bool fail(int code, const QString& message);
@@ -73,6 +84,8 @@ public:
     int columns() const { return sqlite3_column_count(statement); }
     // Columns count from 0. A NULL is the empty text.
     QString text(int column) const;
+    // The same without a copy, in UTF-8; it holds until the next step.
+    QByteArrayView bytes(int column) const;
     QByteArray blob(int column) const;
 
 private:

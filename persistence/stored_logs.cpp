@@ -1,6 +1,7 @@
 #include "persistence/stored_logs.h"
 
 #include "base/string_table.h"
+#include "persistence/log_files.h"
 
 std::optional<log_header> log_header_of(const QStringList& row) {
     bool has_id = false;
@@ -13,6 +14,12 @@ std::optional<log_header> log_header_of(const QStringList& row) {
 std::optional<log_header> log_with_id(database& db, int log_id) {
     const auto query = QStringLiteral("SELECT * FROM LOGGIES WHERE LOG_ID=%d");
     return log_header_of(db.retrieve_from_DB(fill(query, {QString::number(log_id)})).value(0));
+}
+
+QString export_file_name(const log_header& log, bool as_txt) {
+    const QString name =
+        fill(QStringLiteral("%@_%@"), {gmt_date_str_2_local_date_str(log.time_stamp).replace(u' ', u'_'), log.type});
+    return QString(name).replace(u':', u'_').replace(u'/', u'_') + QLatin1String(as_txt ? ".txt" : ".csv");
 }
 
 bool finish_sampling_log(database& db, int log_id, const QString& info) {

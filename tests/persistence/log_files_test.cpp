@@ -29,23 +29,18 @@ TEST(log_files, session_names_by_task_code) {
 }
 
 TEST(log_files, dates_on_a_clock_of_twelve_hours) {
-    const struct {
-        QDateTime now;
-        const char *metric_file, *imperial_file, *metric, *imperial;
-    } examples[] = {
-        {at(0, 5, 9), "01_Mar_2025-1205_09", "Mar_01_2025-1205_09", "01 Mar 2025 12:05:09", "Mar 01 2025 12:05:09"},
-        {at(1, 0, 0), "01_Mar_2025-0100_00", "Mar_01_2025-0100_00", "01 Mar 2025 01:00:00", "Mar 01 2025 01:00:00"},
-        {at(12, 30, 0), "01_Mar_2025-1230_00", "Mar_01_2025-1230_00", "01 Mar 2025 12:30:00", "Mar 01 2025 12:30:00"},
-        {at(23, 59, 59), "01_Mar_2025-1159_59", "Mar_01_2025-1159_59", "01 Mar 2025 11:59:59", "Mar 01 2025 11:59:59"},
+    const std::tuple<QDateTime, bool, const char*, const char*> examples[] = {
+        {at(0, 5, 9), true, "01_Mar_2025-1205_09", "01 Mar 2025 12:05:09"},
+        {at(1, 0, 0), false, "Mar_01_2025-0100_00", "Mar 01 2025 01:00:00"},
+        {at(12, 30, 0), true, "01_Mar_2025-1230_00", "01 Mar 2025 12:30:00"},
+        {at(23, 59, 59), false, "Mar_01_2025-1159_59", "Mar 01 2025 11:59:59"},
     };
     const QLocale before;
     for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::Arabic, QLocale::Egypt)}) {
         QLocale::setDefault(locale); // the names stay English, the digits Latin
-        for (const auto& e : examples) {
-            EXPECT_EQ(get_todays_date(false, true, e.now), e.metric_file);
-            EXPECT_EQ(get_todays_date(false, false, e.now), e.imperial_file);
-            EXPECT_EQ(get_todays_date(true, true, e.now), e.metric);
-            EXPECT_EQ(get_todays_date(true, false, e.now), e.imperial);
+        for (const auto& [now, is_metric, in_file, shown] : examples) {
+            EXPECT_EQ(get_todays_date(false, is_metric, now), in_file);
+            EXPECT_EQ(get_todays_date(true, is_metric, now), shown);
         }
     }
     QLocale::setDefault(before);

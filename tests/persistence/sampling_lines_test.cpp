@@ -1,0 +1,109 @@
+#include "persistence/row_cursor.h"
+#include "persistence/stored_logs.h"
+#include "tests/persistence/test_database.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+// The lines of a sampling run: how they get to the disk, and who else may use the database meanwhile.
+
+namespace {
+
+const QString count_of_lines = QStringLiteral("SELECT count(*) FROM LOGGIES_DATA");
+
+struct run_database : test_database {
+    int log = 0;
+
+    run_database() {
+        EXPECT_TRUE(db.init_DB());
+        log = db.add_2_LOG_DB("Log", 1, "sample points");
+    }
+    int append(int line) { return db.append_2_LOG_DB("410D3C,410C1AF8", "", line, log); }
+    qint64 size_of_wal() const { return QFileInfo(db.path() + "-wal").size(); }
+    // Neither a companion file nor a mark in the header that asks for one.
+    bool is_one_plain_file() const { return !QFileInfo::exists(db.path() + "-wal") && bytes().at(18) == 1; }
+    // What another start would find if the power went now.
+    void copy_to(const test_database& other) const {
+        for (const char* part : {"", "-wal"})
+            QFile::copy(db.path() + part, other.db.path() + part);
+    }
+};
+
+} // namespace
+
+TEST(sampling_lines, the_file_is_plain_again_behind_the_run_and_the_log_ahead_stays_small) {
+    run_database t;
+    t.db.begin_lines();
+    qint64 largest = 0;
+    for (int line = 0; line < 140; ++line) {
+        ASSERT_GT(t.append(line), 0) << t.db.problem().toStdString();
+        largest = std::max(largest, t.size_of_wal());
+    }
+    EXPECT_GT(largest, 0);
+    EXPECT_LT(largest, 70 * 4200); // pages of 64 lines
+    EXPECT_TRUE(finish_sampling_log(t.db, t.log, "140 Sample points  "));
+    t.db.end_lines();
+    EXPECT_TRUE(t.is_one_plain_file());
+    EXPECT_EQ(t.column(count_of_lines), "140");
+    EXPECT_EQ(t.column("SELECT INFO FROM LOGGIES"), "140 Sample points  ");
+}
+
+TEST(sampling_lines, every_line_that_was_stored_outlives_a_sudden_end) {
+    run_database t;
+    t.db.begin_lines();
+    for (int line = 0; line < 135; ++line) {
+        ASSERT_GT(t.append(line), 0);
+        if (line % 9 != 0 && line % 64 > 1)
+            continue;
+        test_database found;
+        t.copy_to(found);
+        ASSERT_TRUE(found.db.init_DB());
+        EXPECT_EQ(found.column("PRAGMA integrity_check"), "ok");
+        EXPECT_EQ(found.column(count_of_lines), QString::number(line + 1));
+        EXPECT_FALSE(QFileInfo::exists(found.db.path() + "-wal"));
+    }
+}
+
+// An export that began before the run, or in its middle, reads on and holds up no line.
+TEST(sampling_lines, a_long_reading_neither_waits_nor_is_waited_for) {
+    run_database t;
+    for (int line = 0; line < 120; ++line)
+        ASSERT_GT(t.append(line), 0);
+    const QString query = "SELECT LINE_NUMBER FROM LOGGIES_DATA";
+    auto before = std::make_unique<row_cursor>(t.db.path(), query);
+    ASSERT_TRUE(before->next());
+
+    t.db.begin_lines();
+    ASSERT_GT(t.append(120), 0);
+    auto in_the_middle = std::make_unique<row_cursor>(t.db.path(), query);
+    ASSERT_TRUE(in_the_middle->next());
+    QElapsedTimer clock;
+    clock.start();
+    for (int line = 121; line < 200; ++line)
+        ASSERT_GT(t.append(line), 0) << t.db.problem().toStdString();
+    EXPECT_LT(clock.elapsed(), 79 * 100); // a lock is waited for 250 ms
+    t.db.end_lines();
+
+    int rows = 1;
+    while (before->next())
+        ++rows;
+    EXPECT_EQ(rows, 120);
+    before.reset();
+    EXPECT_FALSE(t.is_one_plain_file());
+    in_the_middle.reset();
+    EXPECT_TRUE(t.is_one_plain_file());
+    EXPECT_EQ(t.column(count_of_lines), "200");
+}
+
+TEST(sampling_lines, another_program_that_ends_the_log_ahead_costs_no_line) {
+    run_database t;
+    t.db.begin_lines();
+    ASSERT_GT(t.append(0), 0);
+    database other(t.folder.path());
+    ASSERT_TRUE(other.init_DB()); // starts meanwhile
+    EXPECT_TRUE(t.is_one_plain_file());
+    ASSERT_GT(t.append(1), 0);
+    EXPECT_FALSE(t.is_one_plain_file());
+    t.db.end_lines();
+    EXPECT_EQ(t.column(count_of_lines), "2");
+}
