@@ -1,0 +1,312 @@
+#include "livedata/drawO2Sensors.h"
+
+#include "livedata/o2_layouts.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace {
+
+constexpr double lean_below = 0.30; // volts
+constexpr double rich_above = 0.60;
+
+// clang-format off
+constexpr QRectF block_place        {  4,  25,  92, 166}; // from above, as painters count
+constexpr QRectF top_bank_place     { 14,  36,  80,  60};
+constexpr QRectF bottom_bank_place  { 14, 119,  80,  60};
+constexpr QRectF pipe_place         { 92,  55, 356,  22};
+constexpr QRectF converter_place    {152,  49,  50,  34};
+constexpr QRectF y_pipe_place       {288,  55, 160, 105};
+// clang-format on
+constexpr double between_banks = 83;
+constexpr double dot_radius = 6.5;
+constexpr double label_y_1 = 157;
+constexpr double label_y_2 = 46;
+constexpr double farthest_label = 20; // from a dot; a line leads to one beyond it
+
+// The system's y grows upward.
+QPointF from_above(double x, double y) {
+    return {x, drawO2Sensors::height - y};
+}
+
+enum class weight { plain, bold };
+
+QFont arial(double pixels, weight its_weight) {
+    QFont font(QStringLiteral("Arial"));
+    font.setPixelSize(std::max(1, qRound(pixels)));
+    font.setBold(its_weight == weight::bold);
+    return font;
+}
+
+// `lower_left`: in the picture's units. On whole pixels of the device: letters blur on a scaled painter.
+void write(QPainter& painter, QPointF lower_left, const QString& text, double size, weight its_weight,
+           const QColor& colour) {
+    const QTransform to_device = painter.transform();
+    painter.save();
+    painter.resetTransform();
+    painter.setFont(arial(size * to_device.m11(), its_weight));
+    painter.setPen(colour);
+    painter.drawText(to_device.map(lower_left).toPoint(), text);
+    painter.restore();
+}
+
+QColor colour_of(int state) {
+    return state < 0 ? QColor(0x2f7fd6) : state > 0 ? QColor(0xd8433b) : QColor(0x8d99a5);
+}
+
+QImage blank(double scale) {
+    QImage image(qRound(drawO2Sensors::width * scale), qRound(drawO2Sensors::height * scale),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+// A painter in the picture's units.
+void prepare(QPainter& painter, double scale) {
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
+                           QPainter::TextAntialiasing);
+    painter.scale(scale, scale);
+}
+
+// `part`: how much of the picture is drawn, from its left; the place is that of the whole.
+void draw_artwork(QPainter& painter, const char* file, QRectF place, double part = 1) {
+    QImage art(QStringLiteral(":/artwork/%1@2x.gif").arg(QLatin1String(file)));
+    if (art.isNull())
+        return;
+    art.setDevicePixelRatio(1);
+    const QSizeF pixels = painter.transform().mapRect(place).size();
+    if (pixels.width() < art.width())
+        art = art.scaled(pixels.toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QRectF source = art.rect();
+    source.setWidth(source.width() * part);
+    place.setWidth(place.width() * part);
+    painter.drawImage(place, art, source);
+}
+
+void draw_bank(QPainter& painter, const char* file, const QRectF& place, bool is_first,
+               const o2_picture_look& look) {
+    draw_artwork(painter, file, place);
+    const QRectF head = place.adjusted(-1, 8, 1, -8);
+    painter.setPen(QPen(QColor(0xd8433b), 1.5));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(head, 6, 6);
+
+    if (is_first)
+        write(painter, {head.left() + 2, head.top() - 4}, QStringLiteral("Cyl #1"), 9, weight::bold,
+              0xf4f7f9);
+    const double y = is_first ? block_place.top() - 3 : block_place.bottom() + 11;
+    write(painter, {head.left(), y}, is_first ? QStringLiteral("Bank 1") : QStringLiteral("Bank 2"), 9,
+          weight::plain, look.muted);
+}
+
+void draw_exhaust(QPainter& painter, const o2_layout& shown, double lower) {
+    const double until_the_y = (y_pipe_place.left() + 1 - pipe_place.left()) / pipe_place.width();
+    draw_artwork(painter, "pipe_long", pipe_place.translated(0, lower), shown.joined ? until_the_y : 1);
+    draw_artwork(painter, "catalytic", converter_place.translated(0, lower));
+}
+
+void draw_sign(QPainter& painter, QPointF centre, int state) {
+    constexpr double arm = 3;
+    painter.setPen(QPen(Qt::white, 1.9, Qt::SolidLine, Qt::RoundCap));
+    if (state != 0)
+        painter.drawLine(centre - QPointF(arm, 0), centre + QPointF(arm, 0));
+    if (state > 0)
+        painter.drawLine(centre - QPointF(0, arm), centre + QPointF(0, arm));
+}
+
+void draw_dot(QPainter& painter, QPointF centre, double radius, int state) {
+    painter.setPen(QPen(QColor(0x1d242b), 3));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(centre, radius, radius);
+    painter.setPen(QPen(Qt::white, 1.4));
+    painter.setBrush(colour_of(state));
+    painter.drawEllipse(centre, radius, radius);
+    draw_sign(painter, centre, state);
+}
+
+void draw_snsr_dot(QPainter& painter, int x, int y, bool is_highlighted, int cur_state,
+                   const QColor& accent) {
+    const QPointF centre = from_above(x, y);
+    if (is_highlighted) {
+        painter.setPen(QPen(accent, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(centre, dot_radius + 2.8, dot_radius + 2.8);
+    }
+    draw_dot(painter, centre, dot_radius, cur_state);
+}
+
+void draw_label(QPainter& painter, const o2_sensor_place& sensor, bool is_highlighted,
+                const o2_picture_look& look) {
+    const double y = sensor.name[1] == '1' ? label_y_1 : label_y_2;
+    if (std::abs(y - sensor.dot_y) > farthest_label) {
+        painter.setPen(QPen(look.muted, 1));
+        painter.drawLine(from_above(sensor.dot_x, sensor.dot_y), from_above(sensor.dot_x, y - 3));
+    }
+    const double aside = is_highlighted ? 7 : 0; // its ring reaches up to the label
+    write(painter, from_above(sensor.dot_x + aside, y), QLatin1String(sensor.name), 11, weight::bold,
+          is_highlighted ? look.accent : look.ink);
+}
+
+void draw_value(QPainter& painter, const o2_sensor_place& sensor, const QString& text,
+                const o2_picture_look& look) {
+    constexpr double size = 10;
+    const QPointF left = from_above(sensor.value_x, sensor.value_y);
+    const QFontMetricsF metrics(arial(size, weight::bold));
+    const QRectF words(left.x(), left.y() - 8, metrics.horizontalAdvance(text), 9);
+    QColor plate = look.plate;
+    plate.setAlphaF(0.88F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(plate);
+    painter.drawRoundedRect(words.adjusted(-3, -1, 3, 1.5), 3, 3);
+    write(painter, left, text, size, weight::bold, look.ink);
+}
+
+void draw_legend(QPainter& painter, const o2_picture_look& look) {
+    struct entry {
+        int x, state;
+        QString words;
+    };
+    const entry entries[] = {
+        {128, -1, QStringLiteral("lean, below %1 V").arg(lean_below, 0, 'f', 2)},
+        {236, 0, QStringLiteral("between, or no value")},
+        {358, 1, QStringLiteral("rich, above %1 V").arg(rich_above, 0, 'f', 2)},
+    };
+    for (const entry& one : entries) {
+        draw_dot(painter, from_above(one.x, 13), 4.8, one.state);
+        write(painter, from_above(one.x + 9, 10), one.words, 9, weight::plain, look.muted);
+    }
+}
+
+} // namespace
+
+void drawO2Sensors::initO2Charty() {
+    mask = 0;
+    cur_sel = -1;
+    chosen.reset();
+    values.clear();
+    image_without_snsr_vals = image = {};
+}
+
+void drawO2Sensors::set_look(double pixels_per_unit, const o2_picture_look& its_look) {
+    constexpr double largest = 8; // a picture of some 25 MB
+    const double wanted = std::clamp(pixels_per_unit, 0.25, largest);
+    if (wanted == scale && its_look == look)
+        return;
+    scale = wanted;
+    look = its_look;
+    image_without_snsr_vals = image = {};
+}
+
+bool drawO2Sensors::work_out_sensor_lay_out(int its_mask, int cur_sel_idx) {
+    if (its_mask != mask)
+        values.clear();
+    mask = its_mask;
+    cur_sel = cur_sel_idx;
+    image_without_snsr_vals = image = {};
+    return o2_layout_of(mask).count > 0;
+}
+
+void drawO2Sensors::set_sensor_value(int sensor, int this_sel_idx, const QString& this_value) {
+    cur_sel = this_sel_idx;
+    if (this_value.contains(QLatin1String("nan"), Qt::CaseInsensitive))
+        values.remove(sensor);
+    else
+        values[sensor] = this_value;
+    image = {};
+}
+
+void drawO2Sensors::select(int sensor) {
+    if (chosen == sensor)
+        return;
+    chosen = sensor;
+    image = {};
+}
+
+int drawO2Sensors::sensor_count() const {
+    return std::popcount(static_cast<unsigned>(mask));
+}
+
+QStringList drawO2Sensors::dots_pos() const {
+    QStringList dots;
+    for (const o2_sensor_place& sensor : o2_layout_of(mask).places())
+        dots += QStringLiteral("%1|%2").arg(sensor.dot_x).arg(sensor.dot_y);
+    return dots;
+}
+
+int drawO2Sensors::sensor_at(QPointF place) const {
+    constexpr double reach = 16; // a finger is wider than a dot
+    for (const o2_sensor_place& sensor : o2_layout_of(mask).places()) {
+        if (std::hypot(place.x() - sensor.dot_x, place.y() - sensor.dot_y) <= reach)
+            return sensor.index;
+    }
+    return -1;
+}
+
+QString drawO2Sensors::name_of(int sensor) const {
+    for (const o2_sensor_place& place : o2_layout_of(mask).places()) {
+        if (place.index == sensor)
+            return QLatin1String(place.name);
+    }
+    return {};
+}
+
+int drawO2Sensors::state_of(int sensor) const {
+    bool is_number = false;
+    const double volts = values.value(sensor).toDouble(&is_number);
+    if (!is_number)
+        return 0;
+    return volts < lean_below ? -1 : volts > rich_above ? 1 : 0;
+}
+
+QString drawO2Sensors::in_words() const {
+    QStringList words;
+    for (int sensor = 0; sensor < sensor_count(); ++sensor) {
+        const int state = state_of(sensor);
+        const QString value = values.value(sensor, QStringLiteral("no value"));
+        const char* meaning = state < 0 ? " (lean)" : state > 0 ? " (rich)" : "";
+        words += name_of(sensor) + QLatin1Char(' ') + value + QLatin1String(meaning);
+    }
+    return words.join(QStringLiteral(", "));
+}
+
+const QImage& drawO2Sensors::imageRepresentation() {
+    if (image_without_snsr_vals.isNull())
+        draw_schematic();
+    if (image.isNull())
+        draw_values();
+    return image;
+}
+
+void drawO2Sensors::draw_schematic() {
+    const o2_layout& shown = o2_layout_of(mask);
+    image_without_snsr_vals = blank(scale);
+    QPainter painter(&image_without_snsr_vals);
+    prepare(painter, scale);
+    draw_artwork(painter, "engine_block", block_place);
+    draw_exhaust(painter, shown, 0);
+    draw_bank(painter, "cyl_bank_top", top_bank_place, true, look);
+    if (shown.two_banks) {
+        draw_exhaust(painter, shown, between_banks);
+        draw_bank(painter, "cyl_bank_bottom", bottom_bank_place, false, look);
+    }
+    if (shown.joined)
+        draw_artwork(painter, "y_pipe", y_pipe_place);
+    if (shown.count > 0)
+        draw_legend(painter, look);
+}
+
+void drawO2Sensors::draw_values() {
+    image = image_without_snsr_vals.copy();
+    QPainter painter(&image);
+    prepare(painter, scale);
+    for (const o2_sensor_place& sensor : o2_layout_of(mask).places()) {
+        const bool is_highlighted = sensor.index == highlighted();
+        draw_label(painter, sensor, is_highlighted, look);
+        draw_snsr_dot(painter, sensor.dot_x, sensor.dot_y, is_highlighted, state_of(sensor.index),
+                      look.accent);
+        if (values.contains(sensor.index))
+            draw_value(painter, sensor, values.value(sensor.index), look);
+    }
+}

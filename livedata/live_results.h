@@ -1,0 +1,47 @@
+#pragma once
+
+#include "base/process_state.h"
+#include "charts/sample_matrix.h"
+#include "livedata/sweep_times.h"
+
+#include <QList>
+#include <QStringList>
+
+// One PID of the sample set as the view shows it.
+struct sample_row {
+    QString item;  // its entry of the set: "0C", or with the ECU "0C|7E8"
+    QString pid;   // "0C"
+    QString name;  // "Engine RPM"
+    QString units; // "RPM", or "N/A"
+
+    QString value;                       // the latest value as text, "~" for none; "" before the first
+    double latest = qQNaN();             // its number; NaN for none
+    QString max = QStringLiteral("max"); // the largest number of the run as text, once there is one
+    QString min = QStringLiteral("min"); // the smallest
+};
+
+// What the sampling runs have read, kept until the next run or choice, also while another screen is shown.
+struct live_results {
+    // `value_of_body`: see sample_matrix.
+    explicit live_results(sample_matrix::value_function value_of_body,
+                          qsizetype most_bytes = sample_matrix::default_most_bytes)
+        : cur_log_points(std::move(value_of_body), most_bytes) {}
+
+    int mode = 0;                  // op_log_run, op_fuel, op_boost or op_o2_layout; 0 before the first choice
+    int veh_id = -1;               // the vehicle
+    bool metric = false;           // the units in which the rows read
+    QStringList pid_logitems_list; // the sample set: "0D", or with the ECU "0D|7E8"
+    QList<sample_row> these_samples;
+    // One row a sweep, one column a PID of the set; the last row is the sweep under way.
+    sample_matrix cur_log_points;
+    sweep_times times;
+
+    qint64 sample_cnt = 0;  // complete sweeps of the run
+    int log_sample_cnt = 0; // lines stored
+    bool is_stored = false; // the run has, or had, a log in the database
+    int log_id = -1;        // its number there
+    int gauge_2_idx = 1;    // the PID of the second gauge, by its place in the set
+
+    int o2_mask = 0;   // the oxygen sensors, by the map of PID 13; 0 while not known
+    QString o2_header; // the ECU that told
+};

@@ -1,0 +1,116 @@
+#include "livedata/run_log.h"
+
+#include "base/console_log.h"
+#include "base/process_state.h"
+#include "base/string_table.h"
+#include "persistence/log_files.h"
+#include "persistence/stored_logs.h"
+
+namespace {
+
+QString log_type_of(int operation) {
+    switch (operation) {
+    case op_fuel: return QStringLiteral("Fuel");
+    case op_boost: return QStringLiteral("Boost");
+    case op_o2_layout: return QStringLiteral("O2");
+    default: return QStringLiteral("Log");
+    }
+}
+
+} // namespace
+
+run_log::run_log(database& store, timers& time_source, const app_paths& its_paths)
+    : db(store), clock(time_source), paths(its_paths) {}
+
+run_log::~run_log() {
+    end();
+}
+
+void run_log::set_rate(int seconds) {
+    g_sample_rate = seconds >= 1 ? seconds : -1;
+}
+
+void run_log::create_row(int operation, int veh_id) {
+    end();
+    log_sample_cnt = 0;
+    gaps = 0;
+    log_now_delayed = true;
+    cur_GPS_info.clear();
+    what_is_wrong.clear();
+    if (!db.init_DB())
+        return fail();
+    cur_log_DB_id = db.add_2_LOG_DB(log_type_of(operation), veh_id, QStringLiteral("sample points"));
+    if (cur_log_DB_id <= 0)
+        return fail();
+    db.begin_lines();
+}
+
+void run_log::work_out_log_file(int operation, bool metric) {
+    log_out_stream.close();
+    log_out_stream.setFileName(work_out_log_fname_for_mode(paths.application_folder, operation, metric,
+                                                           QDateTime::currentDateTime()) +
+                               QStringLiteral(".gol"));
+    if (!log_out_stream.open(QIODevice::WriteOnly))
+        console_log(QStringLiteral("work_out_log_file::%1").arg(log_out_stream.errorString()));
+}
+
+bool run_log::sweep_complete(const QString& line) {
+    if (!is_on() || !stores_this_sweep())
+        return false;
+    const bool stored = store(line);
+    if (log_now_delayed && g_sample_rate != -1) {
+        sample_timer = clock.one_shot(g_sample_rate * 1000, [this] { sample_delayed(); });
+        log_now_delayed = false;
+        if (stored && saved_delayed_sample)
+            saved_delayed_sample();
+    }
+    return stored;
+}
+
+void run_log::store_gap(const QString& line) {
+    if (is_on() && store(line))
+        ++gaps;
+}
+
+bool run_log::store(const QString& line) {
+    if (db.append_2_LOG_DB(line, cur_GPS_info, log_sample_cnt, cur_log_DB_id) <= 0) {
+        fail();
+        return false;
+    }
+    ++log_sample_cnt;
+    what_is_wrong.clear();
+    return true;
+}
+
+void run_log::fail() {
+    const bool told = !what_is_wrong.isEmpty();
+    what_is_wrong = db.problem();
+    if (!told && storing_failed)
+        storing_failed();
+}
+
+void run_log::end() {
+    sample_timer.reset();
+    if (log_out_stream.isOpen()) {
+        log_out_stream.close();
+        if (log_out_stream.size() == 0)
+            log_out_stream.remove(); // the lines go to the database
+    }
+    if (!is_on())
+        return;
+    const int log_id = std::exchange(cur_log_DB_id, -1);
+    if (log_sample_cnt == 0)
+        delete_empty_sampling_log(db, log_id);
+    else
+        finish_sampling_log(db, log_id, final_info());
+    db.end_lines();
+}
+
+QString run_log::final_info() const {
+    const QString position = cur_GPS_info.isEmpty() ? QString() : QStringLiteral("  +GPS");
+    const QString rate = g_sample_rate == -1
+                             ? QString()
+                             : fill(QStringLiteral(": %d sec rate"), {QString::number(g_sample_rate)});
+    return fill(QStringLiteral("%d Sample points %@ %@"),
+                {QString::number(log_sample_cnt - gaps), position, rate});
+}

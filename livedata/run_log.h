@@ -1,0 +1,66 @@
+#pragma once
+
+#include "base/app_paths.h"
+#include "base/timers.h"
+#include "persistence/database.h"
+
+#include <QFile>
+#include <functional>
+
+// What a run leaves behind while the logging of runs is on: a row of LOGGIES with one row of LOGGIES_DATA a
+// stored sweep, and a session file, which stays only if something was written to it. A rate of N seconds
+// thins what is stored: the first complete sweep, then the first one after each N seconds.
+class run_log {
+public:
+    // All of it outlives the log.
+    run_log(database& store, timers& time_source, const app_paths& its_paths);
+    ~run_log();
+
+    // Seconds; -1, and anything below 1, stores every sweep. Counts from the next stored sweep on.
+    void set_rate(int seconds);
+
+    // The run's header in the database; nothing when that cannot be written: see problem().
+    void create_row(int operation, int veh_id);
+    // The session file of the operation.
+    void work_out_log_file(int operation, bool metric);
+    // A sweep is complete: its line is stored when it is its turn. True when it was.
+    bool sweep_complete(const QString& line);
+    // True when the sweep under way is one to be stored.
+    bool stores_this_sweep() const { return g_sample_rate == -1 || log_now_delayed; }
+    // Sweeps are missing here: a line without values, whatever the rate.
+    void store_gap(const QString& line);
+    // The run has ended: its header gets the final text, or goes away when no line was stored.
+    void end();
+
+    // Whether the run is one to be stored, and has its place in the database.
+    bool is_on() const { return cur_log_DB_id > 0; }
+    int log_id() const { return cur_log_DB_id; }
+    int lines_stored() const { return log_sample_cnt; }
+    // Why lines are not stored, a sentence; "" while they are.
+    const QString& problem() const { return what_is_wrong; }
+
+    // Called when a delayed sample was stored.
+    std::function<void()> saved_delayed_sample;
+    // Called when storing begins to fail, once.
+    std::function<void()> storing_failed;
+
+private:
+    void sample_delayed() { log_now_delayed = true; }
+    bool store(const QString& line);
+    void fail();
+    QString final_info() const;
+
+    database& db;
+    timers& clock;
+    const app_paths& paths;
+
+    int cur_log_DB_id = -1;
+    int log_sample_cnt = 0; // lines stored so far, and the next line's number
+    int gaps = 0;           // of them those without a sweep
+    int g_sample_rate = -1;
+    bool log_now_delayed = false;
+    timer_handle sample_timer;
+    QString cur_GPS_info; // nothing tells a position yet
+    QFile log_out_stream;
+    QString what_is_wrong;
+};

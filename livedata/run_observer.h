@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+// What a view of the live-data screen is told as it happens. A call comes inside the handling of a reply, up
+// to some hundred times a second: the view notes what changed and draws at its next frame. What changed
+// stands in live_results.
+class run_observer {
+public:
+    virtual ~run_observer() = default;
+
+    // The sample set, its rows and the matrix were made anew: a mode or other PIDs were chosen, a run begins,
+    // or the car has told its oxygen sensors.
+    virtual void set_changed() = 0;
+    // actions::is_running() has changed.
+    virtual void run_started() = 0;
+    virtual void run_ended() = 0;
+    // Row `index` of these_samples and its column in the last row of the matrix have a new value.
+    virtual void sample_arrived(int index) = 0;
+    // Every PID of the set was asked for, and the sweep stored where it is to be. The matrix has its next
+    // row.
+    virtual void sweep_completed() = 0;
+    // The sensors that the car has, by the map of PID 13, and the ECU that told; set_changed() follows.
+    virtual void o2_layout_known(int mask, const QString& header) = 0;
+    // A sensor of the picture has a new value ("0.450"; "nan" for none). Comes with sample_arrived().
+    virtual void set_sensor_value(int sensor, const QString& this_value) = 0;
+};

@@ -1,0 +1,59 @@
+#include "livedata/sample_set.h"
+
+#include "obd/supported_pids.h"
+
+namespace {
+
+constexpr qsizetype most_pids = 128;
+constexpr qsizetype longest_item = 16;
+
+} // namespace
+
+QStringList set_of_mode(int mode) {
+    switch (mode) {
+    case op_fuel: return {QStringLiteral("E4"), QStringLiteral("0D"), QStringLiteral("10")};
+    case op_boost:
+        return {QStringLiteral("E5"), QStringLiteral("06"), QStringLiteral("08"), QStringLiteral("0A")};
+    default: return {};
+    }
+}
+
+QStringList stored_log_run_set(const user_defaults& defaults, mac_toolies& toolies, int vehicle_id) {
+    const QString key = sample_set_key(vehicle_id);
+    QStringList set = usable_items(defaults.list(key, {}));
+    if (!defaults.has(key)) {
+        set = usable_items(defaults.list(QStringLiteral("pidsArray"), {}));
+        if (!set.isEmpty())
+            toolies.save_pids_2_sample_prefs(set);
+    }
+    if (set.isEmpty()) {
+        set = first_sample_pids();
+        toolies.save_pids_2_sample_prefs(set);
+    }
+    return set;
+}
+
+QStringList usable_items(const QStringList& items) {
+    QStringList set;
+    for (const QString& text : items) {
+        const std::optional<sample_item> entry = split_sample_item(text);
+        if (!entry || text.size() > longest_item || set.size() >= most_pids)
+            continue;
+        const QString pid = entry->pid.toUpper();
+        const QString item = pid + text.sliced(pid.size());
+        if (pid != QLatin1String("E4") && pid != QLatin1String("E5") && !set.contains(item))
+            set += item;
+    }
+    return set;
+}
+
+bool name_ecu(QStringList& items, const QString& header) {
+    bool changed = false;
+    for (QString& item : items) {
+        if (item.contains(u'|'))
+            continue;
+        item += u'|' + header;
+        changed = true;
+    }
+    return changed;
+}

@@ -1,0 +1,45 @@
+#include "livedata/sweep_times.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace {
+
+qint64 system_milliseconds() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+sweep_times::sweep_times(std::function<qint64()> now) : clock(now ? std::move(now) : system_milliseconds) {}
+
+void sweep_times::run_begins() {
+    begun = clock();
+    is_running = true;
+    sweeps = 0;
+}
+
+void sweep_times::sweep_complete() {
+    at[static_cast<size_t>(sweeps % kept)] = clock();
+    ++sweeps;
+}
+
+void sweep_times::run_ends() {
+    if (is_running)
+        ended = clock();
+    is_running = false;
+}
+
+qint64 sweep_times::duration_ms() const {
+    return (is_running ? clock() : ended) - begun;
+}
+
+double sweep_times::sweeps_a_second() const {
+    const qint64 known = std::min(sweeps, kept);
+    if (known < 2)
+        return 0;
+    const qint64 span =
+        at[static_cast<size_t>((sweeps - 1) % kept)] - at[static_cast<size_t>((sweeps - known) % kept)];
+    return span > 0 ? static_cast<double>(known - 1) * 1000.0 / static_cast<double>(span) : 0;
+}

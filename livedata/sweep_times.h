@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QtGlobal>
+#include <array>
+#include <functional>
+
+// When a run began, and when each of its latest sweeps was complete.
+class sweep_times {
+public:
+    // `now`: milliseconds of a clock that only goes forward; the system's by default.
+    explicit sweep_times(std::function<qint64()> now = {});
+
+    void run_begins();
+    void sweep_complete();
+    void run_ends();
+
+    // Milliseconds from the start of the run until now, or until its end; 0 before the first run.
+    qint64 duration_ms() const;
+    // Over the latest sweeps, at most 20 of them; 0 while there are fewer than two.
+    double sweeps_a_second() const;
+
+private:
+    static constexpr qint64 kept = 20;
+
+    std::function<qint64()> clock;
+    qint64 begun = 0;
+    qint64 ended = 0;
+    bool is_running = false;
+    qint64 sweeps = 0;
+    std::array<qint64, kept> at{}; // the latest ones, in turn
+};

@@ -1,0 +1,139 @@
+#include "base/string_table.h"
+#include "tests/livedata/live_bench.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace {
+
+conversation part(const char* text) {
+    return conversation::parse(text, "here", QStringLiteral(BV_TEST_DATA "/conversations"));
+}
+
+QString set_of(live_bench& bench) {
+    bench.opened();
+    return bench.results.pid_logitems_list.join(' ');
+}
+
+} // namespace
+
+TEST(actions, the_sample_set_that_is_stored) {
+    const auto set_with = [](const QString& key, const QStringList& items) {
+        live_bench bench;
+        bench.profile.defaults.remove(sample_set_key(bench.state.cur_veh_id));
+        if (!key.isEmpty())
+            bench.profile.defaults.set(key, items);
+        const QString set = set_of(bench);
+        EXPECT_EQ(bench.state.sample_pids.join(' '), key.startsWith("pidsSample") ? "" : set);
+        return set;
+    };
+    const QString own = sample_set_key(1);
+    EXPECT_EQ(set_with(own, {"0C|7E8", "0D"}), "0C|7E8 0D");
+    EXPECT_EQ(set_with("pidsArray", {"0C", "0B"}), "0C 0B"); // of an older version
+    EXPECT_EQ(set_with("", {}), "0D 11 0C 05");
+    // What a damaged settings file may hold: only what can be asked for is, once.
+    EXPECT_EQ(set_with(own, {"", "0", "XY", "0C", "0c", "E4", "0D|" + QString(500, 'x'), "e5", "0b|7E8"}),
+              "0C 0B|7E8");
+}
+
+TEST(actions, modes) {
+    live_bench bench;
+    ::actions& screen = bench.opened();
+    EXPECT_EQ(::actions::mode_names().join('/'), "Log Run/Fuel consumption/O2 Diags/Sampling/Boost");
+    EXPECT_EQ(screen.selected_index(), 0);
+    EXPECT_EQ(bench.state.cur_op, op_log_run);
+    EXPECT_EQ(bench.results.these_samples[2].name, "Engine RPM");
+    EXPECT_EQ(bench.facts["matrix"](), "-1 -1 -1 -1");
+
+    screen.runLogs();
+    EXPECT_TRUE(screen.is_running());
+    screen.comboBoxSelectionDidChange(0); // the same
+    EXPECT_TRUE(screen.is_running());
+    screen.comboBoxSelectionDidChange(3); // ends the run
+    EXPECT_FALSE(screen.is_running());
+    EXPECT_EQ(set_of(bench), "E5 06 08 0A");
+    screen.comboBoxSelectionDidChange(4);
+    EXPECT_EQ(screen.selected_index(), 3);
+    screen.comboBoxSelectionDidChange(2); // starts at once
+    EXPECT_TRUE(screen.is_running());
+    EXPECT_EQ(bench.state.cur_op, op_o2_layout);
+    EXPECT_EQ(set_of(bench), "");
+
+    screen.comboBoxSelectionDidChange(0);
+    bench.toolies.save_pids_2_sample_prefs({"0C", "0D"}); // the person chooses
+    screen.sample_set_changed();
+    EXPECT_EQ(set_of(bench), "0C 0D");
+}
+
+TEST(actions, zoom) {
+    live_bench bench;
+    ::actions& screen = bench.opened();
+    for (int row = 1; row < 50; ++row) {
+        EXPECT_EQ(screen.zoom_slider_shown(), row >= 21);
+        bench.results.cur_log_points.add_row();
+    }
+    EXPECT_EQ(screen.zoom(0).points, 20);
+    EXPECT_EQ(screen.zoom(1).points, -1);
+    EXPECT_EQ(screen.zoom(1).title, "All sampling points");
+    EXPECT_EQ(screen.zoom(0.5).points, 25);
+    EXPECT_EQ(screen.zoom(0.5).title, "Charting last 25 sampling points");
+    EXPECT_EQ(screen.zoom(0.001).points, 2); // a line needs two
+}
+
+TEST(actions, what_was_read_outlives_the_screen_until_it_no_longer_fits) {
+    live_bench bench;
+    const QString played = play(part("! pids 0C\n"
+                                     "! do button\n"
+                                     "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                                     "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C\n! do stop"),
+                                bench);
+    EXPECT_EQ(played, "");
+    bench.toolies.save_pids_2_sample_prefs({"0C|7E8"});
+    const auto screen_again = [&bench] {
+        bench.controller.reset();
+        bench.opened();
+        return bench.facts["latest"]();
+    };
+    EXPECT_EQ(screen_again(), "1726.00 RPM");
+    EXPECT_EQ(bench.results.cur_log_points.rows(), 2);
+    bench.profile.defaults.set("BV_metric_units", false);
+    EXPECT_EQ(screen_again(), "");
+    EXPECT_EQ(bench.results.cur_log_points.rows(), 1);
+}
+
+TEST(actions, a_database_that_is_lost_is_told_once_and_the_run_goes_on) {
+    live_bench bench;
+    const QString begun = play(part("! store\n! pids 0C\n! do button\n"
+                                    "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                                    "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C"),
+                               bench);
+    EXPECT_EQ(begun, "");
+    for (const char* companion : {"", "-wal", "-shm"})
+        QFile::remove(bench.profile.db.path() + companion);
+    bench.adapter->receive("7E8 04 41 0C 1A F8 \r\r>");
+    bench.adapter->receive("7E8 04 41 0C 1A FC \r\r>");
+    EXPECT_EQ(bench.view.events.filter("message: The samples are shown, but not stored. ").size(), 1);
+    EXPECT_EQ(bench.facts["sweeps"](), "3");
+    EXPECT_EQ(bench.facts["lines"](), "1");
+    EXPECT_FALSE(bench.controller->storing_problem().isEmpty());
+    bench.controller->stop();
+}
+
+TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
+    qint64 now = 5000;
+    sweep_times times([&now] { return now; });
+    EXPECT_EQ(times.duration_ms(), 0);
+    times.run_begins();
+    for (int sweep = 0; sweep < 100; ++sweep) {
+        now += sweep < 70 ? 1000 : 250; // the car answers faster at the end
+        times.sweep_complete();
+    }
+    EXPECT_EQ(times.duration_ms(), 77'500);
+    EXPECT_DOUBLE_EQ(times.sweeps_a_second(), 4);
+    times.run_ends();
+    now += 60'000;
+    EXPECT_EQ(times.duration_ms(), 77'500);
+    times.run_begins();
+    times.sweep_complete();
+    EXPECT_EQ(times.sweeps_a_second(), 0); // one tells nothing
+}

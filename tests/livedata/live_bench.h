@@ -1,0 +1,115 @@
+#pragma once
+
+#include "livedata/actions.h"
+#include "tests/support/conversation.h"
+
+// The live-data screen's controller on a scripted adapter, and what its view is told.
+struct live_bench : adapter_bench, private run_observer {
+    live_results results{[this](const QString& body) { return toolies.get_OBDVal(body); }};
+    std::unique_ptr<::actions> controller; // on the screen once something is done
+    QStringList sensors;                   // the last value of each oxygen sensor
+    QString layout = "none";
+    int sweeps = 0;
+    int stop_after = -1; // sweeps
+
+    live_bench() {
+        state.available_pids.clear();
+        profile.defaults.set("BV_metric_units", true);
+        // clang-format off
+        bench_actions();
+        facts["running"]  = [this] { return QString(controller->is_running() ? "yes" : "no"); };
+        facts["set"]      = [this] { return results.pid_logitems_list.join(' '); };
+        facts["sweeps"]   = [this] { return QString::number(results.sample_cnt); };
+        facts["lines"]    = [this] { return QString::number(results.log_sample_cnt); };
+        facts["latest"]   = [this] { return column([](const sample_row& r) { return r.value; }); };
+        facts["extremes"] = [this] { return column([](auto& r) { return r.min + " to " + r.max; }); };
+        facts["matrix"]   = [this] { return matrix(); };
+        facts["data"]     = [this] { return rows("SELECT LINE_NUMBER||':'||DATA||DATA2 FROM LOGGIES_DATA"); };
+        facts["log"]      = [this] { return rows("SELECT LOG_TYPE, '[' || INFO || ']' FROM LOGGIES"); };
+        facts["layout"]   = [this] { return layout; };
+        facts["sensors"]  = [this] { return sensors.join(' '); };
+        facts["files"]    = [this] { return session_files().entryList(QDir::Files).join(' '); };
+        // clang-format on
+    }
+
+    // The screen as it is opened.
+    ::actions& opened() {
+        if (!controller) {
+            controller = std::make_unique<::actions>(state, link, toolies, view, profile.defaults, clock,
+                                                     results, profile.paths);
+            controller->set_observer(this);
+            link.set_controller(controller.get());
+            view.events.clear();
+        }
+        return *controller;
+    }
+
+private:
+    QDir session_files() const { return QDir(profile.paths.application_folder + "/loggies"); }
+    void bench_actions() {
+        const QStringList modes{"log", "fuel", "o2", "boost"};
+        for (int mode = 0; mode < modes.size(); ++mode)
+            actions[modes[mode]] = [this, mode](const QString&) { choose_and_start(mode); };
+        actions["button"] = [this](const QString&) { opened().runLogs(); };
+        actions["stop"] = [this](const QString&) { opened().stop(); };
+        actions["leave-screen"] = [this](const QString&) { link.set_controller(nullptr); };
+        actions["pids"] = [this](const QString& pids) { opened().use_pids(pids.split(' ')); };
+        actions["store"] = [this](const QString&) { profile.defaults.set("BV_log_runs", true); };
+        actions["rate"] = [this](const QString& rate) {
+            profile.defaults.set("BV_sample_rate", rate.toInt());
+        };
+        actions["units"] = [this](const QString& units) {
+            profile.defaults.set("BV_metric_units", units == "metric");
+        };
+        actions["stop-after"] = [this](const QString& count) { stop_after = count.toInt(); };
+        actions["choose"] = [this](const QString& mode) {
+            opened().comboBoxSelectionDidChange(mode.toInt());
+        };
+    }
+    void choose_and_start(int mode) {
+        opened().comboBoxSelectionDidChange(mode);
+        if (!controller->is_running())
+            controller->runLogs();
+    }
+    template <typename Text>
+    QString column(Text text) {
+        QStringList texts;
+        for (const sample_row& row : results.these_samples)
+            texts += text(row);
+        return texts.join(", ");
+    }
+    QString matrix() const {
+        QStringList lines;
+        for (qsizetype row = 0; row < results.cur_log_points.rows(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < results.cur_log_points.columns(); ++column)
+                cells += results.cur_log_points.body(row, column);
+            lines += cells.join(' ');
+        }
+        return lines.join(" / ");
+    }
+    QString rows(const QString& query) {
+        QStringList lines;
+        for (const QStringList& row : profile.db.retrieve_from_DB(query))
+            lines += row.join(' ');
+        return lines.join(" / ");
+    }
+
+    void set_changed() override { sensors.clear(); }
+    void run_started() override {}
+    void run_ended() override {}
+    void sample_arrived(int) override {}
+    void sweep_completed() override {
+        ++sweeps;
+        if (sweeps == stop_after)
+            controller->stop();
+    }
+    void o2_layout_known(int mask, const QString& header) override {
+        layout = QString::number(mask, 16) + "|" + header;
+    }
+    void set_sensor_value(int sensor, const QString& this_value) override {
+        while (sensors.size() <= sensor)
+            sensors += "-";
+        sensors[sensor] = this_value;
+    }
+};
