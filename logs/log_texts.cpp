@@ -1,0 +1,145 @@
+#include "logs/log_texts.h"
+
+#include "base/string_table.h"
+#include "obd/number_text.h"
+#include "obd/reply_text.h"
+#include "persistence/log_files.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+
+namespace {
+
+constexpr int data_column = 1;
+constexpr int time_column = 3;
+constexpr qsizetype longest_text = 512 * 1024;
+constexpr qsizetype most_preview_lines = 12;
+constexpr qsizetype most_preview_columns = 40;
+constexpr qsizetype longest_preview = 64 * 1024;
+constexpr int preview_decimals = 2;
+
+const QString cut_note =
+    QStringLiteral("... The log is longer than can be shown here. Export holds all of a run.\n");
+
+const QRegularExpression& font_tags() {
+    static const QRegularExpression tags(
+        QStringLiteral("</?font( +(size|color)=[\"']?[-+#A-Za-z0-9]{1,16}[\"']?)*>"),
+        QRegularExpression::CaseInsensitiveOption);
+    return tags;
+}
+
+QString as_html(const QString& text, const QString& line_end) {
+    QString html;
+    qsizetype at = 0;
+    for (auto tags = font_tags().globalMatch(text); tags.hasNext();) {
+        const QRegularExpressionMatch tag = tags.next();
+        html += text.sliced(at, tag.capturedStart() - at).toHtmlEscaped() + tag.captured();
+        at = tag.capturedEnd();
+    }
+    html += text.sliced(at).toHtmlEscaped();
+    return html.replace(u'\n', line_end);
+}
+
+QString report_statement(int log_id) {
+    return fill(QStringLiteral("SELECT * FROM LOGGIES_DATA where  LOG_ID=%@ ORDER by time_stamp DESC "),
+                {QString::number(log_id)});
+}
+
+// --- the preview of a run
+// ------------------------------------------------------------------------------------
+
+QString cell_of(const mac_toolies& toolies, const QString& item) {
+    const bool is_reply = item.startsWith(QLatin1String("41")) && item.size() > 4;
+    return is_reply ? with_decimals(toolies.get_OBDVal(item), preview_decimals) : QStringLiteral("-");
+}
+
+QString column_name(const mac_toolies& toolies, const QString& item) {
+    if (!item.startsWith(QLatin1String("41")) || hex_byte(item, 2) < 0)
+        return not_available;
+    const QString pid = item.mid(2, 2).toUpper();
+    return fill(QStringLiteral("%@ (%@)"), {toolies.get_pid_name(pid, false), toolies.get_units(pid)});
+}
+
+QString as_columns(const QList<QStringList>& rows) {
+    QString text;
+    for (const QStringList& row : rows) {
+        for (qsizetype column = 0; column < row.size(); ++column) {
+            qsizetype width = 0;
+            for (const QStringList& other : rows)
+                width = std::max(width, other.value(column).size());
+            text += row.at(column).rightJustified(width) + QStringLiteral("   ");
+        }
+        text = text.trimmed().isEmpty() ? text : text.chopped(3);
+        text += u'\n';
+    }
+    return text;
+}
+
+QString samples(mac_toolies& toolies, int log_id) {
+    QList<QStringList> rows;
+    bool more = false;
+    toolies.store().for_each_row(
+        fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log_id)}),
+        [&](const QStringList& stored) {
+            more = rows.size() > most_preview_lines;
+            if (more)
+                return false;
+            const QStringList items =
+                Pull_line_into_array(stored.value(data_column).left(longest_preview), QStringLiteral(","))
+                    .mid(0, most_preview_columns);
+            if (rows.isEmpty()) {
+                rows += QStringList(QStringLiteral("Time"));
+                for (const QString& item : items)
+                    rows.first() += column_name(toolies, item);
+            }
+            rows += QStringList(gmt_date_str_2_local_date_str(stored.value(time_column)).section(u' ', 1));
+            for (const QString& item : items)
+                rows.last() += cell_of(toolies, item);
+            return true;
+        });
+    return as_columns(rows) + (more ? QStringLiteral("...\n") : QString());
+}
+
+} // namespace
+
+bool isSampledLog(const QString& log_type) {
+    return log_type == QLatin1String("Log") || log_type == QLatin1String("Boost") ||
+           log_type == QLatin1String("O2") || log_type == QLatin1String("Fuel");
+}
+
+QString stored_text(database& db, int log_id) {
+    QString text;
+    const auto statement =
+        QStringLiteral("SELECT * FROM LOGGIES_DATA where LOG_ID=%@ ORDER by time_stamp DESC ");
+    db.for_each_row(fill(statement, {QString::number(log_id)}), [&](const QStringList& row) {
+        text += row.value(data_column) + u'\n';
+        return text.size() <= longest_text;
+    });
+    return text.size() <= longest_text ? text : text.left(longest_text) + u'\n' + cut_note;
+}
+
+QString viewLog(database& db, int log_id) {
+    return QStringLiteral("<font size=-2>%1").arg(as_html(stored_text(db, log_id), QStringLiteral("<br>")));
+}
+
+QString report_html(database& db, const log_header& log) {
+    QString chunk;
+    db.for_each_row(report_statement(log.id), [&](const QStringList& row) {
+        chunk = row.value(data_column);
+        return false;
+    });
+    if (chunk.size() > longest_text)
+        chunk = chunk.left(longest_text) + u'\n' + cut_note;
+    return fill(QStringLiteral("<font size=-3>%@\n%@</font>"),
+                {as_html(log.info, QStringLiteral("<BR>")), as_html(chunk, QStringLiteral("<BR>"))});
+}
+
+QString without_tags(QString text) {
+    return text.remove(font_tags());
+}
+
+QString preview_of(mac_toolies& toolies, const log_header& log) {
+    if (isSampledLog(log.type))
+        return samples(toolies, log.id);
+    return without_tags(stored_text(toolies.store(), log.id)).left(longest_preview);
+}

@@ -1,0 +1,90 @@
+#include "logs/stored_series.h"
+
+#include "base/console_log.h"
+#include "obd/toolkit/mac_toolies.h"
+#include "tests/support/print_qt.h"
+#include "tests/support/temporary_profile.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct stored_run {
+    temporary_profile profile;
+    process_state state;
+    mac_toolies toolies{state, profile.defaults, profile.db};
+    sample_matrix matrix{[this](const QString& body) { return toolies.get_OBDVal(body); }};
+    log_header log;
+
+    explicit stored_run(const QStringList& lines) {
+        silence_console_log();
+        profile.db.init_DB();
+        const int id =
+            profile.db.add_2_LOG_DB("Log", 1, QStringLiteral("%1 Sample points ").arg(lines.size()));
+        const int other = profile.db.add_2_LOG_DB("Log", 1, "");
+        for (int line = 0; line < lines.size(); ++line) {
+            profile.db.append_2_LOG_DB(lines.at(line), "", line, id);
+            profile.db.append_2_LOG_DB("410D01", "", line, other);
+        }
+        log = *log_with_id(profile.db, id);
+    }
+    stored_series read(qsizetype most_rows = stored_series::most_cells) {
+        stored_series series(profile.db, log, matrix, most_rows);
+        while (series.step(2))
+            ;
+        return series;
+    }
+};
+
+} // namespace
+
+TEST(stored_series, reads_what_the_run_stored) {
+    stored_run run({"-1,410C1AF8,~,", "410D3C,410C1B00,NODATA,410", "410D3D,-1,~,,410D01", "410D3E", ""});
+    const stored_series series = run.read();
+    EXPECT_EQ(series.problem(), "");
+    EXPECT_FALSE(series.is_cut());
+    EXPECT_EQ(series.rows(), 5);
+    EXPECT_EQ(series.announced(), 5);
+    EXPECT_EQ(series.pids(), QStringList({"0D", "0C", "", ""}));
+    EXPECT_EQ(run.matrix.rows(), 5);
+    EXPECT_EQ(run.matrix.columns(), 4);
+
+    EXPECT_TRUE(std::isnan(run.matrix.value(0, 0)));
+    EXPECT_DOUBLE_EQ(run.matrix.value(0, 1), run.toolies.get_OBDVal("410C1AF8"));
+    EXPECT_EQ(run.matrix.body(3, 0), "410D3E");
+    for (const auto& [row, column] : {std::pair(0, 2), {1, 2}, {1, 3}, {2, 1}, {3, 1}, {4, 0}})
+        EXPECT_EQ(run.matrix.body(row, column), "-1") << row << " " << column;
+    const double mean = (run.toolies.get_OBDVal("410D3C") + run.toolies.get_OBDVal("410D3D")) / 2;
+    EXPECT_DOUBLE_EQ(series.averages().average(run.matrix, 0, 0, 3), mean);
+    for (const qint64 time : series.times())
+        EXPECT_NEAR(static_cast<double>(time), static_cast<double>(QDateTime::currentSecsSinceEpoch()), 60);
+}
+
+TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
+    stored_run run(QStringList(10, "410D3C"));
+    const stored_series cut = run.read(4);
+    EXPECT_TRUE(cut.is_cut());
+    EXPECT_EQ(run.matrix.rows(), 4);
+    EXPECT_FALSE(run.read(10).is_cut());
+
+    stored_run wide({QStringList(200, "410D3C").join(',')});
+    wide.read();
+    EXPECT_EQ(wide.matrix.columns(), stored_series::most_columns);
+
+    stored_run none({});
+    EXPECT_EQ(none.read().rows(), 0);
+    EXPECT_EQ(none.matrix.rows(), 0);
+
+    QFile file(run.profile.db.path());
+    ASSERT_TRUE(file.resize(5000));
+    EXPECT_NE(run.read().problem(), "");
+}
+
+TEST(seconds_of_time_stamp, reads_the_form_of_the_database_alone) {
+    EXPECT_EQ(seconds_of_time_stamp("2013-05-01 14:03:07"),
+              QDateTime::fromString("2013-05-01T14:03:07Z", Qt::ISODate).toSecsSinceEpoch());
+    EXPECT_EQ(seconds_of_time_stamp("1970-01-01 00:00:00"), 0);
+    for (const char* wrong :
+         {"", "2013-05-01", "2013-13-01 14:03:07", "2013-02-30 00:00:00", "2013-05-01 14:03:0x"})
+        EXPECT_EQ(seconds_of_time_stamp(wrong), -1) << wrong;
+}
