@@ -106,6 +106,11 @@ public:
         joined_frames& frames = open_frames[ecu];
         if (frames.is_open())
             blame(frames, lost_frame);
+        if (length == 0) {
+            messages.append({ecu, {}, cut_short});
+            frames = {};
+            return;
+        }
         messages.append({ecu, data.left(length), {}});
         frames = {messages.size() - 1, length, next_sequence};
         close_when_whole(frames);

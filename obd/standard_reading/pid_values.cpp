@@ -182,6 +182,7 @@ pid_value decode_pid(int pid, const QByteArray& data, unit_system units) {
     pid_value value;
     if (pid < 0 || pid > last_pid) {
         value.absent = no_formula;
+        value.is_undefined = true;
     } else if (pid % group == 0) {
         take_supported(pid, data, value);
     } else if (pid == 0x01 || pid == 0x41) {
@@ -194,8 +195,10 @@ pid_value decode_pid(int pid, const QByteArray& data, unit_system units) {
     } else {
         take_quantities(pid, data, units, value);
         take_states(pid, data, value);
-        if (value.quantities.isEmpty() && value.states.isEmpty() && value.absent.isEmpty())
+        if (value.quantities.isEmpty() && value.states.isEmpty() && value.absent.isEmpty()) {
             value.absent = no_formula;
+            value.is_undefined = true;
+        }
     }
     return value;
 }
@@ -204,12 +207,12 @@ pid_value read_pid_value(const QString& reply, unit_system units) {
     constexpr int current_data = 0x41;
     constexpr int freeze_frame = 0x42;
     const QString digits = QString(reply).remove(u' ');
-    const bool whole =
-        digits.size() % 2 == 0 && digits.size() >= 4 &&
-        std::all_of(digits.begin(), digits.end(), [](QChar c) { return isxdigit(c.toLatin1()) != 0; });
+    const bool whole = digits.size() % 2 == 0 && digits.size() >= 4 &&
+                       std::all_of(digits.begin(), digits.end(),
+                                   [](QChar c) { return c < QChar(0x80) && isxdigit(c.toLatin1()) != 0; });
     const QByteArray bytes = whole ? QByteArray::fromHex(digits.toLatin1()) : QByteArray();
     if (bytes.size() < 2 || (byte_at(bytes, 0) != current_data && byte_at(bytes, 0) != freeze_frame))
-        return {{}, {}, QStringLiteral("no answer to this PID")};
+        return {{}, {}, QStringLiteral("no answer to this PID"), false};
     return decode_pid(byte_at(bytes, 1), bytes.mid(2), units);
 }
 
@@ -227,8 +230,7 @@ QString pid_value_text(const pid_value& value) {
 bool says_the_same(const QString& shown, const pid_value& standard) {
     const QList<shown_number> numbers = numbers_of(shown);
     if (standard.quantities.isEmpty()) {
-        const bool is_word =
-            shown != not_available && shown != QLatin1String("Invalid") && !is_raw(shown);
+        const bool is_word = shown != not_available && shown != QLatin1String("Invalid") && !is_raw(shown);
         return standard.states.isEmpty() ? shown == not_available || shown == no_reply : is_word;
     }
     QList<shown_number> wanted;
@@ -243,6 +245,11 @@ bool says_the_same(const QString& shown, const pid_value& standard) {
             !nearly(have[i].value, wanted[i].value, standard.quantities.value(i).decimals))
             return false;
     return true;
+}
+
+QString other_value_text(const QString& shown, const QString& reply, unit_system units) {
+    const pid_value standard = read_pid_value(reply, units);
+    return standard.is_undefined || says_the_same(shown, standard) ? QString() : pid_value_text(standard);
 }
 
 monitor_status read_monitor_status(const QByteArray& data) {

@@ -16,8 +16,9 @@ struct quantity {
 };
 struct pid_value {
     QList<quantity> quantities;
-    QStringList states; // bit-coded data spelled out: "MIL on", "Catalyst: complete"
-    QString absent;     // why there is no value; "" when there is one
+    QStringList states;        // bit-coded data spelled out: "MIL on", "Catalyst: complete"
+    QString absent;            // why there is no value; "" when there is one
+    bool is_undefined = false; // the standard has no formula for the PID
 };
 // `data`: the bytes behind service and PID. A quantity that the PID itself marks as unsupported is left out.
 pid_value decode_pid(int pid, const QByteArray& data, unit_system units);
@@ -30,6 +31,9 @@ QString pid_value_text(const pid_value& value);
 // one percent (conversions are rounded) in the same units. A text without numbers says the same when the PID
 // is a state and the text names one.
 bool says_the_same(const QString& shown, const pid_value& standard);
+// What the standard reads from a value's stored reply ("410C1AF8"), where that differs from the shown text;
+// "" where it does not, or where the standard does not define the PID.
+QString other_value_text(const QString& shown, const QString& reply, unit_system units);
 
 struct monitor {
     QString name;
