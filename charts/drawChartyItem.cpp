@@ -93,7 +93,7 @@ drawChartyItem::value_range drawChartyItem::rounded_range(const chart_label& lab
 }
 
 void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_labels& these_labels) try {
-    const qsizetype rows = matrix.rows();
+    const qsizetype rows = plotted_end < 0 ? matrix.rows() : std::min(plotted_end, matrix.rows());
     const qsizetype wanted = SHOW_THESE_MANY_LAST_POINTS;
     const qsizetype first = wanted != -1 && rows >= wanted ? rows - wanted : 0;
     const double ratio = image.devicePixelRatio();
@@ -103,7 +103,7 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
     painter.save();
     painter.translate(painter.at(0, 0));
     painter.scale(1 / ratio, -1 / ratio);
-    painter.setClipRect(QRectF(place).adjusted(-ratio, -2 * ratio, ratio, 2 * ratio));
+    const QRectF visible = QRectF(place).adjusted(-ratio, -2 * ratio, ratio, 2 * ratio);
     const QList<int> columns = plotted(these_labels);
     QList<double> values;
     bool has_points = false;
@@ -119,13 +119,15 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
             scale_point(first, range.minimum, place.x(), place.y(), place.width(), place.height(),
                         static_cast<double>(rows), static_cast<double>(first), range.maximum, range.minimum)
                 .y();
+        painter.setClipRect(visible);
         draw_series(painter, points, baseline, setMyColor(column),
                     ratio * (is_thumbnail ? thumbnail_line_width : line_width));
         if (!is_thumbnail && !points.isEmpty()) {
+            const double radius = ratio * latest_point_radius;
+            painter.setClipRect(visible.adjusted(-radius, -radius, radius, radius));
             painter.setPen(Qt::NoPen);
             painter.setBrush(setMyColor(column));
-            painter.drawEllipse(QPointF(points.constLast()), ratio * latest_point_radius,
-                                ratio * latest_point_radius);
+            painter.drawEllipse(QPointF(points.constLast()), radius, radius);
         }
     }
     painter.restore();
@@ -138,7 +140,7 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
                                       values.constFirst());
         return;
     }
-    print_sweep_numbers(painter, matrix, first, has_points);
+    print_sweep_numbers(painter, matrix.dropped() + first + 1, matrix.dropped() + rows, has_points);
     display_value(painter, these_labels, columns, values);
 } catch (const std::exception& problem) {
     console_log(QStringLiteral("plot_array_list::[%1]").arg(QString::fromLocal8Bit(problem.what())));
@@ -154,7 +156,9 @@ drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& 
     const QString number = text.section(u' ', 0, 0);
     bool is_number = false;
     number.toDouble(&is_number);
-    return is_number ? value_text{number, text.section(u' ', 1).trimmed()} : value_text{text, QString()};
+    if (!is_number)
+        return {text, QString()};
+    return {number, text.contains(u' ') ? text.section(u' ', 1).trimmed() : unit_of(label)};
 }
 
 QString drawChartyItem::in_words(const chart_labels& labels) const {

@@ -44,6 +44,8 @@ public:
     // The plot within the picture, in place of the one that draw_grid chooses. Null lets it choose again.
     void setDrawingSizes(const QRectF& sizes) { chosen_sizes = sizes; }
     const QRectF& drawingSizes() const { return drawSizes; }
+    // The same in the picture's own coordinates, which grow downward.
+    QRectF plot_area() const;
 
     void setThumbnail(bool thumbnail) { is_thumbnail = thumbnail; }
     void set_thumb_selected(bool selected) { is_thumb_selected = selected; }
@@ -57,6 +59,8 @@ public:
     void updateNoOfPlots(const std::set<int>& indexes) { cur_ITEMS_2_PLOT = indexes; }
     // How many of the last sweeps to plot; -1 for all, otherwise at least 2.
     void setNumberPointsToPlot(qsizetype count);
+    // The sweeps before `row` are plotted, as many as that; -1 for those up to the last one.
+    void plot_up_to(qsizetype row) { plotted_end = row; }
 
     bool isPlottingThisIndex(int index) const;
     // The value plotted last of the PID chosen; NaN before the first.
@@ -99,7 +103,7 @@ private:
     void print_axis_values_4_grid(picture_painter& painter, double cur_max, double cur_min,
                                   const chart_label& cur_label, double x_guide, int this_idx) const;
     static double get_width_of_axis_label(double cur_max, double cur_min);
-    void print_sweep_numbers(picture_painter& painter, const sample_matrix& matrix, qsizetype first,
+    void print_sweep_numbers(picture_painter& painter, qsizetype first, qsizetype last,
                              bool has_points) const;
     void display_value(picture_painter& painter, const chart_labels& labels, const QList<int>& columns,
                        const QList<double>& values) const;
@@ -118,6 +122,7 @@ private:
     int cur_item_2_PLOT = 0;
     std::set<int> cur_ITEMS_2_PLOT;
     qsizetype SHOW_THESE_MANY_LAST_POINTS = -1;
+    qsizetype plotted_end = -1;
     QStringList _pid_logitems_list;
     QStringList cur_sample_set;
     double last_OBD_val = std::numeric_limits<double>::quiet_NaN();

@@ -35,11 +35,20 @@ constexpr double least_axis = 40;
 constexpr qsizetype most_axes = 4;
 constexpr int divisions_across = 8;
 constexpr double pixels_per_axis_value = 44;
+constexpr double least_per_axis_value = 24; // in a low chart
+constexpr int few_axis_values = 4;
 constexpr double box_gap = 8;
 constexpr double full_box = 150;
+constexpr double box_with_extremes = 142;
 
 QColor colour(QRgb value) {
     return QColor::fromRgba(value);
+}
+
+// How many axis values a plot of this height has room for.
+int values_beside(double height) {
+    return std::max(static_cast<int>(height / pixels_per_axis_value),
+                    std::min(static_cast<int>(height / least_per_axis_value), few_axis_values));
 }
 
 double box_width(double width) {
@@ -57,6 +66,11 @@ void write_in(picture_painter& painter, const QFont& font, QRgb ink, QPointF low
 
 double drawChartyItem::foot() const {
     return is_thumbnail ? foot_of_thumbnail : foot_of_chart;
+}
+
+QRectF drawChartyItem::plot_area() const {
+    return {drawSizes.left(), image.deviceIndependentSize().height() - foot() - drawSizes.bottom(),
+            drawSizes.width(), drawSizes.height()};
 }
 
 // While no value came the ends stand the wrong way round; the axis shows them nevertheless.
@@ -142,7 +156,7 @@ void drawChartyItem::draw_grid_lines(picture_painter& painter, const value_range
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
     }
     painter.setPen(QPen(colour(grid_line), 1, Qt::DashLine));
-    const int wanted = static_cast<int>(drawSizes.height() / pixels_per_axis_value);
+    const int wanted = values_beside(drawSizes.height());
     for (const double value : axis_values::between(ends.minimum, ends.maximum, wanted).values) {
         const double y =
             crisp(plot.bottom() - plot.height() * (value - ends.minimum) / (ends.maximum - ends.minimum));
@@ -167,7 +181,7 @@ void drawChartyItem::print_axis_values_4_grid(picture_painter& painter, double c
     const QFont font = picture_font(family, axis_font);
     painter.setFont(font);
     const QColor ink = is_group() ? setMyColor(this_idx) : colour(dim);
-    const int wanted = static_cast<int>(drawSizes.height() / pixels_per_axis_value);
+    const int wanted = values_beside(drawSizes.height());
     axis_values axis = axis_values::between(cur_min, cur_max, wanted);
     if (axis.values.isEmpty() && cur_label.maximum == cur_label.minimum)
         axis.values.append(cur_min);
@@ -181,8 +195,9 @@ void drawChartyItem::print_axis_values_4_grid(picture_painter& painter, double c
     }
 }
 
-void drawChartyItem::print_sweep_numbers(picture_painter& painter, const sample_matrix& matrix,
-                                         qsizetype first, bool has_points) const {
+// `first`, `last`: counted from 1. The last row of a run that goes on is the sweep under way.
+void drawChartyItem::print_sweep_numbers(picture_painter& painter, qsizetype first, qsizetype last,
+                                         bool has_points) const {
     const QFont font = picture_font(family, axis_font);
     painter.setFont(font);
     painter.setPen(colour(dim));
@@ -192,9 +207,8 @@ void drawChartyItem::print_sweep_numbers(picture_painter& painter, const sample_
                               QStringLiteral("No values yet"));
         return;
     }
-    // The last row is the sweep under way.
-    const QString from = QString::number(matrix.dropped() + first + 1);
-    const QString to = QString::number(matrix.dropped() + matrix.rows());
+    const QString from = QString::number(first);
+    const QString to = QString::number(last);
     const double y = drawSizes.top() - 21;
     painter.write({drawSizes.left(), y}, QStringLiteral("sweep ") + from);
     painter.write({drawSizes.right() - text_width(font, to), y}, to);
@@ -246,7 +260,7 @@ void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box,
     write_in(painter, unit_font, dim, {left + used, is_large ? bottom - 20 : bottom + 1}, shown.unit,
              width - used);
 
-    if (is_large && !rounded_range(label).is_inverted() && !std::isnan(value)) {
+    if (box.height() >= box_with_extremes && !rounded_range(label).is_inverted() && !std::isnan(value)) {
         const QFont font = picture_font(family, 13);
         write_in(painter, font, dim, {left, box.top() + 24},
                  QStringLiteral("Max  ") + short_number(label.maximum.toDouble()), width);

@@ -19,7 +19,6 @@ constexpr double angle_at_maximum = -0.6981317007977318; // -40 degrees
 constexpr double needle_width = 20;
 constexpr double needle_length = 140;
 constexpr double side_point = 0.7; // of the needle's width
-constexpr double outline = 3;
 constexpr double hub_radius = 22;
 constexpr double shadow_blur = 10;
 constexpr double name_margin = 12;
@@ -82,7 +81,7 @@ class name_plate {
 public:
     name_plate(const QString& its_name, double face_width)
         : middle(face_width / 2), width(face_width - 2 * name_margin),
-          font(fitting_font(QStringLiteral("Helvetica"), 20, QFont::Bold, its_name, width, 10)),
+          font(fitting_font(QStringLiteral("Helvetica"), 20, QFont::Bold, its_name, width, 14)),
           name(elided(font, its_name, width)) {}
 
     void draw_ground(picture_painter& painter) const {

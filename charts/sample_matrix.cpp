@@ -22,13 +22,22 @@ constexpr quint64 below_top = (quint64{1} << top_byte) - 1;
 
 const QString missing_text = QStringLiteral("-1");
 
+char16_t code_of(QChar character) {
+    return character.unicode();
+}
+
+char16_t code_of(char character) {
+    return static_cast<unsigned char>(character);
+}
+
 // Capitals only, so that the text comes back as it was. 0 when the body is no such text.
-quint64 hexadecimal_word(const QString& body) {
+template <typename body_text>
+quint64 hexadecimal_word(const body_text& body) {
     if (body.isEmpty() || body.size() > digits_in_word)
         return 0;
     quint64 digits = 0;
-    for (const QChar character : body) {
-        const char16_t code = character.unicode();
+    for (const auto character : body) {
+        const char16_t code = code_of(character);
         if (code >= u'0' && code <= u'9')
             digits = digits << 4 | (code - u'0');
         else if (code >= u'A' && code <= u'F')
@@ -39,8 +48,10 @@ quint64 hexadecimal_word(const QString& body) {
     return static_cast<quint64>(body.size()) << top_byte | digits;
 }
 
+} // namespace
+
 // What a word's number is, kept for the words met last.
-class number_cache {
+class sample_matrix::number_cache {
 public:
     template <typename function>
     double number(quint64 word, function work_out) {
@@ -58,8 +69,6 @@ private:
     };
     std::vector<entry> entries = std::vector<entry>(1 << 16);
 };
-
-} // namespace
 
 void series_summary::append(const series_summary& later) {
     if (later.empty())
@@ -107,6 +116,7 @@ void sample_matrix::start(int columns) {
     column_count = std::max(columns, 0);
     row_count = dropped_rows = 0;
     blocks.clear();
+    numbers.reset();
     finished.assign(static_cast<size_t>(column_count), {});
     odd_bodies.clear();
     odd_body_at.clear();
@@ -155,12 +165,28 @@ void sample_matrix::set(int column, const QString& body) {
         if (word == 0)
             word = odd_word(body);
     }
+    put(column, word, number_of(body));
+}
+
+void sample_matrix::set_bytes(int column, QByteArrayView body) {
+    if (!has(row_count - 1, column))
+        return;
+    const quint64 word = hexadecimal_word(body);
+    if (word == 0)
+        return set(column, QString::fromUtf8(body));
+    if (!numbers)
+        numbers = std::make_unique<number_cache>();
+    put(column, word, numbers->number(word, [&] { return number_of(QString::fromLatin1(body)); }));
+}
+
+void sample_matrix::put(int column, quint64 word, double number) {
     const size_t cell = block::cell(row_count - 1, column);
     blocks.back()->words[cell] = word;
-    blocks.back()->values[cell] = number_of(body);
+    blocks.back()->values[cell] = number;
 }
 
 void sample_matrix::units_changed() {
+    numbers.reset();
     finished.assign(static_cast<size_t>(column_count), {});
     number_cache cache;
     for (int column = 0; column < column_count; ++column) {

@@ -20,22 +20,16 @@ void append_distinct(QPolygon& points, QPoint point) {
         points.append(point);
 }
 
-// Of the points of a pixel column only those that lead in and out: the others have no area below them.
-QPolygon without_spikes(const QPolygon& points) {
-    QPolygon outline;
-    for (qsizetype at = 0; at < points.size(); ++at) {
-        const bool leads_in = at == 0 || points[at - 1].x() != points[at].x();
-        const bool leads_out = at + 1 == points.size() || points[at + 1].x() != points[at].x();
-        if (leads_in || leads_out)
-            outline.append(points[at]);
-    }
-    return outline;
-}
+// What a series is painted of: the ups and downs of a pixel column as one upright line, and the ways between
+// the columns. The way between two that lie side by side is left out where both cover it.
+struct series_parts {
+    QList<QLine> uprights; // from below
+    QList<QLine> ways;
+    QPolygon outline; // of the area below; what an upright line hides is not a part of it
+};
 
-// The line through the points. The ups and downs of a pixel column are one line, and the way between two
-// columns that lie side by side is left out where both columns cover it.
-QList<QLine> lines_through(const QPolygon& points) {
-    QList<QLine> lines;
+series_parts parts_of(const QPolygon& points) {
+    series_parts parts;
     QLine before;
     const auto covers = [](const QLine& drawn, int y) {
         return drawn.dy() > 0 && drawn.y1() <= y && y <= drawn.y2();
@@ -48,16 +42,52 @@ QList<QLine> lines_through(const QPolygon& points) {
             column.setLine(x, std::min(column.y1(), points[at].y()), x,
                            std::max(column.y2(), points[at].y()));
         if (column.y2() > column.y1())
-            lines.append(column);
+            parts.uprights.append(column);
         if (first > 0) {
             const QLine way(points[first - 1], points[first]);
             const bool is_covered = way.dx() <= 1 && covers(before, way.y2()) && covers(column, way.y1());
             if (!is_covered)
-                lines.append(way);
+                parts.ways.append(way);
+            if (way.dx() > 1) {
+                append_distinct(parts.outline, way.p1());
+                append_distinct(parts.outline, way.p2());
+            }
         }
+        append_distinct(parts.outline, column.p1());
         before = column;
     }
-    return lines;
+    return parts;
+}
+
+// Upright lines in whole pixels, which cost no blending. What neighbours have in common is one band, beyond
+// which each has its two ends.
+void fill_uprights(QPainter& painter, const QList<QLine>& uprights, const QColor& colour, int width) {
+    const auto fill = [&](int left, int right, int low, int high) {
+        painter.fillRect(QRect(left - width / 2, low - width / 2, right - left + width, high - low + width),
+                         colour);
+    };
+    for (qsizetype at = 0; at < uprights.size();) {
+        const int left = uprights[at].x1();
+        int low = uprights[at].y1();
+        int high = uprights[at].y2();
+        qsizetype end = at + 1;
+        for (; end < uprights.size() && uprights[end].x1() == uprights[end - 1].x1() + 1; ++end) {
+            const int common_low = std::max(low, uprights[end].y1());
+            const int common_high = std::min(high, uprights[end].y2());
+            if (common_low >= common_high)
+                break;
+            low = common_low;
+            high = common_high;
+        }
+        fill(left, uprights[end - 1].x1(), low, high);
+        for (; at < end; ++at) {
+            const QLine& line = uprights[at];
+            if (line.y1() < low)
+                fill(line.x1(), line.x1(), line.y1(), low);
+            if (line.y2() > high)
+                fill(line.x1(), line.x1(), high, line.y2());
+        }
+    }
 }
 
 } // namespace
@@ -103,6 +133,7 @@ void draw_series(QPainter& painter, const QPolygon& points, int baseline, const 
                  double line_width) {
     if (points.size() < 2)
         return;
+    const series_parts parts = parts_of(points);
     QColor filling = colour;
     filling.setAlphaF(filling_alpha);
     painter.setPen(Qt::NoPen);
@@ -110,19 +141,18 @@ void draw_series(QPainter& painter, const QPolygon& points, int baseline, const 
     // Its upper edge lies under the line, so it needs no smooth one. Piece by piece: the time that a path
     // takes grows with the square of what lies side by side in it.
     painter.setRenderHint(QPainter::Antialiasing, false);
-    const QPolygon outline = without_spikes(points);
-    for (qsizetype from = 0; from < outline.size() - 1; from += steps_at_once) {
-        QPolygon piece = outline.mid(from, steps_at_once + 1);
+    for (qsizetype from = 0; from < parts.outline.size() - 1; from += steps_at_once) {
+        QPolygon piece = parts.outline.mid(from, steps_at_once + 1);
         piece.append({piece.constLast().x(), baseline});
         piece.append({piece.constFirst().x(), baseline});
         painter.drawPolygon(piece);
     }
-    painter.setRenderHint(QPainter::Antialiasing);
 
-    // Lines one by one, with square ends, are what the painter draws fastest.
-    const QList<QLine> lines = lines_through(points);
+    fill_uprights(painter, parts.uprights, colour, std::max(1, qRound(line_width)));
+    painter.setRenderHint(QPainter::Antialiasing);
+    // One by one, with square ends, is what the painter draws fastest.
     painter.setPen(QPen(colour, line_width, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
-    painter.drawLines(lines);
+    painter.drawLines(parts.ways);
 }
 
 QColor series_colour(int column) {

@@ -40,6 +40,24 @@ int coloured(const QImage& picture, const QRectF& plot, int column) {
     return count;
 }
 
+TEST(plot_up_to, draws_the_sweeps_before_a_row_alone) {
+    drawn_chart chart;
+    QList<int> speeds(200, 10);
+    speeds += QList<int>(200, 90);
+    chart.drive(speeds);
+    chart.item.setNumberPointsToPlot(100);
+    chart.item.plot_up_to(150);
+    chart.draw();
+    const double low = chart.item.last_value();
+    chart.item.plot_up_to(350);
+    chart.draw();
+    EXPECT_GT(chart.item.last_value(), low);
+    chart.item.plot_up_to(99'999);
+    const QImage beyond = chart.draw();
+    chart.item.plot_up_to(-1);
+    EXPECT_EQ(beyond, chart.draw());
+}
+
 TEST(work_out_labels, take_the_range_of_the_pid_until_there_are_two_rows) {
     drawn_chart chart({"0C|7E8", "0D|7E8"});
     chart.matrix.start(2);
@@ -125,6 +143,17 @@ TEST(drawChartyItem, plots_a_group_of_two_or_more_and_otherwise_the_one_chosen) 
     chart.item.set_item_2_plot(9);
     chart.item.updateNoOfPlots({-1, 7});
     chart.draw();
+}
+
+TEST(drawChartyItem, gives_a_number_without_a_unit_that_of_its_pid) {
+    drawn_chart chart({"E4"});
+    const auto words = [&chart](const char* value) {
+        chart.item.update_cur_sample({value});
+        return chart.item.in_words(chart.item.work_out_labels(chart.matrix)).section(": ", 1);
+    };
+    EXPECT_EQ(words("7.270657"), "7.270657 km/litre");
+    EXPECT_EQ(words("7.27 kpl"), "7.27 kpl");
+    EXPECT_EQ(words("N/A"), "N/A");
 }
 
 TEST(drawChartyItem, is_drawn_in_the_pixels_of_the_screen) {

@@ -34,6 +34,8 @@ TEST(sample_matrix, keeps_bodies_as_they_came_and_missing_ones_apart) {
     for (const QString& body : bodies) {
         matrix.set(1, body);
         EXPECT_EQ(matrix.body(matrix.rows() - 1, 1), body);
+        matrix.set_bytes(2, body.toUtf8());
+        EXPECT_EQ(matrix.body(matrix.rows() - 1, 2), body);
         EXPECT_EQ(matrix.body(matrix.rows() - 1, 0), QStringLiteral("-1"));
         matrix.add_row();
     }

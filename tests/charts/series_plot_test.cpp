@@ -80,7 +80,7 @@ TEST(series_points, draw_the_picture_that_all_rows_would_draw) {
                 }
             // What many lines over each other add at their soft edges.
             EXPECT_LT(worst, 110) << rows << " rows from " << first;
-            EXPECT_LT(sum / (plain.width() * plain.height()), 4) << rows << " rows from " << first;
+            EXPECT_LT(sum / (plain.width() * plain.height()), 2) << rows << " rows from " << first;
         }
     }
 }
