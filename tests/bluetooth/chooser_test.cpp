@@ -106,6 +106,7 @@ TEST(device_chooser, cancelling) {
     car.press(Qt::Key_Escape);
     EXPECT_EQ(car.chooser(), nullptr);
     EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
+    EXPECT_EQ(car.status(), "Ready");
 
     service.fault("ConnectProfile", "silence");
     car.click("read");

@@ -1,0 +1,93 @@
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "link/adapter_link.h"
+#include "link/bluetooth_service.h"
+
+// What the link does for Bluetooth alone: which device, and its channel.
+
+void adapter_link::choose_bluetooth_device() {
+    if (state.interface_kind == interface_bluetooth)
+        ask_for_device(QString(), QString());
+}
+
+bool adapter_link::openSerialPortProfile() {
+    task_waits = true;
+    if (is_connected())
+        return true;
+    if (asked)
+        return false; // the person is choosing
+    if (is_opening() || watchdog.is_running()) {
+        if (!watchdog.is_running())
+            watchdog.start(); // the operation before stopped it
+        return false;
+    }
+    if (state.bt_address.isEmpty())
+        ask_for_device(QString(), QStringLiteral(""));
+    else
+        open_channel();
+    return false; // the task starts when the channel opens
+}
+
+void adapter_link::ask_for_device(const QString& why, const QString& status_for_none) {
+    asked = std::make_shared<int>();
+    view.choose_device(why, [this, question = std::weak_ptr(asked), status_for_none](const QString& address,
+                                                                                     const QString& name) {
+        if (question.expired())
+            return; // it has become pointless
+        asked.reset();
+        if (!address.isEmpty())
+            return take_device(address, name);
+        console_log(QStringLiteral("User has cancelled the device selection.\n"));
+        if (!status_for_none.isNull())
+            l_leave_cur_op_gracefully(status_for_none);
+        Q_EMIT condition_changed();
+    });
+}
+
+void adapter_link::take_device(const QString& address, const QString& name) {
+    if (is_connected() && address == state.bt_address)
+        return; // as it is
+    const bool for_an_operation = task_waits && !is_connected();
+    if (!for_an_operation)
+        l_leave_cur_op_gracefully(QStringLiteral("")); // it runs over another device
+    disconnect();
+    task_waits = for_an_operation;
+    state.bt_address = address;
+    state.last_BT_Device = name;
+    open_channel();
+}
+
+void adapter_link::open_channel() {
+    make_sure_of_transport();
+    state.tcpConnectReady = false;
+    late_toast_clearing.reset();
+    forget_adapter();
+    const QString connecting = fill(QStringLiteral("Connecting to:%@"), {state.last_BT_Device});
+    l_set_status_msg(connecting);
+    l_set_toast_msg(
+        fill(QStringLiteral("%@\n\nMake sure you are connecting to your\n OBD Bluetooth interface "),
+             {connecting}));
+    watchdog.start();
+    link->open();
+    Q_EMIT condition_changed();
+}
+
+void adapter_link::channel_opened() {
+    if (const QString name = link->far_end_name(); !name.isEmpty())
+        state.last_BT_Device = name; // of a device that was given by its address
+    l_set_status_msg(QStringLiteral("BT Connected"));
+    Q_EMIT device_taken(); // one that never answered is not worth remembering
+    l_set_status_msg(QStringLiteral("BT Connected!!"));
+    l_set_toast_msg(QStringLiteral(""));
+    state.tcpConnectReady = true;
+    if (std::exchange(task_waits, false))
+        l_work_current_task(QString()); // no status: the one above stays
+}
+
+// Another device may answer: the operation goes on with the one that is chosen, and is left when none is.
+void adapter_link::channel_refused(const QString& reason, const QString& status_for_none) {
+    disconnect();
+    l_set_toast_msg(QStringLiteral(""));
+    l_set_status_msg(reason);
+    ask_for_device(reason, status_for_none);
+}

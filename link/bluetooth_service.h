@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <functional>
+
+struct bluetooth_device {
+    QString address; // "AA:BB:CC:DD:EE:FF"
+    QString name;    // the address when it has none
+    bool paired = false;
+    bool serial_port =
+        false; // it offers the serial port service (0x1101); before pairing that may be unknown
+    bool knows_services = false; // what it offers is known
+    bool operator==(const bluetooth_device&) const = default;
+};
+
+enum class bluetooth_condition { ready, no_service, no_access, no_answer, no_adapter, switched_off };
+
+// What the Bluetooth service tells about this computer and the devices around it.
+struct bluetooth_surroundings {
+    bluetooth_condition condition = bluetooth_condition::no_service;
+    QString adapter;                 // the radio's object on the bus
+    QList<bluetooth_device> devices; // paired ones with the serial port first, then those not paired
+    bool operator==(const bluetooth_surroundings&) const = default;
+};
+
+// The Bluetooth service of this computer, BlueZ on the system bus. No call waits: each answer comes later
+// from the event loop, and not at all once this object is gone.
+class bluetooth_service : public QObject {
+    Q_OBJECT
+
+public:
+    void look(std::function<void(const bluetooth_surroundings&)> tell);
+    // Makes the radio of `adapter` look for devices until stop_discovery(). `tell` gets why it does not, ""
+    // when it does.
+    void start_discovery(const QString& adapter, std::function<void(const QString& problem)> tell);
+    void stop_discovery(const QString& adapter);
+};
+
+// Why Bluetooth cannot be used and what to do about it, a sentence; "" when it can.
+QString why_unusable(bluetooth_condition condition);
+QString pairing_advice();
+// "AA:BB:CC:DD:EE:FF", letters of either case.
+bool is_bluetooth_address(const QString& text);
