@@ -18,8 +18,9 @@ app_paths app_paths::for_profile(const QString& profile, QString* problem) {
     }
     for (const QString& folder : {paths.documents, paths.application_folder}) {
         if (!QDir().mkpath(folder) && problem)
-            *problem = QStringLiteral("The folder %1 cannot be made: check the rights of the folder above it.")
-                           .arg(folder);
+            *problem =
+                QStringLiteral("The folder %1 cannot be made: check the rights of the folder above it.")
+                    .arg(folder);
     }
     return paths;
 }

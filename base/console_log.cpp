@@ -73,6 +73,12 @@ log_sink& sink() {
 }
 
 void take_qt_message(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    QCoreApplication* application = QCoreApplication::instance();
+    if (type != QtFatalMsg && application && QThread::currentThread() != application->thread()) {
+        // From the thread of a library; the log belongs to the main one.
+        QMetaObject::invokeMethod(application, [message] { console_log(message); }, Qt::QueuedConnection);
+        return;
+    }
     console_log(message);
     if (type != QtDebugMsg && type != QtInfoMsg)
         flush_console_log();

@@ -20,6 +20,7 @@ enum operation : int {
     op_o2_layout = 14,
     op_o2_tests = 15,
     op_link_info = 20, // initialise the adapter and stop there
+    op_permanent = 21,
 };
 
 enum interface_code : int { interface_bluetooth = 5, interface_wifi = 6, interface_simulated = 7 };
@@ -48,6 +49,8 @@ struct process_state {
     int interface_kind = interface_bluetooth;
     QString wifi_ip = QStringLiteral("192.168.0.10");
     QString wifi_port = QStringLiteral("35000");
+    QString bt_address;           // of the Bluetooth device, "" when none was chosen yet
+    QString last_BT_Device;       // its name
     bool tcpConnectReady = false; // the first task was started: replies reach the controller
     bool adapter_ready = false;   // initialised on this link
     bool adapter_known = false;   // answered to a reset on this link: a reset is not needed again
@@ -61,6 +64,7 @@ struct process_state {
     obd_groups available_pids; // supported PIDs of each ECU
     QStringList sample_pids;   // the PIDs of a sampling run, "0C|7E8"
     int boost_reference_kpa = 101;
+    bool vehicles_changed = false; // a vehicle was deleted in this run
 
     // Settings that are asked for often
     bool metric_units = false;

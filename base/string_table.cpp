@@ -47,7 +47,8 @@ QString fill(const QString& format, std::initializer_list<QString> arguments) {
     result.reserve(format.size() + 64);
     auto next = arguments.begin();
     for (qsizetype i = 0; i < format.size(); ++i) {
-        const QChar kind = format.at(i) == QLatin1Char('%') && i + 1 < format.size() ? format.at(i + 1) : QChar();
+        const QChar kind =
+            format.at(i) == QLatin1Char('%') && i + 1 < format.size() ? format.at(i + 1) : QChar();
         if (kind == QLatin1Char('%')) {
             result += kind;
             ++i;

@@ -18,8 +18,8 @@ public:
 
     // The list as a dictionary: key = the text before the first `delimiter`, trimmed; value = the rest of
     // the line, delimiter included. Building stops at the first line without a delimiter.
-    std::optional<QMap<QString, QString>> get_dictionary_from_resource(const QString& name, const QString& type,
-                                                                       const QString& delimiter) const;
+    std::optional<QMap<QString, QString>>
+    get_dictionary_from_resource(const QString& name, const QString& type, const QString& delimiter) const;
 
     // Line `index` of the list, or nothing when the list or the line does not exist.
     std::optional<QString> line(const QString& name, qsizetype index) const;

@@ -20,7 +20,7 @@ void connect_2_interface::work_step(int step, const QString& reply) {
     state.warn_no_reply = 1;
     // clang-format off
     switch (step) { // the reply to          what it tells                      the next command
-    case 0:   reset_adapter();                                         return send(1,   state.adapter_known ? "AT E0" : "AT Z", "OK|ELM");
+    case 0:   reset_adapter();                                         return send(1,   is_reset_wanted() ? "AT Z" : "AT E0", "OK|ELM");
     case 1:   state.adapter_known |= reply != no_reply; /* AT Z */     return send(2,   "AT E0", "OK");
     case 2:   echo_is_off();                            /* AT E0 */    return send(250, "AT I", "ELM");
     case 250: keep_interface(reply);                    /* AT I */     return send(3,   "AT DP", "AUTO|ISO|SAE");
@@ -44,6 +44,10 @@ void connect_2_interface::reset_adapter() {
     state.cur_protocol = -1;
     protocol_was_refused = false;
     fixed_protocol_rounds = 0;
+}
+
+bool connect_2_interface::is_reset_wanted() const {
+    return !state.adapter_known && context.link.may_be_reset();
 }
 
 void connect_2_interface::echo_is_off() {
@@ -75,21 +79,29 @@ void connect_2_interface::protocol_described(const QString& reply) {
     if (reply.toUpper().contains(QLatin1String("AUTO")))
         return send(333, "AT H1", "OK");
     if (++fixed_protocol_rounds > most_fixed_protocol_rounds)
-        throw step_failure(QStringLiteral("the adapter does not go back to automatic protocol search: unplug it, plug "
-                                          "it in again and retry"));
+        throw step_failure(
+            QStringLiteral("the adapter does not go back to automatic protocol search: unplug it, plug "
+                           "it in again and retry"));
     send(251, "AT SP A3", "OK"); // a fixed protocol: back to automatic, ISO 9141-2 tried first
 }
 
 // The number after the "A" of an automatically found protocol ("A6" gives 6); -1 when it was not told.
 int connect_2_interface::protocol_number(const QString& reply) const {
-    if (reply.size() < 2 || reply.at(0).toUpper() != QLatin1Char('A') || !is_hex(QStringView(reply).sliced(1, 1)))
+    if (reply.size() < 2 || reply.at(0).toUpper() != QLatin1Char('A') ||
+        !is_hex(QStringView(reply).sliced(1, 1)))
         return -1; // given up, or no data
     return static_cast<int>(convertStr2Byte(QStringView(reply).sliced(1).left(2)));
 }
 
+// While a lost link is opened again by itself the car may be off: that is waited for, and needs no notice.
+void connect_2_interface::tell_failure(const QString& text) {
+    if (!context.link.is_reconnecting())
+        context.view.show_message(QString(), text);
+}
+
 void connect_2_interface::first_pids_answered(const QString& reply) {
     if (reply == no_reply) {
-        context.view.show_message(QString(), localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
+        tell_failure(localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
         return leave();
     }
     if (has_no_data(reply)) {
@@ -106,11 +118,11 @@ void connect_2_interface::first_pids_answered(const QString& reply) {
 void connect_2_interface::start_pid_loop(const QString& reply) {
     state.cur_protocol = protocol_number(reply);
     if (state.cur_protocol == -1) {
-        context.view.show_message(QString(), localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
+        tell_failure(localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
         return leave();
     }
-    const QString name = context.toolies.lists().line(QStringLiteral("SUP_PROTOCOLS"), state.cur_protocol)
-                             .value_or(reply);
+    const QString name =
+        context.toolies.lists().line(QStringLiteral("SUP_PROTOCOLS"), state.cur_protocol).value_or(reply);
     show(fill(QStringLiteral("Interface : %@"), {name}));
     state.protocol_description = name;
     context.protocolLbl = name;
@@ -121,7 +133,7 @@ void connect_2_interface::start_pid_loop(const QString& reply) {
 // No step leads here: the supported-PID loop asks for the further groups.
 void connect_2_interface::further_pids_answered(const QString& reply, int group) {
     if (reply == no_reply) {
-        context.view.show_message(QString(), QStringLiteral("Failed to receive available PIDs "));
+        tell_failure(QStringLiteral("Failed to receive available PIDs "));
         return leave();
     }
     if (reply.contains(QLatin1String("NODATA"))) {
@@ -141,6 +153,7 @@ void connect_2_interface::hand_over() {
         console_log(QStringLiteral(
             "reacCods>m::connect_2_interface >> Did not save avail pids to VEHICLES.XTRA_INFO"));
     state.adapter_ready = true;
+    context.link.far_end_changed();
     state.no_confirm_count = 0;
     state.cur_step = 0;
     state.cur_task = state.cur_op;

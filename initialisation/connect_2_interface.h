@@ -17,6 +17,8 @@ protected:
 
 private:
     void reset_adapter();
+    bool is_reset_wanted() const;
+    void tell_failure(const QString& text);
     void echo_is_off();
     void keep_interface(const QString& reply);
     void protocol_described(const QString& reply);

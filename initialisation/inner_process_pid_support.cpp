@@ -6,6 +6,8 @@
 #include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 
+#include <QRegularExpression>
+
 namespace {
 constexpr int loop_running = 16;
 constexpr unsigned group_size = 0x20;
@@ -13,10 +15,12 @@ constexpr unsigned last_group = 0xE0;
 constexpr qsizetype most_ecus = 16; // a reply that names more is no reply of a car
 } // namespace
 
-inner_process_pid_support::inner_process_pid_support(operation_context& its_context, task_controller& its_controller)
+inner_process_pid_support::inner_process_pid_support(operation_context& its_context,
+                                                     task_controller& its_controller)
     : context(its_context), state(its_context.state), controller(its_controller) {}
 
-void inner_process_pid_support::start(const QString& mode, const QString& suffix, int next_step, finished done) {
+void inner_process_pid_support::start(const QString& mode, const QString& suffix, int next_step,
+                                      finished done) {
     service = mode;
     request_suffix = suffix;
     step_after = next_step;
@@ -37,7 +41,8 @@ void inner_process_pid_support::l_inner_process_pid_support(const QString& reply
         if (trimmed == no_reply && (is_the_car() || group != 0)) {
             const QString text = group == 0 ? localised(QStringLiteral("DLG_FAILED_RCV_PIDS"))
                                             : QStringLiteral("Failed to receive available PIDs ");
-            context.view.show_message(QString(), text);
+            if (!context.link.is_reconnecting()) // else the car may be off, and is waited for
+                context.view.show_message(QString(), text);
             return controller.leave_cur_op_gracefully(QStringLiteral(""));
         }
         if (has_no_data(trimmed)) {
@@ -59,14 +64,20 @@ void inner_process_pid_support::send_first() {
     found.clear();
     group = 0;
     state.pid_loop_phase = 1;
-    context.link.sendOBDcmd_n(service + " 00" + request_suffix + "\r", QString(), true);
+    ask(QString());
 }
 
 void inner_process_pid_support::send_next() {
     group += group_size;
-    // Under the header flag the check is by message; the expected reply has no part in it.
-    context.link.sendOBDcmd_n(service + ' ' + convertByte2HexStr(group) + request_suffix + '\r',
-                              QStringLiteral("?"), true);
+    ask(QStringLiteral("?"));
+}
+
+// With headers the check is by message, and the expected reply has no part in it. Some chips refuse to show
+// headers.
+void inner_process_pid_support::ask(const QString& expected) {
+    const QString request = service + u' ' + convertByte2HexStr(group) + request_suffix;
+    context.link.sendOBDcmd_n(request + u'\r', state.headers_shown ? expected : positive_reply_of(request),
+                              state.headers_shown);
 }
 
 obd_group& inner_process_pid_support::entry_of(const QString& header) {
@@ -84,13 +95,16 @@ void inner_process_pid_support::take_maps(const QString& reply) {
     // The older protocols put a byte of their own before the maps of service 06.
     const qsizetype own_byte = service == QLatin1String("06") && !is_can(state.cur_protocol) ? 2 : 0;
     const qsizetype map_at = answer.size() + request_suffix.trimmed().size() + own_byte;
-    const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
-    for (const obd_group& ecu : ecus) {
-        const QString data = context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);
-        if (!data.startsWith(answer) || found.size() >= most_ecus)
-            continue;
-        entry_of(ecu.header).pidSet += pids_of_bitmap(data.mid(map_at, 8), group);
+    const auto take = [&](const QString& header, const QString& data) {
+        if (data.startsWith(answer) && found.size() < most_ecus)
+            entry_of(header).pidSet += pids_of_bitmap(data.mid(map_at, 8), group);
+    };
+    if (!state.headers_shown) { // who answers cannot be told: the first answer stands for the car
+        const QStringList lines = reply_lines(reply).filter(QRegularExpression(u'^' + answer));
+        return take(QString(), lines.value(0));
     }
+    for (const obd_group& ecu : context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply)))
+        take(ecu.header, context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet));
 }
 
 bool inner_process_pid_support::next_group_wanted() const {
@@ -118,8 +132,10 @@ void inner_process_pid_support::ask_whether_same_car() {
                             [this, question = std::weak_ptr<int>(asked)](bool yes) {
                                 if (question.expired() || state.pid_loop_active != loop_running)
                                     return; // the operation was left meanwhile
-                                if (!yes)
+                                if (!yes) {
+                                    context.link.stop_opening(); // nor is it tried again
                                     return controller.leave_cur_op_gracefully(QStringLiteral(""));
+                                }
                                 context.toolies.fixSamplePidsFornewVehicle(found);
                                 state.available_pids = found;
                                 go_on();

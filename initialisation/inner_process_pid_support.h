@@ -5,17 +5,17 @@
 #include <functional>
 #include <memory>
 
-// The supported-PID loop: asks a service for its maps of supported PIDs (00, 20, 40 ... as far as they are announced,
-// SAE J1979) and lists them by ECU. While it runs every reply goes to it instead of the current step machine.
-// For service 01 it also asks the person when the car answers otherwise than the one stored.
+// The supported-PID loop: asks a service for its maps of supported PIDs (00, 20, 40 ... as far as they are
+// announced, SAE J1979) and lists them by ECU. While it runs every reply goes to it instead of the current
+// step machine. For service 01 it also asks the person when the car answers otherwise than the one stored.
 class inner_process_pid_support {
 public:
     using finished = std::function<void(const obd_groups&)>;
 
     inner_process_pid_support(operation_context& its_context, task_controller& its_controller);
 
-    // Asks with the service `mode` ("01") and a suffix after each PID ("" or " 00"). When it is done, `done` gets the
-    // list, and the current task goes on at `next_step`.
+    // Asks with the service `mode` ("01") and a suffix after each PID ("" or " 00"). When it is done, `done`
+    // gets the list, and the current task goes on at `next_step`.
     void start(const QString& mode, const QString& suffix, int next_step, finished done);
     void l_inner_process_pid_support(const QString& reply);
 
@@ -24,6 +24,7 @@ private:
     void take_maps(const QString& reply);
     bool next_group_wanted() const;
     void send_next();
+    void ask(const QString& expected);
     void no_more_groups();
     void ask_whether_same_car();
     void go_on();

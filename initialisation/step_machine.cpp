@@ -29,6 +29,13 @@ void step_machine::send_with_headers(int next, const QString& command, const QSt
     context.link.sendOBDcmd_n(command + QLatin1Char('\r'), expected, true);
 }
 
+void step_machine::ask(int next, const QString& command) {
+    if (state.headers_shown)
+        send_with_headers(next, command);
+    else
+        send(next, command, positive_reply_of(command));
+}
+
 bool has_no_data(const QString& reply) {
     if (reply == no_reply || reply.contains(QLatin1String("NODATA")))
         return true;

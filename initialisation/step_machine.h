@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 
-// One reply-driven operation. Each call of run() works on the reply to the command sent before, by the step in
-// `cur_step`, and sends the next command with the step that handles its reply. A failure inside a step is shown
-// and ends the operation.
+// One reply-driven operation. Each call of run() works on the reply to the command sent before, by the step
+// in `cur_step`, and sends the next command with the step that handles its reply. A failure inside a step is
+// shown and ends the operation.
 class step_machine {
 public:
     step_machine(operation_context& its_context, task_controller& its_controller)
@@ -25,6 +25,9 @@ protected:
     void send(int next, const QString& command, const QString& expected);
     // The same for a request whose reply is checked by message, headers shown.
     void send_with_headers(int next, const QString& command, const QString& expected = QString());
+
+    // The same for a request whose reply is read with headers or without, as the adapter shows them now.
+    void ask(int next, const QString& command);
 
     void show(const QString& status) { controller.set_status_msg(status); }
     void leave(const QString& status = QStringLiteral("")) { controller.leave_cur_op_gracefully(status); }

@@ -2,6 +2,7 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
+#include "link/bluetooth_transport.h"
 #include "link/simulated_adapter.h"
 #include "link/wifi_transport.h"
 
@@ -10,22 +11,27 @@ constexpr int first_task_delay_ms = 800;
 constexpr int message_delay_ms = 500;
 constexpr int toast_clearing_ms = 1700;
 constexpr int car_running_hint_tick = 15;
+constexpr int reset_ms = 1000;
 } // namespace
 
 std::unique_ptr<transport> make_transport(const process_state& process) {
     switch (process.interface_kind) {
     case interface_wifi: return std::make_unique<wifi_transport>(process);
     case interface_simulated: return std::make_unique<simulated_adapter>();
-    default: return nullptr;
+    default: return std::make_unique<bluetooth_transport>(process);
     }
 }
 
 adapter_link::adapter_link(process_state& process, timers& time_source, screen& its_screen,
                            transport_maker make_transport)
     : state(process), clock(time_source), view(its_screen), maker(std::move(make_transport)),
-      traffic(process, time_source, *this),
+      traffic(process, time_source, *this), quirks(process),
       watchdog(
-          time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); }, [this] { never_opened(); }) {}
+          time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); },
+          [this] { never_opened(); }),
+      again(
+          time_source, [this](int seconds, int attempt) { tell_pause(seconds, attempt); },
+          [this](int attempt) { open_again(attempt); }) {}
 
 adapter_link::~adapter_link() {
     if (link)
@@ -33,6 +39,7 @@ adapter_link::~adapter_link() {
 }
 
 void adapter_link::set_controller(task_controller* next) {
+    again.stop(); // first: the operation does not go on
     if (controller)
         controller->leave_cur_op_gracefully(QStringLiteral(""));
     stop_opening();
@@ -41,7 +48,7 @@ void adapter_link::set_controller(task_controller* next) {
     controller = next;
 }
 
-// --- opening and closing -------------------------------------------------------------------------------------
+// --- opening and closing -----------------------------------------------------------------------------------
 
 void adapter_link::make_sure_of_transport() {
     if (link && link_kind == state.interface_kind)
@@ -50,8 +57,6 @@ void adapter_link::make_sure_of_transport() {
         disconnect();
     link = maker(state);
     link_kind = state.interface_kind;
-    if (!link)
-        return;
     connect(link.get(), &transport::opened, this, &adapter_link::link_opened);
     connect(link.get(), &transport::failed, this, &adapter_link::link_failed);
     connect(link.get(), &transport::closed, this, &adapter_link::link_closed);
@@ -63,12 +68,9 @@ void adapter_link::make_sure_of_transport() {
 }
 
 bool adapter_link::openInterfaceConnection() {
+    again.stop();
     make_sure_of_transport();
-    if (!link) {
-        l_leave_cur_op_gracefully(QStringLiteral("Bluetooth is not available yet: choose Wi-Fi in the preferences"));
-        return false;
-    }
-    return openTCP_socky();
+    return state.interface_kind == interface_bluetooth ? openSerialPortProfile() : openTCP_socky();
 }
 
 bool adapter_link::openTCP_socky() {
@@ -86,8 +88,9 @@ bool adapter_link::openTCP_socky() {
     if (state.interface_kind == interface_wifi) {
         const QString trying = fill(QStringLiteral("Trying: %@:%d "), {state.wifi_ip, state.wifi_port});
         l_set_status_msg(trying);
-        l_set_toast_msg(fill(QStringLiteral("%@\n\nMake sure you connected to your\n OBD WiFi interface beforehand "),
-                             {trying}));
+        l_set_toast_msg(
+            fill(QStringLiteral("%@\n\nMake sure you connected to your\n OBD WiFi interface beforehand "),
+                 {trying}));
     }
     link->open();
     Q_EMIT condition_changed();
@@ -103,7 +106,13 @@ void adapter_link::forget_adapter() {
 }
 
 void adapter_link::disconnect() {
+    again.stop();
+    close_link();
+}
+
+void adapter_link::close_link() {
     stop_timers();
+    asked.reset();
     if (link)
         link->close();
     forget_adapter();
@@ -112,9 +121,12 @@ void adapter_link::disconnect() {
 
 void adapter_link::link_opened() {
     watchdog.stop();
+    again.opened();
     forget_adapter();
     if (state.interface_kind == interface_simulated) {
         state.tcpConnectReady = true;
+    } else if (state.interface_kind == interface_bluetooth) {
+        channel_opened();
     } else {
         l_set_status_msg(QStringLiteral("TCP Connected!! ... Sending intial request"));
         l_set_toast_msg(QStringLiteral(""));
@@ -128,33 +140,43 @@ void adapter_link::link_opened() {
 }
 
 void adapter_link::link_failed(const QString& reason) {
+    if (again.is_active()) {
+        if (!is_connected()) // else closed() follows
+            again.next_try();
+        return;
+    }
+    if (state.interface_kind == interface_bluetooth)
+        return channel_refused(reason, QStringLiteral("Connection to BT lost"));
     l_set_status_msg(fill(QStringLiteral("Couldn't connect...Please Check\n\n%@"), {reason}));
     Q_EMIT condition_changed();
 }
 
 void adapter_link::link_closed() {
-    const bool was_working = traffic.is_in_flight();
-    disconnect();
-    l_leave_cur_op_gracefully(QStringLiteral(""));
-    l_set_status_msg(QStringLiteral("Disconnected"));
-    if (was_working)
-        pop_a_messy(QStringLiteral("The adapter closed the connection before it had answered. Check that it has "
-                                   "power and that this computer is still in its network, then start again."));
+    if (fell_at_reset())
+        return;
+    if (state.interface_kind == interface_bluetooth)
+        return link_lost(QStringLiteral("Connection to BT lost"), QStringLiteral("is near this computer"));
+    link_lost(QStringLiteral("Disconnected"), QStringLiteral("that this computer is still in its network"));
 }
 
 void adapter_link::stop_opening() {
-    if (is_opening() || watchdog.is_running())
+    const bool is_coming = is_opening() || watchdog.is_running() || asked || reopening;
+    task_waits = false;
+    again.stop();
+    if (is_coming)
         disconnect();
 }
 
 void adapter_link::still_waiting(int tick, bool quiet) {
-    if (!is_opening())
-        link->open(); // refused: the adapter may be starting up
+    link->open(); // where it was refused: the adapter may be starting up
     if (quiet || is_connected())
         return;
-    QString text = fill(localised(QStringLiteral("TOAST_WIFI_NOT_RESP_RETRY")),
-                        {state.wifi_ip, state.wifi_port, QString::number(tick),
-                         QString::number(connect_watchdog::last_tick)});
+    const QString seconds = QString::number(tick), of = QString::number(connect_watchdog::last_tick);
+    QString text =
+        state.interface_kind == interface_bluetooth
+            ? fill(localised(QStringLiteral("TOAST_BT_NOT_RESP_RETRY")), {state.last_BT_Device, seconds, of})
+            : fill(localised(QStringLiteral("TOAST_WIFI_NOT_RESP_RETRY")),
+                   {state.wifi_ip, state.wifi_port, seconds, of});
     if (tick >= car_running_hint_tick)
         text += QStringLiteral("\n\n") + localised(QStringLiteral("TOAST_SOME_VEH_RUNNG"));
     l_set_toast_msg(text);
@@ -164,16 +186,28 @@ void adapter_link::still_waiting(int tick, bool quiet) {
 void adapter_link::never_opened() {
     view.play_sound(sound_alert);
     disconnect();
-    l_leave_cur_op_gracefully(QStringLiteral("")); // first: it hides the toast
-    const QString text = localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"));
+    const bool is_bluetooth = state.interface_kind == interface_bluetooth;
+    if (!is_bluetooth)
+        l_leave_cur_op_gracefully(QStringLiteral("")); // first: it hides the toast
+    const QString text = is_bluetooth
+                             ? fill(localised(QStringLiteral("TOAST_BT_CONN_FAILED")), {state.last_BT_Device})
+                             : localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"));
     l_set_toast_msg(text);
     l_set_status_msg(text);
+    if (is_bluetooth)
+        ask_for_device(
+            QStringLiteral("%1 did not answer. Check that its lamp is lit and that it is paired, or "
+                           "choose another device.")
+                .arg(state.last_BT_Device),
+            QStringLiteral(""));
     late_toast_clearing = clock.one_shot(toast_clearing_ms, [this] { l_set_toast_msg(QStringLiteral("")); });
 }
 
-// --- commands and replies ------------------------------------------------------------------------------------
+// --- commands and replies ----------------------------------------------------------------------------------
 
 void adapter_link::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
+    if (quirks.falls_silent_at(command))
+        return traffic.take_as_unknown(command, expectedReply);
     traffic.sendOBDcmd_n(command, expectedReply, msg_has_hdr);
 }
 
@@ -182,18 +216,27 @@ void adapter_link::sendOBDcmd(const QString& command) {
 }
 
 void adapter_link::transmit(const QByteArray& command) {
+    if (state.cur_op == op_expert)
+        far_end_changed(); // a command typed by hand may have changed anything
+    if (command.startsWith("AT Z"))
+        reset_under_way = clock.one_shot(reset_ms, [this] { reset_under_way.reset(); });
     if (link)
         link->write(command);
 }
 
 void adapter_link::reply_arrived(const QString& reply) {
     const QString& command = traffic.current_command();
+    if (reply != no_reply && !quirks.falls_silent_at(command))
+        quirks.answered(command);
+    if (state.cur_task != op_initialise && reply != no_reply)
+        again.stop(); // the new link holds
     if (command.startsWith(QLatin1String("AT H1")) && reply.contains(QLatin1String("OK")))
         state.headers_shown = true;
     else if (command.startsWith(QLatin1String("AT H0")) && reply.contains(QLatin1String("OK")))
         state.headers_shown = false;
     else if (command.startsWith(QLatin1String("AT Z")))
         state.headers_shown = false;
+    reset_under_way.reset();
     if (state.tcpConnectReady && controller)
         controller->handleOBDRcvdMsg(reply);
 }
@@ -206,13 +249,22 @@ void adapter_link::redo_current_step() {
 
 void adapter_link::command_unanswered() {
     view.beep();
-    l_leave_cur_op_gracefully(QStringLiteral(""));
-    disconnect();
-    late_message = clock.one_shot(
-        message_delay_ms, [this] { pop_a_messy(localised(QStringLiteral("DLG_4_TIMEOUTS_CHECK"))); });
+    if (state.adapter_known) // so it is alive, and did not answer this
+        quirks.unanswered(traffic.current_command());
+    if (controller && controller->on_link_lost() == task_controller::link_loss::goes_on) {
+        close_link();
+        again.next_try();
+    } else {
+        l_leave_cur_op_gracefully(QStringLiteral(""));
+        disconnect();
+    }
+    if (again.tries() <= 1) // once for a link that is tried for again and again
+        late_message = clock.one_shot(message_delay_ms, [this] {
+            view.show_message(QString(), localised(QStringLiteral("DLG_4_TIMEOUTS_CHECK")));
+        });
 }
 
-// --- the current controller ----------------------------------------------------------------------------------
+// --- the current controller --------------------------------------------------------------------------------
 
 void adapter_link::l_set_status_msg(const QString& status) {
     if (controller)
@@ -233,6 +285,8 @@ void adapter_link::l_work_current_task(const QString& status) {
 }
 
 void adapter_link::l_leave_cur_op_gracefully(const QString& status) {
+    again.stop();
+    task_waits = false;
     stop_timers();
     traffic.abandon();
     if (!status.isEmpty())
@@ -245,8 +299,11 @@ void adapter_link::stop_timers() {
     traffic.stop_timer();
     watchdog.stop();
     first_task.reset();
+    reset_under_way.reset();
+    reopening.reset();
 }
 
 void adapter_link::pop_a_messy(const QString& text) {
-    view.show_message(QString(), text);
+    if (!again.is_active()) // else the status tells, try after try
+        view.show_message(QString(), text);
 }

@@ -3,8 +3,10 @@
 #include "base/process_state.h"
 #include "base/screen.h"
 #include "base/timers.h"
+#include "link/adapter_quirks.h"
 #include "link/connect_watchdog.h"
 #include "link/exchange.h"
+#include "link/reconnecting.h"
 #include "link/task_controller.h"
 #include "link/transport.h"
 
@@ -12,9 +14,9 @@
 #include <functional>
 #include <memory>
 
-// The one link to the adapter, for the life of the process: it opens and closes the transport, carries commands
-// and replies through the exchange, and tells the current task controller what happens. Everything runs on the
-// main thread. The process state, the timers and the screen outlive it.
+// The one link to the adapter, for the life of the process: it opens and closes the transport, carries
+// commands and replies through the exchange, and tells the current task controller what happens. Everything
+// runs on the main thread. The process state, the timers and the screen outlive it.
 class adapter_link : public QObject, private exchange_owner {
     Q_OBJECT
 
@@ -22,22 +24,34 @@ public:
     using transport_maker = std::function<std::unique_ptr<transport>(const process_state&)>;
 
     // `make_transport` builds the transport for the interface kind of the process state, anew for each kind.
-    adapter_link(process_state& process, timers& time_source, screen& its_screen, transport_maker make_transport);
+    adapter_link(process_state& process, timers& time_source, screen& its_screen,
+                 transport_maker make_transport);
     ~adapter_link() override;
 
     // The controller that gets replies; the one before leaves its operation first. May be null.
     void set_controller(task_controller* controller);
     task_controller* mainViewController() const { return controller; }
 
-    // Opens the link. True when it is up, so that the operation may start at once; false when it is still opening
-    // (the controller's work_current_task() is called when it is up) or could not be opened.
+    // Opens the link. True when it is up, so that the operation may start at once; false when it is still
+    // opening (the controller's work_current_task() is called when it is up) or could not be opened.
     bool openInterfaceConnection();
     // Closes it, whatever its state.
     void disconnect();
-    // Gives up a link that is still opening; an open one stays.
+    // Lets the person choose the Bluetooth device, and opens the link to it. Nothing while the link is
+    // another.
+    void choose_bluetooth_device();
+    // Gives up a link that is still opening, and one that was lost; an open one stays.
     void stop_opening();
+    // A lost link is opened again by itself, from its loss until an operation has an answer over it.
+    bool is_reconnecting() const { return again.is_active(); }
+    // Over the new link the operation cannot go on yet: closes it and tries again after a pause. False when
+    // no lost link is being opened again: the operation is over.
+    bool try_again_later();
     bool is_connected() const { return link && link->state() == transport::condition::open; }
-    bool is_opening() const { return link && link->state() == transport::condition::opening; }
+    bool is_opening() const {
+        return (link && link->state() == transport::condition::opening) ||
+               (again.is_active() && !is_connected());
+    }
 
     // See exchange.
     void sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr);
@@ -46,8 +60,12 @@ public:
     void send_again() { traffic.send_again(); }
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command(); }
+    // The adapter was initialised, or has to be anew: tells those who show what stands at the far end.
+    void far_end_changed() { Q_EMIT condition_changed(); }
     // True inside work_current_task() when the current step is to be redone after a time-out.
     bool is_redo() const { return redo; }
+    // False for an adapter whose link fell at "AT Z" before.
+    bool may_be_reset() const { return quirks.may_be_reset(); }
 
     void l_set_status_msg(const QString& status);
     void l_set_toast_msg(const QString& toast);
@@ -59,6 +77,8 @@ public:
     void pop_a_messy(const QString& text) override;
 
 Q_SIGNALS:
+    // The Bluetooth device in the process state is the one to remember.
+    void device_taken();
     // The link opened, closed or began to open; or what stands at its far end became known.
     void condition_changed();
 
@@ -73,7 +93,19 @@ private:
 
     void make_sure_of_transport();
     bool openTCP_socky();
+    bool openSerialPortProfile();
+    // `status_for_none`: what the operation is left with when no device is chosen; null: it goes on.
+    void ask_for_device(const QString& why, const QString& status_for_none);
+    void take_device(const QString& address, const QString& name);
+    void open_channel();
+    void channel_opened();
+    void channel_refused(const QString& reason, const QString& status_for_none);
+    void close_link();
     void forget_adapter();
+    void link_lost(const QString& status, const QString& what_to_check);
+    bool fell_at_reset();
+    void tell_pause(int seconds, int attempt);
+    void open_again(int attempt);
     void link_opened();
     void link_failed(const QString& reason);
     void link_closed();
@@ -85,13 +117,19 @@ private:
     screen& view;
     transport_maker maker;
     exchange traffic;
+    adapter_quirks quirks;
     connect_watchdog watchdog;
+    reconnecting again;
     std::unique_ptr<transport> link;
     int link_kind = 0;
     task_controller* controller = nullptr;
     bool redo = false;
+    bool task_waits = false;    // an operation starts when the Bluetooth channel is open
+    std::shared_ptr<int> asked; // the question for a device that waits for its answer
 
-    timer_handle first_task; // the first task of a connection starts a moment after it opened
+    timer_handle reset_under_way; // for a second after "AT Z" was sent
+    timer_handle reopening;       // an adapter that the reset took away is given time to come back
+    timer_handle first_task;      // the first task of a connection starts a moment after it opened
     timer_handle late_toast_clearing;
     timer_handle late_message;
 };

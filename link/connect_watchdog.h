@@ -2,8 +2,8 @@
 
 #include "base/timers.h"
 
-// Watches a link that is opening: once a second, until it is stopped. The first six seconds are quiet; after the
-// twentieth tick it gives up.
+// Watches a link that is opening: once a second, until it is stopped. The first six seconds are quiet; after
+// the twentieth tick it gives up.
 class connect_watchdog {
 public:
     // `waiting(tick)` is called on each tick, `quiet` telling whether it is one of the first six;

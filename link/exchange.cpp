@@ -15,7 +15,7 @@ int seconds_of_suffix(const QString& suffix) {
     bool ok = false;
     const double seconds = suffix.trimmed().toDouble(&ok);
     return ok && seconds >= 1 && seconds <= longest_timeout_secs ? static_cast<int>(seconds)
-                                                                  : default_timeout_secs;
+                                                                 : default_timeout_secs;
 }
 
 } // namespace
@@ -24,6 +24,11 @@ exchange::exchange(process_state& process, timers& time_source, exchange_owner& 
     : state(process), clock(time_source), owner(its_owner) {}
 
 void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
+    keep_command(command, expectedReply, msg_has_hdr);
+    sendOBDcmd(QString(cur_cmd));
+}
+
+void exchange::keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
     cur_expectedReply = expectedReply;
     cur_reply_has_hdr = msg_has_hdr;
     state.cmd_timeout_secs = default_timeout_secs;
@@ -34,7 +39,15 @@ void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply
         cur_cmd = command.first(bar) + QLatin1Char('\r');
         state.cmd_timeout_secs = seconds_of_suffix(command.sliced(bar + 1));
     }
-    sendOBDcmd(QString(cur_cmd));
+}
+
+void exchange::take_as_unknown(const QString& command, const QString& expectedReply) {
+    const QString unknown = QStringLiteral("?");
+    keep_command(command, expectedReply, false);
+    stop_timer();
+    state.obd_msgs.clear();
+    const reply_verdict verdict = work_a_rcvdOBD_cmd(unknown, in_force(), state.cur_protocol, 0);
+    hand_on(verdict.result == reply_accepted ? unknown : no_reply);
 }
 
 void exchange::sendOBDcmd(const QString& command) {
@@ -102,7 +115,7 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
 // Works on the text up to the prompt. True when it was a late reply, so that the next one is still looked at.
 bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     stop_timer();
-    state.timeout_retry_count = 0;
+    const int timeouts = std::exchange(state.timeout_retry_count, 0);
     state.reply_pending = 0;
     const QString raw = cut_reply(bytes, prompt);
     outstanding = std::max(0, outstanding - 1);
@@ -114,7 +127,10 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
         console_log(QStringLiteral("handleOBDRcvdNotification: reply longer than %1 bytes, not decoded")
                         .arg(rx_buffer::limit));
     // A reply that was cut is never decoded: what follows sees an empty one.
-    return check_reply(is_cut ? QString() : prepReply(raw), raw);
+    const bool is_late = check_reply(is_cut ? QString() : prepReply(raw), raw);
+    if (is_late)
+        state.timeout_retry_count = timeouts; // what is being asked for has not been answered
+    return is_late;
 }
 
 // True when the reply is a late one to an earlier try, so that the next prompt is the one to wait for.

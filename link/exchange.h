@@ -21,9 +21,9 @@ public:
     virtual void command_unanswered() = 0;
 };
 
-// The command in flight: sent, timed, its reply cut at ">", normalised, checked, asked again or given up. At most
-// one command waits for a reply at any time; only its reply is handed on. Lives as long as its owner and the
-// process state it works on.
+// The command in flight: sent, timed, its reply cut at ">", normalised, checked, asked again or given up. At
+// most one command waits for a reply at any time; only its reply is handed on. Lives as long as its owner and
+// the process state it works on.
 class exchange {
 public:
     exchange(process_state& process, timers& time_source, exchange_owner& its_owner);
@@ -31,9 +31,12 @@ public:
     // Sends a command ("01 00\r") that may carry its own time-out in seconds ("01 00|12.0\r"; 3 without one).
     // `expectedReply`: alternatives separated by "|", or null for a reply that is checked by message.
     void sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr);
-    // Sends the text as it is, under the time-out in force; the expert console's way, and how a command is sent again.
+    // Sends the text as it is, under the time-out in force; the expert console's way, and how a command is
+    // sent again.
     void sendOBDcmd(const QString& command);
     void send_again() { sendOBDcmd(cur_cmd); }
+    // As if the command had been sent and the adapter did not know it ("?"), without a byte on the link.
+    void take_as_unknown(const QString& command, const QString& expectedReply);
 
     // Text from the adapter, in pieces of any size.
     void handleOBDRcvdNotification(const QString& text);
@@ -48,6 +51,7 @@ public:
     const QString& current_command() const { return cur_cmd; }
 
 private:
+    void keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr);
     void obdTimedOutHandler();
     bool take_reply(QByteArrayView bytes, qsizetype prompt);
     QString cut_reply(QByteArrayView bytes, qsizetype prompt);
@@ -66,8 +70,8 @@ private:
     timer_handle obdTimeOutTimer;
     bool in_flight = false;
 
-    // Commands written whose prompt has not come. More than one after a time-out: the reply to the first try may
-    // still come, ahead of the reply to the second.
+    // Commands written whose prompt has not come. More than one after a time-out: the reply to the first try
+    // may still come, ahead of the reply to the second.
     int outstanding = 0;
     sent_command unanswered; // the last one that timed out or was abandoned, and may still be answered
 };

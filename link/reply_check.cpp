@@ -29,8 +29,10 @@ QString digits_of_request(const QString& command) {
     return digits.removeIf([](QChar c) { return c == u'\r' || c == u' '; });
 }
 
-// A request answered with headers shown: the first ECU's data must begin with the answer to this very request.
-bool message_confirmed(const QString& reply, const sent_command& command, int protocol, obd_messages& messages) {
+// A request answered with headers shown: the first ECU's data must begin with the answer to this very
+// request.
+bool message_confirmed(const QString& reply, const sent_command& command, int protocol,
+                       obd_messages& messages) {
     if (protocol == -1 || reply == QLatin1String("?"))
         return true;
     messages = pullObdMsgs(reply, protocol);

@@ -28,8 +28,8 @@ reply_verdict work_a_rcvdOBD_cmd(const QString& reply, const sent_command& comma
 reply_verdict unconfirmed(int no_confirm_count);
 
 // The pattern of a positive reply to a request that is asked without headers: the service plus 40 (hex), then
-// the PID, or for service 22 the identifier ("02 0C 00" gives "420C", "22 10 2A" gives "62102A", "04" gives "44").
-// An AT command gives "OK".
+// the PID, or for service 22 the identifier ("02 0C 00" gives "420C", "22 10 2A" gives "62102A", "04" gives
+// "44"). An AT command gives "OK".
 QString positive_reply_of(const QString& command);
 
 // The adapter's error words.

@@ -2,8 +2,8 @@
 
 #include "link/transport.h"
 
-// Stands in for an adapter: a handful of commands with canned replies, one car on ISO 9141-2 with two stored codes.
-// Each reply is delivered before write() returns.
+// Stands in for an adapter: a handful of commands with canned replies, one car on ISO 9141-2 with two stored
+// codes. Each reply is delivered before write() returns.
 class simulated_adapter : public transport {
     Q_OBJECT
 

@@ -8,9 +8,9 @@
 //
 //   closed --open()--> opening --opened()--> open --close() or closed()--> closed
 //
-// open() while opening or open does nothing. failed() may come while opening (the transport is closed again and
-// can be opened anew) and while open (closed() follows). close() emits nothing. Signals may be emitted inside
-// open() and write().
+// open() while opening or open does nothing. failed() may come while opening (the transport is closed again
+// and can be opened anew) and while open (closed() follows). close() emits nothing. Signals may be emitted
+// inside open() and write().
 class transport : public QObject {
     Q_OBJECT
 
@@ -22,6 +22,8 @@ public:
     virtual void close() = 0;
     // Writes the command, which ends in "\r", whole. Nothing is written unless the transport is open.
     virtual void write(const QByteArray& command) = 0;
+    // What the far end is called, "" when that is not known.
+    virtual QString far_end_name() const { return {}; }
 
 Q_SIGNALS:
     void opened();

@@ -5,8 +5,8 @@
 
 #include <QTcpSocket>
 
-// The TCP connection to a Wi-Fi adapter at the address and port of the process state. Commands are written without
-// delay (Nagle's algorithm is off): each is answered before the next is sent.
+// The TCP connection to a Wi-Fi adapter at the address and port of the process state. Commands are written
+// without delay (Nagle's algorithm is off): each is answered before the next is sent.
 class wifi_transport : public transport {
     Q_OBJECT
 

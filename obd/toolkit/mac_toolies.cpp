@@ -8,6 +8,7 @@
 #include "obd/pid_translation.h"
 #include "obd/trouble_codes.h"
 #include "obd/vin.h"
+#include "obd/whole_answer.h"
 #include "persistence/vehicles.h"
 
 QStringList first_sample_pids() {
@@ -17,7 +18,7 @@ QStringList first_sample_pids() {
 mac_toolies::mac_toolies(process_state& process, user_defaults& settings, database& store)
     : state(process), defaults(settings), db(store) {}
 
-// --- replies -------------------------------------------------------------------------------------------------
+// --- replies -----------------------------------------------------------------------------------------------
 
 obd_messages mac_toolies::pullObdMsgs(const QString& reply) const {
     return ::pullObdMsgs(reply, state.cur_protocol);
@@ -40,7 +41,10 @@ QString mac_toolies::data_of_single_message(const QString& body) const {
 }
 
 QString mac_toolies::data_of_answer(const QStringList& bodies) const {
-    return bodies.size() == 1 ? data_of_single_message(bodies.first()) : l_pullOBDFromSingleGroupedMsg(bodies);
+    if (is_can(state.cur_protocol) && !is_whole_can_answer(bodies))
+        return not_available;
+    return bodies.size() == 1 ? data_of_single_message(bodies.first())
+                              : l_pullOBDFromSingleGroupedMsg(bodies);
 }
 
 QString mac_toolies::l_pull_ECU(const QString& header) const {
@@ -59,7 +63,7 @@ QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const 
     return ::encode_to_OBD(this_pid, value, units());
 }
 
-// --- supported PIDs ------------------------------------------------------------------------------------------
+// --- supported PIDs ----------------------------------------------------------------------------------------
 
 void mac_toolies::handle_00_replies(const QString& reply, int this_pid_group) {
     ::handle_00_replies(reply, this_pid_group, bitmaps);
@@ -67,10 +71,12 @@ void mac_toolies::handle_00_replies(const QString& reply, int this_pid_group) {
 
 bool mac_toolies::is_this_code_available(const QString& this_pid, int this_pid_set) const {
     const bool is_held = this_pid_set >= 0 && this_pid_set < static_cast<int>(bitmaps.size());
-    return is_held && ::is_this_code_available(bitmaps[static_cast<size_t>(this_pid_set)], this_pid, this_pid_set);
+    return is_held &&
+           ::is_this_code_available(bitmaps[static_cast<size_t>(this_pid_set)], this_pid, this_pid_set);
 }
 
-bool mac_toolies::isEveryItemInSampleSetAvailable(const QStringList& samples, const obd_groups& availablePIDs) const {
+bool mac_toolies::isEveryItemInSampleSetAvailable(const QStringList& samples,
+                                                  const obd_groups& availablePIDs) const {
     return ::isEveryItemInSampleSetAvailable(samples, availablePIDs, state.cur_protocol);
 }
 
@@ -97,7 +103,7 @@ bool mac_toolies::save_pids_available(const obd_groups& available) {
     return store_pids_available(db, state.cur_veh_id, available);
 }
 
-// --- values and names ----------------------------------------------------------------------------------------
+// --- values and names --------------------------------------------------------------------------------------
 
 QString mac_toolies::translateResponse(const QString& reply) const {
     return ::translateResponse(reply, units(), state.boost_reference_kpa, resources);
@@ -139,13 +145,15 @@ QString mac_toolies::pullAsciiStr(const QString& hex) const {
     return ::pullAsciiStr(hex);
 }
 
-// --- test results --------------------------------------------------------------------------------------------
+// --- test results ------------------------------------------------------------------------------------------
 
-QString mac_toolies::CAN_scale_and_units(const QString& uasid, const QString& this_value, bool with_units) const {
+QString mac_toolies::CAN_scale_and_units(const QString& uasid, const QString& this_value,
+                                         bool with_units) const {
     return ::CAN_scale_and_units(uasid, this_value, with_units);
 }
 
-QString mac_toolies::grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier, bool is_OBDMID) const {
+QString mac_toolies::grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier,
+                                                              bool is_OBDMID) const {
     return ::grab_CAN_mode6_OBDMID_TESTID_description(identifier, is_OBDMID, resources);
 }
 
@@ -153,7 +161,7 @@ void mac_toolies::fixArrayForMode6(QStringList& obdmids) const {
     ::fixArrayForMode6(obdmids);
 }
 
-// --- trouble codes and readiness -----------------------------------------------------------------------------
+// --- trouble codes and readiness ---------------------------------------------------------------------------
 
 obd_groups mac_toolies::l_workoutReadCodes(const QString& reply) const {
     return ::l_workoutReadCodes(reply, state.cur_protocol);
@@ -167,10 +175,23 @@ QList<readiness_row> mac_toolies::handle_readiness_codes(const QString& these_fl
     return ::handle_readiness_codes(these_flags, resources);
 }
 
-// --- settings ------------------------------------------------------------------------------------------------
+// --- settings ----------------------------------------------------------------------------------------------
 
 unit_system mac_toolies::units() const {
-    return defaults.boolean(QStringLiteral("BV_metric_units"), false) ? unit_system::metric : unit_system::imperial;
+    return defaults.boolean(QStringLiteral("BV_metric_units"), false) ? unit_system::metric
+                                                                      : unit_system::imperial;
+}
+
+bool mac_toolies::standard_reading() const {
+    return defaults.boolean(QStringLiteral("BV_standard_reading"), false);
+}
+
+// What the command line asked for holds until the person chooses otherwise.
+void mac_toolies::set_standard_reading(bool shown) {
+    const QString key = QStringLiteral("BV_standard_reading");
+    defaults.set(key, shown);
+    if (defaults.boolean(key, shown) != shown)
+        defaults.override_for_this_run(key, shown);
 }
 
 void mac_toolies::setDefaults() {
@@ -183,5 +204,6 @@ void mac_toolies::setDefaults() {
     defaults.set(QStringLiteral("BV_log_timeStamp"), false);
     defaults.set(QStringLiteral("BV_sample_rate"),   -1);
     // clang-format on
+    set_standard_reading(false);
     save_pids_2_sample_prefs(first_sample_pids());
 }

@@ -11,7 +11,8 @@
 
 // The toolkit: everything that the controllers ask about replies, values, codes, vehicles and stored results,
 // one line an operation. It reads the process state and the user defaults afresh and forwards to the pure
-// modules and the database; it keeps nothing itself. The process state, the defaults and the database outlive it.
+// modules and the database; it keeps nothing itself. The process state, the defaults and the database outlive
+// it.
 class mac_toolies {
 public:
     mac_toolies(process_state& process, user_defaults& settings, database& store);
@@ -67,6 +68,9 @@ public:
 
     // Settings
     unit_system units() const;
+    // True when results are shown as SAE J1979 reads the replies (obd/standard_reading).
+    bool standard_reading() const;
+    void set_standard_reading(bool shown);
     // Writes the first values of every default.
     void setDefaults();
 

@@ -48,6 +48,7 @@ public:
 class initialisation : public testing::Test, protected adapter_bench {
 protected:
     plain_controller controller{*this};
+    bool told_ready = false; // to whom it may concern, when the condition of the link last changed
 
     initialisation() {
         link.set_controller(&controller);
@@ -64,10 +65,14 @@ protected:
             link.openInterfaceConnection();
             clock.advance(800);
             state.cur_protocol = 6;
+            state.headers_shown = true;
             const QString suffix = mode == "02" ? " 00" : "";
             controller.pid_loop.start(mode, suffix, 201,
                                       [this](const obd_groups& ecus) { controller.found = text_of(ecus); });
         };
+        QObject::connect(&link, &adapter_link::condition_changed, &link,
+                         [this] { told_ready = state.adapter_ready; });
+        facts["told"] = [this] { return told_ready ? "ready" : "not ready"; };
         facts["found"] = [this] { return controller.found; };
         facts["step"] = [this] { return QString::number(state.cur_step); };
         facts["task"] = [this] { return QString::number(state.cur_task); };
@@ -101,6 +106,17 @@ TEST_F(initialisation, asks_other_services_for_their_maps) {
               "");
 }
 
+TEST_F(initialisation, finds_the_car_behind_a_chip_that_refuses_headers) {
+    controller.cur_reply_cp = "~"; // "AT H1" was given up
+    EXPECT_EQ(played("! step 333\n= told not ready\n> AT DPN\n< A6\n> 01 00 |12\n< 41 00 C0 00 00 01 \n"
+                     "> AT DPN\n< A6\n"
+                     "> 01 00\n< 7F 01 12\n> 01 00\n< 41 00 C0 00 00 01 \n< 41 00 80 00 00 00 \n"
+                     "> 01 20\n< 41 20 80 00 00 00 \n"
+                     "= shown status: AT H1 not supported by current chip\n= never message\n"
+                     "= pids  01 02 20 21\n= ready yes\n= told ready\n= step 0"),
+              "");
+}
+
 TEST_F(initialisation, the_further_steps_that_no_step_leads_to) {
     state.cur_protocol = 6;
     controller.cur_reply_cp = "NODATA";
@@ -128,6 +144,32 @@ TEST_F(initialisation, an_adapter_that_never_goes_automatic_is_given_up) {
         EXPECT_EQ(played(start + untold + "> AT SP A3\n< OK\n" + untold +
                          "= shown status: The adapter does not tell its protocol\n= step -1"),
                   "");
+}
+
+// Blank lines, another system's line ends, NUL, notices before the answer, a prompt glued to what follows.
+TEST_F(initialisation, bears_the_noise_of_adapters) {
+    EXPECT_EQ(
+        played(
+            "! step 0\n> AT Z\n| AT Z\\r\\r\\n\\r\\nELM327 v1.5\\r\\n\\r\\n>\n"
+            "> AT E0\n| \\0OK\\r\\n\\0\\r\\n>\n> AT I\n| ELM327\\r>\\r\\n\n"
+            "> AT DP\n| Auto, ISO 14230-4 (KWP FAST)\\r\\r>\n> AT H1\n| \\r\\rOK\\r>\n> AT DPN\n| a5\\r\\r>\n"
+            "> 01 00 |12\n| BUS INIT: ...OK\\r\\n86 F1 10 41 00 80 00 00 00 48 \\r\\n\\r\\n>\n> AT DPN\n< "
+            "A5\n"
+            "> 01 00\n| STOPPED\\r\\r>\n> 01 00\n| BUFFER FULL\\r>\n> 01 00\n"
+            "| 86 F1 10 41 00 <DATA ERROR\\r86 F1 11 41 00 80 00 00 00 49 \\r>\n"
+            "= pids 86F111 01\n= ready yes\n= never message"),
+        "");
+}
+
+TEST_F(initialisation, an_adapter_that_loses_its_link_at_the_reset_is_set_up_without) {
+    EXPECT_EQ(
+        played("! step 0\n> AT Z\n! close\n= link closed\n= shown status: This adapter closes\n! wait 1800\n"
+               "> AT E0\n< OK\n> AT E0\n< OK\n> AT I\n! close\n! step 0\n> AT E0\n"),
+        "");
+    state.wifi_port = "35001"; // another one
+    state.cur_task = op_read_codes;
+    link.disconnect();
+    EXPECT_EQ(played("! step 0\n> AT Z"), "");
 }
 
 TEST_F(initialisation, the_protocol_number) {

@@ -1,3 +1,4 @@
+#include "link/bluetooth_transport.h"
 #include "link/simulated_adapter.h"
 #include "tests/link/link_bench.h"
 
@@ -127,7 +128,7 @@ TEST_F(link_test, a_link_lost_forgets_the_adapter) {
 
 TEST_F(link_test, the_kinds_of_link) {
     state.interface_kind = interface_bluetooth;
-    EXPECT_EQ(make_transport(state), nullptr);
+    EXPECT_TRUE(dynamic_cast<bluetooth_transport*>(make_transport(state).get()));
     state.interface_kind = interface_simulated;
     EXPECT_TRUE(dynamic_cast<simulated_adapter*>(make_transport(state).get()));
     open();

@@ -13,6 +13,7 @@ public:
 
     QStringList heard;
     std::function<void()> on_work; // what it sends when its task is to start
+    link_loss when_lost = link_loss::ends;
 
     void work_current_task(const QString&) override {
         if (link.is_redo())
@@ -23,6 +24,7 @@ public:
     }
     void handleOBDRcvdMsg(const QString& reply) override { heard += "reply " + reply; }
     void leave_cur_op_gracefully(const QString&) override { heard += "leave"; }
+    link_loss on_link_lost() override { return when_lost; }
     void set_status_msg(const QString& status) override { view.show_status(status); }
     void handleOBDToast(const QString& toast) override { view.show_toast(toast); }
 

@@ -58,6 +58,13 @@ constexpr row rows[] = {
     {"  PID and freeze frame number",          "02 02 00\r", nullptr,   headers,  6, "7E8054202000133",            true},
     {"  of another freeze frame",              "02 02 00\r", nullptr,   headers,  6, "7E8054202010133",            false},
     {"  line noise",                           "03\r",       nullptr,   headers,  6, "<DATAERROR",                 false},
+    {"  in the answer's line",                 "01 0C\r",    nullptr,   headers,  6, "7E804410<DATAERROR",         false},
+    {"  interrupted",                          "01 0C\r",    nullptr,   headers,  6, "STOPPED",                    false},
+    {"  too much at once",                     "01 0C\r",    nullptr,   headers,  6, "BUFFERFULL",                 false},
+    {"  a bus that does not answer",           "01 0C\r",    nullptr,   headers,  6, "CANERROR",                   false},
+    {"  words around an answer",               "01 0C\r",    nullptr,   headers,  3, "BUSINIT:...OK\r\n\r\n486B10410C16446A\rSTOPPED", true},
+    {"  words around an answer without one",   "01 0C\r",    "410C",    plain,    6, "BUSINIT:OK\r410C1AF8\rBUFFERFULL", true},
+    {"a protocol in another spelling",         "AT DP\r",    "AUTO|ISO|SAE", plain, -1, "Auto,ISO9141-2",         true},
     {"  nothing",                              "03\r",       nullptr,   headers,  6, "",                           false},
 };
 // clang-format on

@@ -3,8 +3,6 @@
 #include "obd/readiness.h"
 #include "obd/trouble_codes.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
@@ -127,16 +125,7 @@ TEST(trouble_codes, description) {
 }
 
 TEST(readiness, rows_and_summary) {
-    QTemporaryDir folder;
-    QFile spark(folder.filePath("readinessLabels.txt"));
-    ASSERT_TRUE(spark.open(QIODevice::WriteOnly));
-    spark.write("Misfire\nFuel\nComponents\nn0\nn1\nn2\nn3\nn4\nn5\nn6\nn7");
-    spark.close();
-    QFile diesel(folder.filePath("readinessLabelsDiesel.txt"));
-    ASSERT_TRUE(diesel.open(QIODevice::WriteOnly));
-    diesel.write("Diesel misfire");
-    diesel.close();
-    const text_resources lists(folder.path());
+    const text_resources lists;
     const auto states = [](const QList<readiness_row>& rows) {
         QStringList list;
         for (const readiness_row& row : rows)
@@ -147,7 +136,7 @@ TEST(readiness, rows_and_summary) {
     const QList<readiness_row> ready = handle_readiness_codes("076500", lists);
     EXPECT_EQ(states(ready), "OK OK OK OK N/A OK N/A N/A OK OK N/A");
     EXPECT_EQ(ready[2], (readiness_row{"OK", "Components", "Continous"}));
-    EXPECT_EQ(ready[10], (readiness_row{"N/A", "n7", "Non-Continous"}));
+    EXPECT_EQ(ready[10], (readiness_row{"N/A", "EGR/VVT system", "Non-Continous"}));
     EXPECT_EQ(readiness_summary(ready), "7<font color=#66ff33>[OK]</font> out of 7 [avail] ");
 
     // Bits of monitors that are not supported say nothing.
@@ -156,8 +145,7 @@ TEST(readiness, rows_and_summary) {
     EXPECT_EQ(readiness_summary(pending), "1<font color=#66ff33>[OK]</font> out of 4 [avail] ");
 
     const QList<readiness_row> compression = handle_readiness_codes("0E E9 68", lists);
-    EXPECT_EQ(compression[0].label, "Diesel misfire");
-    EXPECT_EQ(compression[1], (readiness_row{"OK", "", "Continous"}));
+    EXPECT_EQ(compression[6], (readiness_row{"X", "Boost pressure", "Non-Continous"}));
 
     for (const char* flags : {"", "07", "0765", "NODATA"})
         EXPECT_EQ(states(handle_readiness_codes(flags, lists)),

@@ -12,10 +12,16 @@ public:
     QStringList events;
     bool is_busy = false;
     std::function<void(bool)> question;
+    std::function<void(const QString&, const QString&)> device_question;
 
     void answer(bool yes) {
         if (const auto asked = std::exchange(question, nullptr))
             asked(yes);
+    }
+    // The Bluetooth device chosen, two empty texts for none.
+    void choose(const QString& address, const QString& name) {
+        if (const auto asked = std::exchange(device_question, nullptr))
+            asked(address, name);
     }
     // The last event of a kind ("status"), without the kind; "" when there was none.
     QString last(const QString& kind) const {
@@ -34,6 +40,11 @@ public:
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override {
         note("question", joined(title, text));
         question = std::move(answer);
+    }
+    void choose_device(const QString& why,
+                       std::function<void(const QString&, const QString&)> answer) override {
+        note("choose", why);
+        device_question = std::move(answer);
     }
     void reload(const QString& list) override { note("reload", list); }
     void play_sound(int sound) override { note("sound", QString::number(sound)); }

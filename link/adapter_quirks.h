@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/process_state.h"
+
+#include <QMap>
+#include <QSet>
+
+// What cheap adapters cannot bear, by adapter (its address), from when it was found out to the end of the
+// program: one that resets its link with itself on "AT Z", and one that falls silent at a command it does not
+// know.
+class adapter_quirks {
+public:
+    // The adapter that the process state leads to.
+    explicit adapter_quirks(const process_state& process) : state(process) {}
+
+    // The link fell at "AT Z". True when that is news.
+    bool link_fell_at_reset();
+    bool may_be_reset() const { return !of_current().reset_ends_link; }
+
+    // A command was answered, or was not in all its tries although the adapter had answered others on this
+    // link. Only an AT command that never was answered is one it falls silent at: at once when little is lost
+    // without it, else after the second time, since the adapter may just have lost its power.
+    void answered(const QString& command);
+    void unanswered(const QString& command);
+    bool falls_silent_at(const QString& command) const;
+
+private:
+    struct knowledge {
+        bool reset_ends_link = false;
+        QSet<QString> answered;         // AT commands, upper case, without blanks
+        QMap<QString, int> silences_at; // how often one of the others was not answered
+    };
+    QString current_adapter() const;
+    knowledge of_current() const { return known.value(current_adapter()); }
+
+    const process_state& state;
+    QMap<QString, knowledge> known;
+};

@@ -1,0 +1,190 @@
+#include "tests/link/link_bench.h"
+
+// A link that is lost and opened again by itself, and adapters that do not bear every command.
+
+namespace {
+
+using link_loss = task_controller::link_loss;
+
+class lost_link : public link_test {
+protected:
+    lost_link() {
+        controller.on_work = [this] { ask("AT I", "ELM"); };
+    }
+    // The link is up, and the operation goes on when it is lost.
+    void begin(int kind = interface_wifi) {
+        state.interface_kind = kind;
+        state.bt_address = "AA:BB:CC:DD:EE:01";
+        open();
+        controller.when_lost = link_loss::goes_on;
+        opens_at_once = adapter->opens_at_once = false;
+    }
+    QString trying(int seconds, int attempt) {
+        return QString("Connection lost. Trying again in %1 s (try %2)").arg(seconds).arg(attempt);
+    }
+};
+
+} // namespace
+
+TEST_F(lost_link, is_opened_again_with_growing_pauses_until_it_holds) {
+    for (const int kind : {interface_wifi, interface_bluetooth}) {
+        begin(kind);
+        state.adapter_ready = state.adapter_known = true;
+        adapter->break_off();
+        EXPECT_FALSE(state.adapter_ready || state.adapter_known);
+        int attempt = 0;
+        for (const int pause : {1, 2, 4, 8, 16, 30, 30}) {
+            const int before = adapter->attempts;
+            ++attempt;
+            for (int left = pause; left > 0; --left) {
+                EXPECT_EQ(view.last("status"), trying(left, attempt));
+                EXPECT_TRUE(link.is_opening() && link.is_reconnecting());
+                clock.advance(1000);
+            }
+            EXPECT_EQ(adapter->attempts, before + 1);
+            EXPECT_EQ(view.last("status"),
+                      QString("Connection lost. Trying again now (try %1)").arg(attempt));
+            if (attempt % 2 == 0)
+                adapter->refuse("nobody there");
+            else
+                clock.advance(10000); // neither yes nor no
+        }
+        clock.advance(30000);
+        adapter->finish_opening();
+        clock.advance(800);
+        EXPECT_EQ(heard(), "work");
+        EXPECT_TRUE(link.is_reconnecting()); // whether it holds is not known yet
+        adapter->break_off();
+        EXPECT_EQ(view.last("status"), trying(30, 9));
+        clock.advance(30000);
+        adapter->finish_opening();
+        clock.advance(800);
+        EXPECT_EQ(heard(), "work");
+        adapter->receive("ELM327>");
+        EXPECT_FALSE(link.is_reconnecting());
+        EXPECT_EQ(heard(), "reply ELM327");
+        adapter->break_off(); // the next loss counts from one
+        EXPECT_EQ(view.last("status"), trying(1, 1));
+        EXPECT_EQ(view.events.filter("message: ").size(), 0);
+        EXPECT_EQ(view.events.filter("choose").size(), 0);
+        link.stop_opening();
+        EXPECT_EQ(clock.running(), 0u);
+        EXPECT_FALSE(link.is_opening());
+        opens_at_once = true;
+    }
+}
+
+TEST_F(lost_link, five_time_outs_are_a_loss_told_once) {
+    begin();
+    ask("01 0C", "410C");
+    clock.advance(15000);
+    EXPECT_EQ(view.last("status"), trying(1, 1));
+    EXPECT_FALSE(heard().contains("leave"));
+    clock.advance(1000);
+    adapter->finish_opening();
+    clock.advance(800 + 15000); // and not a word from it
+    EXPECT_EQ(view.last("status"), trying(2, 2));
+    EXPECT_EQ(view.events.filter("message: ").size(), 1);
+    link.set_controller(nullptr); // another screen
+    EXPECT_EQ(heard(), "work, leave");
+    clock.advance(500);
+    EXPECT_EQ(clock.running(), 0u);
+}
+
+TEST_F(lost_link, a_new_operation_does_not_wait_for_the_pause) {
+    begin();
+    controller.when_lost = link_loss::ends_reopens;
+    adapter->break_off();
+    EXPECT_EQ(heard(), "leave");
+    EXPECT_EQ(view.last("status"), trying(1, 1));
+    clock.advance(1000);
+    adapter->refuse("no");
+    EXPECT_TRUE(link.try_again_later());
+    EXPECT_FALSE(link.openInterfaceConnection());
+    EXPECT_FALSE(link.is_reconnecting());
+    adapter->finish_opening();
+    clock.advance(800);
+    EXPECT_EQ(heard(), "work");
+    EXPECT_FALSE(link.try_again_later());
+}
+
+// It is opened again once, and set up without a reset from then on.
+TEST_F(lost_link, an_adapter_that_closes_its_link_on_a_reset) {
+    for (const int kind : {interface_wifi, interface_bluetooth}) {
+        state.interface_kind = kind;
+        state.bt_address = "AA:BB:CC:DD:EE:01";
+        open();
+        state.cur_task = op_initialise;
+        state.cur_step = 1;
+        EXPECT_TRUE(link.may_be_reset());
+        ask("AT I", "ELM");
+        adapter->break_off(); // at another command it is a loss as any
+        EXPECT_EQ(heard(), "leave");
+        open();
+        ask("AT Z", "OK|ELM");
+        adapter->break_off();
+        EXPECT_EQ(heard(), "");
+        EXPECT_FALSE(link.may_be_reset());
+        EXPECT_EQ(state.cur_step, 0);
+        clock.advance(1800);
+        EXPECT_EQ(heard(), "work");
+        EXPECT_EQ(view.events.filter("message: ").size(), 0);
+        ask("AT Z", "OK|ELM");
+        adapter->break_off(); // not twice
+        EXPECT_EQ(heard(), "leave");
+        link.openInterfaceConnection();
+        clock.advance(800);
+        EXPECT_FALSE(link.may_be_reset()); // in this run of the program
+        link.disconnect();
+        view.events.clear();
+    }
+    state.interface_kind = interface_wifi;
+    state.wifi_ip = "192.168.0.11"; // nothing is known of another one
+    open();
+    EXPECT_TRUE(link.may_be_reset());
+    ask("AT Z", "OK|ELM");
+    clock.advance(1100); // later than a reset takes
+    adapter->break_off();
+    EXPECT_TRUE(link.may_be_reset());
+    EXPECT_EQ(clock.running(), 0u);
+}
+
+TEST_F(lost_link, a_command_at_which_the_adapter_falls_silent_is_not_asked_again) {
+    struct row {
+        const char* command;
+        const char* expected;
+        bool answered_before;
+        bool adapter_known;
+        bool found_out;
+        const char* heard; // in place of an answer
+    };
+    const row rows[] = {
+        {"AT RV", "8|9|1", false, true, true, "reply ?"}, // any answer is taken for this one
+        {"AT H1", "OK", false, true, false, ""},          // it may just have lost its power
+        {"AT H1", "OK", false, true, true, "reply ~"},    // twice: as if refused four times
+        {"AT ST FF", "OK", true, true, false, ""},        // the adapter itself is gone
+        {"AT SP A3", "OK", false, false, false, ""},      // perhaps no adapter is there
+        {"AT Z", "OK|ELM", false, true, false, ""},       // nothing goes without
+        {"01 00", "4100", false, true, false, ""},        // the car is silent
+    };
+    controller.on_work = nullptr;
+    for (const row& row : rows) {
+        open();
+        if (row.answered_before) {
+            ask(row.command, row.expected);
+            adapter->receive("OK>");
+        }
+        state.adapter_known = row.adapter_known;
+        ask(row.command, row.expected);
+        clock.advance(5 * 3000 + 500);
+        EXPECT_FALSE(link.is_connected()) << row.command;
+        open();
+        ask(row.command, row.expected);
+        EXPECT_EQ(sent(), row.found_out ? "" : row.command);
+        EXPECT_EQ(heard(), row.heard) << row.command;
+        ask("AT I", "ELM"); // any other command is
+        EXPECT_TRUE(sent().endsWith("AT I"));
+        link.disconnect();
+    }
+    EXPECT_EQ(clock.running(), 0u);
+}
