@@ -1,0 +1,277 @@
+#include "base/string_table.h"
+#include "tests/fault_matrix/matrix_bench.h"
+
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+// Every fault of the virtual adapter, at every operation, on every protocol: the operation ends, shows what
+// the car has said or nothing, leaves nothing behind, and the next one is as any other.
+
+namespace {
+
+using virtual_adapter::faults;
+
+// --- the protocols
+// ------------------------------------------------------------------------------------------
+
+constexpr std::array<const char*, 5> cars{"can11", "can29", "iso9141", "kwp", "j1850vpw"};
+
+// --- the operations
+// -----------------------------------------------------------------------------------------
+
+QStringList after_the_index(const QStringList& rows) {
+    QStringList texts;
+    for (const QString& row : rows)
+        texts += row.section('|', 1);
+    return texts;
+}
+
+QStringList codes_and_readiness(const matrix_bench& bench) {
+    QStringList rows = bench.results.codesReadArray;
+    for (const readiness_row& row : bench.results.readinessFlagsArray)
+        rows += row.label + ": " + row.state;
+    return rows;
+}
+
+QStringList live_rows(matrix_bench& bench) {
+    QStringList rows;
+    for (const QString& column : bench.columns)
+        rows += column;
+    for (const QStringList& line : bench.profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA"))
+        for (const QString& cell : line[0].split(','))
+            rows += "stored " + cell;
+    rows.removeDuplicates();
+    return rows;
+}
+
+void start_live(matrix_bench& bench, int mode) {
+    bench.begin(bench.live_controller);
+    bench.live_controller.comboBoxSelectionDidChange(mode);
+    if (!bench.live_controller.is_running())
+        bench.live_controller.runLogs();
+}
+
+template <void (readCodes::*Start)()>
+void diagnose(matrix_bench& bench) {
+    bench.begin(bench.diagnostics);
+    (bench.diagnostics.*Start)();
+}
+
+struct operation_row {
+    const char* name;
+    void (*start)(matrix_bench&);
+    QStringList (*rows)(matrix_bench&);
+};
+
+// clang-format off
+const operation_row operations[] = {
+    {"read",    diagnose<&readCodes::l_readCodes>,            [](matrix_bench& b) { return codes_and_readiness(b); }},
+    {"clear",   diagnose<&readCodes::start_clearing>,         [](matrix_bench&)   { return QStringList(); }},
+    {"pending", diagnose<&readCodes::readPendingFreezeCodes>, [](matrix_bench& b) { return b.results.pendingArray + b.results.freezeArray; }},
+    {"vehicle", diagnose<&readCodes::readVehicleInfo>,        [](matrix_bench& b) { return b.results.vehInfoArray; }},
+    {"mode 6",  diagnose<&readCodes::readMode6Support>,       [](matrix_bench& b) { return after_the_index(b.results.mode6Array); }},
+    {"misfire", diagnose<&readCodes::readMisfire>,            [](matrix_bench& b) { return after_the_index(b.results.misfireArray); }},
+    {"O2",      diagnose<&readCodes::readO2>,                 [](matrix_bench& b) { return after_the_index(b.results.o2XtraArray); }},
+    {"extras",  diagnose<&readCodes::readXtras>,              [](matrix_bench& b) { return b.results.xtrasArray; }},
+    {"log run", [](matrix_bench& b) { start_live(b, 0); },    live_rows},
+    {"fuel",    [](matrix_bench& b) { start_live(b, 1); },    live_rows},
+    {"O2 run",  [](matrix_bench& b) { start_live(b, 2); },    live_rows},
+    {"boost",   [](matrix_bench& b) { start_live(b, 3); },    live_rows},
+    {"console", [](matrix_bench& b) {
+        b.begin(b.console);
+        b.console.load();
+        b.console.start_script({"01 {L}", "0C", "0F", "2"});
+    }, [](matrix_bench&) { return QStringList(); }}, // what comes is shown as it is
+};
+// clang-format on
+
+// What stands there in place of a value, and what counts the others.
+bool is_a_value(const QString& row) {
+    static const QRegularExpression no_value(
+        "N/A|Not Supported|Not Available|stored ~|^ --- ECU|^No of ECUS");
+    return row != localised("NO_CODES") && !row.contains(no_value);
+}
+
+// --- the faults
+// ---------------------------------------------------------------------------------------------
+
+constexpr const char* cutting_prompt = "\r>";
+
+struct fault_row {
+    const char* name;
+    faults what;
+    bool is_mended =
+        false; // the operations come to the same end, with all their values; fuel not at a time-out
+    bool ignition = true;
+};
+
+// clang-format off
+const fault_row fault_rows[] = {
+    {"none",                       {},                                                          true},
+    {"200 ms for each answer",     {.delay_ms = 200},                                           true},
+    {"longer than the time-out",   {.delay_ms = 3500}},
+    {"byte by byte",               {.split = true},                                             true},
+    {"two replies in one read",    {.glue_reply = 3},                                           true},
+    {"  behind the initialisation",{.glue_reply = 14},                                          true},
+    {"the 7th line lost",          {.lose_line = 7}},
+    {"the 19th line lost",         {.lose_line = 19}},
+    {"every 5th line lost",        {.lose_every = 5}},
+    {"noise before",               {.garbage_before = "#\xC3\xBC\r", .garbage_every = 2},       true},
+    {"noise inside",               {.garbage_inside = "<", .garbage_every = 5}},
+    {"NUL and blank lines",        {.garbage_before = std::string("\r\n\0\r\r", 5)},            true},
+    {"BUS INIT before",            {.garbage_before = "BUS INIT: ...OK\r", .garbage_spares_at = true}, true},
+    {"STOPPED before",             {.garbage_before = "STOPPED\r", .garbage_every = 4},         true},
+    {"<DATA ERROR inside",         {.garbage_inside = "<DATA ERROR\r", .garbage_every = 5}},
+    {"BUFFER FULL inside",         {.garbage_inside = "\rBUFFER FULL\r", .garbage_every = 7}},
+    {"a prompt inside",            {.garbage_inside = cutting_prompt, .garbage_every = 6}},
+    {"the 5th reply late",         {.late_reply = 5, .late_ms = 3500},                          true},
+    {"the 15th reply late",        {.late_reply = 15, .late_ms = 3500},                         true},
+    {"  later than two time-outs", {.late_reply = 15, .late_ms = 6500},                         true},
+    {"silent from the 6th on",     {.silent_from = 6}},
+    {"silent from the 18th on",    {.silent_from = 18}},
+    {"cut after the 4th",          {.cut_after = 4}},
+    {"cut after the 16th",         {.cut_after = 16}},
+    {"AT H1 unknown",              {.refused = {"ATH1"}}},
+    {"AT RV unknown",              {.refused = {"ATRV"}}},
+    {"AT DPN unknown",             {.refused = {"ATDPN"}}},
+    {"the reset ends the link",    {.reset_closes = true},                                      true},
+    {"hangs on AT RV",             {.hangs_on = {"ATRV"}}},
+    {"hangs on AT H1",             {.hangs_on = {"ATH1"}}},
+    {"ignition off",               {},                                                          false, false},
+};
+// clang-format on
+
+// --- one run
+// ------------------------------------------------------------------------------------------------
+
+struct outcome {
+    bool has_end = false;
+    QString ended;
+    QStringList rows; // values only, sorted
+    QString left_behind;
+};
+
+QString left_behind(const matrix_bench& bench) {
+    QStringList things;
+    if (bench.view.is_busy)
+        things += "busy";
+    if (bench.clock.running() > (bench.adapter->is_waiting() ? 1u : 0u))
+        things += QString("%1 timers").arg(bench.clock.running());
+    if (bench.state.cur_step > 0 || bench.state.pid_loop_active != -1)
+        things += QString("step %1, loop %2").arg(bench.state.cur_step).arg(bench.state.pid_loop_active);
+    if (bench.state.cur_op != op_expert && !bench.link.is_connected() && bench.state.adapter_ready)
+        things += "ready without a link";
+    return things.join(", ");
+}
+
+outcome run(matrix_bench& bench, const operation_row& operation) {
+    outcome made;
+    operation.start(bench);
+    made.has_end = bench.pump();
+    made.ended = bench.ended;
+    for (const QString& row : operation.rows(bench))
+        if (is_a_value(row))
+            made.rows += row;
+    made.rows.sort();
+    made.left_behind = left_behind(bench);
+    return made;
+}
+
+bool all_codes_gone(const virtual_adapter::car& car) {
+    const auto& ecus = car.description().ecus;
+    return std::all_of(ecus.begin(), ecus.end(),
+                       [](const virtual_adapter::ecu& ecu) { return ecu.codes.empty(); });
+}
+
+in_process_adapter::car_pointer car_for(const char* name, const fault_row& fault) {
+    auto made = steady_car(name);
+    if (fault.ignition)
+        return made;
+    virtual_adapter::car_description off = made->description();
+    off.ignition = false;
+    return std::make_shared<virtual_adapter::car>(std::move(off));
+}
+
+// A code is listed without its ECU where that is not told. The gearbox of the KWP car refuses to tell a VIN,
+// which hides the engine's where both are heard. An answer without headers says nothing about its length: cut
+// by a prompt it is a shorter one.
+bool is_of_the_car(const fault_row& fault, const QString& row, const QStringList& clean) {
+    static const QRegularExpression end("[| ]+$");
+    const bool is_short =
+        (row.endsWith('|') && row.size() == 6) || fault.what.garbage_inside == cutting_prompt;
+    return row == " VIN: 113358XA001276" ||
+           std::any_of(clean.begin(), clean.end(), [&](const QString& known) {
+               return is_short ? known.startsWith(QString(row).remove(end)) : known == row;
+           });
+}
+
+// One cell of the table: "=" the same as without the fault, "<" done with some of it, "-" ended without being
+// done. What is wrong goes to `problems`.
+char cell(const fault_row& fault, const operation_row& operation, const char* car, const outcome& clean,
+          QStringList& problems) {
+    matrix_bench bench(car_for(car, fault));
+    bench.adapter->faults = fault.what;
+    const outcome made = run(bench, operation);
+    const auto wrong = [&](const QString& what) {
+        problems += QString("%1, %2, %3: %4").arg(fault.name, operation.name, car, what);
+    };
+    if (!made.has_end)
+        wrong("does not end");
+    if (!made.left_behind.isEmpty())
+        wrong("left behind: " + made.left_behind);
+    for (const QString& row : made.rows)
+        if (!is_of_the_car(fault, row, clean.rows))
+            wrong("the car did not send \"" + row + "\"");
+    const bool is_clearing = &operation == &operations[1];
+    if (is_clearing && made.ended == "done" && !all_codes_gone(*bench.car))
+        wrong("said to be cleared, and is not");
+    const bool is_same = made.ended == clean.ended && made.rows == clean.rows;
+    const bool times_out = fault.what.late_ms > 0 || fault.what.glue_reply > 0;
+    if (fault.is_mended && !is_same && !(times_out && operation.name == QString("fuel")))
+        wrong(QString("%1 instead of %2, %3 of %4 values")
+                  .arg(made.ended, clean.ended)
+                  .arg(made.rows.size())
+                  .arg(clean.rows.size()));
+    if (!is_same && fault.ignition && !is_clearing) {
+        // Another adapter of the same kind, or the same one plugged in anew.
+        bench.link.disconnect();
+        if (fault.what.hangs_on.empty() && fault.what.refused.empty()) {
+            bench.adapter->faults = {};
+            if (const outcome next = run(bench, operation);
+                next.ended != clean.ended || next.rows != clean.rows)
+                wrong("the next run is not as any other: " + next.ended);
+        } else if (const outcome next = run(bench, operation); !next.has_end) {
+            wrong("the next run does not end");
+        }
+    }
+    return is_same ? '=' : made.ended == "done" ? '<' : '-';
+}
+
+} // namespace
+
+TEST(faults, by_operation_and_protocol) {
+    std::map<std::pair<const char*, const char*>, outcome> clean;
+    for (const operation_row& operation : operations)
+        for (const char* car : cars) {
+            matrix_bench bench(steady_car(car));
+            clean[{operation.name, car}] = run(bench, operation);
+        }
+
+    QString table = QString("%1").arg("", -28);
+    for (const operation_row& operation : operations)
+        table += QString("%1").arg(operation.name, -8);
+    QStringList problems;
+    for (const fault_row& fault : fault_rows) {
+        table += QString("\n%1").arg(fault.name, -28);
+        for (const operation_row& operation : operations) {
+            for (const char* car : cars)
+                table += cell(fault, operation, car, clean[{operation.name, car}], problems);
+            table += "   ";
+        }
+    }
+    std::printf(
+        "%s\n\nProtocols: CAN 11 bit, CAN 29 bit, ISO 9141, KWP, J1850. = as without the fault, < done with "
+        "some of it, - not done\n",
+        qPrintable(table));
+    EXPECT_EQ(problems.size(), 0) << problems.join('\n').toStdString();
+}

@@ -1,0 +1,164 @@
+#include "link/wifi_transport.h"
+#include "tests/fault_matrix/matrix_bench.h"
+#include "tests/support/wait_until.h"
+#include "tools/virtual_adapter/virtual_adapter_server.h"
+
+#include <gtest/gtest.h>
+
+// What goes on in spite of a fault: runs and scripts over a lost link, runs behind late replies, and
+// operations with adapters that do not know a command.
+
+namespace {
+
+void start_a_run(matrix_bench& bench, const QStringList& pids) {
+    bench.begin(bench.live_controller);
+    bench.live_controller.use_pids(pids);
+    bench.live_controller.runLogs();
+}
+
+QStringList stored_lines(matrix_bench& bench) {
+    QStringList lines;
+    for (const QStringList& row :
+         bench.profile.db.retrieve_from_DB("SELECT LOG_ID || ':' || DATA FROM LOGGIES_DATA"))
+        lines += row[0];
+    return lines;
+}
+
+void run_to(matrix_bench& bench, qint64 sweeps) {
+    bench.pump_until([&] { return bench.live.sample_cnt >= sweeps || !bench.is_running(); });
+}
+
+} // namespace
+
+// The adapter loses its power, the network goes without a word, the car is off for a while.
+TEST(going_on, over_a_lost_link_in_the_same_log) {
+    for (const int kind : {interface_wifi, interface_bluetooth}) {
+        matrix_bench bench(steady_car("can11"));
+        bench.state.interface_kind = kind;
+        bench.state.bt_address = "AA:BB:CC:DD:EE:01";
+        bench.on_sweep = [] {}; // nobody stops it
+        start_a_run(bench, {"0C", "0D", "05"});
+        run_to(bench, 3);
+        ASSERT_EQ(stored_lines(bench).size(), 3);
+        const QString line = stored_lines(bench).first();
+
+        bench.adapter->is_there = false;
+        bench.adapter->lose(); // a power cycle
+        bench.clock.advance(100000);
+        EXPECT_TRUE(bench.view.last("status").startsWith("Connection lost. Trying again"));
+        bench.adapter->is_there = true;
+        run_to(bench, 6);
+        bench.adapter->faults.silent_from = 1; // the network is gone, and nobody says so
+        bench.adapter->fall_silent();
+        bench.pump_until([&] { return bench.link.is_reconnecting(); });
+        bench.adapter->faults = {};
+        run_to(bench, 9);
+
+        const QString gap = line.section(':', 0, 0) + ":~,~,~";
+        QStringList lines = stored_lines(bench);
+        EXPECT_EQ(lines.mid(0, 7), QStringList({line, line, line, gap, line, line, line})) << kind;
+        // Three of the five time-outs made a sweep without a value, then the loss was noticed.
+        EXPECT_EQ(lines.removeAll(line), 8);
+        EXPECT_EQ(lines.removeAll(gap), 3);
+        EXPECT_EQ(lines, QStringList());
+        bench.live_controller.stop();
+        EXPECT_EQ(bench.clock.running(), bench.adapter->is_waiting() ? 1u : 0u);
+        EXPECT_EQ(bench.profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES").size(), 1);
+    }
+}
+
+TEST(going_on, a_script_asks_the_byte_that_was_not_answered) {
+    matrix_bench bench(steady_car("can11"));
+    bench.begin(bench.console);
+    bench.console.load();
+    bench.console.start_script({"01 {L}", "0C", "0F", "3"});
+    bench.pump_until([&] { return bench.console.commands_answered() == 6; });
+    bench.adapter->lose();
+    bench.pump_until([&] { return !bench.is_running(); });
+    EXPECT_EQ(bench.ended, "done");
+    EXPECT_EQ(bench.console.commands_answered(), 12);
+    EXPECT_EQ(bench.session.lines.as_text().count("-- the connection was lost --"), 1);
+
+    bench.console.handle_a_send("AT RV"); // one that was typed is the person's to send again
+    bench.adapter->lose();
+    EXPECT_FALSE(bench.is_running());
+    EXPECT_EQ(bench.ended, "failed");
+    bench.clock.advance(1000);
+    EXPECT_TRUE(bench.link.is_connected());
+    bench.link.set_controller(nullptr);
+    EXPECT_EQ(bench.clock.running(), 0u);
+}
+
+// A reply later than the time-out costs its sweep some commands; the sweep after the next is as before.
+TEST(going_on, after_a_late_reply_as_many_commands_a_sweep_as_before) {
+    for (const char* car : {"can11", "can29", "iso9141", "kwp", "j1850vpw"}) {
+        for (const int late_ms : {3100, 5900, 6500, 11000}) {
+            matrix_bench bench(steady_car(car));
+            bench.adapter->faults = {.late_reply = 30, .late_ms = late_ms};
+            bench.on_sweep = [] {};
+            start_a_run(bench, {"0C", "0D", "05", "10", "11"});
+            run_to(bench, 14);
+            ASSERT_EQ(bench.commands_by_sweep.size(), 14) << car << late_ms;
+            qsizetype odd_sweeps = 0;
+            for (int sweep = 1; sweep < 14; ++sweep)
+                odd_sweeps += bench.commands_by_sweep[sweep] - bench.commands_by_sweep[sweep - 1] != 5;
+            EXPECT_LE(odd_sweeps, 2) << car
+                                     << late_ms; // the one of the time-outs, and one for what is on its way
+            EXPECT_EQ(bench.commands_by_sweep.last() - bench.commands_by_sweep[12], 5) << car << late_ms;
+        }
+    }
+}
+
+TEST(going_on, without_a_command_at_which_the_adapter_hangs) {
+    matrix_bench bench(steady_car("can11"));
+    bench.adapter->faults.hangs_on = {"ATRV"};
+    bench.begin(bench.diagnostics);
+    bench.diagnostics.readVehicleInfo();
+    EXPECT_TRUE(bench.pump());
+    EXPECT_EQ(bench.ended, "failed");
+    const auto asked = bench.adapter->commands.count("ATRV");
+    EXPECT_EQ(asked, 5);
+    bench.diagnostics.readVehicleInfo();
+    EXPECT_TRUE(bench.pump());
+    EXPECT_EQ(bench.ended, "done");
+    EXPECT_EQ(bench.adapter->commands.count("ATRV"), asked);
+    EXPECT_TRUE(bench.results.vehInfoArray.contains(" Voltage: N/A"));
+    EXPECT_TRUE(bench.results.vehInfoArray.contains(" VIN: 1G1JC5444R7252367"));
+}
+
+// Over a real socket, with the time-outs cranked by hand.
+TEST(going_on, without_it_over_tcp) {
+    virtual_adapter_server server;
+    server.set_faults({.hangs_on = {"ATRV"}});
+    QStringList commands;
+    server.set_observer(
+        [&](const virtual_adapter::exchange& done) { commands += QString::fromStdString(done.command); });
+    const quint16 port = server.start(steady_car("can11"));
+    ASSERT_NE(port, 0);
+
+    matrix_bench bench(steady_car("can11"));
+    bench.state.wifi_ip = "127.0.0.1";
+    bench.state.wifi_port = QString::number(port);
+    adapter_link link(bench.state, bench.clock, bench.view, [](const process_state& state) {
+        return std::unique_ptr<transport>(new wifi_transport(state));
+    });
+    readCodes controller(bench.state, link, bench.toolies, bench.view, bench.results, bench.profile.paths);
+    QString ended;
+    controller.operation_ended = [&](bool done) { ended = done ? "done" : "failed"; };
+    link.set_controller(&controller);
+    const auto connect = [&] {
+        controller.readVehicleInfo();
+        ASSERT_TRUE(wait_until([&] { return link.is_connected(); }));
+        bench.clock.advance(800);
+    };
+    connect();
+    ASSERT_TRUE(wait_until([&] { return commands.contains("ATRV"); }));
+    bench.clock.advance(15000);
+    EXPECT_EQ(ended, "failed");
+    commands.clear();
+    connect();
+    EXPECT_TRUE(wait_until([&] { return ended == "done"; }));
+    EXPECT_EQ(commands.count("ATRV"), 0);
+    EXPECT_TRUE(commands.contains("0902"));
+    link.set_controller(nullptr);
+}
