@@ -1,18 +1,24 @@
 #pragma once
 
+#include "base/process_state.h"
 #include "diagnostics/diagnostic_results.h"
 #include "link/task_controller.h"
+
+// How the adapter shows its replies now.
+inline reply_form form_of(const process_state& state) {
+    return {state.cur_protocol, state.headers_shown};
+}
 
 // What the step machines of the diagnostics screen ask of their controller.
 class diagnostic_host : public task_controller {
 public:
-    // When the adapter has not been initialised on this link: starts the initialisation, which comes back to the
-    // current operation at step 0, and gives true.
+    // When the adapter has not been initialised on this link: starts the initialisation, which comes back to
+    // the current operation at step 0, and gives true.
     virtual bool connect_first() = 0;
     // The operation has reached its end.
     virtual void task_done() = 0;
-    // The adapter was told to wait as long as it can ("AT ST FF"). That stays in force until it is reset, and makes
-    // everything slow, so the next operation starts from a reset.
+    // The adapter was told to wait as long as it can ("AT ST FF"). That stays in force until it is reset, and
+    // makes everything slow, so the next operation starts from a reset.
     virtual void adapter_slowed() = 0;
     virtual void load_the_codes() = 0;
     // While logging is on: writes the text to the session file; writes and stores the operation's report.

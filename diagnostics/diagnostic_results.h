@@ -2,11 +2,25 @@
 
 #include "base/shared_types.h"
 #include "obd/readiness.h"
+#include "obd/standard_reading/ecu_answers.h"
 
 #include <QMap>
 
-// What the diagnostic operations have read, kept until each operation's next run, also while another screen is
-// shown. Rows are "|"-joined texts.
+// The lists whose replies are kept, to be read a second time: see second_reading.
+enum class result_list { codes, pending, freeze, vehicle, mode6, misfire, o2, permanent };
+
+// A reply as it was accepted, and the rows that the program made from it. It is kept before they are told.
+struct kept_reply {
+    QString request; // "03", "0902", "010C", "020C00"
+    QString reply;
+    reply_form form;
+    QString ecu;        // the header of the ECU whose answer the rows hold, "" for all of them
+    qsizetype row = 0;  // the first of the rows in its list
+    qsizetype rows = 0; // how many
+};
+
+// What the diagnostic operations have read, kept until each operation's next run, also while another screen
+// is shown. Rows are "|"-joined texts.
 struct diagnostic_results {
     QStringList codesReadArray;               // "P0133|7E8", or the text of "NO_CODES" alone
     QList<readiness_row> readinessFlagsArray; // eleven monitors, or none
@@ -25,6 +39,7 @@ struct diagnostic_results {
     // How far the running operation has come; 0 of 0 when that is not known.
     int progress_done = 0;
     int progress_total = 0;
+    bool car_offers_none = false; // the test that ran last ended because the car has no results of its kind
 
     int no_of_ecus = 0;
     int no_of_codes = 0; // as the monitor status announces them
@@ -37,4 +52,7 @@ struct diagnostic_results {
     QString xtra_info_label;
 
     QMap<QString, QString> P0_Codes; // code descriptions, loaded when first needed
+
+    // Emptied with the rows of its list; in the order of the rows.
+    QMap<result_list, QList<kept_reply>> kept;
 };

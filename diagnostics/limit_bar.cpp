@@ -39,7 +39,8 @@ double limit_bar_position(double value, double minimum, double maximum) {
     return maximum == 0 ? (value > 0 ? scale_end : scale_begin) : 100 / (2 * maximum) * value + scale_begin;
 }
 
-QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look, const QImage& range_picture) {
+QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look,
+                           const QImage& range_picture) {
     const mode6_row row = split_mode6_row(QStringLiteral("0||||") + limits);
     QImage image(size * look.pixel_ratio, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
@@ -55,7 +56,8 @@ QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_lo
 
     const double place = limit_bar_position(row.value, row.minimum, row.maximum);
     const double x = std::isnan(place) ? scale_begin : std::clamp(place, scale_begin, scale_end);
-    const bar_color color = work_out_bar_color(row.value, row.maximum, row.minimum, row.is_can, row.limit_is_maximum, false);
+    const bar_color color =
+        work_out_bar_color(row.value, row.maximum, row.minimum, row.is_can, row.limit_is_maximum, false);
     const double y = height - base_line_y;
     painter.setPen(look.ink);
     painter.fillRect(QRectF(scale_begin, y, scale_end - scale_begin, 1), look.ink);
@@ -74,6 +76,7 @@ QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_lo
     }
     painter.setFont(font("Arial", 11));
     const double text_x = std::clamp(x - 30, 0.0, std::max(0.0, size.width() - 60.0));
-    painter.drawText(QRectF(text_x, y - 18, 60, 14), Qt::AlignHCenter | Qt::AlignBottom, formatForDisplay(row.value));
+    painter.drawText(QRectF(text_x, y - 18, 60, 14), Qt::AlignHCenter | Qt::AlignBottom,
+                     formatForDisplay(row.value));
     return image;
 }

@@ -6,8 +6,8 @@
 
 // The limit bar of a test result: where its value lies between its limits, on a scale of 100 points.
 
-// The place of the value on the scale that runs from 10 to 110: with different limits the minimum is at 35 and the
-// maximum at 85, with equal ones the limit is at 60. Not brought inside the scale.
+// The place of the value on the scale that runs from 10 to 110: with different limits the minimum is at 35
+// and the maximum at 85, with equal ones the limit is at 60. Not brought inside the scale.
 double limit_bar_position(double value, double minimum, double maximum);
 
 struct limit_bar_look {
@@ -16,6 +16,7 @@ struct limit_bar_look {
     double pixel_ratio = 1;
 };
 
-// Draws the bar of a row's triple ("minimum~value~maximum", "limit~value~max") at the cell's size in points. The
-// range picture is drawn underneath when given.
-QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look, const QImage& range_picture);
+// Draws the bar of a row's triple ("minimum~value~maximum", "limit~value~max") at the cell's size in points.
+// The range picture is drawn underneath when given.
+QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look,
+                           const QImage& range_picture);

@@ -6,6 +6,7 @@
 #include "obd/number_text.h"
 #include "obd/obd_messages.h"
 #include "obd/reply_text.h"
+#include "obd/whole_answer.h"
 
 #include <algorithm>
 
@@ -20,58 +21,22 @@ QString three_decimals(const QString& scaled) {
     return with_decimals(scaled.section(u' ', 0, 0).toDouble(), 3);
 }
 
-// --- CAN -----------------------------------------------------------------------------------------------------
+// --- CAN ---------------------------------------------------------------------------------------------------
 
-struct can_record {
-    QString obdmid;
-    QString tid;
-    QString scaled; // value and unit
-    QString value;
-    QString unit;
-    QString minimum;
-    QString maximum;
-};
-
-can_record read_record(const QString& digits) {
-    can_record record;
+can_test read_record(const QString& digits) {
+    can_test record;
     record.obdmid = digits.sliced(0, 2);
     record.tid = digits.sliced(2, 2);
     const QString uasid = digits.sliced(4, 2);
-    record.scaled = CAN_scale_and_units(uasid, digits.sliced(6, 4), true);
-    record.value = three_decimals(record.scaled);
-    record.unit = record.scaled.section(u' ', 1);
+    const QString scaled = CAN_scale_and_units(uasid, digits.sliced(6, 4), true);
+    record.value = three_decimals(scaled);
+    record.unit = scaled.section(u' ', 1);
     record.minimum = three_decimals(CAN_scale_and_units(uasid, digits.sliced(10, 4), false));
     record.maximum = three_decimals(CAN_scale_and_units(uasid, digits.sliced(14, 4), true));
-    return record;
-}
-
-QString can_row(const can_record& record, int index, const text_resources& lists) {
-    const QString monitor =
-        fill(QStringLiteral("%d|%@"),
-             {QString::number(index),
-              fill(QStringLiteral("OBDMID(%@) - %@"),
-                   {record.obdmid, grab_CAN_mode6_OBDMID_TESTID_description(record.obdmid, true, lists)})});
-    const QString format = record.unit.isEmpty() ? QStringLiteral("%@|%@ - (%@)%@ |Min(%@) VAL[%@] Max(%@) ")
-                                                 : QStringLiteral("%@|%@ - (%@)%@|Min(%@) VAL[%@] Max(%@) ");
-    const QString test = grab_CAN_mode6_OBDMID_TESTID_description(record.tid, false, lists);
     // The limits are inclusive, and compared as they are shown.
     const double value = record.value.toDouble();
-    const bool failed = record.minimum.toDouble() > value || value > record.maximum.toDouble();
-    return fill(format, {monitor, record.unit, record.tid, test, record.minimum, record.value, record.maximum}) +
-           (failed ? QStringLiteral(" - FAILED") : QStringLiteral(" - Passed")) +
-           fill(QStringLiteral("|%@~%@~%@"), {record.minimum, record.value, record.maximum});
-}
-
-// How many digits of an answer of several frames have come, up to the first frame that is missing. The joined
-// data are filled up to the announced length, which would make test results up.
-qsizetype digits_received(const QStringList& bodies) {
-    qsizetype digits = bodies.first().size() - 4; // the first frame's control bytes
-    for (qsizetype frame = 1; frame < bodies.size(); ++frame) {
-        if (hex_byte(bodies[frame], 0) != 0x20 + static_cast<int>(frame % 16))
-            break;
-        digits += bodies[frame].size() - 2;
-    }
-    return digits;
+    record.passed = record.minimum.toDouble() <= value && value <= record.maximum.toDouble();
+    return record;
 }
 
 mode6_rows can_rows(const QStringList& bodies, int index, int protocol, const text_resources& lists) {
@@ -87,35 +52,24 @@ mode6_rows can_rows(const QStringList& bodies, int index, int protocol, const te
             console_log(QStringLiteral("handle a testId::wacked:%1").arg(digits));
             continue;
         }
-        const can_record record = read_record(digits);
+        const can_test record = read_record(digits);
+        const QString scaled = CAN_scale_and_units(digits.sliced(4, 2), digits.sliced(6, 4), true);
         const QString format = at == 2 ? QStringLiteral("|%@_%@~%@") : QStringLiteral("_%@~%@");
-        result.raw += at == 2 ? fill(format, {record.obdmid, record.tid, record.scaled})
-                              : fill(format, {record.tid, record.scaled});
-        result.rows += can_row(record, index, lists);
+        result.raw +=
+            at == 2 ? fill(format, {record.obdmid, record.tid, scaled}) : fill(format, {record.tid, scaled});
+        result.rows += can_test_row(record, index, lists);
     }
     return result;
 }
 
-// --- older protocols -----------------------------------------------------------------------------------------
+// --- older protocols ---------------------------------------------------------------------------------------
 
-QString legacy_row(const QString& message, qsizetype offset, int index) {
+legacy_test read_message(const QString& message, qsizetype offset) {
     const QString digits = message.leftJustified(legacy_digits, u'0');
-    const QString tid = digits.mid(offset + 2, 2);
     const unsigned component = convertStr2Byte(digits.mid(offset + 4, 2));
-    const unsigned value = convertStr2Byte(digits.mid(offset + 6, 4));
-    const unsigned limit = convertStr2Byte(digits.mid(offset + 10, 4));
-    const bool is_minimum = (component & minimum_bit) != 0;
-    const bool failed = is_minimum ? value < limit : value > limit;
-
-    const bool is_less = is_minimum == failed;
-    const QString words = QLatin1String(is_less ? "Less than " : "Greater than ") +
-                          QLatin1String(is_minimum ? "Min" : "Max");
-    const QString triple =
-        fill(is_minimum ? QStringLiteral("%d~%d~min") : QStringLiteral("%d~%d~max"),
-             {QString::number(limit), QString::number(value)});
-    return fill(QStringLiteral("%d|Test ID(%@) | CID(%@) |Test val(%d)\n %@(%d)   %@|%@"),
-                {QString::number(index), tid, convertByte2HexStr(component & ~minimum_bit), QString::number(value),
-                 words, QString::number(limit), failed ? QStringLiteral("FAILED") : QStringLiteral("Passed"), triple});
+    return {digits.mid(offset + 2, 2), convertByte2HexStr(component & ~minimum_bit),
+            convertStr2Byte(digits.mid(offset + 6, 4)), convertStr2Byte(digits.mid(offset + 10, 4)),
+            (component & minimum_bit) != 0};
 }
 
 mode6_rows legacy_rows(QStringList bodies, int index) {
@@ -130,17 +84,46 @@ mode6_rows legacy_rows(QStringList bodies, int index) {
         if (!is_hex_text(body))
             console_log(QStringLiteral("handle a testId::wacked:%1").arg(body));
         else
-            result.rows += legacy_row(body, offset, index);
+            result.rows += legacy_test_row(read_message(body, offset), index);
     }
     return result;
 }
 
 } // namespace
 
-mode6_rows handle_a_mode6_TestID(const QStringList& bodies, int groupIdx, int protocol, const text_resources& lists) {
+mode6_rows handle_a_mode6_TestID(const QStringList& bodies, int groupIdx, int protocol,
+                                 const text_resources& lists) {
     if (bodies.isEmpty())
         return {};
     return protocol >= 6 ? can_rows(bodies, groupIdx, protocol, lists) : legacy_rows(bodies, groupIdx);
+}
+
+QString can_test_row(const can_test& test, int index, const text_resources& lists) {
+    const QString monitor =
+        fill(QStringLiteral("%d|%@"),
+             {QString::number(index),
+              fill(QStringLiteral("OBDMID(%@) - %@"),
+                   {test.obdmid, grab_CAN_mode6_OBDMID_TESTID_description(test.obdmid, true, lists)})});
+    const QString format = test.unit.isEmpty() ? QStringLiteral("%@|%@ - (%@)%@ |Min(%@) VAL[%@] Max(%@) ")
+                                               : QStringLiteral("%@|%@ - (%@)%@|Min(%@) VAL[%@] Max(%@) ");
+    const QString name = grab_CAN_mode6_OBDMID_TESTID_description(test.tid, false, lists);
+    return fill(format, {monitor, test.unit, test.tid, name, test.minimum, test.value, test.maximum}) +
+           (test.passed ? QStringLiteral(" - Passed") : QStringLiteral(" - FAILED")) +
+           fill(QStringLiteral("|%@~%@~%@"), {test.minimum, test.value, test.maximum});
+}
+
+QString legacy_test_row(const legacy_test& test, int index) {
+    const bool failed = test.limit_is_minimum ? test.value < test.limit : test.value > test.limit;
+    const bool is_less = test.limit_is_minimum == failed;
+    const QString words = QLatin1String(is_less ? "Less than " : "Greater than ") +
+                          QLatin1String(test.limit_is_minimum ? "Min" : "Max");
+    const QString triple =
+        fill(test.limit_is_minimum ? QStringLiteral("%d~%d~min") : QStringLiteral("%d~%d~max"),
+             {QString::number(test.limit), QString::number(test.value)});
+    return fill(QStringLiteral("%d|Test ID(%@) | CID(%@) |Test val(%d)\n %@(%d)   %@|%@"),
+                {QString::number(index), test.tid, test.component, QString::number(test.value), words,
+                 QString::number(test.limit), failed ? QStringLiteral("FAILED") : QStringLiteral("Passed"),
+                 triple});
 }
 
 mode6_row split_mode6_row(const QString& row) {
@@ -173,7 +156,8 @@ mode6_row split_mode6_row(const QString& row) {
     return result;
 }
 
-bar_color work_out_bar_color(double value, double max, double min, bool is_CAN, bool non_can_max, bool is_misfire) {
+bar_color work_out_bar_color(double value, double max, double min, bool is_CAN, bool non_can_max,
+                             bool is_misfire) {
     Q_UNUSED(is_misfire)
     constexpr bar_color red{1, 0, 0, 1};
     constexpr bar_color green{0, 1, 0, 1};
@@ -185,7 +169,9 @@ bar_color work_out_bar_color(double value, double max, double min, bool is_CAN, 
 }
 
 QString work_out_result_html(const QString& limits, const QString& units, bool isFail) {
-    const auto no_decimals = [](const QString& number) { return with_decimals(number.toDouble(), 0).rightJustified(2); };
+    const auto no_decimals = [](const QString& number) {
+        return with_decimals(number.toDouble(), 0).rightJustified(2);
+    };
     const QStringList triple = limits.split(u'~');
     const QString colour = isFail ? QStringLiteral("red") : QStringLiteral("#3ddf00");
     const QString value = no_decimals(triple.value(1));
@@ -194,8 +180,8 @@ QString work_out_result_html(const QString& limits, const QString& units, bool i
         const bool is_maximum = kind == QLatin1String("max");
         const QString relation = is_maximum == isFail ? QStringLiteral("&gt;") : QStringLiteral("&lt;");
         return fill(localised(QStringLiteral("BV_MODE6_RESULT")),
-                    {colour, value, QString(), fill(QStringLiteral("%@  %@(%@)"), {relation, triple.value(0), kind}),
-                     QString()});
+                    {colour, value, QString(),
+                     fill(QStringLiteral("%@  %@(%@)"), {relation, triple.value(0), kind}), QString()});
     }
     return fill(localised(QStringLiteral("BV_MODE6_RESULT")),
                 {colour, value, QStringLiteral("Max: ") + no_decimals(kind), units.toHtmlEscaped(),

@@ -13,8 +13,8 @@ constexpr int most_retries = 1;
 
 mode6_test::mode6_test(operation_context& its_context, diagnostic_host& its_host, texts its_texts,
                        QStringList& its_rows)
-    : step_machine(its_context, its_host), host(its_host), results(its_host.results()), words(std::move(its_texts)),
-      rows(its_rows) {}
+    : step_machine(its_context, its_host), host(its_host), results(its_host.results()),
+      words(std::move(its_texts)), rows(its_rows) {}
 
 void mode6_test::work_step(int step, const QString& reply) {
     // clang-format off
@@ -36,6 +36,7 @@ void mode6_test::start() {
         return;
     context.view.show_busy(true);
     rows.clear();
+    results.kept.remove(words.kept);
     results.cur_CAN_raw_data.clear();
     context.view.reload(words.list);
     send(1, "AT H1", "OK");
@@ -69,8 +70,10 @@ QString mode6_test::first_ecu_data(const QString& reply) const {
 }
 
 void mode6_test::nothing_there(const QString& text, int sound) {
+    show(text.section(u'\n', 0, 0));
     context.view.play_sound(sound);
     context.view.show_message(QString(), text);
+    results.car_offers_none = true;
     leave();
 }
 
@@ -94,6 +97,12 @@ void mode6_test::test_answered(const QString& reply) {
             const qsizetype engine = findEngIdxFromGroupedMsg(ecus, context.toolies.findEngineEcuIdx(ecus));
             const mode6_rows read = handle_a_mode6_TestID(ecus[engine].pidSet, static_cast<int>(item),
                                                           state.cur_protocol, context.toolies.lists());
+            results.kept[words.kept] += {QStringLiteral("06%1").arg(test_IDs[item]),
+                                         reply,
+                                         form_of(state),
+                                         ecus[engine].header,
+                                         rows.size(),
+                                         read.rows.size()};
             rows += read.rows;
             results.cur_CAN_raw_data += read.raw;
             context.view.reload(words.list);
@@ -114,18 +123,18 @@ void mode6_test::all_answered() {
     host.append_to_log(fill(words.log_heading, {host.todays_date()}));
     for (const QString& row : rows) {
         const QStringList fields = row.split(u'|');
-        host.append_to_log(
-            fill(QStringLiteral("%@ \n \t %@ \n\t %@ \n"), {fields.value(1), fields.value(2), fields.value(3)}));
+        host.append_to_log(fill(QStringLiteral("%@ \n \t %@ \n\t %@ \n"),
+                                {fields.value(1), fields.value(2), fields.value(3)}));
     }
     host.write_report();
     context.view.play_sound(sound_done);
     host.task_done();
 }
 
-// --- a range of monitors -------------------------------------------------------------------------------------
+// --- a range of monitors -----------------------------------------------------------------------------------
 
-monitor_range_test::monitor_range_test(operation_context& its_context, diagnostic_host& its_host, texts its_texts,
-                                       QStringList& its_rows, range its_range)
+monitor_range_test::monitor_range_test(operation_context& its_context, diagnostic_host& its_host,
+                                       texts its_texts, QStringList& its_rows, range its_range)
     : mode6_test(its_context, its_host, std::move(its_texts), its_rows), monitors(std::move(its_range)) {}
 
 void monitor_range_test::ask_for_support() {

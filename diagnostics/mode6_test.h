@@ -8,17 +8,19 @@ class mode6_test : public step_machine {
 public:
     // What differs from test to test.
     struct texts {
-        QString starting;              // the first status
-        QString toast;                 // with a place for "Starting"
-        QString querying;              // with places for index and count
-        QString log_heading;           // with a place for the date
-        QString failure;               // with a place for the reason
-        QString list;                  // the name of the list for the screen
-        bool retries_silence = false;  // also when the adapter gave no answer, not only for no data
-        int counts_from = 1;           // the index that is shown for the first identifier
+        QString starting;             // the first status
+        QString toast;                // with a place for "Starting"
+        QString querying;             // with places for index and count
+        QString log_heading;          // with a place for the date
+        QString failure;              // with a place for the reason
+        QString list;                 // the name of the list for the screen
+        result_list kept{};           // where its replies are kept
+        bool retries_silence = false; // also when the adapter gave no answer, not only for no data
+        int counts_from = 1;          // the index that is shown for the first identifier
     };
 
-    mode6_test(operation_context& its_context, diagnostic_host& its_host, texts its_texts, QStringList& its_rows);
+    mode6_test(operation_context& its_context, diagnostic_host& its_host, texts its_texts,
+               QStringList& its_rows);
 
     void reset_retries() { no_data_retries = 0; }
 
@@ -62,8 +64,8 @@ public:
         QString support_request; // "06 A0"
         unsigned first = 0;      // the first identifier
         int count = 0;
-        int map = 0;             // the index of the map that holds them
-        QString no_data;         // what is said when the car has no such map
+        int map = 0;     // the index of the map that holds them
+        QString no_data; // what is said when the car has no such map
     };
 
     monitor_range_test(operation_context& its_context, diagnostic_host& its_host, texts its_texts,

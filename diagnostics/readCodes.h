@@ -3,10 +3,11 @@
 #include "diagnostics/diagnostic_host.h"
 #include "diagnostics/session_log.h"
 #include "diagnostics/work_O2_mode.h"
-#include "diagnostics/work_mode6_support.h"
 #include "diagnostics/work_misfire_reading.h"
+#include "diagnostics/work_mode6_support.h"
 #include "diagnostics/work_out_clear_codes.h"
 #include "diagnostics/work_out_pending_freeze.h"
+#include "diagnostics/work_out_permanent.h"
 #include "diagnostics/work_out_read_codes.h"
 #include "diagnostics/work_out_vehicle_info.h"
 #include "diagnostics/work_out_xtras.h"
@@ -38,6 +39,8 @@ public:
     void readMisfire();
     void readO2();
     void readXtras();
+    // Permanent codes and the monitors of this drive cycle.
+    void readPermanent();
     // Codes, readiness, pending codes and freeze frame, one operation after the other.
     void read_for_report();
     // Initialises the adapter and stops there.
@@ -77,9 +80,15 @@ public:
     diagnostic_results& results() override { return results_; }
 
 private:
-    void start_operation(operation code, const QString& status);
-    // The list of the operation is emptied and told to the view.
-    void start_with_empty_list(operation code, const QString& status, QStringList& list, const QString& list_name);
+    using next_operation = void (readCodes::*)();
+    // `next`: what follows when it is done, as a part of it.
+    void start_operation(operation code, const QString& status, next_operation next = nullptr);
+    void read_codes_and(next_operation next);
+    // The list of the operation is emptied with its replies and told to the view.
+    void start_with_empty_list(operation code, const QString& status, QStringList& list,
+                               const QString& list_name, result_list kept);
+    // The freeze frame, and the replies to both.
+    void forget_pending();
     step_machine* machine_of(int task);
 
     operation_context context;
@@ -91,13 +100,14 @@ private:
     bool running = false;
     bool done = false;
     bool slowed = false;
-    bool pending_follows = false; // the report goes on with the pending codes
+    next_operation follows = nullptr;
 
     inner_process_pid_support pid_loop;
     connect_2_interface connector;
     work_out_read_codes reading;
     work_out_clear_codes clearing;
     work_out_pending_freeze pending;
+    work_out_permanent permanent;
     work_out_vehicle_info vehicle;
     work_mode6_support mode6;
     work_misfire_reading misfire;

@@ -28,7 +28,8 @@ QString test_rows(const QStringList& rows) {
     QString text;
     for (const QString& row : rows) {
         const QStringList fields = row.split(u'|');
-        text += fill(QStringLiteral("%@ \n \t... %@ \n\t %@ \n\n"), {fields.value(1), fields.value(2), fields.value(3)});
+        text += fill(QStringLiteral("%@ \n \t... %@ \n\t %@ \n\n"),
+                     {fields.value(1), fields.value(2), fields.value(3)});
     }
     return text;
 }
@@ -45,7 +46,9 @@ QString confirmed_codes(const diagnostic_results& results, const describer& desc
         gathered = gathered.isEmpty() ? code : fill(QStringLiteral("%@, %@"), {gathered, code});
         ++count;
     }
-    if (count == 0)
+    if (results.codesReadArray.isEmpty())
+        gathered = QStringLiteral("Not read"); // only the pending codes were: nothing is known of these
+    else if (count == 0)
         gathered = localised(QStringLiteral("NO_CODES"));
     return text + fill(QStringLiteral("[%d]  %@"), {QString::number(count), gathered});
 }
@@ -54,8 +57,8 @@ QString readiness_flags(const QList<readiness_row>& rows) {
     QString text;
     for (const readiness_row& row : rows) {
         QString label = row.label;
-        text += row.state.leftJustified(4) + QStringLiteral("  ") + label.remove(u'\r').leftJustified(20) + u' ' +
-                row.group + u'\n';
+        text += row.state.leftJustified(4) + QStringLiteral("  ") + label.remove(u'\r').leftJustified(20) +
+                u' ' + row.group + u'\n';
     }
     return text + readiness_summary(rows);
 }
@@ -88,20 +91,27 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
     switch (operation) {
     case op_read_codes:
     case op_pending_freeze: // its results are sections of the same report
-        return diagnostic_report{"DTC", "Codes and flags",
-                                 heading("DTC Codes read", today) + trouble_codes(results, describe), {}};
+        return diagnostic_report{"DTC",
+                                 "Codes and flags",
+                                 heading("DTC Codes read", today) + trouble_codes(results, describe),
+                                 {}};
     case op_vehicle_info:
-        return diagnostic_report{"Veh_info", "more parms",
-                                 heading("Veh Info read", today) + vehicle_info_rows(results.vehInfoArray), {}};
+        return diagnostic_report{"Veh_info",
+                                 "more parms",
+                                 heading("Veh Info read", today) + vehicle_info_rows(results.vehInfoArray),
+                                 {}};
     case op_mode6:
-        return diagnostic_report{"Mode6", "continous/non-continous test results",
-                                 heading("Mode6 read", today) + test_rows(results.mode6Array), {}};
+        return diagnostic_report{"Mode6",
+                                 "continous/non-continous test results",
+                                 heading("Mode6 read", today) + test_rows(results.mode6Array),
+                                 {}};
     case op_misfire:
         return diagnostic_report{"Misfire", "EWMA is an average over driving cycles",
                                  heading("Misfire read", today) + test_rows(results.misfireArray), raw};
     case op_o2_tests:
         return diagnostic_report{"O2 Test", "Test results for O2 monitoring ",
-                                 heading("O2 test results read", today) + test_rows(results.o2XtraArray), raw};
+                                 heading("O2 test results read", today) + test_rows(results.o2XtraArray),
+                                 raw};
     default: return std::nullopt;
     }
 }

@@ -14,8 +14,8 @@ struct diagnostic_report {
 };
 
 // The report of the operation (a code of process_state.h); nothing for an operation that leaves none.
-// `today`: the date of its heading. `describe`: a code's description. The text is for reading: for the database,
-// single quotes have to be doubled.
+// `today`: the date of its heading. `describe`: a code's description. The text is for reading: for the
+// database, single quotes have to be doubled.
 std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagnostic_results& results,
                                                      const QString& today,
                                                      const std::function<QString(const QString&)>& describe);

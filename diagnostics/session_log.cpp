@@ -8,7 +8,8 @@ void session_log::work_out_log_file(int operation, bool logging, bool metric) {
     do_the_log = logging;
     if (!do_the_log)
         return;
-    file_name = work_out_log_fname_for_mode(paths.application_folder, operation, metric, QDateTime::currentDateTime()) +
+    file_name = work_out_log_fname_for_mode(paths.application_folder, operation, metric,
+                                            QDateTime::currentDateTime()) +
                 QStringLiteral(".txt");
     log_out_file.setFileName(file_name);
     if (!log_out_file.open(QIODevice::Append))

@@ -6,8 +6,8 @@
 
 #include <QFile>
 
-// What an operation leaves behind while logging is on: a session file in the application folder, and a log in the
-// database. A file that cannot be opened is left out; the database still gets its log.
+// What an operation leaves behind while logging is on: a session file in the application folder, and a log in
+// the database. A file that cannot be opened is left out; the database still gets its log.
 class session_log {
 public:
     session_log(const app_paths& its_paths, database& store) : paths(its_paths), db(store) {}
@@ -16,8 +16,8 @@ public:
     void work_out_log_file(int operation, bool do_the_log, bool metric);
     // Writes the text as it stands.
     void append_to_log(const QString& text);
-    // Writes the report to the file and stores it for the vehicle. A sentence for the person when it could not
-    // be stored, else "".
+    // Writes the report to the file and stores it for the vehicle. A sentence for the person when it could
+    // not be stored, else "".
     QString store(const diagnostic_report& report, int veh_id);
     void close();
 

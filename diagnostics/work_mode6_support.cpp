@@ -12,6 +12,7 @@ work_mode6_support::work_mode6_support(operation_context& its_context, diagnosti
                   .log_heading = QStringLiteral("------Mode 6 read:%@------------- \n"),
                   .failure = QStringLiteral("work_mode6_support::Did not fully complete: ( %@)"),
                   .list = QStringLiteral("mode6"),
+                  .kept = result_list::mode6,
                   .retries_silence = true,
                   .counts_from = 0},
                  its_host.results().mode6Array),
@@ -19,7 +20,8 @@ work_mode6_support::work_mode6_support(operation_context& its_context, diagnosti
 
 void work_mode6_support::ask_for_support() {
     identifiers.clear();
-    pid_loop.start(QStringLiteral("06"), QString(), 201, [this](const obd_groups& found) { identifiers = found; });
+    pid_loop.start(QStringLiteral("06"), QString(), 201,
+                   [this](const obd_groups& found) { identifiers = found; });
 }
 
 void work_mode6_support::support_answered(const QString&) {

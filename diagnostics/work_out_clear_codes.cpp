@@ -31,6 +31,8 @@ void work_out_clear_codes::clear_answered(const QString& reply) {
     context.view.show_busy(false);
     results.codesReadArray.clear();
     results.readinessFlagsArray.clear();
+    results.kept.remove(result_list::codes);
+    results.kept.remove(result_list::permanent);
     context.view.reload(QStringLiteral("codes"));
     context.view.reload(QStringLiteral("readiness"));
     results.code_count_label = QStringLiteral("No of DTC Codes:");
@@ -48,10 +50,11 @@ void work_out_clear_codes::clear_answered(const QString& reply) {
         leave();
     if (!confirmed)
         context.view.show_message(
-            QString(), fill(QStringLiteral("The car did not confirm the clearing (its answer: %@). Switch the "
-                                           "ignition on with the engine off, then read the codes again to see "
-                                           "whether they are gone."),
-                            {QString(reply).replace(QLatin1Char('\r'), QStringLiteral(", "))}));
+            QString(),
+            fill(QStringLiteral("The car did not confirm the clearing (its answer: %@). Switch the "
+                                "ignition on with the engine off, then read the codes again to see "
+                                "whether they are gone."),
+                 {QString(reply).replace(QLatin1Char('\r'), QStringLiteral(", "))}));
     context.view.show_toast(cleared);
 }
 

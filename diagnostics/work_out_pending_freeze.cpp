@@ -5,6 +5,7 @@
 #include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 #include "obd/trouble_codes.h"
+#include "obd/whole_answer.h"
 
 #include <algorithm>
 
@@ -29,20 +30,12 @@ void work_out_pending_freeze::work_step(int step, const QString& reply) {
     case 1: return monitor_status_answered(reply); // 01 01:    "07", or "AT ST FF" and once more
     case 2: return pending_codes_answered(reply);  // 07:       "02 02 00", the code that stored the frame
     case 4: return freezing_code_answered(reply);  // 02 02 00: "AT H1"
-    case 5: return ask(6, "02 00 00", "4200");     // AT H1:    "02 00 00", the frame's parameters
+    case 5: return ask(6, "02 00 00");             // AT H1:    "02 00 00", the frame's parameters
     case 6: return parameters_answered(reply);     // 02 gg 00: the next map, then "AT H0"
     case 7: return next_parameter(reply);          // AT H0, 02 pp 00: the next parameter
     default: return;                               // idle
     }
     // clang-format on
-}
-
-// Headers may be on or off, as the operation before left them.
-void work_out_pending_freeze::ask(int next, const QString& command, const QString& without_headers) {
-    if (state.headers_shown)
-        send_with_headers(next, command);
-    else
-        send(next, command, without_headers);
 }
 
 void work_out_pending_freeze::progress(int done, int total) {
@@ -54,7 +47,7 @@ void work_out_pending_freeze::progress(int done, int total) {
 void work_out_pending_freeze::start() {
     show("Starting Read Pending/Freeze");
     if (!host.connect_first())
-        ask(1, "01 01|12.0", "4101");
+        ask(1, "01 01|12.0"); // headers are on or off, as the operation before left them
 }
 
 void work_out_pending_freeze::monitor_status_answered(const QString& reply) {
@@ -64,7 +57,7 @@ void work_out_pending_freeze::monitor_status_answered(const QString& reply) {
         return send(0, "AT ST FF", "OK");
     }
     show(fill(QStringLiteral("Got proper reply: (%@)"), {reply}));
-    ask(2, "07", "47");
+    ask(2, "07");
 }
 
 void work_out_pending_freeze::pending_codes_answered(const QString& reply) {
@@ -72,23 +65,28 @@ void work_out_pending_freeze::pending_codes_answered(const QString& reply) {
         show("Failed to receive the Pending error codes");
     } else {
         list_pending(reply);
+        results.kept[result_list::pending] = {
+            {QStringLiteral("07"), reply, form_of(state), QString(), 0, results.pendingArray.size()}};
         show("Codes read!. Scroll for full description");
     }
     context.view.reload(QStringLiteral("pending"));
-    ask(4, "02 02 00", "4202");
+    ask(4, "02 02 00");
 }
 
 // The decoder of pending codes reads replies without headers: each ECU's answer is handed to it on its own.
 void work_out_pending_freeze::list_pending(const QString& reply) {
     host.load_the_codes();
-    host.append_to_log(fill(QStringLiteral("------Pending Codes read:%@------------- \n"), {host.todays_date()}));
+    host.append_to_log(
+        fill(QStringLiteral("------Pending Codes read:%@------------- \n"), {host.todays_date()}));
     if (has_no_data(reply))
         return;
     const auto list = [&](const QString& text, const QString& header) {
-        for (const QString& code : context.toolies.work_reply_to_error_codes_pid(QStringLiteral("07"), text)) {
+        for (const QString& code :
+             context.toolies.work_reply_to_error_codes_pid(QStringLiteral("07"), text)) {
             if (code == QLatin1String("P0000"))
                 continue; // padding, no code
-            host.append_to_log(fill(QStringLiteral("%@    %@\n"), {code, look_upCode(code, results.P0_Codes)}));
+            host.append_to_log(
+                fill(QStringLiteral("%@    %@\n"), {code, look_upCode(code, results.P0_Codes)}));
             results.pendingArray += fill(QStringLiteral("%@|%@"), {code, header});
         }
     };
@@ -96,14 +94,15 @@ void work_out_pending_freeze::list_pending(const QString& reply) {
         return list(reply, QString());
     for (const obd_group& ecu : context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply))) {
         const bool framed = is_can(state.cur_protocol);
-        list(framed ? context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet) : ecu.pidSet.join(u'\r'), ecu.header);
+        list(framed ? context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet) : ecu.pidSet.join(u'\r'),
+             ecu.header);
     }
 }
 
 // The data of the engine ECU in a reply, with or without headers.
 QString work_out_pending_freeze::engine_data(const QString& reply) const {
     if (!state.headers_shown)
-        return reply.contains(QLatin1String("0:")) ? grab_CAN_msg(reply) : reply; // several frames, or one
+        return whole_data_without_headers(reply, QStringLiteral("42"));
     const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
     if (ecus.isEmpty())
         return {};
@@ -116,6 +115,7 @@ void work_out_pending_freeze::freezing_code_answered(const QString& reply) {
     if (!data.startsWith(QLatin1String("4202")) || code.size() < 4 || code == QLatin1String("0000"))
         return no_frame();
     freezing_code = pull_DTC_code(code);
+    results.kept[result_list::freeze] = {{QStringLiteral("020200"), reply, form_of(state), QString(), 0, 1}};
     group = 0;
     parameters.clear();
     send(5, "AT H1", "OK");
@@ -149,27 +149,37 @@ void work_out_pending_freeze::parameters_answered(const QString& reply) {
         for (const obd_group& ecu : context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply)))
             take_map(ecu.header, context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet));
     const QString announced = convertByte2HexStr(group + group_size);
-    const bool another = group < last_group && std::any_of(parameters.begin(), parameters.end(), [&](const auto& ecu) {
-                             return ecu.pidSet.contains(announced);
-                         });
+    const bool another =
+        group < last_group && std::any_of(parameters.begin(), parameters.end(),
+                                          [&](const auto& ecu) { return ecu.pidSet.contains(announced); });
     if (another) {
         group += group_size;
-        return ask(6, QStringLiteral("02 %1 00").arg(announced), QStringLiteral("42") + announced);
+        return ask(6, QStringLiteral("02 %1 00").arg(announced));
     }
     asked = 0;
-    to_ask = parameters.isEmpty() ? QStringList() : parameters[context.toolies.findEngineEcuIdx(parameters)].pidSet;
+    to_ask = parameters.isEmpty() ? QStringList()
+                                  : parameters[context.toolies.findEngineEcuIdx(parameters)].pidSet;
     to_ask.removeIf([](const QString& pid) {
-        return pid == QLatin1String("02") || convertStr2Byte(pid) % group_size == 0; // the code itself; the maps
+        return pid == QLatin1String("02") ||
+               convertStr2Byte(pid) % group_size == 0; // the code itself; the maps
     });
     send(7, "AT H0", "OK");
 }
 
 void work_out_pending_freeze::next_parameter(const QString& reply) {
-    if (results.freezeArray.isEmpty())
+    if (results.freezeArray.isEmpty()) {
+        host.load_the_codes();
         results.freezeArray += fill(QStringLiteral("Freezed by: %@|%@"),
                                     {freezing_code, look_upCode(freezing_code, results.P0_Codes)});
-    else
+    } else {
+        results.kept[result_list::freeze] += {QStringLiteral("02%1").arg(to_ask[asked]),
+                                              reply,
+                                              form_of(state),
+                                              QString(),
+                                              results.freezeArray.size(),
+                                              1};
         add_freeze_item(reply, context.toolies.get_pid_name_with_pid(to_ask[asked++]));
+    }
     progress(static_cast<int>(asked), static_cast<int>(to_ask.size()));
     context.view.reload(QStringLiteral("freeze"));
     if (asked == to_ask.size())

@@ -3,8 +3,8 @@
 #include "diagnostics/diagnostic_host.h"
 #include "initialisation/step_machine.h"
 
-// Reads the pending trouble codes (service 07) and the freeze frame (service 02, frame 0): the code that stored it
-// and the value of each of its parameters.
+// Reads the pending trouble codes (service 07) and the freeze frame (service 02, frame 0): the code that
+// stored it and the value of each of its parameters.
 class work_out_pending_freeze : public step_machine {
 public:
     work_out_pending_freeze(operation_context& its_context, diagnostic_host& its_host);
@@ -28,7 +28,6 @@ private:
     void no_frame();
     void finish();
 
-    void ask(int next, const QString& command, const QString& without_headers);
     QString engine_data(const QString& reply) const;
     void progress(int done, int total);
 
@@ -36,8 +35,8 @@ private:
     diagnostic_results& results;
     int no_data_retries = 0;
     QString freezing_code;
-    unsigned group = 0;      // the map of parameters asked for: 00, 20, 40 ...
-    obd_groups parameters;   // the frame's parameters by ECU
-    QStringList to_ask;      // those of the engine ECU that have a row
+    unsigned group = 0;    // the map of parameters asked for: 00, 20, 40 ...
+    obd_groups parameters; // the frame's parameters by ECU
+    QStringList to_ask;    // those of the engine ECU that have a row
     qsizetype asked = 0;
 };

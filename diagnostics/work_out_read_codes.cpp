@@ -36,7 +36,8 @@ void work_out_read_codes::start() {
     show("Starting Read codes");
     if (host.connect_first())
         return;
-    context.view.show_toast(fill(QStringLiteral("%@ Read DTC "), {localised(QStringLiteral("TOAST_STARTING"))}));
+    context.view.show_toast(
+        fill(QStringLiteral("%@ Read DTC "), {localised(QStringLiteral("TOAST_STARTING"))}));
     console_log(QStringLiteral("starting work_out_read_code******************"));
     results.mil_label.clear();
     results.code_count_label.clear();
@@ -100,6 +101,8 @@ void work_out_read_codes::evaluate_confirmed_codes(const QString& reply) {
     if (reply == no_reply)
         return leave(QStringLiteral("Failed to receive the error codes"));
     list_codes(reply);
+    results.kept[result_list::codes] = {
+        {QStringLiteral("03"), reply, form_of(state), QString(), 0, results.codesReadArray.size()}};
     context.view.reload(QStringLiteral("codes"));
     tell_result(reply);
     host.write_report();
@@ -133,7 +136,8 @@ void work_out_read_codes::list_codes(const QString& reply) {
     if (!refused && !has_no_data(reply)) {
         const obd_groups codes_by_ecu = context.toolies.l_workoutReadCodes(reply);
         host.load_the_codes();
-        host.append_to_log(fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {host.todays_date()}));
+        host.append_to_log(
+            fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {host.todays_date()}));
         for (const obd_group& ecu : codes_by_ecu) {
             for (const QString& code : ecu.pidSet)
                 results.codesReadArray += fill(QStringLiteral("%@|%@"), {code, ecu.header});
@@ -150,6 +154,7 @@ void work_out_read_codes::tell_result(const QString& reply) {
     show(codes == results.no_of_codes ? "Codes read!. Scroll for full description"
                                       : "Codes read...but different no of codes recvd");
     if (results.no_of_ecus == 0 && has_no_data(reply))
-        throw step_failure(QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on "
-                                          "and read again"));
+        throw step_failure(
+            QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on "
+                           "and read again"));
 }

@@ -6,8 +6,11 @@
 #include "obd/reply_text.h"
 #include "obd/trouble_codes.h"
 #include "obd/vin.h"
+#include "obd/whole_answer.h"
 
+#include <QRegularExpression>
 #include <algorithm>
+#include <numeric>
 
 work_out_vehicle_info::work_out_vehicle_info(operation_context& its_context, diagnostic_host& its_host)
     : step_machine(its_context, its_host), host(its_host), results(its_host.results()) {}
@@ -31,6 +34,8 @@ void work_out_vehicle_info::work_step(int step, const QString& reply) {
 
 QString work_out_vehicle_info::name_of(const obd_group& ecu) const {
     const QString label = context.toolies.l_pull_ECU(ecu.header);
+    if (ecu.header.isEmpty())
+        return QStringLiteral("Car"); // a chip that shows no headers: who answers cannot be told
     return label.isEmpty() ? ecu.header : label;
 }
 
@@ -54,26 +59,35 @@ void work_out_vehicle_info::start() {
 void work_out_vehicle_info::voltage_answered(const QString& reply) {
     if (reply == no_reply)
         return leave(QStringLiteral("Unable to connect to interface ... Timed out .. Try again"));
-    QString voltage = reply;
-    if (reply.contains(u'?')) {
-        voltage = not_available;
+    // Any answer is let through for this command, also a late "OK" to the one before, and noise.
+    static const QRegularExpression volts(QStringLiteral("^\\d+(\\.\\d+)?V?$"),
+                                          QRegularExpression::CaseInsensitiveOption);
+    const QString voltage = reply.split(u'\r').filter(volts).value(0, not_available);
+    if (voltage == not_available) {
         show("Voltage not available for this vehicle ");
     } else {
         show(fill(QStringLiteral("Got proper reply: (%@)"), {reply}));
     }
     add_row(fill(QStringLiteral(" Voltage: %@"), {voltage}));
-    send_with_headers(111, "09 02|12.0");
+    ask(111, "09 02|12.0");
 }
 
-// The VIN decoder reads replies without headers: on CAN the byte count and numbered lines, before that the data of
-// each line.
+// The VIN decoder reads replies without headers: on CAN the byte count and numbered lines, before that the
+// data of each line.
 QString work_out_vehicle_info::vin_reply_without_headers(const QString& reply) const {
-    if (reply.contains(QLatin1String("0:")) || reply.startsWith(QLatin1String("49")))
-        return reply;
+    if (!state.headers_shown) {
+        const QStringList messages = reply_lines(reply);
+        if (is_whole_legacy_vin(messages))
+            return messages.join(u'\r');
+        return whole_data_without_headers(reply, QStringLiteral("4902")).isEmpty() ? QString() : reply;
+    }
     const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
-    const auto data_of = [&](const obd_group& ecu) { return context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet); };
+    const auto data_of = [&](const obd_group& ecu) {
+        return context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);
+    };
     auto chosen = std::find_if(ecus.begin(), ecus.end(), [&](const obd_group& ecu) {
-        return context.toolies.isThisEngineHeader(ecu.header) && data_of(ecu).startsWith(QLatin1String("4902"));
+        return context.toolies.isThisEngineHeader(ecu.header) &&
+               data_of(ecu).startsWith(QLatin1String("4902"));
     });
     if (chosen == ecus.end())
         chosen = std::find_if(ecus.begin(), ecus.end(), [&](const obd_group& ecu) {
@@ -82,15 +96,20 @@ QString work_out_vehicle_info::vin_reply_without_headers(const QString& reply) c
     if (chosen == ecus.end())
         return {};
     if (!is_can(state.cur_protocol))
-        return chosen->pidSet.join(u'\r');
+        return is_whole_legacy_vin(chosen->pidSet) ? chosen->pidSet.join(u'\r') : QString();
+    if (!is_whole_can_answer(chosen->pidSet))
+        return {};
     const QString data = data_of(*chosen);
     const QString length = QString::number(data.size() / 2, 16).toUpper().rightJustified(3, u'0');
-    return QStringLiteral("%1\r0:%2\r1:%3\r2:%4\r").arg(length, data.mid(0, 12), data.mid(12, 14), data.mid(26, 14));
+    return QStringLiteral("%1\r0:%2\r1:%3\r2:%4\r")
+        .arg(length, data.mid(0, 12), data.mid(12, 14), data.mid(26, 14));
 }
 
 void work_out_vehicle_info::vin_answered(const QString& reply) {
     const QString plain = has_no_data(reply) ? QString() : vin_reply_without_headers(reply);
     const QString vin = plain.isEmpty() ? not_available : work_out_vin(plain);
+    results.kept[result_list::vehicle] +=
+        {QStringLiteral("0902"), reply, form_of(state), QString(), results.vehInfoArray.size(), 1};
     add_row(fill(QStringLiteral(" VIN: %@"), {vin.isEmpty() ? not_available : vin}));
 
     const obd_groups& ecus = state.available_pids;
@@ -104,6 +123,9 @@ void work_out_vehicle_info::vin_answered(const QString& reply) {
     pid_index = 0;
     while (ecus[ecu_index].pidSet.isEmpty())
         ++ecu_index;
+    results.progress_total = static_cast<int>(
+        std::accumulate(ecus.begin(), ecus.end(), qsizetype{0},
+                        [](qsizetype pids, const obd_group& ecu) { return pids + ecu.pidSet.size(); }));
     add_heading();
     ask_current_pid();
 }
@@ -117,7 +139,15 @@ void work_out_vehicle_info::add_heading() {
 }
 
 void work_out_vehicle_info::ask_current_pid() {
-    send_with_headers(222, QStringLiteral("01 %1 ").arg(state.available_pids[ecu_index].pidSet[pid_index]));
+    ask(222, QStringLiteral("01 %1 ").arg(state.available_pids[ecu_index].pidSet[pid_index]));
+}
+
+QString work_out_vehicle_info::answer_of(const obd_group& ecu, const QString& reply) const {
+    if (!state.headers_shown)
+        return whole_data_without_headers(reply, QStringLiteral("41"));
+    const obd_groups answers = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
+    const auto bodies = pull_dtcGruped_pidSet_by_ECU(answers, ecu.header, state.cur_protocol);
+    return bodies ? context.toolies.data_of_answer(*bodies) : not_available;
 }
 
 void work_out_vehicle_info::value_answered(const QString& reply) {
@@ -126,18 +156,19 @@ void work_out_vehicle_info::value_answered(const QString& reply) {
         throw step_failure(QStringLiteral("the list of supported PIDs changed meanwhile"));
     const obd_group& ecu = ecus[ecu_index];
     const QString pid = ecu.pidSet[pid_index];
+    QString value = no_reply;
     if (!has_no_data(reply)) {
-        const obd_groups answers = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
-        const auto bodies = pull_dtcGruped_pidSet_by_ECU(answers, ecu.header, state.cur_protocol);
-        const QString data = bodies ? context.toolies.data_of_answer(*bodies) : not_available;
-        const QString value = data.startsWith(QStringLiteral("41") + pid) ? context.toolies.translateResponse(data)
-                                                                        : no_reply;
-        if (value != no_reply)
-            add_row(fill(QStringLiteral("%@|%@|%@"), {pid, context.toolies.l_get_pid_name(pid, false), value}));
+        const QString data = answer_of(ecu, reply);
+        if (data.startsWith(QStringLiteral("41") + pid))
+            value = context.toolies.translateResponse(data);
     }
+    const int rows = value == no_reply ? 0 : 1;
+    results.kept[result_list::vehicle] +=
+        {QStringLiteral("01") + pid, reply, form_of(state), ecu.header, results.vehInfoArray.size(), rows};
+    if (rows > 0)
+        add_row(fill(QStringLiteral("%@|%@|%@"), {pid, context.toolies.l_get_pid_name(pid, false), value}));
     ++pid_index;
-    results.progress_done = static_cast<int>(pid_index);
-    results.progress_total = static_cast<int>(ecu.pidSet.size());
+    ++results.progress_done;
     context.view.reload(QStringLiteral("progress"));
     show(fill(QStringLiteral("Sampling  PID(%@) for ECU(%@) %d of %d "),
               {pid, ecu.header, QString::number(pid_index), QString::number(ecu.pidSet.size())}));
@@ -154,6 +185,7 @@ void work_out_vehicle_info::value_answered(const QString& reply) {
         return ask_current_pid();
     }
     console_log(QStringLiteral("work_out_vehInfo pids done #####"));
+    show("Current task done!");
     host.write_report();
     host.task_done();
 }

@@ -22,6 +22,8 @@ private:
     void add_row(const QString& row);
     QString vin_reply_without_headers(const QString& reply) const;
     QString name_of(const obd_group& ecu) const;
+    // What the ECU answered, "N/A" when it did not.
+    QString answer_of(const obd_group& ecu, const QString& reply) const;
 
     diagnostic_host& host;
     diagnostic_results& results;

@@ -1,8 +1,8 @@
 #include "diagnostics/work_out_xtras.h"
 
 #include "base/string_table.h"
-#include "obd/obd_messages.h"
 #include "obd/vin.h"
+#include "obd/whole_answer.h"
 
 namespace {
 
@@ -85,15 +85,14 @@ void work_out_xtras::value_answered(const QString& reply) {
 }
 
 void work_out_xtras::add_xtraInfo_item(const QString& reply, const QString& this_label) {
-    const bool is_refused = reply.startsWith(QLatin1String("7F"));
-    if (has_no_data(reply) || is_refused) {
+    const QString data = whole_data_without_headers(reply, positive_reply_of(extras[item].command));
+    if (data.isEmpty()) { // refused, no data, or not all of it
         results.xtrasArray += fill(QStringLiteral("%@:| N/A|"), {this_label});
         return;
     }
-    QString data = reply.contains(u':') ? grab_CAN_msg(reply) : reply; // several frames
-    data.remove(QLatin1String("\r\r"));
     if (this_label == QLatin1String("VIN"))
-        results.xtrasArray += fill(QStringLiteral("%@:| %@|"), {this_label, pullAsciiStr(QString(data.mid(6)))});
+        results.xtrasArray +=
+            fill(QStringLiteral("%@:| %@|"), {this_label, pullAsciiStr(QString(data.mid(6)))});
     else
         results.xtrasArray +=
             fill(QStringLiteral("%@:| %@ |"), {this_label, context.toolies.translateResponse_subaru(data)});

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "diagnostics/permanent_codes.h"
 #include "diagnostics/readCodes.h"
+#include "diagnostics/second_reading.h"
 #include "tests/support/conversation.h"
+
+#include <QRegularExpression>
 
 // The diagnostics screen's controller on a scripted adapter.
 struct diagnostic_bench : adapter_bench {
@@ -19,9 +23,44 @@ struct diagnostic_bench : adapter_bench {
         actions["link-info"] = [this](const QString&) { controller.read_link_info(); };
         actions["mode6"] = [this](const QString&) { controller.readMode6Support(); };
         actions["misfire"] = [this](const QString&) { controller.readMisfire(); };
+        actions["o2-tests"] = [this](const QString&) { controller.readO2(); };
+        actions["pending"] = [this](const QString&) { controller.readPendingFreezeCodes(); };
+        actions["vehicle-info"] = [this](const QString&) { controller.readVehicleInfo(); };
+        actions["extras"] = [this](const QString&) { controller.readXtras(); };
+        actions["report"] = [this](const QString&) { controller.read_for_report(); };
+        actions["permanent"] = [this](const QString&) { controller.readPermanent(); };
+        actions["standard"] = [this](const QString& on) { toolies.set_standard_reading(on == "on"); };
+        actions["metric"] = [this](const QString& on) {
+            profile.defaults.set("BV_metric_units", on == "on");
+        };
+        actions["logging"] = [this](const QString& on) { state.log_runs = on == "on"; };
         actions["stop"] = [this](const QString&) { controller.stop(); };
         facts["codes"] = [this] { return results.codesReadArray.join(", "); };
-        facts["misfire"] = [this] { return results.misfireArray.join(", "); };
+        facts["mode6"] = [this] { return one_line(results.mode6Array); };
+        facts["misfire"] = [this] { return one_line(results.misfireArray); };
+        facts["o2"] = [this] { return one_line(results.o2XtraArray); };
+        facts["pending"] = [this] { return one_line(results.pendingArray); };
+        facts["freeze"] = [this] { return one_line(results.freezeArray); };
+        facts["vehicle"] = [this] { return one_line(results.vehInfoArray); };
+        facts["extras"] = [this] { return one_line(results.xtrasArray); };
+        for (const auto& [name, list] : {std::pair("codes", result_list::codes),
+                                         {"pending", result_list::pending},
+                                         {"freeze", result_list::freeze},
+                                         {"vehicle", result_list::vehicle},
+                                         {"o2", result_list::o2}})
+            add_second_reading(name, list);
+        facts["permanent"] = [this] {
+            const permanent_codes read = read_permanent_codes(results, toolies);
+            return read.was_read ? (read.rows + QStringList(read.words)).join(' ').trimmed() : "not read";
+        };
+        facts["cycle"] = [this] {
+            const permanent_codes read = read_permanent_codes(results, toolies);
+            QStringList states(read.drive_cycle_words);
+            for (const readiness_row& row : read.drive_cycle)
+                states += row.state;
+            return states.join(' ').trimmed();
+        };
+        facts["logs"] = [this] { return stored_logs(); };
         facts["mil"] = [this] { return results.mil_label; };
         facts["announced"] = [this] { return results.code_count_label; };
         facts["ecus"] = [this] { return QString::number(results.no_of_ecus); };
@@ -35,5 +74,61 @@ struct diagnostic_bench : adapter_bench {
             return results.xtraInfoArray.mid(1).join(", ");
         }; // without the time of the read
         facts["ended"] = [this] { return ended; };
+        results.P0_Codes = {{"P0133", " the sensor's answer is slow"}}; // the whole list takes its time
+    }
+
+    // "std-codes", "notes-codes", "line-codes": the standard's rows of a list, what stands beside the shown
+    // ones, and the line about it.
+    void add_second_reading(const QString& name, result_list list) {
+        facts["std-" + name] = [this, list] {
+            const second_reading reading(list, results, toolies);
+            return list == result_list::codes ? reading.standard_rows().join(", ")
+                                              : one_line(reading.standard_rows());
+        };
+        facts["notes-" + name] = [this, list] {
+            const second_reading reading(list, results, toolies);
+            QStringList notes;
+            for (int row = 0; row < reading.shown().size(); ++row)
+                if (!reading.note_on(row).isEmpty())
+                    notes += QString::number(row) + ' ' + reading.note_on(row);
+            return one_line(notes);
+        };
+        facts["line-" + name] = [this, list] { return second_reading(list, results, toolies).line(); };
+    }
+
+    static QString one_line(const QStringList& rows) {
+        return QStringList(rows).join(" / ").replace('\n', "\\n").replace('\t', "\\t");
+    }
+
+    qsizetype logs_without_text() {
+        return profile.db
+            .retrieve_from_DB(
+                "SELECT LOG_ID FROM LOGGIES WHERE LOG_ID NOT IN (SELECT LOG_ID FROM LOGGIES_DATA)")
+            .size();
+    }
+
+    // As before the first operation, for the person and the log browser.
+    void forget() {
+        view.events.clear();
+        ended = "no";
+        state.log_runs = false;
+        toolies.set_standard_reading(false);
+        state.protocol_description.clear(); // told once while the program runs
+        for (const QStringList& log : profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES"))
+            profile.db.delete_a_DB_log(log[0].toInt());
+    }
+
+    // Every log with its chunks, dates left out.
+    QString stored_logs() {
+        static const QRegularExpression date("(?<=read:)[^-\n]*(?=--)|(?<=Read on: )[^\n]*");
+        QStringList rows;
+        for (const QStringList& log :
+             profile.db.retrieve_from_DB("SELECT LOG_TYPE, INFO, LOG_ID FROM LOGGIES")) {
+            rows += log[0] + '|' + log[1];
+            for (const QStringList& chunk :
+                 profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA WHERE LOG_ID=" + log[2]))
+                rows += chunk[0];
+        }
+        return one_line(rows.replaceInStrings(date, "then"));
     }
 };

@@ -1,0 +1,73 @@
+#include "diagnostics/second_reading.h"
+
+#include "tests/diagnostics/diagnostic_bench.h"
+
+#include <gtest/gtest.h>
+
+// What the conversations, which read a list after it is complete, do not come by.
+
+namespace {
+
+struct read_twice : adapter_bench {
+    diagnostic_results results;
+
+    void show_standard(bool shown) { toolies.set_standard_reading(shown); }
+};
+
+kept_reply rpm(const QString& digits, qsizetype row, qsizetype rows = 1) {
+    return {"010C", "7E804410C" + digits, {6, true}, "7E8", row, rows};
+}
+
+} // namespace
+
+TEST(second_reading, follows_a_list_that_grows_and_one_that_begins_anew) {
+    read_twice bench;
+    second_reading reading(result_list::vehicle, bench.results, bench.toolies);
+    EXPECT_EQ(reading.line(), "");
+    bench.results.vehInfoArray = {"heading"};
+    bench.results.kept[result_list::vehicle] = {rpm("1AF8", 1)};
+    reading.reload(); // the reply is there before its row
+    EXPECT_EQ(reading.standard_rows(), QStringList{"heading"});
+    bench.results.vehInfoArray += "0C|Engine RPM|99.00 RPM";
+    reading.reload();
+    EXPECT_EQ(reading.standard_rows(), (QStringList{"heading", "0C|Engine RPM|1726.00 rpm"}));
+    bench.results.kept[result_list::vehicle] += rpm("0000", 2, 0); // no row came of it
+    bench.results.vehInfoArray += "another heading";
+    reading.reload();
+    EXPECT_EQ(reading.standard_rows().mid(2), (QStringList{"0C|Engine RPM|0.00 rpm", "another heading"}));
+    EXPECT_EQ(reading.note_on(1), "By SAE J1979: 1726.00 rpm");
+    bench.show_standard(true);
+    EXPECT_EQ(reading.note_on(1), "By SAE J1979: 1726.00 rpm") << "only a reload changes what is shown";
+    reading.reload();
+    EXPECT_EQ(reading.note_on(1), "The program's own reading: 99.00 RPM");
+    EXPECT_EQ(reading.note_on(2), "The program's own reading: no value");
+
+    bench.results.vehInfoArray.clear();
+    bench.results.kept.clear();
+    reading.reload();
+    EXPECT_EQ(reading.shown(), QStringList());
+    EXPECT_EQ(reading.line(), "");
+    bench.results.vehInfoArray = {"0C|Engine RPM|1726.00 RPM"};
+    bench.results.kept[result_list::vehicle] = {rpm("1AF8", 0)};
+    reading.reload();
+    EXPECT_EQ(reading.shown(), bench.results.vehInfoArray);
+    EXPECT_FALSE(reading.differs());
+}
+
+TEST(second_reading, report_says_which_reading_it_holds) {
+    diagnostic_bench bench;
+    bench.results.codesReadArray = {"P0133|7E8", "P0300|7E8"};
+    bench.results.kept[result_list::codes] = {
+        {"03", "7E8100843030133 0220\r7E82103000000000000", {6, true}, {}, 0, 2}};
+    const QString own = bench.controller.report_of(op_read_codes).text;
+    EXPECT_TRUE(own.contains("[2]  P0133, P0300\n\n")) << own.toStdString();
+    EXPECT_FALSE(own.contains("J1979"));
+    bench.toolies.set_standard_reading(true);
+    bench.results.kept[result_list::permanent] = {{"0A", "7E8044A010133", {6, true}, {}, 0, 0}};
+    const QStringList lines = bench.controller.report_of(op_read_codes).text.split('\n');
+    EXPECT_EQ(lines.value(1), "Standard reading: values and codes as SAE J1979 reads the replies.");
+    EXPECT_TRUE(lines.contains("[3]  P0133, P0220, P0300"));
+    const qsizetype permanent = lines.indexOf("....... Permanent DTC Codes .......");
+    ASSERT_GT(permanent, 0);
+    EXPECT_TRUE(lines.value(permanent + 1).startsWith("P0133 - "));
+}
