@@ -128,6 +128,7 @@ void actions::take_set(const QStringList& items) {
     results_.pid_logitems_list = items;
     results_.veh_id = state.cur_veh_id;
     results_.metric = context.toolies.units() == unit_system::metric;
+    results_.by_standard = context.toolies.standard_reading();
     results_.sample_cnt = 0;
     results_.log_sample_cnt = 0;
     rework_gui_objects();
@@ -148,10 +149,11 @@ void actions::rework_gui_objects() {
     watching->set_changed();
 }
 
-// What is shown of the run before must be of this vehicle, its set and the units in force.
+// What is shown of the run before must be of this vehicle, its set, and the units and the reading in force.
 bool actions::results_still_fit() {
     if (results_.mode == 0 || results_.veh_id != state.cur_veh_id ||
-        results_.metric != (context.toolies.units() == unit_system::metric))
+        results_.metric != (context.toolies.units() == unit_system::metric) ||
+        results_.by_standard != context.toolies.standard_reading())
         return false;
     return results_.mode != op_log_run || results_.pid_logitems_list == log_run_set();
 }
@@ -263,7 +265,6 @@ void actions::mark_gap() {
     }
     add_item_to_log_vector(results_.cur_log_points, QString(), -1);
     storing.store_gap(QStringList(columns, no_reply).join(u','));
-    results_.log_sample_cnt = storing.lines_stored();
 }
 
 void actions::leave_cur_op_gracefully(const QString& status) {

@@ -130,9 +130,12 @@ void draw_snsr_dot(QPainter& painter, int x, int y, bool is_highlighted, int cur
                    const QColor& accent) {
     const QPointF centre = from_above(x, y);
     if (is_highlighted) {
-        painter.setPen(QPen(accent, 2));
+        // Open at the upper right, where the name of a sensor of bank 1 begins.
+        constexpr double reach = dot_radius + 2.8;
+        const QRectF ring(centre.x() - reach, centre.y() - reach, 2 * reach, 2 * reach);
+        painter.setPen(QPen(accent, 2, Qt::SolidLine, Qt::RoundCap));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(centre, dot_radius + 2.8, dot_radius + 2.8);
+        painter.drawArc(ring, 110 * 16, 285 * 16);
     }
     draw_dot(painter, centre, dot_radius, cur_state);
 }
@@ -144,17 +147,16 @@ void draw_label(QPainter& painter, const o2_sensor_place& sensor, bool is_highli
         painter.setPen(QPen(look.muted, 1));
         painter.drawLine(from_above(sensor.dot_x, sensor.dot_y), from_above(sensor.dot_x, y - 3));
     }
-    const double aside = is_highlighted ? 7 : 0; // its ring reaches up to the label
-    write(painter, from_above(sensor.dot_x + aside, y), QLatin1String(sensor.name), 11, weight::bold,
+    write(painter, from_above(sensor.dot_x, y), QLatin1String(sensor.name), 12, weight::bold,
           is_highlighted ? look.accent : look.ink);
 }
 
 void draw_value(QPainter& painter, const o2_sensor_place& sensor, const QString& text,
                 const o2_picture_look& look) {
-    constexpr double size = 10;
+    constexpr double size = 12;
     const QPointF left = from_above(sensor.value_x, sensor.value_y);
     const QFontMetricsF metrics(arial(size, weight::bold));
-    const QRectF words(left.x(), left.y() - 8, metrics.horizontalAdvance(text), 9);
+    const QRectF words(left.x(), left.y() - 9, metrics.horizontalAdvance(text), 10);
     QColor plate = look.plate;
     plate.setAlphaF(0.88F);
     painter.setPen(Qt::NoPen);
@@ -175,7 +177,7 @@ void draw_legend(QPainter& painter, const o2_picture_look& look) {
     };
     for (const entry& one : entries) {
         draw_dot(painter, from_above(one.x, 13), 4.8, one.state);
-        write(painter, from_above(one.x + 9, 10), one.words, 9, weight::plain, look.muted);
+        write(painter, from_above(one.x + 9, 10), one.words, 10, weight::plain, look.muted);
     }
 }
 

@@ -15,6 +15,7 @@ struct sample_row {
     QString units; // "RPM", or "N/A"
 
     QString value;                       // the latest value as text, "~" for none; "" before the first
+    QString other_value;                 // what the other reading says, "" where both say the same
     double latest = qQNaN();             // its number; NaN for none
     QString max = QStringLiteral("max"); // the largest number of the run as text, once there is one
     QString min = QStringLiteral("min"); // the smallest
@@ -30,6 +31,7 @@ struct live_results {
     int mode = 0;                  // op_log_run, op_fuel, op_boost or op_o2_layout; 0 before the first choice
     int veh_id = -1;               // the vehicle
     bool metric = false;           // the units in which the rows read
+    bool by_standard = false;      // and the reading: see second_value.h
     QStringList pid_logitems_list; // the sample set: "0D", or with the ECU "0D|7E8"
     QList<sample_row> these_samples;
     // One row a sweep, one column a PID of the set; the last row is the sweep under way.
@@ -37,7 +39,7 @@ struct live_results {
     sweep_times times;
 
     qint64 sample_cnt = 0;  // complete sweeps of the run
-    int log_sample_cnt = 0; // lines stored
+    int log_sample_cnt = 0; // of them stored
     bool is_stored = false; // the run has, or had, a log in the database
     int log_id = -1;        // its number there
     int gauge_2_idx = 1;    // the PID of the second gauge, by its place in the set

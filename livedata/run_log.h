@@ -35,7 +35,7 @@ public:
     // Whether the run is one to be stored, and has its place in the database.
     bool is_on() const { return cur_log_DB_id > 0; }
     int log_id() const { return cur_log_DB_id; }
-    int lines_stored() const { return log_sample_cnt; }
+    int sweeps_stored() const { return log_sample_cnt - gaps; }
     // Why lines are not stored, a sentence; "" while they are.
     const QString& problem() const { return what_is_wrong; }
 

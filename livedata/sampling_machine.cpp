@@ -3,6 +3,7 @@
 #include "base/string_table.h"
 #include "charts/outward_rounding.h"
 #include "livedata/run_log.h"
+#include "livedata/second_value.h"
 #include "obd/ecu_names.h"
 #include "obd/obd_messages.h"
 #include "obd/reply_text.h"
@@ -152,8 +153,10 @@ void sampling_machine::output_item(int index, const QString& data) {
 
 void sampling_machine::work_current_log_item(const QString& reply, int index) {
     sample_row& its_row = row(index);
-    its_row.value = context.toolies.translateResponse(reply);
-    its_row.latest = context.toolies.get_OBDVal(reply);
+    const second_value read = read_value(reply, context.toolies);
+    its_row.value = read.text;
+    its_row.other_value = read.other;
+    its_row.latest = number_of_value(reply, context.toolies);
     note_extremes(its_row, its_row.latest);
 }
 
@@ -194,6 +197,6 @@ void sampling_machine::end_of_sweep(const QString& line) {
     ++results.sample_cnt;
     results.times.sweep_complete();
     host.log().sweep_complete(line);
-    results.log_sample_cnt = host.log().lines_stored();
+    results.log_sample_cnt = host.log().sweeps_stored();
     host.observer().sweep_completed();
 }

@@ -41,5 +41,6 @@ double sweep_times::sweeps_a_second() const {
         return 0;
     const qint64 span =
         at[static_cast<size_t>((sweeps - 1) % kept)] - at[static_cast<size_t>((sweeps - known) % kept)];
-    return span > 0 ? static_cast<double>(known - 1) * 1000.0 / static_cast<double>(span) : 0;
+    constexpr qint64 shortest = 1; // what the clock can tell
+    return static_cast<double>(known - 1) * 1000.0 / static_cast<double>(std::max(span, shortest));
 }

@@ -136,4 +136,6 @@ TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     times.run_begins();
     times.sweep_complete();
     EXPECT_EQ(times.sweeps_a_second(), 0); // one tells nothing
+    times.sweep_complete();
+    EXPECT_GT(times.sweeps_a_second(), 0) << "two in a millisecond are fast";
 }

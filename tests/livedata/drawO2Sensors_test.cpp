@@ -104,3 +104,19 @@ TEST(drawO2Sensors, highlights_what_the_person_chose_before_what_the_run_says) {
     car.select(1);
     EXPECT_EQ(picture(0), second);
 }
+
+TEST(drawO2Sensors, a_name_stands_in_its_place_also_when_its_sensor_is_chosen) {
+    car_with car(0x03);
+    car.set_look(2, {});
+    const auto name_begins = [&car](int chosen) { // above the dot at 130|149 and its ring
+        car.select(chosen);
+        const QImage& picture = car.imageRepresentation();
+        for (int x = 240; x < 300; ++x)
+            for (int y = 161; y < 165; ++y)
+                if (picture.pixelColor(x, 2 * (car.height - y)).alpha() > 128)
+                    return x;
+        return 0;
+    };
+    EXPECT_NEAR(name_begins(0), 2 * 130, 3);
+    EXPECT_EQ(name_begins(1), name_begins(0));
+}
