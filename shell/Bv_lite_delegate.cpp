@@ -2,6 +2,7 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
+#include "link/bluetooth_service.h"
 #include "persistence/vehicles.h"
 
 #include <array>
@@ -11,6 +12,7 @@ namespace {
 constexpr int focus_delay_ms = 1100;
 constexpr qsizetype longest_address = 30;
 constexpr qsizetype longest_port = 10;
+constexpr qsizetype longest_device_name = 80;
 
 struct help_of_screen {
     screen_kind screen;
@@ -36,6 +38,11 @@ Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settin
     : adapter_link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings),
       db(store), clock(time_source), view(its_screen), toolies(process, settings, store) {
     read_defaults();
+    connect(this, &adapter_link::device_taken, this, [this] {
+        defaults.set(QStringLiteral("BV_last_BT"), state.bt_address);
+        defaults.set(QStringLiteral("Last_BT_device"), state.last_BT_Device);
+        defaults.synchronise();
+    });
     console_log(QStringLiteral("finish kloading"));
 }
 
@@ -55,6 +62,12 @@ void Bv_lite_delegate::read_defaults() {
         state.interface_kind = interface_wifi;
         state.wifi_ip = defaults.text(QStringLiteral("wifi_IP"), state.wifi_ip, longest_address);
         state.wifi_port = defaults.text(QStringLiteral("wifi_port"), state.wifi_port, longest_port);
+    }
+    const QString device =
+        defaults.text(QStringLiteral("BV_last_BT"), QString(), longest_device_name).toUpper();
+    if (is_bluetooth_address(device)) {
+        state.bt_address = device;
+        state.last_BT_Device = defaults.text(QStringLiteral("Last_BT_device"), device, longest_device_name);
     }
     state.metric_units = defaults.boolean(QStringLiteral("BV_metric_units"), false);
     state.log_runs = defaults.boolean(QStringLiteral("BV_log_runs"), false);
@@ -105,7 +118,7 @@ void Bv_lite_delegate::setCurCarVals(const QString& vehicle_name, const QImage& 
     area->show_vehicle(vehicle_name, curImg.isNull() ? own : curImg);
 }
 
-// --- screens -------------------------------------------------------------------------------------------------
+// --- screens -----------------------------------------------------------------------------------------------
 
 void Bv_lite_delegate::switch_to(screen_kind kind) {
     if (!area)
@@ -134,7 +147,7 @@ void Bv_lite_delegate::do_help_button() {
     }
 }
 
-// --- focus and quitting --------------------------------------------------------------------------------------
+// --- focus and quitting ------------------------------------------------------------------------------------
 
 void Bv_lite_delegate::handly() {
     console_log(QStringLiteral("got it : NSWindowDidBecomeKeyNotification"));
@@ -159,6 +172,10 @@ void Bv_lite_delegate::handleQuitEvent() {
 }
 
 void Bv_lite_delegate::applicationWillTerminate() {
+    wrap_leave();
+}
+
+void Bv_lite_delegate::wrap_leave() {
     if (is_connected() || is_opening()) {
         l_leave_cur_op_gracefully(QStringLiteral(""));
         disconnect();
@@ -168,5 +185,6 @@ void Bv_lite_delegate::applicationWillTerminate() {
 void redirectConsoleLogToDocumentFolder(const app_paths& paths) {
     const QString file = paths.documents + QStringLiteral("/console.log");
     if (!redirect_console_log(file))
-        console_log(QStringLiteral("%1 cannot be written: the diagnostic log goes to standard error").arg(file));
+        console_log(
+            QStringLiteral("%1 cannot be written: the diagnostic log goes to standard error").arg(file));
 }

@@ -5,9 +5,9 @@
 #include "obd/toolkit/mac_toolies.h"
 #include "shell/main_area.h"
 
-// The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and switches
-// between the screens. The link to the adapter is the part of it that adapter_link gives. Without a main area (the
-// terminal program) it only starts up. All that it is given outlives it.
+// The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and
+// switches between the screens. The link to the adapter is the part of it that adapter_link gives. Without a
+// main area (the terminal program) it only starts up. All that it is given outlives it.
 class Bv_lite_delegate : public adapter_link {
     Q_OBJECT
 
@@ -19,6 +19,8 @@ public:
     // Opens the database and shows the current vehicle; with a main area also the first screen.
     void applicationDidFinishLaunching(main_area* area);
     void applicationWillTerminate();
+    // Leaves the operation, and closes a link that is open or opening.
+    void wrap_leave();
 
     void do_read_codes() { switch_to(screen_kind::diagnostics); }
     void do_actions() { switch_to(screen_kind::live_data); }

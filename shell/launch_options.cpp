@@ -1,5 +1,7 @@
 #include "shell/launch_options.h"
 
+#include "link/bluetooth_service.h"
+
 namespace {
 
 // "HOST:PORT", with "[...]" around an IPv6 address.
@@ -16,7 +18,8 @@ bool take_address(const QString& text, launch_options& options) {
     return !options.wifi_host.isEmpty();
 }
 
-// One word that begins with "-". `value` is what stands after "=", or the next word for options that need one.
+// One word that begins with "-". `value` is what stands after "=", or the next word for options that need
+// one.
 class option_words {
 public:
     option_words(const QStringList& words, launch_options& target, QString& its_problem)
@@ -32,11 +35,17 @@ public:
 
 private:
     bool take(const QString& word) {
-        if (!word.startsWith(QLatin1Char('-')))
+        bool is_number = false;
+        word.toInt(&is_number); // "-1" is a value
+        if (is_number || !word.startsWith(QLatin1Char('-')))
             return take_command(word);
         const QString name = word.section(QLatin1Char('='), 0, 0);
+        if (is_word_of_a_run(name))
+            return take_word_of_a_run(word, name);
         if (name == QLatin1String("--wifi"))
             return choose_link(launch_options::link_choice::wifi) && take_wifi(value_of(word));
+        if (name == QLatin1String("--bluetooth"))
+            return choose_link(launch_options::link_choice::bluetooth) && take_device(value_of(word));
         if (name == QLatin1String("--demo"))
             return choose_link(launch_options::link_choice::demo) && take_car(word);
         if (name == QLatin1String("--profile"))
@@ -51,6 +60,8 @@ private:
             options.json = true;
         else if (name == QLatin1String("--log"))
             options.log = true;
+        else if (name == QLatin1String("--standard-reading"))
+            options.standard_reading = true;
         else if (name == QLatin1String("--txt"))
             options.as_text = true;
         else if (name == QLatin1String("--yes"))
@@ -71,6 +82,19 @@ private:
         return index + 1 < arguments.size() ? arguments.at(++index) : QString();
     }
 
+    // The options of a sampling run stand behind its command, which reads them itself.
+    bool is_word_of_a_run(const QString& name) const {
+        static const QStringList names{"--pids", "--sweeps", "--seconds", "--rate", "--store"};
+        return !options.command.isEmpty() && names.contains(name);
+    }
+
+    bool take_word_of_a_run(const QString& word, const QString& name) {
+        options.arguments += word;
+        if (word == name && name != QLatin1String("--store"))
+            options.arguments += value_of(word);
+        return true;
+    }
+
     bool take_command(const QString& word) {
         if (options.command.isEmpty())
             options.command = word;
@@ -81,7 +105,7 @@ private:
 
     bool choose_link(launch_options::link_choice choice) {
         if (options.link != launch_options::link_choice::as_stored)
-            return wrong(QStringLiteral("Only one of --wifi, --demo and --simulate can be chosen."));
+            return wrong(QStringLiteral("Only one of --wifi, --bluetooth, --demo and --simulate can be chosen."));
         options.link = choice;
         return true;
     }
@@ -90,6 +114,13 @@ private:
         return take_address(address, options) ||
                wrong(QStringLiteral("--wifi needs HOST:PORT with a port from 1 to 65535, for example "
                                     "--wifi 192.168.0.10:35000."));
+    }
+
+    bool take_device(const QString& address) {
+        options.bluetooth_address = address.toUpper();
+        return is_bluetooth_address(address) ||
+               wrong(QStringLiteral("--bluetooth needs the address of a device, for example --bluetooth "
+                                    "00:1D:A5:68:98:8B."));
     }
 
     bool take_car(const QString& word) {
@@ -131,12 +162,15 @@ std::optional<launch_options> parse_launch_options(const QStringList& arguments,
 }
 
 QString launch_options_usage() {
-    return QStringLiteral("The link:\n"
-                          "  --wifi HOST:PORT      a Wi-Fi adapter (otherwise the link chosen in the preferences)\n"
-                          "  --demo[=CAR]          a car and an adapter inside the program; nothing is kept\n"
-                          "  --simulate            a stand-in adapter with a few fixed answers\n"
-                          "\nOther options:\n"
-                          "  --profile DIR         settings, documents and database below DIR\n"
-                          "  --metric, --imperial  the units of values\n"
-                          "  --version, --help\n");
+    return QStringLiteral(
+        "The link:\n"
+        "  --wifi HOST:PORT      a Wi-Fi adapter (otherwise the link chosen in the preferences)\n"
+        "  --bluetooth ADDRESS   a Bluetooth adapter\n"
+        "  --demo[=CAR]          a car and an adapter inside the program; nothing is kept\n"
+        "  --simulate            a stand-in adapter with a few fixed answers\n"
+        "\nOther options:\n"
+        "  --profile DIR         settings, documents and database below DIR\n"
+        "  --metric, --imperial  the units of values\n"
+        "  --standard-reading    results as SAE J1979 reads the car's replies\n"
+        "  --version, --help\n");
 }

@@ -6,25 +6,28 @@
 
 // What the command line of brivant-lite or brivant-cli asks for.
 struct launch_options {
-    enum class link_choice { as_stored, wifi, demo, simulate };
+    enum class link_choice { as_stored, wifi, bluetooth, demo, simulate };
 
     link_choice link = link_choice::as_stored;
     QString wifi_host;
     QString wifi_port;
+    QString bluetooth_address;
     QString demo_car = QStringLiteral("can11"); // a name or a file
     QString profile;
     bool json = false;
     bool yes = false;
     std::optional<bool> metric;
+    bool standard_reading = false; // results as SAE J1979 reads the replies
     bool help = false;
     bool version = false;
-    bool log = false;     // results are stored, whatever the preference says
-    bool as_text = false; // an export ends in ".txt"
-    QString command;      // the terminal program's; "" for none
+    bool log = false;      // results are stored, whatever the preference says
+    bool as_text = false;  // an export ends in ".txt"
+    QString command;       // the terminal program's; "" for none
     QStringList arguments; // the words after the command
 };
 
-// The options of the words after the program's name, or nothing and a sentence in `problem` when they are wrong.
+// The options of the words after the program's name, or nothing and a sentence in `problem` when they are
+// wrong.
 std::optional<launch_options> parse_launch_options(const QStringList& arguments, QString& problem);
 
 // The lines of a usage text that tell the options both programs know.

@@ -1,5 +1,7 @@
 #include "shell/preferences.h"
 
+#include <QHostAddress>
+
 #include <algorithm>
 
 namespace {
@@ -12,6 +14,11 @@ constexpr int highest_port = 65535;
 bool same_link(const general_settings& one, const general_settings& other) {
     return one.interface_kind == other.interface_kind && one.wifi_ip == other.wifi_ip &&
            one.wifi_port == other.wifi_port;
+}
+
+bool looks_like_ipv4(const QString& address) {
+    return address.contains(u'.') &&
+           std::all_of(address.begin(), address.end(), [](QChar c) { return c == u'.' || c.isDigit(); });
 }
 
 } // namespace
@@ -30,7 +37,16 @@ general_settings preferences::stored() const {
     now.log_runs = defaults.boolean(QStringLiteral("BV_log_runs"), false);
     now.time_stamps = defaults.boolean(QStringLiteral("BV_log_timeStamp"), false);
     now.sample_rate = defaults.integer(QStringLiteral("BV_sample_rate"), -1);
+    now.standard_reading = toolies.standard_reading();
     return now;
+}
+
+bool preferences::changes_link(const general_settings& chosen) const {
+    const general_settings now = stored();
+    if (chosen.interface_kind != now.interface_kind || chosen.interface_kind != interface_wifi)
+        return chosen.interface_kind != now.interface_kind;
+    return (chosen.wifi_ip != now.wifi_ip && address_problem(chosen.wifi_ip).isEmpty()) ||
+           (chosen.wifi_port != now.wifi_port && port_problem(chosen.wifi_port).isEmpty());
 }
 
 bool preferences::store(const general_settings& chosen) {
@@ -44,6 +60,8 @@ bool preferences::store(const general_settings& chosen) {
         defaults.set(QStringLiteral("BV_log_timeStamp"), chosen.time_stamps);
     if (chosen.sample_rate != before.sample_rate)
         defaults.set(QStringLiteral("BV_sample_rate"), chosen.sample_rate);
+    if (chosen.standard_reading != before.standard_reading)
+        toolies.set_standard_reading(chosen.standard_reading);
     put_in_force(!same_link(before, stored()));
     return defaults.synchronise();
 }
@@ -78,6 +96,7 @@ void preferences::put_in_force(bool link_changed) {
     state.interface_kind = now.interface_kind;
     state.wifi_ip = now.wifi_ip;
     state.wifi_port = now.wifi_port;
+    link.l_leave_cur_op_gracefully(QStringLiteral(""));
     link.disconnect(); // it leads to the old place
 }
 
@@ -96,6 +115,12 @@ QString preferences::address_problem(const QString& address) {
         return QStringLiteral("An address has no blanks.");
     if (address.size() > longest_address)
         return QStringLiteral("An address has at most %1 characters.").arg(longest_address);
+    if (address.contains(u'/'))
+        return QStringLiteral("Only the address itself, without \"//\" and what follows it: 192.168.0.10.");
+    if (address.count(u':') == 1)
+        return QStringLiteral("The port has its own field below.");
+    if (looks_like_ipv4(address) && QHostAddress(address).toString() != address)
+        return QStringLiteral("An address in digits has four numbers from 0 to 255: 192.168.0.10.");
     return {};
 }
 

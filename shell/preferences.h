@@ -13,6 +13,7 @@ struct general_settings {
     bool log_runs = false;
     bool time_stamps = false;
     int sample_rate = -1; // seconds, -1 as fast as available
+    bool standard_reading = false;
 };
 
 // Checks and stores the settings, and puts them into force. All that it is given outlives it.
@@ -23,6 +24,8 @@ public:
 
     general_settings stored() const;
 
+    // True when storing it closes an open link and sends the next one elsewhere.
+    bool changes_link(const general_settings& chosen) const;
     // Stores what differs from what is stored; an address or port that is wrong, or not in use, stays as it
     // was. When the kind of link, the address or the port changes, an open link is closed and the next one
     // goes to the new place. A link chosen on the command line stays in force while these three are left

@@ -10,6 +10,8 @@ program_core::program_core(const launch_options& what_was_asked)
         defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
     if (options.metric)
         defaults.override_for_this_run(QStringLiteral("BV_metric_units"), *options.metric);
+    if (options.standard_reading)
+        defaults.override_for_this_run(QStringLiteral("BV_standard_reading"), true);
 }
 
 program_core::~program_core() = default;
@@ -41,6 +43,12 @@ void program_core::choose_link() {
         state.interface_kind = interface_wifi;
         state.wifi_ip = options.wifi_host;
         state.wifi_port = options.wifi_port;
+        return;
+    case launch_options::link_choice::bluetooth:
+        state.interface_kind = interface_bluetooth;
+        if (state.bt_address != options.bluetooth_address)
+            state.last_BT_Device = options.bluetooth_address; // its name is not known
+        state.bt_address = options.bluetooth_address;
         return;
     case launch_options::link_choice::demo:
         state.interface_kind = interface_wifi;

@@ -5,6 +5,10 @@
 #include "base/qt_timers.h"
 #include "base/user_defaults.h"
 #include "diagnostics/diagnostic_results.h"
+#include "expert/expert_session.h"
+#include "livedata/live_results.h"
+#include "livedata/second_value.h"
+#include "obd/toolkit/mac_toolies.h"
 #include "persistence/database.h"
 #include "shell/launch_options.h"
 
@@ -13,8 +17,9 @@
 
 class virtual_adapter_server;
 
-// What stands below both programs for the life of the process: the folders, the state, the settings, the database,
-// time, and for a demo the car. A demo without a profile of its own keeps its files in a folder that goes with it.
+// What stands below both programs for the life of the process: the folders, the state, the settings, the
+// database, time, and for a demo the car. A demo without a profile of its own keeps its files in a folder
+// that goes with it.
 class program_core {
 public:
     explicit program_core(const launch_options& what_was_asked);
@@ -41,7 +46,10 @@ public:
     user_defaults defaults;
     database db;
     qt_timers clock;
+    mac_toolies toolies{state, defaults, db};
     diagnostic_results diagnostics;
+    live_results live{[this](const QString& body) { return number_of_value(body, toolies); }};
+    expert_session expert{defaults};
 
 private:
     std::unique_ptr<virtual_adapter_server> demo;

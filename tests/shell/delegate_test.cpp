@@ -118,6 +118,25 @@ TEST_F(start_up, the_stored_link) {
     }
 }
 
+TEST_F(start_up, the_bluetooth_device_used_last) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"00:1d:a5:68:98:8b", "00:1D:A5:68:98:8B OBDII"}, {"00:1D:A5:68:98", " "}, {"words", " "}};
+    for (const auto& [stored, expected] : rows) {
+        program next(profile);
+        next.defaults.set("BV_last_BT", stored);
+        next.defaults.set("Last_BT_device", "OBDII");
+        next.start();
+        EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, expected) << stored;
+    }
+    again.start();
+    again.state.bt_address = "00:1D:A5:68:98:8C";
+    again.state.last_BT_Device = "Another";
+    Q_EMIT again.delegate->device_taken();
+    program next(profile);
+    next.start();
+    EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, "00:1D:A5:68:98:8C Another");
+}
+
 TEST_F(start_up, settings_without_log_runs_get_the_whole_table) {
     again.defaults.set("BV_interface", 6);
     again.start();

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "obd/toolkit/mac_toolies.h"
+#include "persistence/vehicles.h"
+
+// What the vehicle dialog edits.
+struct vehicle_values {
+    QString name;
+    QString model_year;
+    QString engine_volume;
+};
+
+// The vehicles as the person keeps them: added, edited, deleted, and one of them current. What goes wrong
+// comes back as a sentence. All that it is given outlives it.
+class vehicle_list {
+public:
+    vehicle_list(process_state& process, user_defaults& settings, mac_toolies& its_toolies);
+
+    QList<vehicle> load_vehicles();
+    int count_of_logs(int veh_id) const;
+    bool is_current(int veh_id) const { return veh_id == state.cur_veh_id; }
+
+    struct saved {
+        int id = -1;     // of the vehicle; -1 when it was not stored
+        QString problem; // "" when all was stored; with an id: only the photo was not
+    };
+    // Stores a new vehicle (`veh_id` -1), or changes one. A null photo leaves the present one.
+    saved saveCurCarVals(int veh_id, const vehicle_values& values, const QImage& photo);
+
+    // Deletes the vehicle with its photo, its logs and its sample set. The only one is refused. When the
+    // current one goes, the first of the list becomes current. "" when it is gone.
+    QString deleteCar(int veh_id);
+
+    // Results, logs and sample sets are from now on those of this vehicle; the next operation sets the
+    // adapter up again. "" when it is current and will be at the next start.
+    QString setCurrentCar(int veh_id);
+
+    // What is wrong with a typed text, as a sentence; "" when it is good. An unknown year or displacement may
+    // be left out.
+    static QString name_problem(const QString& name);
+    static QString year_problem(const QString& year);
+    static QString volume_problem(const QString& volume);
+
+private:
+    QString make_current(int veh_id);
+
+    process_state& state;
+    user_defaults& defaults;
+    mac_toolies& toolies;
+    database& db;
+};

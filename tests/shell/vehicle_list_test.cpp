@@ -1,0 +1,178 @@
+#include "shell/vehicle_list.h"
+
+#include "persistence/stored_logs.h"
+#include "shell/photo_file.h"
+#include "tests/support/print_qt.h"
+#include "tests/support/temporary_profile.h"
+
+#include <QImageWriter>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct vehicles : testing::Test {
+    temporary_profile profile;
+    process_state state;
+    mac_toolies toolies{state, profile.defaults, profile.db};
+    vehicle_list list{state, profile.defaults, toolies};
+
+    vehicles() {
+        profile.db.init_DB();
+        state.cur_veh_id = 1;
+    }
+    int add(const QString& name) { return list.saveCurCarVals(-1, {name, "", ""}, {}).id; }
+    QString names() {
+        QStringList all;
+        for (const vehicle& one : list.load_vehicles())
+            all += QString::number(one.id) + " " + one.name;
+        return all.join(", ");
+    }
+    int photo_rows() { return int(profile.db.retrieve_from_DB("SELECT VEH_ID FROM VEH_IMAGES").size()); }
+};
+
+struct photo_files : testing::Test {
+    QTemporaryDir folder;
+    QString path(const QString& name) { return folder.filePath(name); }
+    void write(const QString& name, const QByteArray& bytes) {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+    QByteArray read(const QString& name) {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+};
+
+QImage picture(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    return image;
+}
+
+} // namespace
+
+TEST_F(vehicles, the_only_one_stays_and_a_deleted_current_one_hands_over) {
+    EXPECT_NE(list.deleteCar(1), "");
+    EXPECT_EQ(names(), "1 Cur Veh.");
+
+    const int van = add("Van");
+    toolies.save_pids_available({{"7E8", {"0C"}}}); // of vehicle 1
+    EXPECT_EQ(list.setCurrentCar(van), "");
+    toolies.save_pids_2_sample_prefs({"05|7E8"});
+    const int log = profile.db.add_2_LOG_DB("Log", van, "sample points");
+    profile.db.append_2_LOG_DB("410D3C", "", 0, log);
+    EXPECT_EQ(list.count_of_logs(van), 1);
+    state.adapter_ready = true;
+    state.sample_pids = {"05|7E8"};
+    EXPECT_EQ(list.deleteCar(van), "");
+    EXPECT_EQ(names(), "1 Cur Veh.");
+    EXPECT_TRUE(state.vehicles_changed);
+    EXPECT_EQ(state.cur_veh_id, 1);
+    EXPECT_EQ(profile.defaults.integer("BV_cur_veh_id", -1), 1);
+    EXPECT_EQ(state.sample_pids, first_sample_pids());
+    EXPECT_EQ(state.available_pids, (obd_groups{{"7E8", {"0C"}}}));
+    EXPECT_FALSE(state.adapter_ready) << "its record is to be read again";
+    EXPECT_FALSE(profile.defaults.has(sample_set_key(van)));
+    EXPECT_FALSE(log_with_id(profile.db, log));
+    EXPECT_TRUE(profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA").isEmpty());
+
+    for (const int unknown : {van, 0, -1})
+        EXPECT_NE(list.setCurrentCar(unknown), "");
+    EXPECT_EQ(state.cur_veh_id, 1);
+    const int other = add("Other");
+    state.adapter_ready = true;
+    EXPECT_EQ(list.deleteCar(other), "");
+    EXPECT_EQ(state.cur_veh_id, 1);
+    EXPECT_TRUE(state.adapter_ready) << "the current vehicle is the same";
+}
+
+TEST_F(vehicles, a_photo_chosen_on_edit_gets_a_row_and_then_replaces_it) {
+    EXPECT_EQ(photo_rows(), 0);
+    EXPECT_EQ(list.saveCurCarVals(1, {"Van", "2012", "3.0 lts."}, {}).id, 1);
+    EXPECT_EQ(photo_rows(), 0);
+    for (const int width : {40, 1000}) {
+        const auto saved = list.saveCurCarVals(1, {"Van", "2012", "3.0 lts."}, picture(width, 30));
+        EXPECT_EQ(saved.id, 1);
+        EXPECT_EQ(saved.problem, "");
+        EXPECT_EQ(photo_rows(), 1);
+        EXPECT_EQ(photo_of_vehicle(profile.db, 1).width(), std::min(width, 270));
+    }
+    const auto added = list.saveCurCarVals(-1, {"Bus", "", ""}, picture(40, 30));
+    EXPECT_EQ(photo_of_vehicle(profile.db, added.id).width(), 40);
+    EXPECT_EQ(photo_rows(), 2);
+}
+
+TEST_F(vehicles, what_the_database_refuses_is_told) {
+    for (const int id : {-1, 1}) {
+        const auto saved = list.saveCurCarVals(id, {"Ann's car", "", ""}, picture(4, 4));
+        EXPECT_EQ(saved.id, -1);
+        EXPECT_TRUE(saved.problem.contains("apostrophe")) << saved.problem.toStdString();
+    }
+    EXPECT_EQ(names(), "1 Cur Veh.");
+    EXPECT_EQ(photo_rows(), 0);
+    EXPECT_EQ(list.saveCurCarVals(7, {"Nobody", "", ""}, {}).id, -1);
+}
+
+TEST(vehicle_values, are_checked_where_they_are_typed) {
+    using check = QString (*)(const QString&);
+    const std::tuple<check, QStringList, QStringList> rows[] = {
+        {vehicle_list::name_problem,
+         {"Van", "My cool car", QString(60, 'x')},
+         {"", "  ", "a\nb", QString(61, 'x')}},
+        {vehicle_list::year_problem,
+         {"", "2012", "1900"},
+         {"12", "201", "20123", "1899", "2100", "20 2", "two"}},
+        {vehicle_list::volume_problem, {"", "3.0 lts.", "1,6", "2"}, {"big", ".", "1.2.3", QString(21, '1')}},
+    };
+    for (const auto& [problem, good, bad] : rows) {
+        for (const QString& text : good)
+            EXPECT_EQ(problem(text), "") << text.toStdString();
+        for (const QString& text : bad)
+            EXPECT_NE(problem(text), "") << text.toStdString();
+    }
+}
+
+TEST_F(photo_files, of_any_common_kind_are_read_upright_and_reduced) {
+    for (const char* kind : {"png", "jpg", "bmp", "webp", "tiff"}) {
+        const QString name = path(QString("picture.") + kind);
+        ASSERT_TRUE(picture(2400, 1200).save(name)) << kind;
+        ASSERT_TRUE(QFile::rename(name, path("picture"))); // told by its content
+        const photo_file read = read_photo_file(path("picture"));
+        EXPECT_EQ(read.problem, "") << kind;
+        EXPECT_EQ(read.photo.size(), QSize(1080, 540)) << kind;
+        QFile::remove(path("picture"));
+    }
+    write("one.gif", QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
+    EXPECT_EQ(read_photo_file(path("one.gif")).photo.size(), QSize(1, 1));
+    QImageWriter turned(path("turned.jpg"));
+    turned.setTransformation(QImageIOHandler::TransformationRotate90);
+    ASSERT_TRUE(turned.write(picture(40, 20)));
+    EXPECT_EQ(read_photo_file(path("turned.jpg")).photo.size(), QSize(20, 40));
+}
+
+TEST_F(photo_files, that_cannot_be_shown_are_refused_with_a_sentence) {
+    ASSERT_TRUE(picture(300, 300).save(path("sound.png")));
+    ASSERT_TRUE(picture(30, 30).save(path("sound.bmp")));
+    const auto resized = [this](const char* width_and_height) { // what the header says
+        return read("sound.bmp").replace(18, 8, QByteArray::fromHex(width_and_height));
+    };
+    write("cut.png", read("sound.png").first(QFileInfo(path("sound.png")).size() / 2));
+    write("huge.bmp", resized("FFFF000010000000"));
+    write("many.bmp", resized("0020000000200000"));
+    write("text.png", "no picture");
+    write("empty.png", "");
+    write("drawing.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
+    ASSERT_TRUE(QFile(path("large.png")).open(QIODevice::WriteOnly));
+    ASSERT_TRUE(QFile::resize(path("large.png"), 65LL * 1024 * 1024));
+    const std::pair<const char*, const char*> rows[] = {
+        {"cut.png", "damaged"},     {"huge.bmp", "too many points"}, {"many.bmp", "too many points"},
+        {"text.png", "no picture"}, {"empty.png", "no picture"},     {"drawing.svg", "no picture"},
+        {"large.png", "too large"}, {"missing.png", "not exist"},    {".", "no file"},
+    };
+    for (const auto& [name, why] : rows) {
+        const photo_file read = read_photo_file(path(name));
+        EXPECT_TRUE(read.photo.isNull()) << name;
+        EXPECT_TRUE(read.problem.contains(why)) << name << ": " << read.problem.toStdString();
+    }
+}
