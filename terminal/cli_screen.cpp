@@ -1,9 +1,13 @@
 #include "terminal/cli_screen.h"
 
+#include "terminal/bluetooth_scan_run.h"
+
 #include <cstdio>
 #include <unistd.h>
 
 namespace {
+
+constexpr qsizetype most_shown = 1000;
 
 void to_stderr(const QString& text) {
     std::fputs(text.toLocal8Bit().constData(), stderr);
@@ -19,6 +23,8 @@ void cli_screen::show(const QString& text) {
     if (line.isEmpty() || (!shown.isEmpty() && shown.last() == line))
         return;
     shown += line;
+    if (shown.size() > most_shown)
+        shown.removeFirst(); // of a run that lasts for days
     to_stderr(QString(line).replace(QLatin1Char('\r'), QLatin1Char('\n')) + QLatin1Char('\n'));
 }
 
@@ -50,6 +56,20 @@ void cli_screen::ask_yes_no(const QString& title, const QString& text, std::func
     waiting = std::move(answer);
     input = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
     connect(input.get(), &QSocketNotifier::activated, this, &cli_screen::take_answer);
+}
+
+void cli_screen::choose_device(const QString& why,
+                               std::function<void(const QString& address, const QString& name)> answer) {
+    show(why);
+    bluetooth.look([this, answer](const bluetooth_surroundings& surroundings) {
+        show(why_unusable(surroundings.condition));
+        if (!surroundings.devices.isEmpty())
+            show(QStringLiteral("These devices are known:\n") + devices_as_text(surroundings.devices));
+        show(QStringLiteral(
+            "Name the adapter: --bluetooth ADDRESS (brivant-cli bluetooth-scan lists the devices "
+            "around), or --wifi HOST:PORT."));
+        answer(QString(), QString());
+    });
 }
 
 void cli_screen::take_answer() {

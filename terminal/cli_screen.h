@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/screen.h"
+#include "link/bluetooth_service.h"
 
 #include <QObject>
 #include <QSocketNotifier>
@@ -15,7 +16,7 @@ public:
     // `always_yes`: questions are not asked.
     explicit cli_screen(bool always_yes);
 
-    // Everything shown so far, in order.
+    // What was shown so far, in order; the latest thousand lines.
     const QStringList& messages() const { return shown; }
 
     void show_status(const QString& text) override;
@@ -23,6 +24,9 @@ public:
     void show_busy(bool) override {}
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    // Tells which devices there are and how one is named; nothing is chosen here.
+    void choose_device(const QString& why,
+                       std::function<void(const QString& address, const QString& name)> answer) override;
     void reload(const QString&) override {}
     void play_sound(int) override {}
     void beep() override;
@@ -35,4 +39,5 @@ private:
     QStringList shown;
     std::function<void(bool)> waiting;
     std::unique_ptr<QSocketNotifier> input;
+    bluetooth_service bluetooth;
 };

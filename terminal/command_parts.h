@@ -1,10 +1,25 @@
 #pragma once
 
 #include "diagnostics/readCodes.h"
+#include "diagnostics/second_reading.h"
 
 #include <QJsonArray>
+#include <QJsonObject>
 
 // Pieces of results that several commands print. `rows`: "P0133|7E8"; rows that name no code are left out.
 QJsonArray codes_as_json(readCodes& controller, const QStringList& rows);
 // A line a code; the text for no codes when there is none.
 QString codes_as_text(readCodes& controller, const QStringList& rows);
+
+second_reading both_readings(readCodes& controller, result_list list);
+// `object` with "standard": what the replies hold by SAE J1979, in the shape of the program's own result;
+// "differs"; "reading": which of the two the plain text shows, "program" or "standard".
+QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings);
+// The shown rows, made texts by `as_text`, each with its note below it; at the end the line about all of them.
+QString shown_as_text(const second_reading& reading, QString (*as_text)(const QString& row));
+// That line, "" without one.
+QString line_as_text(const second_reading& reading);
+
+// The permanent codes and the monitors of the drive cycle.
+QJsonObject permanent_json(readCodes& controller);
+QString permanent_text(readCodes& controller);

@@ -68,24 +68,34 @@ QJsonObject read_codes_json(readCodes& controller) {
     QJsonArray readiness;
     for (const readiness_row& row : results.readinessFlagsArray)
         readiness += QJsonObject{{"state", row.state}, {"label", row.label}, {"group", row.group}};
-    return {{"interface", state_of(controller).interface_description},
-            {"protocol", state_of(controller).protocol_description},
-            {"ecus", results.no_of_ecus},
-            {"mil", results.milLamp},
-            {"expected_codes", results.no_of_codes},
-            {"codes", codes_as_json(controller, results.codesReadArray)},
-            {"readiness", readiness}};
+    QJsonObject object{{"interface", state_of(controller).interface_description},
+                       {"protocol", state_of(controller).protocol_description},
+                       {"ecus", results.no_of_ecus},
+                       {"mil", results.milLamp},
+                       {"expected_codes", results.no_of_codes},
+                       {"codes", codes_as_json(controller, results.codesReadArray)},
+                       {"readiness", readiness}};
+    if (results.kept.contains(result_list::permanent)) {
+        const QJsonObject permanent = permanent_json(controller);
+        for (auto part = permanent.begin(); part != permanent.end(); ++part)
+            object.insert(part.key(), part.value());
+    }
+    const second_reading codes = both_readings(controller, result_list::codes);
+    return with_standard(object, {{"codes", codes_as_json(controller, codes.standard_rows())}}, {codes});
 }
 
 QString read_codes_text(readCodes& controller) {
     const diagnostic_results& results = controller.results();
     QString text = results.xtraInfoArray.join(QLatin1Char('\n')) +
                    QStringLiteral("\nMIL: %1\nCodes announced: %2\n\n").arg(results.mil_label, results.code_count_label);
-    text += codes_as_text(controller, results.codesReadArray);
+    const second_reading codes = both_readings(controller, result_list::codes);
+    text += codes_as_text(controller, codes.shown()) + line_as_text(codes);
     if (!results.readinessFlagsArray.isEmpty())
         text += QStringLiteral("\nReadiness:\n");
     for (const readiness_row& row : results.readinessFlagsArray)
         text += QStringLiteral("%1  %2 (%3)\n").arg(row.state, -4).arg(row.label, row.group);
+    if (results.kept.contains(result_list::permanent))
+        text += u'\n' + permanent_text(controller);
     return text;
 }
 
@@ -123,7 +133,7 @@ QJsonArray codes_as_json(readCodes& controller, const QStringList& rows) {
 QString codes_as_text(readCodes& controller, const QStringList& rows) {
     const QList<code_row> codes = code_rows(controller, rows);
     if (codes.isEmpty())
-        return localised(QStringLiteral("NO_CODES")) + QLatin1Char('\n');
+        return (rows.isEmpty() ? localised(QStringLiteral("NO_CODES")) : rows.first()) + QLatin1Char('\n');
     QString text;
     for (const code_row& row : codes)
         text += QStringLiteral("%1  %2  %3\n").arg(row.code, row.ecu, row.description);

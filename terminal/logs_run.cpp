@@ -1,12 +1,16 @@
 #include "terminal/logs_run.h"
 
+#include "base/string_table.h"
+#include "logs/log_texts.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <algorithm>
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -17,43 +21,93 @@ void print(FILE* stream, const QString& text) {
     std::fflush(stream);
 }
 
-bool is_sampled(const QString& type) {
-    return type == QLatin1String("Log") || type == QLatin1String("Boost") || type == QLatin1String("O2") ||
-           type == QLatin1String("Fuel");
+// What a database from elsewhere holds must not steer the terminal.
+QString printable(QString text) {
+    for (QChar& character : text) {
+        if (character.category() == QChar::Other_Control && character != u'\n' && character != u'\t')
+            character = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+// The number of a log, 0 for another word.
+int number_of(const QString& word) {
+    bool is_number = false;
+    const int number = word.toInt(&is_number);
+    return is_number && number > 0 ? number : 0;
+}
+
+// A text as JSON, quotes and all.
+QString quoted(const QString& text) {
+    const QByteArray list = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(list.sliced(1).chopped(1));
+}
+
+void print_object(const QJsonObject& object) {
+    print(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+}
+
+QJsonObject as_json(const log_header& log) {
+    return {{"id", log.id},
+            {"vehicle", log.veh_id},
+            {"type", log.type},
+            {"info", log.info},
+            {"time", gmt_date_str_2_local_date_str(log.time_stamp)}};
 }
 
 } // namespace
 
-logs_run::logs_run(program_core& its_core) : core(its_core) {}
+logs_run::logs_run(program_core& its_core) : core(its_core), view(core.options.yes) {}
 
-QString logs_run::wrong_words(const QStringList& words) {
+QString logs_run::wrong_words(const QStringList& words, bool yes) {
     const QString what = words.value(0);
-    bool is_number = false;
-    words.value(1).toInt(&is_number);
-    if (what == QLatin1String("list") && words.size() == 1)
+    const QStringList numbers = words.mid(1);
+    const bool all_are_numbers = std::all_of(numbers.begin(), numbers.end(), number_of);
+    if (what == QLatin1String("list") && numbers.isEmpty())
         return {};
-    if (what == QLatin1String("export") && is_number && words.size() == 2)
+    if ((what == QLatin1String("show") || what == QLatin1String("export")) && numbers.size() == 1 &&
+        all_are_numbers)
         return {};
-    return QStringLiteral("The words after logs are: list, or export and the number of a log.");
+    if (what != QLatin1String("delete") || numbers.isEmpty() || !all_are_numbers)
+        return QStringLiteral(
+            "The words after logs are: list; show, export or delete and the number of a log, for "
+            "delete also several.");
+    return yes || isatty(STDIN_FILENO)
+               ? QString()
+               : QStringLiteral(
+                     "logs delete cannot be undone, and there is no terminal to ask at: say that you want "
+                     "it with --yes.");
 }
 
 void logs_run::start() {
     signals_ = std::make_unique<stop_signals>([this] {
         if (exporting)
             exporting->stop();
-        end(QStringLiteral("Stopped"), false);
+        end(deletion ? QStringLiteral("Stopped: %1 of %2 logs are deleted")
+                           .arg(deletion->deleted())
+                           .arg(deletion->asked())
+                     : QStringLiteral("Stopped"),
+            false);
     });
     if (!core.db.init_DB())
         return end(core.db.problem(), false);
-    if (core.options.arguments.first() == QLatin1String("list"))
+    const QString& what = core.options.arguments.first();
+    if (what == QLatin1String("list"))
         return list();
-    const int log_id = core.options.arguments.value(1).toInt();
-    const auto log = log_with_id(core.db, log_id);
-    if (!log)
-        return end(QStringLiteral("There is no log with the number %1.").arg(log_id), false);
-    if (!is_sampled(log->type))
-        return show_text(log_id); // a report is shown, not exported
-    begin_export(log_id);
+    QList<log_header> logs;
+    for (const QString& word : core.options.arguments.sliced(1)) {
+        const auto log = log_with_id(core.db, number_of(word));
+        if (!log)
+            return end(QStringLiteral("There is no log with the number %1.").arg(word), false);
+        logs += *log;
+    }
+    if (what == QLatin1String("delete"))
+        return ask_deletion(logs);
+    if (what == QLatin1String("show"))
+        return show(logs.first());
+    if (!isSampledLog(logs.first().type))
+        return show_text(logs.first().id); // a report is shown, not exported
+    begin_export(logs.first().id);
 }
 
 void logs_run::list() {
@@ -62,34 +116,78 @@ void logs_run::list() {
         QStringLiteral("SELECT * FROM LOGGIES ORDER by time_stamp DESC "), [&](const QStringList& row) {
             if (const auto log = log_header_of(row)) {
                 if (core.options.json)
-                    rows += QJsonObject{{"id", log->id},
-                                        {"vehicle", log->veh_id},
-                                        {"type", log->type},
-                                        {"info", log->info},
-                                        {"time", gmt_date_str_2_local_date_str(log->time_stamp)}};
+                    rows += as_json(*log);
                 else
                     print(stdout, QStringLiteral("%1  %2  %3  %4\n")
                                       .arg(log->id, 6)
                                       .arg(gmt_date_str_2_local_date_str(log->time_stamp))
-                                      .arg(log->type, -8)
-                                      .arg(log->info));
+                                      .arg(printable(log->type), -8)
+                                      .arg(printable(log->info)));
             }
             return true;
         });
     if (core.options.json)
-        print(stdout, QString::fromUtf8(QJsonDocument(QJsonObject{{"logs", rows}}).toJson(QJsonDocument::Compact)) +
-                          u'\n');
+        print_object({{"logs", rows}});
     end(read ? QString() : core.db.problem(), read);
 }
 
 void logs_run::show_text(int log_id) {
-    QString text;
+    const bool read =
+        core.db.for_each_row(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
+                             [&](const QStringList& row) {
+                                 print(stdout, printable(row.value(1)) + u'\n');
+                                 return true;
+                             });
+    end(read ? QString() : core.db.problem(), read);
+}
+
+// Printed as it is read: a run may be longer than the memory.
+void logs_run::show(const log_header& log) {
+    if (!core.options.json)
+        return show_text(log.id);
+    QByteArray head = QJsonDocument(as_json(log)).toJson(QJsonDocument::Compact);
+    head.chop(1);
+    print(stdout, QString::fromUtf8(head) + QStringLiteral(",\"lines\":["));
+    bool is_first = true;
     const bool read = core.db.for_each_row(
-        QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id), [&](const QStringList& row) {
-            print(stdout, row.value(1) + u'\n');
+        QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log.id),
+        [&](const QStringList& row) {
+            print(stdout, (is_first ? QString() : QStringLiteral(",")) + quoted(row.value(1)));
+            is_first = false;
             return true;
         });
+    print(stdout, QStringLiteral("]}\n"));
     end(read ? QString() : core.db.problem(), read);
+}
+
+void logs_run::ask_deletion(const QList<log_header>& logs) {
+    QList<int> ids;
+    QString names;
+    for (const log_header& log : logs) {
+        ids += log.id;
+        names += QStringLiteral("%1  %2  %3\n")
+                     .arg(log.id)
+                     .arg(gmt_date_str_2_local_date_str(log.time_stamp), log.type);
+    }
+    view.ask_yes_no(localised(QStringLiteral("DLG_ARE_U_SURE_DELETE_ITEMS")),
+                    names + localised(QStringLiteral("LBL_CANNOT_B_UNDONE")), [this, ids](bool yes) {
+                        if (!yes)
+                            return end(QStringLiteral("Nothing was deleted"), false);
+                        deletion = std::make_unique<log_deletion>(core.db, ids);
+                        next_deletion();
+                    });
+}
+
+void logs_run::next_deletion() {
+    if (deletion->step()) {
+        slice = core.clock.one_shot(0, [this] { next_deletion(); });
+        return;
+    }
+    if (core.options.json)
+        print_object({{"deleted", deletion->deleted()}, {"asked", deletion->asked()}});
+    const QString sentence =
+        QStringLiteral("Deleted: %1 of %2 logs").arg(deletion->deleted()).arg(deletion->asked());
+    end(deletion->has_failed() ? sentence + u'\n' + core.db.problem() : sentence, !deletion->has_failed());
 }
 
 void logs_run::begin_export(int log_id) {
@@ -110,7 +208,9 @@ void logs_run::next_slice() {
     if (exporting->lines_announced() > 0) {
         const int percent = static_cast<int>(100 * exporting->lines_written() / exporting->lines_announced());
         if (percent != last_percent)
-            print(stderr, QStringLiteral("\r%1 of %2 lines").arg(exporting->lines_written()).arg(exporting->lines_announced()));
+            print(stderr, QStringLiteral("\r%1 of %2 lines")
+                              .arg(exporting->lines_written())
+                              .arg(exporting->lines_announced()));
         last_percent = percent;
     }
     if (more) {
@@ -120,7 +220,10 @@ void logs_run::next_slice() {
     print(stderr, QStringLiteral("\n"));
     if (!exporting->succeeded())
         return end(exporting->problem(), false);
-    print(stdout, exporting->path() + u'\n');
+    if (core.options.json)
+        print_object({{"file", exporting->path()}, {"lines", exporting->lines_written()}});
+    else
+        print(stdout, exporting->path() + u'\n');
     end(QStringLiteral("Exported to loggies folder in Documents\n\n%1").arg(exporting->path()), true);
 }
 

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "logs/manage_logsDB.h"
 #include "persistence/log_export.h"
 #include "shell/program_core.h"
+#include "terminal/cli_screen.h"
 #include "terminal/stop_signals.h"
 
 #include <memory>
 
-// The command "logs": "logs list" names the stored logs, "logs export ID" writes a sampling run to a file. The car
-// is not asked.
+// The command "logs": "logs list" names the stored logs, "logs show ID" prints one, "logs export ID" writes a
+// sampling run to a file, "logs delete ID..." deletes. The car is not asked.
 class logs_run : public QObject {
     Q_OBJECT
 
@@ -16,7 +18,7 @@ public:
 
     void start();
     // Why the words after "logs" cannot be carried out, "" when they can.
-    static QString wrong_words(const QStringList& words);
+    static QString wrong_words(const QStringList& words, bool yes);
 
 Q_SIGNALS:
     // 0 done, 1 failed or stopped.
@@ -24,14 +26,19 @@ Q_SIGNALS:
 
 private:
     void list();
-    void begin_export(int log_id);
+    void show(const log_header& log);
     void show_text(int log_id);
+    void begin_export(int log_id);
     void next_slice();
+    void ask_deletion(const QList<log_header>& logs);
+    void next_deletion();
     void end(const QString& sentence, bool done);
 
     program_core& core;
+    cli_screen view;
     text_resources lists;
     std::unique_ptr<log_export> exporting;
+    std::unique_ptr<log_deletion> deletion;
     std::unique_ptr<stop_signals> signals_;
     timer_handle slice;
     int last_percent = -1;

@@ -1,6 +1,11 @@
 #include "base/console_log.h"
+#include "terminal/bluetooth_scan_run.h"
 #include "terminal/cli_run.h"
+#include "terminal/expert_run.h"
+#include "terminal/live_run.h"
 #include "terminal/logs_run.h"
+#include "terminal/profile_command.h"
+#include "terminal/update_run.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -16,13 +21,24 @@ void print(FILE* stream, const QString& text) {
 
 QString usage() {
     QString text = QStringLiteral(
-        "Usage: brivant-cli [--wifi HOST:PORT | --demo[=CAR] | --simulate] [--profile DIR] [--json]\n"
-        "                   [--metric | --imperial] COMMAND\n\n"
+        "Usage: brivant-cli [--wifi HOST:PORT | --bluetooth ADDRESS | --demo[=CAR] | --simulate]\n"
+        "                   [--profile DIR] [--json] [--metric | --imperial] COMMAND\n\n"
         "Commands:\n");
     for (const cli_command& command : cli_commands())
         text += QStringLiteral("  %1%2\n").arg(QLatin1String(command.name), -22).arg(QLatin1String(command.help));
-    text += QStringLiteral("  logs list             the stored logs\n"
-                           "  logs export ID        a stored sampling run as a CSV file (with --txt as text); a report is shown\n");
+    text += live_commands_usage();
+    text += QStringLiteral("  send COMMAND...       raw commands, for the adapter (\"AT RV\") or the car (\"01 00\"), and their answers\n"
+                           "  script TEMPLATE FROM TO LOOPS\n"
+                           "                        one command with a byte that counts up: script \"01 {L}\" 01 05 1\n");
+    text += QStringLiteral("  bluetooth-scan        the Bluetooth devices around, with their addresses\n"
+                           "  logs list             the stored logs\n"
+                           "  logs show ID          what a log holds, as it is stored\n"
+                           "  logs export ID        a stored sampling run as a CSV file (with --txt as text); a report is shown\n"
+                           "  logs delete ID...     deletes logs, after a question\n"
+                           "  update-check          asks the update server for the newest version; with the word\n"
+                           "                        download it fetches the archive into Documents\n"
+                           "  vehicles list|add|edit|delete|use, settings get|set\n"
+                           "                        the vehicles and the preferences; the manual page tells their words\n");
     return text + QLatin1Char('\n') + launch_options_usage() +
            QStringLiteral("  --log                 store the results, whatever the preference says\n"
                           "  --json                one JSON object on standard output\n"
@@ -36,8 +52,19 @@ QString wrong_command(const launch_options& options) {
     if (options.command.isEmpty())
         return QStringLiteral("Which command?");
     if (options.command == QLatin1String("logs"))
-        return logs_run::wrong_words(options.arguments);
-    if (!find_command(options.command))
+        return logs_run::wrong_words(options.arguments, options.yes);
+    if (options.command == QLatin1String("update-check"))
+        return update_run::wrong_words(options.arguments);
+    if (expert_run::is_expert_command(options.command))
+        return expert_run::wrong_words(options.command, options.arguments, options.yes);
+    if (is_live_command(options.command)) {
+        QString problem;
+        parse_live_words(options.command, options.arguments, problem);
+        return problem;
+    }
+    if (is_profile_command(options.command))
+        return wrong_profile_words(options.command, options.arguments, options.yes);
+    if (options.command != QLatin1String("bluetooth-scan") && !find_command(options.command))
         return QStringLiteral("There is no command %1.").arg(options.command);
     if (!options.arguments.isEmpty())
         return QStringLiteral("One command at a time: %1, or %2?").arg(options.command, options.arguments.first());
@@ -68,9 +95,19 @@ int run(const launch_options& options) {
     redirectConsoleLogToDocumentFolder(core.paths);
     if (options.command == QLatin1String("logs"))
         return run_to_its_end<logs_run>(core);
+    if (options.command == QLatin1String("update-check"))
+        return run_to_its_end<update_run>(core);
+    if (options.command == QLatin1String("bluetooth-scan"))
+        return run_to_its_end<bluetooth_scan_run>(core);
+    if (is_profile_command(options.command))
+        return run_profile_command(core);
     QString problem;
     if (!core.start_demo(problem))
         return refuse(problem);
+    if (expert_run::is_expert_command(options.command))
+        return run_to_its_end<expert_run>(core);
+    if (is_live_command(options.command))
+        return run_to_its_end<live_run>(core, *parse_live_words(options.command, options.arguments, problem));
     return run_to_its_end<cli_run>(core, *find_command(options.command));
 }
 

@@ -24,36 +24,43 @@ std::pair<QString, QString> label_and_value(const QString& row) {
                      : std::pair(row.first(colon).trimmed(), row.sliced(colon + 2).trimmed());
 }
 
-QJsonObject pending_json(readCodes& controller) {
-    const diagnostic_results& results = controller.results();
+QJsonObject pending_as_json(readCodes& controller, const QStringList& pending, const QStringList& frame) {
     QJsonArray freeze;
     QJsonValue freezed_by = QJsonValue::Null;
-    for (const QString& row : results.freezeArray) {
+    for (const QString& row : frame) {
         const auto [label, value] = label_and_value(row);
         if (label == QLatin1String("Freezed by"))
             freezed_by = value.section(u'|', 0, 0);
         else if (!value.isEmpty())
             freeze += QJsonObject{{"label", label}, {"value", value}};
     }
+    return {{"pending", codes_as_json(controller, pending)}, {"freezed_by", freezed_by}, {"freeze", freeze}};
+}
+
+QJsonObject pending_json(readCodes& controller) {
+    const diagnostic_results& results = controller.results();
+    const second_reading codes = both_readings(controller, result_list::pending);
+    const second_reading frame = both_readings(controller, result_list::freeze);
+    QJsonObject object = pending_as_json(controller, results.pendingArray, results.freezeArray);
+    object.insert("rows", QJsonObject{{"pending", QJsonArray::fromStringList(results.pendingArray)},
+                                      {"freeze", QJsonArray::fromStringList(results.freezeArray)}});
     return with_link(controller,
-                     {{"pending", codes_as_json(controller, results.pendingArray)},
-                      {"freezed_by", freezed_by},
-                      {"freeze", freeze},
-                      {"rows", QJsonObject{{"pending", QJsonArray::fromStringList(results.pendingArray)},
-                                           {"freeze", QJsonArray::fromStringList(results.freezeArray)}}}});
+                     with_standard(object, pending_as_json(controller, codes.standard_rows(), frame.standard_rows()),
+                                   {codes, frame}));
 }
 
 QString pending_text(readCodes& controller) {
-    QString text = QStringLiteral("Pending codes:\n") + codes_as_text(controller, controller.results().pendingArray) +
-                   QStringLiteral("\nFreeze frame:\n");
-    for (const QString& row : controller.results().freezeArray)
-        text += QString(row).replace(u'|', QLatin1String(" ")) + u'\n';
-    return text;
+    const second_reading codes = both_readings(controller, result_list::pending);
+    return QStringLiteral("Pending codes:\n") + codes_as_text(controller, codes.shown()) + line_as_text(codes) +
+           QStringLiteral("\nFreeze frame:\n") +
+           shown_as_text(both_readings(controller, result_list::freeze), [](const QString& row) {
+               return QString(row).replace(u'|', QLatin1String(" ")) + u'\n';
+           });
 }
 
 // --- vehicle-info --------------------------------------------------------------------------------------------
 
-QJsonObject vehicle_info_json(readCodes& controller) {
+QJsonObject vehicle_rows_json(const QStringList& rows) {
     QJsonObject object;
     QJsonArray ecus;
     QJsonObject ecu;
@@ -65,7 +72,7 @@ QJsonObject vehicle_info_json(readCodes& controller) {
         ecus += ecu;
         values = {};
     };
-    for (const QString& row : controller.results().vehInfoArray) {
+    for (const QString& row : rows) {
         const QStringList fields = row.split(u'|');
         if (row.startsWith(QLatin1String(" Voltage: ")))
             object.insert("voltage", row.sliced(10).trimmed());
@@ -80,15 +87,21 @@ QJsonObject vehicle_info_json(readCodes& controller) {
     }
     close_ecu();
     object.insert("ecus", ecus);
-    object.insert("rows", QJsonArray::fromStringList(controller.results().vehInfoArray));
-    return with_link(controller, object);
+    return object;
+}
+
+QJsonObject vehicle_info_json(readCodes& controller) {
+    const second_reading reading = both_readings(controller, result_list::vehicle);
+    QJsonObject object = vehicle_rows_json(reading.own_rows());
+    object.insert("rows", QJsonArray::fromStringList(reading.own_rows()));
+    return with_link(controller,
+                     with_standard(object, vehicle_rows_json(reading.standard_rows()), {reading}));
 }
 
 QString vehicle_info_text(readCodes& controller) {
-    QString text;
-    for (const QString& row : controller.results().vehInfoArray)
-        text += QString(row).replace(u'|', QLatin1String("  ")) + u'\n';
-    return text;
+    return shown_as_text(both_readings(controller, result_list::vehicle), [](const QString& row) {
+        return QString(row).replace(u'|', QLatin1String("  ")) + u'\n';
+    });
 }
 
 // --- test results --------------------------------------------------------------------------------------------
@@ -113,20 +126,26 @@ QJsonObject test_as_json(const QString& row) {
     return object;
 }
 
-QJsonObject tests_json(readCodes& controller, const QStringList& rows) {
+QJsonArray tests_as_json(const QStringList& rows) {
     QJsonArray tests;
     for (const QString& row : rows)
         tests += test_as_json(row);
-    return with_link(controller, {{"tests", tests}, {"rows", QJsonArray::fromStringList(rows)}});
+    return tests;
 }
 
-QString tests_text(const QStringList& rows) {
-    QString text;
-    for (const QString& row : rows) {
+QJsonObject tests_json(readCodes& controller, result_list list) {
+    const second_reading reading = both_readings(controller, list);
+    const QJsonObject object{{"tests", tests_as_json(reading.own_rows())},
+                             {"rows", QJsonArray::fromStringList(reading.own_rows())}};
+    return with_link(controller, with_standard(object, {{"tests", tests_as_json(reading.standard_rows())}}, {reading}));
+}
+
+QString tests_text(readCodes& controller, result_list list) {
+    return shown_as_text(both_readings(controller, list), [](const QString& row) {
         const mode6_row test = split_mode6_row(row);
-        text += QStringLiteral("%1\n    %2\n    %3\n").arg(test.title, test.subject, QString(test.text).replace(u'\n', u' '));
-    }
-    return text;
+        return QStringLiteral("%1\n    %2\n    %3\n")
+            .arg(test.title, test.subject, QString(test.text).replace(u'\n', u' '));
+    });
 }
 
 // --- extras and the report -----------------------------------------------------------------------------------
@@ -157,23 +176,26 @@ QJsonObject report_json(readCodes& controller) {
 }
 
 // clang-format off
-constexpr std::array<cli_command, 7> commands{{
+constexpr std::array<cli_command, 8> commands{{
     {"pending",      "pending trouble codes and the freeze frame",
      [](readCodes& c) { c.readPendingFreezeCodes(); }, pending_json,      pending_text},
+    {"permanent",    "permanent trouble codes, and the monitors of this drive cycle",
+     [](readCodes& c) { c.readPermanent(); },
+     [](readCodes& c) { return with_link(c, permanent_json(c)); }, permanent_text},
     {"vehicle-info", "voltage, VIN and the value of every supported PID",
      [](readCodes& c) { c.readVehicleInfo(); },        vehicle_info_json, vehicle_info_text},
     {"mode6",        "the results of all on-board monitoring tests",
      [](readCodes& c) { c.readMode6Support(); },
-     [](readCodes& c) { return tests_json(c, c.results().mode6Array); },
-     [](readCodes& c) { return tests_text(c.results().mode6Array); }},
+     [](readCodes& c) { return tests_json(c, result_list::mode6); },
+     [](readCodes& c) { return tests_text(c, result_list::mode6); }},
     {"misfire",      "the misfire counters of each cylinder",
      [](readCodes& c) { c.readMisfire(); },
-     [](readCodes& c) { return tests_json(c, c.results().misfireArray); },
-     [](readCodes& c) { return tests_text(c.results().misfireArray); }},
+     [](readCodes& c) { return tests_json(c, result_list::misfire); },
+     [](readCodes& c) { return tests_text(c, result_list::misfire); }},
     {"o2-tests",     "the test results of the oxygen sensor monitors",
      [](readCodes& c) { c.readO2(); },
-     [](readCodes& c) { return tests_json(c, c.results().o2XtraArray); },
-     [](readCodes& c) { return tests_text(c.results().o2XtraArray); }},
+     [](readCodes& c) { return tests_json(c, result_list::o2); },
+     [](readCodes& c) { return tests_text(c, result_list::o2); }},
     {"extras",       "maker-specific values",
      [](readCodes& c) { c.readXtras(); },              extras_json,       extras_text},
     {"report",       "codes, pending codes, freeze frame and readiness as one text",

@@ -21,6 +21,9 @@ public:
         for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DOCUMENTS_DIR"})
             surroundings.remove(variable);
         surroundings.insert("HOME", home.path());
+        // The computer's own Bluetooth stays alone.
+        if (!surroundings.contains("DBUS_SYSTEM_BUS_ADDRESS"))
+            surroundings.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
         process.setProcessEnvironment(surroundings);
         process.setStandardInputFile(QProcess::nullDevice());
         process.start(BV_CLI, arguments);

@@ -27,7 +27,7 @@ TEST(faults_on_the_line, are_mended_or_told) {
         {"no DPN at first", {.late_reply = 6, .late_ms = 6300}, 0, read},
         {"silence", {.silent_from = 12}, 1, "The link was open, but no answer came within the time allowed"},
         {"cut", {.cut_after = 5}, 1, "Disconnected"},
-        {"cut by the reset", {.reset_closes = true}, 1, "Disconnected"},
+        {"cut by the reset", {.reset_closes = true}, 0, read}, // opened again, and set up without one
         {"no headers", {.refused = {"ATH1"}}, 1, "AT H1 not supported by current chip"},
         {"no ignition", {}, 1, "The adapter answers, but the car does not", BV_TEST_DATA "/ignition_off.car"},
     };
@@ -44,6 +44,53 @@ TEST(faults_on_the_line, are_mended_or_told) {
         EXPECT_EQ(runs[i]->json()["done"].toBool(), rows[i].status == 0) << rows[i].why;
         EXPECT_EQ(codes_of(runs[i]->json()).join(", "), rows[i].status == 0 ? "P0133 7E8, P0220 7E8" : "")
             << rows[i].why;
+    }
+}
+
+// In the initialisation, at the first request of the operation and in its middle. What is stored can be
+// shown, and the next run on the same profile is as any other.
+TEST(faults_on_the_line, a_cut_ends_each_operation_and_leaves_no_half_log) {
+    const std::tuple<const char*, int, qsizetype> rows[] = {
+        // cut last after this answer; logs of one whole run, and of what came before the last cut
+        {"read-codes", 13, 1}, {"pending", 18, 1},  {"vehicle-info", 30, 1}, {"mode6", 25, 1},
+        {"misfire", 16, 1},    {"o2-tests", 15, 1}, {"extras", 20, 0},       {"report", 18, 3},
+    };
+    struct cut_run {
+        QStringList command() const {
+            return adapter.link() << "--log"
+                                  << "--profile" << profile.path() << name;
+        }
+        const char* name;
+        int cut;
+        qsizetype logs;
+        QTemporaryDir profile{};
+        bench_adapter adapter{"can11", {.cut_after = cut}};
+        std::unique_ptr<cli_process> run = std::make_unique<cli_process>(command());
+    };
+    std::vector<std::unique_ptr<cut_run>> cuts;
+    for (const auto& [command, last, logs] : rows)
+        for (const int at : {6, 12, last})
+            cuts.emplace_back(new cut_run{command, at, at == last ? logs : std::min<qsizetype>(logs, 2)});
+    for (const auto& cut : cuts) {
+        EXPECT_EQ(cut->run->status(), 1) << cut->name << cut->cut;
+        EXPECT_TRUE(cut->run->said().contains("Disconnected")) << cut->run->said().toStdString();
+        EXPECT_FALSE(cut->run->json()["done"].toBool());
+        cut->adapter.server.set_faults({});
+        cut->run = std::make_unique<cli_process>(cut->command());
+    }
+    for (const auto& cut : cuts) {
+        SCOPED_TRACE(cut->name);
+        EXPECT_EQ(cut->run->status(), 0) << cut->cut;
+        const QStringList reading{"--json", "--profile", cut->profile.path(), "logs"};
+        cli_process list(reading + QStringList{"list"});
+        EXPECT_EQ(list.status(), 0);
+        const QJsonArray stored = list.json()["logs"].toArray();
+        EXPECT_EQ(stored.size(), cut->logs) << cut->cut;
+        for (const QJsonValue log : stored) {
+            cli_process text(reading + QStringList{"export", QString::number(log["id"].toInt())});
+            EXPECT_EQ(text.status(), 0);
+            EXPECT_TRUE(text.out().startsWith("------")) << text.out().constData();
+        }
     }
 }
 

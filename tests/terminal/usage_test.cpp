@@ -27,7 +27,6 @@ TEST(usage, exit_statuses) {
         {{"--demo", "--yes=no", "clear-codes"}, 2, ""},
         {{"--demo", "read-codes", "link-info"}, 2, ""},
         {{"--simulate", "read-codes"}, 1, ""},
-        {{"read-codes"}, 1, ""}, // Bluetooth is the stored link at first, and not available
     };
     for (const auto& [words, status, out] : rows) {
         cli_process run(words);
@@ -35,6 +34,18 @@ TEST(usage, exit_statuses) {
         EXPECT_TRUE(run.out().startsWith(out)) << words.join(' ').toStdString();
         EXPECT_EQ(run.out().isEmpty(), *out == '\0') << words.join(' ').toStdString();
         EXPECT_EQ(run.progress().isEmpty(), status == 0) << words.join(' ').toStdString(); // why not
+    }
+}
+
+TEST(usage, without_bluetooth_it_ends_and_names_the_ways_to_an_adapter) {
+    for (const QStringList& command :
+         {QStringList{"read-codes"}, QStringList{"send", "AT RV"}, QStringList{"fuel"},
+          QStringList{"--bluetooth", "00:1D:A5:68:98:8B", "link-info"}}) {
+        cli_process run(command);
+        EXPECT_EQ(run.status(), 1) << command.join(' ').toStdString();
+        for (const char* way : {"bluetooth-scan", "--bluetooth ADDRESS", "--wifi HOST:PORT"})
+            EXPECT_TRUE(run.progress().contains(way))
+                << command.join(' ').toStdString() << run.progress().constData();
     }
 }
 

@@ -1,0 +1,181 @@
+#include "terminal/live_run.h"
+
+#include <QDateTime>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+// Why a run failed may be told up to half a second after its end.
+constexpr int last_words_ms = 700;
+constexpr qsizetype matrix_bytes = 1; // the latest sweeps only
+
+QByteArray quoted(QString text) {
+    return '"' + text.replace(u'"', QLatin1String("\"\"")).toUtf8() + '"';
+}
+
+QString now_text() {
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
+}
+
+QString number_text(double value) {
+    return std::isfinite(value) ? QString::number(value, 'g', 10) : QString();
+}
+
+// The number that the row's text shows; for the fuel economy another than the one in the chart.
+double number_of(const sample_row& row) {
+    return row.pid == QLatin1String("E4") && row.value != no_reply ? row.value.toDouble() : row.latest;
+}
+
+QString label_of(const sample_row& row) {
+    const QString name = row.pid + u' ' + row.name;
+    return row.units == not_available ? name : QStringLiteral("%1 (%2)").arg(name, row.units.trimmed());
+}
+
+} // namespace
+
+void live_run::quiet_screen::show_status(const QString& text) {
+    if (!text.startsWith(QLatin1String("Got proper reply")))
+        cli_screen::show_status(text);
+}
+
+live_run::live_run(program_core& its_core, const live_words& its_words)
+    : core(its_core), words(its_words), view(core.options.yes),
+      delegate(core.state, core.defaults, core.db, core.clock, view),
+      results([this](const QString& body) { return number_of_value(body, core.toolies); }, matrix_bytes) {
+    if (words.store)
+        core.defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
+    std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
+}
+
+live_run::~live_run() {
+    delegate.applicationWillTerminate();
+}
+
+void live_run::start() {
+    signals_ = std::make_unique<stop_signals>([this] {
+        as_asked = true;
+        controller->stop();
+    });
+    core.choose_link();
+    delegate.applicationDidFinishLaunching(nullptr);
+    controller = std::make_unique<actions>(core.state, delegate, core.toolies, view, core.defaults,
+                                           core.clock, results, core.paths);
+    controller->set_observer(this);
+    delegate.set_controller(controller.get());
+    if (words.rate)
+        controller->set_sample_rate(*words.rate);
+    if (!words.pids.isEmpty())
+        controller->use_pids(words.pids);
+    controller->comboBoxSelectionDidChange(words.mode);
+    if (!controller->is_running())
+        controller->runLogs();
+}
+
+void live_run::stop(bool it_was_asked) {
+    as_asked = it_was_asked;
+    if (controller->is_running())
+        controller->runLogs();
+}
+
+// --- what the run tells --------------------------------------------------------------------------------
+
+void live_run::sample_arrived(int index) {
+    if (seen.empty()) {
+        seen.resize(static_cast<size_t>(results.these_samples.size()));
+        if (words.seconds > 0)
+            time_limit = core.clock.one_shot(words.seconds * 1000, [this] { stop(true); });
+    }
+    const double value = number_of(results.these_samples.at(index));
+    if (std::isfinite(value))
+        seen[static_cast<size_t>(index)].append(value);
+}
+
+void live_run::sweep_completed() {
+    if (core.options.json) {
+        print(json_line());
+    } else {
+        if (results.sample_cnt == 1)
+            print(header());
+        print(csv_line());
+    }
+    if (output_lost)
+        stop(false);
+    else if (results.sample_cnt == words.sweeps)
+        stop(true);
+}
+
+void live_run::run_ended() {
+    time_limit.reset();
+    ending = core.clock.one_shot(as_asked ? 0 : last_words_ms, [this] { end(); });
+}
+
+void live_run::end() {
+    const bool done = as_asked && results.sample_cnt > 0 && !output_lost &&
+                      controller->storing_problem().isEmpty() && every_asked_pid_answered();
+    std::fputs(summary().toLocal8Bit().constData(), stderr);
+    Q_EMIT finished(done ? 0 : 1);
+}
+
+bool live_run::every_asked_pid_answered() const {
+    const auto has_value = [](const series_summary& column) { return !column.empty(); };
+    return words.pids.isEmpty() ? std::any_of(seen.begin(), seen.end(), has_value)
+                                : std::all_of(seen.begin(), seen.end(), has_value);
+}
+
+// --- output --------------------------------------------------------------------------------------------
+
+void live_run::print(const QByteArray& line) {
+    const auto size = static_cast<size_t>(line.size());
+    output_lost =
+        output_lost || std::fwrite(line.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0;
+}
+
+QByteArray live_run::header() const {
+    QByteArray line = "time";
+    for (const sample_row& row : results.these_samples)
+        line += ',' + quoted(label_of(row));
+    return line + '\n';
+}
+
+QByteArray live_run::csv_line() const {
+    QByteArray line = now_text().toLatin1();
+    for (const sample_row& row : results.these_samples)
+        line += ',' + number_text(number_of(row)).toLatin1();
+    return line + '\n';
+}
+
+QByteArray live_run::json_line() const {
+    QJsonObject values;
+    for (const sample_row& row : results.these_samples) {
+        const double number = number_of(row);
+        const bool known = std::isfinite(number);
+        values.insert(row.pid,
+                      QJsonObject{{"value", known ? QJsonValue(number) : QJsonValue()},
+                                  {"text", known ? QJsonValue(row.value.simplified()) : QJsonValue()},
+                                  {"name", row.name},
+                                  {"unit", row.units.trimmed()}});
+    }
+    const QJsonObject sweep{{"time", now_text()}, {"sweep", results.sample_cnt}, {"values", values}};
+    return QJsonDocument(sweep).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QString live_run::summary() const {
+    const double seconds = static_cast<double>(results.times.duration_ms()) / 1000;
+    QString text = QStringLiteral("%1 sweeps in %2 s").arg(results.sample_cnt).arg(seconds, 0, 'f', 1);
+    if (results.log_sample_cnt > 0)
+        text +=
+            QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
+    text += u'\n';
+    for (qsizetype i = 0; i < results.these_samples.size() && i < static_cast<qsizetype>(seen.size()); ++i) {
+        const series_summary& column = seen[static_cast<size_t>(i)];
+        const QString range =
+            column.empty()
+                ? QStringLiteral("no value came")
+                : QStringLiteral("%1 to %2").arg(number_text(column.minimum), number_text(column.maximum));
+        text += QStringLiteral("  %1: %2\n").arg(label_of(results.these_samples.at(i)), range);
+    }
+    return text;
+}

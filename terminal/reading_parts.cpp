@@ -1,0 +1,67 @@
+#include "diagnostics/permanent_codes.h"
+#include "terminal/command_parts.h"
+
+#include <algorithm>
+
+second_reading both_readings(readCodes& controller, result_list list) {
+    return {list, controller.results(), controller.what_it_works_with().toolies};
+}
+
+QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings) {
+    QStringList faults;
+    bool differs = false;
+    bool shown = false;
+    for (const second_reading& reading : readings) {
+        faults += reading.faults();
+        differs |= reading.differs();
+        shown |= reading.shows_standard();
+    }
+    if (!faults.isEmpty())
+        standard.insert("faults", QJsonArray::fromStringList(faults));
+    object.insert("standard", standard);
+    object.insert("differs", differs);
+    object.insert("reading", shown ? "standard" : "program");
+    return object;
+}
+
+QString line_as_text(const second_reading& reading) {
+    const QString line = reading.line();
+    return line.isEmpty() ? QString() : line + u'\n';
+}
+
+QString shown_as_text(const second_reading& reading, QString (*as_text)(const QString& row)) {
+    QString text;
+    for (qsizetype i = 0; i < reading.shown().size(); ++i) {
+        text += as_text(reading.shown().at(i));
+        if (const QString note = reading.note_on(static_cast<int>(i)); !note.isEmpty())
+            text += QStringLiteral("    ") + note + u'\n';
+    }
+    return text + line_as_text(reading);
+}
+
+QJsonObject permanent_json(readCodes& controller) {
+    const permanent_codes read =
+        read_permanent_codes(controller.results(), controller.what_it_works_with().toolies);
+    QJsonArray monitors;
+    for (const readiness_row& row : read.drive_cycle)
+        monitors += QJsonObject{{"state", row.state}, {"label", row.label}};
+    QJsonObject object{{"permanent", codes_as_json(controller, read.rows)}, {"drive_cycle", monitors}};
+    for (const QString& words : {read.words, read.drive_cycle_words})
+        if (!words.isEmpty())
+            object.insert(words == read.words ? "permanent_note" : "drive_cycle_note", words);
+    return object;
+}
+
+QString permanent_text(readCodes& controller) {
+    const permanent_codes read =
+        read_permanent_codes(controller.results(), controller.what_it_works_with().toolies);
+    QString text = QStringLiteral("Permanent codes:\n");
+    if (!read.rows.isEmpty())
+        text += codes_as_text(controller, read.rows);
+    if (!read.words.isEmpty())
+        text += read.words + u'\n';
+    text += QStringLiteral("\nThis drive cycle:\n");
+    for (const readiness_row& row : read.drive_cycle)
+        text += QStringLiteral("%1  %2\n").arg(row.state, -4).arg(row.label);
+    return read.drive_cycle_words.isEmpty() ? text : text + read.drive_cycle_words + u'\n';
+}

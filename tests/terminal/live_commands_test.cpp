@@ -1,0 +1,152 @@
+#include "tests/terminal/cli_process.h"
+
+#include <QRegularExpression>
+#include <csignal>
+#include <random>
+#include <sqlite3.h>
+
+namespace {
+
+// The database of the profile, as another program sees it: each row's columns joined by blanks.
+QStringList rows_of(const QString& profile, const QByteArray& sql) {
+    QStringList rows;
+    const QByteArray path = (profile + "/Documents/BV_loggies_lite.db").toUtf8();
+    sqlite3* db = nullptr;
+    EXPECT_EQ(sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK)
+        << path.constData();
+    const auto take = [](void* all, int columns, char** texts, char**) {
+        QStringList row;
+        for (int column = 0; column < columns; ++column)
+            row += QString::fromUtf8(texts[column]);
+        static_cast<QStringList*>(all)->append(row.join(' '));
+        return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(db, sql.constData(), take, &rows, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
+    sqlite3_close(db);
+    return rows;
+}
+
+// A run on a test's adapter that goes on until somebody ends it.
+struct endless_run {
+    bench_adapter adapter;
+    QTemporaryDir profile;
+    cli_process run;
+
+    explicit endless_run(const QStringList& words)
+        : run(adapter.link().first(2) + QStringList{"--profile", profile.path()} + words) {}
+    qsizetype lines() { return run.out().count('\n') - 1; } // behind the header
+    bool prints(qsizetype count) {
+        return wait_until([&] { return lines() >= count; }, 30000);
+    }
+};
+
+} // namespace
+
+TEST(live_commands, exit_statuses_and_lines) {
+    const std::tuple<const char*, QStringList, int, int> rows[] = {
+        // car          words                                         status, lines
+        {"can11", {"log", "--sweeps", "3"}, 0, 4},
+        {"can11", {"log", "--pids=0c,0D", "--seconds", "1"}, 0, -1},
+        {"can11", {"log", "--pids", "0C,5B", "--sweeps", "2"}, 1, 3}, // the car does not know 5B
+        {"can11", {"fuel", "--sweeps", "2"}, 0, 3},
+        {"can11", {"boost", "--sweeps", "2"}, 0, 3},
+        {"can11", {"o2", "--sweeps", "2"}, 0, 3},
+        {"kwp", {"log", "--sweeps", "2"}, 0, 3},
+        {"kwp", {"boost", "--sweeps", "2"}, 1, 0}, // PIDs missing
+        {"can11", {"log", "--pids", "0G"}, 2, 0},
+        {"can11", {"log", "--pids", "20"}, 2, 0},
+        {"can11", {"fuel", "--pids", "0C"}, 2, 0},
+        {"can11", {"log", "--sweeps", "0"}, 2, 0},
+        {"can11", {"log", "--sweeps", "1", "--seconds", "1"}, 2, 0},
+        {"can11", {"log", "0C"}, 2, 0},
+    };
+    for (const auto& [car, words, status, lines] : rows) {
+        cli_process run(QStringList{QString("--demo=") + car} + words);
+        EXPECT_EQ(run.status(), status) << words.join(' ').toStdString();
+        if (lines >= 0)
+            EXPECT_EQ(run.out().count('\n'), lines) << words.join(' ').toStdString() << run.out().constData();
+        else
+            EXPECT_GT(run.out().count('\n'), 2);
+        EXPECT_FALSE(run.progress().isEmpty());
+        EXPECT_FALSE(run.progress().contains("Got proper reply")); // not every reply
+    }
+}
+
+TEST(live_commands, csv_and_json) {
+    cli_process csv({"--demo", "--metric", "log", "--pids", "05,5B", "--sweeps", "2"});
+    csv.status();
+    const QList<QByteArray> lines = csv.out().split('\n');
+    EXPECT_TRUE(lines[0].startsWith("time,\"05 ")) << lines[0].constData();
+    EXPECT_TRUE(QRegularExpression("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z,\\d+,$")
+                    .match(lines[1])
+                    .hasMatch())
+        << lines[1].constData(); // nothing where no value came
+
+    cli_process json({"--demo", "--json", "--metric", "log", "--pids", "05,5B", "--sweeps", "2"});
+    json.status();
+    const QList<QByteArray> objects = json.out().trimmed().split('\n');
+    ASSERT_EQ(objects.size(), 2);
+    const QJsonObject second = QJsonDocument::fromJson(objects[1]).object();
+    EXPECT_EQ(second["sweep"].toInt(), 2);
+    EXPECT_GT(second["values"]["05"]["value"].toInt(), 10);
+    EXPECT_TRUE(second["values"]["05"]["text"].toString().contains("C"));
+    EXPECT_TRUE(second["values"]["5B"]["value"].isNull());
+}
+
+TEST(live_trouble, an_interrupt_ends_the_run_in_order) {
+    endless_run live({"log", "--pids", "0C,0D", "--store"});
+    ASSERT_TRUE(live.prints(5)) << live.run.progress().constData();
+    ::kill(static_cast<pid_t>(live.run.process.processId()), SIGINT);
+    EXPECT_EQ(live.run.status(), 0);
+    const QString printed = QString::number(live.lines());
+    EXPECT_TRUE(live.run.progress().contains(QString(printed + " sweeps in ").toUtf8()))
+        << live.run.progress().constData();
+    EXPECT_EQ(rows_of(live.profile.path(), "SELECT LOG_TYPE, INFO FROM LOGGIES").join('/'),
+              "Log " + printed + " Sample points  ");
+    EXPECT_EQ(rows_of(live.profile.path(), "SELECT count(*) FROM LOGGIES_DATA").join('/'), printed);
+    EXPECT_EQ(rows_of(live.profile.path(), "PRAGMA journal_mode").join('/'), "delete"); // one plain file
+}
+
+TEST(live_trouble, a_reader_that_goes_away_ends_the_run_in_order) {
+    bench_adapter adapter;
+    QTemporaryDir profile;
+    const QStringList words =
+        QStringList(BV_CLI) + adapter.link().first(2) +
+        QStringList{"--profile", profile.path(), "log", "--pids", "0C", "--store", "| head -n 2"};
+    QProcess shell;
+    shell.start("sh", {"-c", words.join(' ')});
+    EXPECT_TRUE(wait_until([&] { return shell.state() == QProcess::NotRunning; }, 30000));
+    EXPECT_EQ(shell.readAllStandardOutput().count('\n'), 2);
+    const QStringList info = rows_of(profile.path(), "SELECT INFO FROM LOGGIES");
+    EXPECT_TRUE(info.value(0).endsWith(" Sample points  ")) << info.join('/').toStdString();
+}
+
+// Killed in the middle, over and over in the same database: what was printed is stored, whole and in order.
+// BV_KILLS asks for another number than the usual one.
+TEST(live_trouble, a_sudden_end_costs_at_most_the_sweep_in_flight) {
+    bench_adapter adapter;
+    QTemporaryDir profile;
+    std::mt19937 random(20);
+    const int rounds = std::max(1, qEnvironmentVariable("BV_KILLS", "20").toInt());
+    for (int round = 1; round <= rounds; ++round) {
+        cli_process run(adapter.link().first(2) +
+                        QStringList{"--profile", profile.path(), "log", "--pids", "0C,0D", "--store"});
+        const auto enough = 2 + static_cast<qsizetype>(random() % 150);
+        ASSERT_TRUE(wait_until([&] { return run.out().count('\n') >= enough; }, 30000))
+            << run.progress().constData();
+        run.process.kill();
+        ASSERT_TRUE(run.process.waitForFinished());
+        const qsizetype printed = run.out().count('\n') - 1;
+
+        EXPECT_EQ(rows_of(profile.path(), "PRAGMA integrity_check").join('/'), "ok");
+        const QString log = QString::number(round);
+        const QStringList stored =
+            rows_of(profile.path(),
+                    "SELECT LINE_NUMBER FROM LOGGIES_DATA WHERE LOG_ID=" + log.toUtf8() + " ORDER BY rowid");
+        EXPECT_GE(stored.size(), printed);
+        EXPECT_LE(stored.size(), printed + 1);
+        for (qsizetype line = 0; line < stored.size(); ++line)
+            ASSERT_EQ(stored[line], QString::number(line));
+    }
+    EXPECT_EQ(rows_of(profile.path(), "SELECT count(*) FROM LOGGIES").join('/'), QString::number(rounds));
+}

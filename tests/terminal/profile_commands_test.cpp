@@ -1,0 +1,124 @@
+#include "tests/support/http_server.h"
+#include "tests/terminal/cli_process.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+// The commands for vehicles and settings, on a profile that is kept from run to run.
+
+namespace {
+
+struct kept_profile {
+    QTemporaryDir folder;
+
+    std::tuple<int, QString, QString> run(const QStringList& words) {
+        cli_process process(QStringList{"--profile", folder.path()} + words);
+        const int status = process.status();
+        return {status, process.out(), process.progress()};
+    }
+    int status(const QStringList& words) { return std::get<0>(run(words)); }
+    QString out(const QStringList& words) { return std::get<1>(run(words)); }
+    QJsonObject json(const QStringList& words) {
+        return QJsonDocument::fromJson(out(QStringList(words) << "--json").toUtf8()).object();
+    }
+};
+
+} // namespace
+
+TEST(vehicles_command, keeps_the_vehicles) {
+    kept_profile home;
+    const QString photo = home.folder.filePath("photo.gif");
+    QFile file(photo);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
+    file.close();
+    EXPECT_EQ(home.out({"vehicles", "list"}), "*    1  Cur Veh.  2012  3.0 lts.\n");
+    EXPECT_EQ(home.out({"vehicles", "add", "Van", "year=2019", "photo=" + photo}), "2\n");
+    EXPECT_EQ(home.status({"vehicles", "edit", "2", "engine=1.6"}), 0);
+    EXPECT_EQ(home.status({"vehicles", "use", "2"}), 0);
+    const QJsonArray listed = home.json({"vehicles", "list"})["vehicles"].toArray();
+    EXPECT_EQ(listed[1].toObject(), (QJsonObject{{"id", 2},
+                                                 {"name", "Van"},
+                                                 {"model_year", "2019"},
+                                                 {"engine_volume", "1.6"},
+                                                 {"current", true}}));
+    for (const QStringList& refused :
+         {QStringList{"vehicles", "add", "Ann's car"},
+          {"vehicles", "use", "9"},
+          {"vehicles", "edit", "2", "photo=" + home.folder.filePath("none.png")}}) {
+        const auto [status, out, why] = home.run(refused);
+        EXPECT_EQ(status, 1) << refused.join(' ').toStdString();
+        EXPECT_TRUE(out.isEmpty() && !why.isEmpty()) << refused.join(' ').toStdString();
+    }
+    EXPECT_EQ(home.status({"vehicles", "delete", "2"}), 2); // not without --yes
+    EXPECT_EQ(home.status({"vehicles", "delete", "2", "--yes"}), 0);
+    EXPECT_EQ(home.out({"settings", "get", "BV_cur_veh_id"}), "1\n");
+    const QJsonObject only = home.json({"vehicles", "delete", "1", "--yes"});
+    EXPECT_FALSE(only["done"].toBool(true));
+    EXPECT_EQ(home.json({"vehicles", "list"})["vehicles"].toArray().size(), 1);
+}
+
+TEST(settings_command, stores_what_the_preferences_would_store) {
+    kept_profile home;
+    const QStringList good[] = {{"BV_interface", "6"},    {"wifi_IP", "10.0.0.5"},
+                                {"wifi_port", "35001"},   {"BV_log_runs", "true"},
+                                {"BV_sample_rate", "30"}, {"BV_sample_rate", "-1"},
+                                {"BV_cur_veh_id", "1"},   {"pidsSampleArray_1", "0C,0D|7E8"}};
+    for (const QStringList& pair : good) {
+        EXPECT_EQ(home.status(QStringList{"settings", "set"} + pair), 0) << pair.join(' ').toStdString();
+        EXPECT_EQ(home.out({"settings", "get", pair.first()}), pair.last() + '\n');
+    }
+    const std::pair<QStringList, int> bad[] = {
+        {{"BV_interface", "7"}, 2},
+        {{"wifi_IP", "a b"}, 2},
+        {{"wifi_port", "70000"}, 2},
+        {{"BV_log_runs", "maybe"}, 2},
+        {{"BV_sample_rate", "31"}, 2},
+        {{"BV_cur_veh_id", "x"}, 2},
+        {{"BV_cur_veh_id", "9"}, 1},
+        {{"pidsSampleArray_1", "0"}, 2},
+        {{"pidsSampleArray_9", "0C"}, 1},
+        {{"BV_unknown", "1"}, 2},
+        {{"wifi_port"}, 2},
+    };
+    for (const auto& [pair, status] : bad)
+        EXPECT_EQ(home.status(QStringList{"settings", "set"} + pair), status) << pair.join(' ').toStdString();
+    const QJsonObject all = home.json({"settings", "get"})["settings"].toObject();
+    EXPECT_EQ(all["BV_interface"], 6);
+    EXPECT_EQ(all["wifi_port"], "35001");
+    EXPECT_EQ(all["BV_log_runs"], true);
+    EXPECT_EQ(all["pidsSampleArray_1"], (QJsonArray{"0C", "0D|7E8"}));
+    EXPECT_EQ(home.status({"settings"}), 2);
+}
+
+TEST(update_check_command, asks_the_server_in_the_settings_alone) {
+    const QTemporaryDir folder;
+    const QByteArray archive = QByteArray("new").repeated(1000);
+    http_server server;
+    server.answers[QStringLiteral("/lite/version.json")] = http_server::ok(
+        "{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": 3000, \"sha256\": \"" +
+        QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex() + "\"}");
+    server.answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] = http_server::ok(archive);
+    const auto status_of = [&](const QStringList& words, QJsonObject* result = nullptr) {
+        cli_process run(QStringList{"--profile", folder.path(), "--json"} + words);
+        const int status = run.status();
+        if (result)
+            *result = run.json();
+        return status;
+    };
+    QJsonObject result;
+    EXPECT_EQ(status_of({"update-check"}, &result), 1);
+    EXPECT_EQ(result["problem"].toString(), "No update server is set, so none was asked.");
+    EXPECT_EQ(status_of({"update-check", "install"}), 2);
+    EXPECT_EQ(status_of({"settings", "set", "BV_update_server", "http://example.org"}), 2);
+    EXPECT_EQ(status_of({"settings", "set", "BV_update_server", server.address()}), 0);
+
+    EXPECT_EQ(status_of({"update-check"}, &result), 0);
+    EXPECT_EQ(result["newest"].toString(), "99.1");
+    EXPECT_TRUE(result["is_newer"].toBool());
+    EXPECT_EQ(result["file"].toString(), "");
+    EXPECT_EQ(status_of({"update-check", "download"}, &result), 0);
+    QFile file(result["file"].toString());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), archive);
+}
