@@ -8,8 +8,7 @@ namespace {
 
 constexpr int frame_ms = 40;
 constexpr int degrees_a_frame = 15;
-constexpr int ring_size = 18;
-constexpr double ring_pen = 2.25;
+constexpr double pen_of_ring = 0.125; // of its size
 constexpr int bar_height = 3;
 constexpr double bar_a_frame = 0.018;
 constexpr double piece = 0.28; // of the bar's width
@@ -21,8 +20,8 @@ QColor faint(QColor colour) {
 
 } // namespace
 
-busy_ring::busy_ring(QWidget* parent) : QWidget(parent) {
-    setFixedSize(ring_size, ring_size);
+busy_ring::busy_ring(int size, QWidget* parent) : QWidget(parent) {
+    setFixedSize(size, size);
     setAccessibleName(QStringLiteral("Working"));
     turning.setInterval(frame_ms);
     connect(&turning, &QTimer::timeout, this, [this] {
@@ -31,15 +30,35 @@ busy_ring::busy_ring(QWidget* parent) : QWidget(parent) {
     });
 }
 
+void busy_ring::set_progress(qint64 its_done, qint64 its_total) {
+    part = its_total > 0
+               ? std::clamp(static_cast<double>(its_done) / static_cast<double>(its_total), 0.0, 1.0)
+               : -1;
+    turn_or_stand();
+}
+
+void busy_ring::turn_or_stand() {
+    if (part >= 0 || !isVisible())
+        turning.stop();
+    else if (!turning.isActive())
+        turning.start();
+    update();
+}
+
 void busy_ring::paintEvent(QPaintEvent*) {
+    constexpr int degree = 16; // of the painter
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor colour = palette().color(foregroundRole());
-    const QRectF ring = QRectF(rect()).adjusted(ring_pen, ring_pen, -ring_pen, -ring_pen);
-    painter.setPen(QPen(faint(colour), ring_pen));
+    const double pen = pen_of_ring * width();
+    const QRectF ring = QRectF(rect()).adjusted(pen, pen, -pen, -pen);
+    painter.setPen(QPen(faint(colour), pen));
     painter.drawEllipse(ring);
-    painter.setPen(QPen(colour, ring_pen, Qt::SolidLine, Qt::RoundCap));
-    painter.drawArc(ring, -angle * 16, 100 * 16);
+    painter.setPen(QPen(colour, pen, Qt::SolidLine, Qt::RoundCap));
+    if (part >= 0)
+        painter.drawArc(ring, 90 * degree, -static_cast<int>(part * 360 * degree));
+    else
+        painter.drawArc(ring, -angle * degree, 100 * degree);
 }
 
 busy_bar::busy_bar(QWidget* parent) : QWidget(parent) {

@@ -4,10 +4,18 @@
 
 #include <QFont>
 
+namespace {
+
+const QStringList code_headings{QStringLiteral("Codes"), QStringLiteral("ECU"),
+                                QStringLiteral("Description")};
+
+} // namespace
+
 codes_model::codes_model(readCodes& its_controller, const QStringList& its_rows, QObject* parent)
-    : results_model(its_rows, {QStringLiteral("Codes"), QStringLiteral("ECU"), QStringLiteral("Description")},
-                    parent),
-      controller(its_controller) {}
+    : results_model(its_rows, code_headings, parent), controller(its_controller) {}
+
+codes_model::codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent)
+    : results_model(its_reading, code_headings, parent), controller(its_controller) {}
 
 QVariant codes_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))

@@ -12,6 +12,7 @@ public:
     enum column { code_column, ecu_column, description_column };
 
     codes_model(readCodes& its_controller, const QStringList& its_rows, QObject* parent = nullptr);
+    codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role) const override;
 

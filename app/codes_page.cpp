@@ -1,6 +1,7 @@
 #include "app/codes_page.h"
 
 #include "app/table_copy.h"
+#include "app/wrapping_delegate.h"
 
 #include <QHeaderView>
 #include <algorithm>
@@ -14,6 +15,8 @@ constexpr int widest_side = 376;
 constexpr int mil_size = 28;
 constexpr int code_row_height = 36;
 constexpr int readiness_row_height = 26;
+constexpr int most_permanent_rows = 4; // before they scroll
+constexpr int cards_place = 2;         // in the column: the head, the progress, the cards
 constexpr int empty_page = 0;
 constexpr int table_page = 1;
 const QString unknown = QStringLiteral("\u2013");
@@ -28,16 +31,35 @@ QString fact_as_html(const QString& fact, const QColor& quiet) {
         .arg(quiet.name(), unbroken(fact.left(colon + 1)), unbroken(fact.mid(colon + 1)));
 }
 
+void set_up_codes(QTableView& table, codes_model& model) {
+    table.setModel(&model);
+    table.setItemDelegate(new wrapping_delegate(&table));
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table.horizontalHeader()->setSectionResizeMode(codes_model::description_column, QHeaderView::Stretch);
+    table.verticalHeader()->setMinimumSectionSize(code_row_height);
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    QObject::connect(table.horizontalHeader(), &QHeaderView::sectionResized, &table,
+                     &QTableView::resizeRowsToContents); // a narrower description takes more lines
+    make_copyable(table);
+}
+
 } // namespace
 
 codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller)
     : context(its_context), controller(its_controller), results(its_controller.results()),
-      codes(its_controller, results.codesReadArray), readiness(results.readinessFlagsArray, nullptr),
-      head(view, its_context, its_controller, {op_read_codes, op_clear_codes}),
+      reading(result_list::codes, results, its_controller.what_it_works_with().toolies),
+      codes(its_controller, reading), permanent_rows(its_controller, permanent.rows),
+      readiness(monitors, nullptr),
+      head(view, its_context, its_controller, {op_read_codes, op_clear_codes, op_permanent}),
+      bar(*new reading_bar(part_of<QWidget>(view, "codes_page"), cards_place, its_context)),
       stop_button(part_of<QPushButton>(view, "stop")), clear_button(part_of<QPushButton>(view, "clear")),
+      permanent_button(part_of<QPushButton>(view, "permanent")),
       codes_stack(part_of<QStackedWidget>(view, "codes_stack")),
       empty_icon(part_of<QLabel>(view, "empty_icon")), empty_text(part_of<QLabel>(view, "empty_text")),
-      codes_table(part_of<QTableView>(view, "codes_table")), side(part_of<QWidget>(view, "side")),
+      codes_table(part_of<QTableView>(view, "codes_table")),
+      permanent_card(part_of<QFrame>(view, "permanent_card")),
+      permanent_table(part_of<QTableView>(view, "permanent_table")),
+      permanent_words(part_of<QLabel>(view, "permanent_words")), side(part_of<QWidget>(view, "side")),
       mil_picture(part_of<QLabel>(view, "mil_picture")), mil_word(part_of<QLabel>(view, "mil_word")),
       code_count(part_of<QLabel>(view, "code_count")),
       readiness_stack(part_of<QStackedWidget>(view, "readiness_stack")),
@@ -47,18 +69,14 @@ codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes
     set_up_tables();
     connect(&part_of<QPushButton>(view, "read"), &QPushButton::clicked, this, &codes_page::start);
     connect(&clear_button, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
+    connect(&permanent_button, &QPushButton::clicked, this,
+            [this] { head.start([this] { controller.readPermanent(); }); });
 }
 
 void codes_page::set_up_tables() {
-    codes_table.setModel(&codes);
-    codes_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    codes_table.horizontalHeader()->setSectionResizeMode(codes_model::description_column,
-                                                         QHeaderView::Stretch);
-    codes_table.verticalHeader()->setMinimumSectionSize(code_row_height);
-    codes_table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    connect(codes_table.horizontalHeader(), &QHeaderView::sectionResized, &codes_table,
-            &QTableView::resizeRowsToContents); // a narrower description takes more lines
-    make_copyable(codes_table);
+    set_up_codes(codes_table, codes);
+    set_up_codes(permanent_table, permanent_rows);
+    permanent_table.horizontalHeader()->hide();
 
     readiness_table.setModel(&readiness);
     readiness_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -74,8 +92,10 @@ void codes_page::start() {
 }
 
 void codes_page::reload(const QString& list) {
-    if (list == QLatin1String("codes"))
+    if (list == QLatin1String("codes") || list == QLatin1String("reading"))
         show_codes();
+    else if (list == QLatin1String("permanent"))
+        show_permanent();
     else if (list == QLatin1String("readiness"))
         show_readiness();
     else if (list == QLatin1String("labels"))
@@ -87,16 +107,34 @@ void codes_page::reload(const QString& list) {
 }
 
 void codes_page::show_operation() {
-    const bool had_focus = clear_button.hasFocus();
+    const bool had_focus = clear_button.hasFocus() || permanent_button.hasFocus();
     head.show(QString());
     clear_button.setEnabled(!controller.is_running());
+    permanent_button.setEnabled(!controller.is_running());
     if (had_focus && head.runs_here())
         stop_button.setFocus();
     show_codes();
+    show_permanent();
+}
+
+void codes_page::show_permanent() {
+    permanent = read_permanent_codes(results, controller.what_it_works_with().toolies);
+    permanent_rows.reload();
+    const int rows = permanent_rows.rowCount();
+    permanent_table.setVisible(rows > 0);
+    permanent_table.setMinimumHeight(code_row_height + theme::step);
+    permanent_table.setMaximumHeight(std::min(rows, most_permanent_rows) * code_row_height + theme::step);
+    const bool doubt = !permanent.words.isEmpty() && !permanent.drive_cycle_words.isEmpty();
+    permanent_words.setText(permanent.words + (doubt ? QStringLiteral(" ") : QString()) +
+                            permanent.drive_cycle_words);
+    permanent_words.setVisible(!permanent_words.text().isEmpty());
+    permanent_card.setVisible(permanent.was_read);
+    show_readiness();
 }
 
 void codes_page::show_codes() {
     codes.reload();
+    bar.show_lines({&reading});
     codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
     if (head.runs_here())
         empty_text.setText(QStringLiteral("The car is being asked ..."));
@@ -107,6 +145,7 @@ void codes_page::show_codes() {
 }
 
 void codes_page::show_readiness() {
+    monitors = results.readinessFlagsArray + permanent.drive_cycle;
     readiness.reload();
     readiness_table.clearSpans();
     for (int row = 0; row < readiness.rowCount(); ++row) {
@@ -145,6 +184,5 @@ void codes_page::look_changed() {
                                   narrowest_side, widest_side));
     code_count.setFont(theme::figures(code_count.font()));
     show_labels();
-    show_readiness();
     show_operation();
 }

@@ -1,5 +1,7 @@
 #include "app/help_panel.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QGraphicsDropShadowEffect>
 #include <QHBoxLayout>
 #include <QImageReader>
@@ -10,6 +12,7 @@ namespace {
 constexpr int panel_width = 440;
 constexpr int icon_size = 28;
 constexpr double shadow_offset = 4;
+constexpr double smallest_font_tag = 0.7; // how much size=-2 and below shrink a text
 const QString artwork = QStringLiteral("/artwork/");
 
 } // namespace
@@ -19,6 +22,16 @@ help_browser::help_browser(QWidget* parent) : QTextBrowser(parent) {
     setOpenExternalLinks(false);
     setFrameShape(QFrame::NoFrame);
     document()->setDocumentMargin(0);
+}
+
+// Stored texts come in font tags: they keep their blanks and a size that can be read.
+void help_browser::set_look(const theme& look) {
+    colours = look;
+    document()->setDefaultStyleSheet(
+        QStringLiteral("h3 { color: %1; } li { margin-bottom: 4px; } "
+                       "font { font-family: '%2'; font-size: %3px; white-space: pre-wrap; }")
+            .arg(look.accent.name(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family())
+            .arg(qRound(QFontInfo(font()).pixelSize() / smallest_font_tag)));
 }
 
 QVariant help_browser::loadResource(int type, const QUrl& name) {
@@ -67,8 +80,6 @@ void help_panel::show_help(const QString& title, const QString& html, const QStr
     icon_label.setPixmap(look.icon(icon).pixmap(icon_size));
     title_label.setText(title);
     browser.set_look(look);
-    browser.document()->setDefaultStyleSheet(
-        QStringLiteral("h3 { color: %1; } li { margin-bottom: 4px; }").arg(look.accent.name()));
     browser.setHtml(html);
     show_on_top();
     browser.setFocus(Qt::PopupFocusReason);

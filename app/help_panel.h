@@ -16,7 +16,8 @@ class help_browser : public QTextBrowser {
 public:
     explicit help_browser(QWidget* parent = nullptr);
 
-    void set_look(const theme& look) { colours = look; }
+    // Takes effect with the next text.
+    void set_look(const theme& look);
     QVariant loadResource(int type, const QUrl& name) override;
 
 protected:

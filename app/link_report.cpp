@@ -2,13 +2,15 @@
 
 namespace {
 
+constexpr qsizetype longest_name = 24;
+
 QString far_end_of(const process_state& state, bool is_demo) {
     if (is_demo)
         return QStringLiteral("Demo car");
     switch (state.interface_kind) {
     case interface_wifi: return QStringLiteral("Wi-Fi %1").arg(state.wifi_ip);
     case interface_simulated: return QStringLiteral("Stand-in adapter");
-    default: return QStringLiteral("Bluetooth");
+    default: return QStringLiteral("Bluetooth %1").arg(state.last_BT_Device.left(longest_name)).trimmed();
     }
 }
 
@@ -33,6 +35,7 @@ link_words report_link(const adapter_link& link, const process_state& state, con
                        bool is_demo) {
     link_words words;
     words.far_end = far_end_of(state, is_demo);
+    words.can_choose = state.interface_kind == interface_bluetooth;
     if (link.is_connected()) {
         words.now = link_words::condition::open;
         words.protocol = state.adapter_ready ? state.protocol_description : QString();
@@ -45,5 +48,7 @@ link_words report_link(const adapter_link& link, const process_state& state, con
                             : QStringLiteral("The link is opened when you start an operation (F5).");
     if (state.interface_kind == interface_wifi && !is_demo)
         words.details += QStringLiteral("\nAddress %1, port %2").arg(state.wifi_ip, state.wifi_port);
+    if (state.interface_kind == interface_bluetooth && !state.bt_address.isEmpty())
+        words.details += QStringLiteral("\n%1, address %2").arg(state.last_BT_Device, state.bt_address);
     return words;
 }

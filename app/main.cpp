@@ -15,8 +15,8 @@ void print(FILE* stream, const QString& text) {
 
 QString usage() {
     return QStringLiteral(
-               "Usage: brivant-lite [--wifi HOST:PORT | --demo[=CAR] | --simulate] [--profile DIR]\n"
-               "                    [--metric | --imperial]\n\n") +
+               "Usage: brivant-lite [--wifi HOST:PORT | --bluetooth ADDRESS | --demo[=CAR] | --simulate]\n"
+               "                    [--profile DIR] [--metric | --imperial]\n\n") +
            launch_options_usage() + QStringLiteral("\nExit status: 0 after a normal end, 2 wrong usage.\n");
 }
 

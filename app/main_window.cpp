@@ -1,9 +1,12 @@
 #include "app/main_window.h"
 
+#include "app/actions_view.h"
+#include "app/expert_view.h"
 #include "app/link_report.h"
-#include "app/not_available_view.h"
+#include "app/logs_view.h"
 #include "app/prefs_view.h"
 #include "app/read_codes_view.h"
+#include "app/update_sheet.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -34,13 +37,15 @@ main_window::main_window(program_core& its_core, const QString& views)
     restore_place();
     connect(&tools, &tool_strip::chosen, this, &main_window::choose_screen);
     connect(&tools, &tool_strip::help_wanted, this, &main_window::toggle_help);
+    connect(&tools, &tool_strip::updates_wanted, this, &main_window::open_updates);
+    connect(&status, &status_strip::choice_wanted, &delegate, &adapter_link::choose_bluetooth_device);
     connect(&delegate, &adapter_link::condition_changed, this, &main_window::show_surroundings);
     qApp->installEventFilter(this);
 }
 
 main_window::~main_window() {
     qApp->removeEventFilter(this);
-    sheet.refuse();
+    refuse_questions();
     delegate.applicationWillTerminate();
     const auto last = std::move(view); // while it goes, nobody is told of what it does
 }
@@ -84,8 +89,7 @@ void main_window::start() {
     show_surroundings();
 }
 
-// --- screens
-// -------------------------------------------------------------------------------------------------
+// --- screens -----------------------------------------------------------------------------------------------
 
 void main_window::choose_screen(screen_kind kind) {
     if (!view || kind != delegate.current_screen())
@@ -102,20 +106,14 @@ std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
     switch (kind) {
     case screen_kind::diagnostics: return std::make_unique<read_codes_view>(context);
     case screen_kind::preferences: return std::make_unique<prefs_view>(context);
-    case screen_kind::expert:
-        return std::make_unique<not_available_view>(context, QStringLiteral("expertView"),
-                                                    QStringLiteral("obd_mode.png"));
-    case screen_kind::logs:
-        return std::make_unique<not_available_view>(context, QStringLiteral("logsDB_view"),
-                                                    QStringLiteral("logs.png"));
-    default:
-        return std::make_unique<not_available_view>(context, QStringLiteral("actions_view"),
-                                                    QStringLiteral("actions.gif"));
+    case screen_kind::expert: return std::make_unique<expert_view>(context);
+    case screen_kind::logs: return std::make_unique<logs_view>(context);
+    default: return std::make_unique<actions_view>(context);
     }
 }
 
 bool main_window::open_screen(screen_kind kind) {
-    sheet.refuse();
+    refuse_questions();
     std::unique_ptr<screen_view> next;
     try {
         next = make_view(kind);
@@ -129,8 +127,9 @@ bool main_window::open_screen(screen_kind kind) {
     next->look_changed();
     view.swap(next);
     next.reset();
-    view->setFocus();
+    view->take_focus();
     status.set_busy(false);
+    toast.set_busy(false);
     status.set_status(QStringLiteral("Ready"));
     return true;
 }
@@ -149,18 +148,17 @@ void main_window::set_window_title(const QString& title) {
     setWindowTitle(is_demo() ? QStringLiteral("%1 \u2013 Demo car").arg(title) : title);
 }
 
-// --- what the controllers tell
-// -------------------------------------------------------------------------------
+// --- what the controllers tell -----------------------------------------------------------------------------
 
 void main_window::show_status(const QString& text) {
     status.set_status(text);
-    show_surroundings(); // what stands at the far end of the link becomes known step by step
 }
 
 void main_window::show_busy(bool busy) {
     if (busy)
         banner.drop_superseded();
     status.set_busy(busy);
+    toast.set_busy(busy);
     if (view)
         view->show_busy(busy);
 }
@@ -170,14 +168,36 @@ void main_window::show_message(const QString& title, const QString& text) {
 }
 
 void main_window::ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) {
+    ask(title, text, question_sheet::usual_answers(), std::move(answer));
+}
+
+void main_window::ask(const QString& title, const QString& text, const question_sheet::answers& words,
+                      std::function<void(bool)> answer) {
     help.hide();
-    sheet.ask(title, text, std::move(answer));
+    sheet.ask(title, text, std::move(answer), words);
+}
+
+void main_window::choose_device(const QString& why, device_chooser::answer answer) {
+    help.hide();
+    refuse_questions();
+    const auto tell_choice = [this, answer = std::move(answer)](const QString& address, const QString& name) {
+        if (address.isEmpty() && !delegate.is_connected())
+            status.set_status(QStringLiteral("Ready")); // what was starting does not start
+        answer(address, name);
+    };
+    chooser = new device_chooser(area, colours, core.clock, core.state.bt_address, why, tell_choice);
+    chooser->open();
+}
+
+void main_window::refuse_questions() {
+    sheet.refuse();
+    if (chooser)
+        chooser->close_sheet();
 }
 
 void main_window::reload(const QString& list) {
     if (view)
         view->reload(list);
-    show_surroundings();
 }
 
 void main_window::beep() {
@@ -198,14 +218,19 @@ bool main_window::is_demo() const {
     return core.options.link == launch_options::link_choice::demo && link_is_as_started();
 }
 
-// --- help and keys
-// -------------------------------------------------------------------------------------------
+// --- help and keys -----------------------------------------------------------------------------------------
 
 void main_window::toggle_help() {
     if (help.isVisible())
         help.hide();
     else if (!sheet.is_open())
         delegate.do_help_button();
+}
+
+void main_window::open_updates() {
+    help.hide();
+    refuse_questions();
+    (new update_sheet(area, core))->open_and_check();
 }
 
 void main_window::pop_helpy(const QString& title, const QString& html, const QString& icon) {
@@ -221,8 +246,7 @@ void main_window::escape() {
         view->stop();
 }
 
-// --- the window itself
-// ---------------------------------------------------------------------------------------
+// --- the window itself -------------------------------------------------------------------------------------
 
 void main_window::apply_look() {
     colours = theme::of(QApplication::palette());
@@ -258,7 +282,7 @@ void main_window::changeEvent(QEvent* event) {
 }
 
 void main_window::closeEvent(QCloseEvent* event) {
-    sheet.refuse();
+    refuse_questions();
     savePrefs();
     delegate.handleQuitEvent();
     core.defaults.set(geometry_key, QString::fromLatin1(saveGeometry().toBase64()));

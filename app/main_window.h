@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/device_chooser.h"
 #include "app/help_panel.h"
 #include "app/notice_banner.h"
 #include "app/question_sheet.h"
@@ -35,6 +36,7 @@ public:
     void show_busy(bool busy) override;
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    void choose_device(const QString& why, device_chooser::answer answer) override;
     void reload(const QString& list) override;
     void play_sound(int sound) override { sounds.play(sound); }
     void beep() override;
@@ -65,6 +67,8 @@ private:
 
     // window_frame
     void tell(const notice& what) override { banner.add(what); }
+    void ask(const QString& title, const QString& text, const question_sheet::answers& words,
+             std::function<void(bool)> answer) override;
     void go_to(screen_kind kind) override;
     const theme& look() const override { return colours; }
     void settings_changed() override { show_surroundings(); }
@@ -76,7 +80,9 @@ private:
     void restore_place();
     void show_surroundings();
     void toggle_help();
+    void open_updates();
     void escape();
+    void refuse_questions();
     std::unique_ptr<screen_view> make_view(screen_kind kind);
     link_in_force link_now() const;
     bool is_demo() const;
@@ -97,5 +103,6 @@ private:
     toast_overlay toast;
     help_panel help;
     question_sheet sheet;
+    QPointer<device_chooser> chooser;
     std::unique_ptr<screen_view> view;
 };

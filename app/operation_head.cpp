@@ -17,6 +17,7 @@ QString operation_head::what_runs() const {
     switch (context.core.state.cur_op) {
     case op_read_codes: return QStringLiteral("The codes are being read");
     case op_clear_codes: return QStringLiteral("The codes are being cleared");
+    case op_permanent: return QStringLiteral("The permanent codes are being read");
     case op_pending_freeze: return QStringLiteral("The pending codes are being read");
     case op_vehicle_info: return QStringLiteral("The vehicle is being read");
     case op_mode6: return QStringLiteral("Mode 6 is being read");
@@ -31,14 +32,6 @@ void operation_head::start(const std::function<void()>& run) {
     if (controller.is_running())
         return; // one at a time; the note tells which
     run();
-    // The status line has told it already; here is the way on.
-    if (!controller.is_running() && context.core.state.interface_kind == interface_bluetooth)
-        context.frame.tell(
-            {QStringLiteral("Bluetooth is not available yet"),
-             QStringLiteral("Choose Wi-Fi in the preferences, join the network of a Wi-Fi adapter, and "
-                            "read again."),
-             QStringLiteral("Open preferences"),
-             [&frame = context.frame] { frame.go_to(screen_kind::preferences); }, true});
 }
 
 void operation_head::show(const QString& summary) {

@@ -19,7 +19,11 @@ protected:
         return !results.pendingArray.isEmpty() || !results.freezeArray.isEmpty();
     }
 
+    QList<const second_reading*> readings() const override { return {&code_reading, &frame_reading}; }
+
 private:
+    second_reading code_reading;
+    second_reading frame_reading;
     codes_model codes;
     text_rows_model freeze;
 };

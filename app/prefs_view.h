@@ -1,6 +1,8 @@
 #pragma once
 
-#include "app/screen_view.h"
+#include "app/pid_chooser.h"
+#include "app/prefs_connection_test.h"
+#include "app/prefs_vehicles.h"
 #include "shell/preferences.h"
 
 #include <QCheckBox>
@@ -8,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QTabWidget>
 
 // The preferences screen. What is changed is stored at once; what is typed wrongly is told beside the field,
 // and the value before it stays.
@@ -17,14 +20,22 @@ class prefs_view : public screen_view {
 public:
     explicit prefs_view(const view_context& its_context);
 
+    task_controller* controller() override { return &connection.controller(); }
+    // F5 tests the connection, Esc stops the test.
+    void start() override { test_connection(); }
+    void stop() override;
     void save() override { savePrefs(); }
+    void look_changed() override;
 
 private:
     void connect_fields();
+    void connect_tabs();
+    void test_connection();
     void setPrefsScreen();
     void savePrefs();
     void setDefaultsClicked();
     void handle_interface();
+    void show_device();
     void show_problems();
     void tell_unless(bool written);
     general_settings chosen() const;
@@ -33,9 +44,11 @@ private:
     preferences settings;
     bool filling = false;
 
+    QTabWidget& tabs;
     QRadioButton& bluetooth;
     QRadioButton& wifi;
     QWidget& wifi_pane;
+    QWidget& bluetooth_pane;
     QLabel& run_note;
     QLineEdit& address;
     QLabel& address_problem;
@@ -45,4 +58,9 @@ private:
     QCheckBox& log_runs;
     QCheckBox& time_stamps;
     QComboBox& sample_rate;
+    QCheckBox& standard_reading;
+
+    prefs_connection_test connection;
+    pid_chooser& pids;
+    prefs_vehicles vehicles;
 };

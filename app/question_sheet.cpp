@@ -1,6 +1,7 @@
 #include "app/question_sheet.h"
 
 #include "app/theme.h"
+#include "base/string_table.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -12,8 +13,7 @@ namespace {
 constexpr int card_width = 480;
 } // namespace
 
-question_sheet::question_sheet(QWidget* over)
-    : overlay(over), yes_button(QStringLiteral("Yes")), no_button(QStringLiteral("No")) {
+question_sheet::question_sheet(QWidget* over) : overlay(over) {
     auto* card = new QFrame;
     card->setProperty("role", QStringLiteral("card"));
     card->setFixedWidth(card_width);
@@ -48,9 +48,16 @@ question_sheet::question_sheet(QWidget* over)
     connect(&no_button, &QPushButton::clicked, this, [this] { finish(false); });
 }
 
-void question_sheet::ask(const QString& title, const QString& text, std::function<void(bool)> answer) {
+question_sheet::answers question_sheet::usual_answers() {
+    return {localised(QStringLiteral("LBL_YES")), QStringLiteral("No")};
+}
+
+void question_sheet::ask(const QString& title, const QString& text, std::function<void(bool)> answer,
+                         const answers& words) {
     refuse();
     waiting = std::move(answer);
+    yes_button.setText(words.yes);
+    no_button.setText(words.no);
     title_label.setText(title.trimmed());
     title_label.setVisible(!title.trimmed().isEmpty());
     text_label.setText(text);

@@ -16,8 +16,16 @@ class question_sheet : public overlay {
 public:
     explicit question_sheet(QWidget* over);
 
+    // The words on the two buttons.
+    struct answers {
+        QString yes;
+        QString no;
+    };
+    static answers usual_answers();
+
     // A question still open is answered No first.
-    void ask(const QString& title, const QString& text, std::function<void(bool)> answer);
+    void ask(const QString& title, const QString& text, std::function<void(bool)> answer,
+             const answers& words = usual_answers());
     bool is_open() const { return waiting != nullptr; }
     // Answers No, when a question is open.
     void refuse() { finish(false); }

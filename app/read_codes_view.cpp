@@ -81,8 +81,12 @@ read_codes_view::read_codes_view(const view_context& its_context)
         rail.addItem(QLatin1String(page.title));
     rail.setIconSize({rail_icon_size, rail_icon_size});
     connect(&rail, &QListWidget::currentRowChanged, &pages, &QStackedWidget::setCurrentIndex);
+    connect(&pages, &QStackedWidget::currentChanged, this, [this](int row) {
+        report.show_page(row > codes_at ? others.at(static_cast<size_t>(row) - 1)->operation()
+                                        : op_read_codes);
+    });
     rail.setCurrentRow(codes_at);
-    setFocusProxy(&part<QPushButton>("read"));
+    begin_at(part<QPushButton>("read"));
     codes_controller.operation_ended = [this](bool done) {
         for (const auto& page : others)
             page->ended(context.core.state.cur_op, done);
@@ -92,6 +96,7 @@ read_codes_view::read_codes_view(const view_context& its_context)
 // The widgets go last, and must not ask a controller that is gone.
 read_codes_view::~read_codes_view() {
     rail.disconnect(&pages);
+    pages.disconnect(this);
     codes_controller.operation_ended = nullptr;
 }
 
@@ -102,16 +107,15 @@ void read_codes_view::add_page(const result_words& words, rows&&... its_rows) {
 }
 
 void read_codes_view::add_pages() {
-    const diagnostic_results& results = codes_controller.results();
     const auto text = [](const char* heading) { return QString::fromLatin1(heading); };
     add_page<pending_page>(pending_words);
-    add_page<text_page>(vehicle_words, results.vehInfoArray,
+    add_page<text_page>(vehicle_words, result_list::vehicle,
                         QStringList{text("PID"), text("Name"), text("Value")}, split_vehicle_row);
-    add_page<tests_page>(mode6_words, results.mode6Array);
-    add_page<tests_page>(misfire_words, results.misfireArray);
-    add_page<tests_page>(o2_words, results.o2XtraArray);
-    add_page<text_page>(extras_words, results.xtrasArray, QStringList{text("Label"), text("Value")},
-                        split_extras_row);
+    add_page<tests_page>(mode6_words, result_list::mode6);
+    add_page<tests_page>(misfire_words, result_list::misfire);
+    add_page<tests_page>(o2_words, result_list::o2);
+    add_page<text_page>(extras_words, codes_controller.results().xtrasArray,
+                        QStringList{text("Label"), text("Value")}, split_extras_row);
 }
 
 void read_codes_view::start() {

@@ -1,5 +1,7 @@
 #include "app/readiness_model.h"
 
+#include "diagnostics/permanent_codes.h"
+
 #include <QFont>
 #include <QIcon>
 #include <algorithm>
@@ -15,11 +17,14 @@ struct state_look {
 constexpr state_look complete{"OK", "ok_pic.png", "complete"};
 constexpr state_look not_complete{"X", "not_ok.png", "not complete"};
 constexpr state_look not_supported{"", "not_avail.png", "not supported"};
+constexpr state_look not_enabled{"", "not_avail.png", "not enabled in this drive cycle"};
 
-const state_look& look_of(const QString& state) {
-    if (state == QLatin1String(complete.state))
+const state_look& look_of(const readiness_row& row) {
+    if (row.state == QLatin1String(complete.state))
         return complete;
-    return state == QLatin1String(not_complete.state) ? not_complete : not_supported;
+    if (row.state == QLatin1String(not_complete.state))
+        return not_complete;
+    return row.group == drive_cycle_group ? not_enabled : not_supported;
 }
 
 } // namespace
@@ -42,12 +47,15 @@ void readiness_model::reload() {
 
 QString readiness_model::summary() const {
     const auto rows_with = [this](const char* state) {
-        return std::count_if(rows.begin(), rows.end(),
-                             [state](const readiness_row& row) { return row.state == QLatin1String(state); });
+        return std::count_if(rows.begin(), rows.end(), [state](const readiness_row& row) {
+            return row.state == QLatin1String(state) && row.group != drive_cycle_group;
+        });
     };
     const auto done = rows_with(complete.state);
     const auto supported = done + rows_with(not_complete.state);
-    return rows.isEmpty() ? QString() : QStringLiteral("%1 of %2 complete").arg(done).arg(supported);
+    const bool none = std::all_of(rows.begin(), rows.end(),
+                                  [](const readiness_row& row) { return row.group == drive_cycle_group; });
+    return none ? QString() : QStringLiteral("%1 of %2 complete").arg(done).arg(supported);
 }
 
 int readiness_model::rowCount(const QModelIndex& parent) const {
@@ -72,7 +80,7 @@ QVariant readiness_model::data(const QModelIndex& index, int role) const {
             return font;
         return role == Qt::DisplayRole && index.column() == state_column ? QVariant(row.group) : QVariant();
     }
-    const state_look& look = look_of(row.state);
+    const state_look& look = look_of(row);
     const bool is_state = index.column() == state_column;
     switch (role) {
     case Qt::DisplayRole: return is_state ? QVariant() : QStringLiteral("     %1").arg(row.label);

@@ -17,7 +17,7 @@ public:
     // The rows have changed.
     void reload();
     bool is_heading(int row) const { return row >= 0 && row < lines.size() && lines.at(row).monitor < 0; }
-    // "4 of 6 complete", "" without rows.
+    // "4 of 6 complete" since the codes were cleared; "" without rows about that.
     QString summary() const;
 
     int rowCount(const QModelIndex& parent = {}) const override;

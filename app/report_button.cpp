@@ -36,19 +36,44 @@ report_button::report_button(QPushButton& its_button, const view_context& its_co
             [this, menu] { menu->popup(button.mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
 }
 
-void report_button::show_operation() {
+void report_button::show_page(int its_operation) {
+    operation = its_operation;
+    show_operation();
+}
+
+bool report_button::has_results() const {
     const diagnostic_results& results = controller.results();
-    const bool read = !results.codesReadArray.isEmpty() || !results.pendingArray.isEmpty() ||
-                      !results.freezeArray.isEmpty() || !results.readinessFlagsArray.isEmpty();
-    button.setEnabled(read && !controller.is_running());
-    button.setToolTip(read ? QStringLiteral("Codes, readiness, pending codes and freeze frame as one text")
-                           : QStringLiteral("Read the codes first"));
+    switch (operation) {
+    case op_vehicle_info: return !results.vehInfoArray.isEmpty();
+    case op_mode6: return !results.mode6Array.isEmpty();
+    case op_misfire: return !results.misfireArray.isEmpty();
+    case op_o2_tests: return !results.o2XtraArray.isEmpty();
+    case op_extras: return false; // leave no report
+    default:
+        return !results.codesReadArray.isEmpty() || !results.pendingArray.isEmpty() ||
+               !results.freezeArray.isEmpty() || !results.readinessFlagsArray.isEmpty();
+    }
+}
+
+void report_button::show_operation() {
+    button.setEnabled(has_results() && !controller.is_running());
+    button.setToolTip(hint());
+}
+
+QString report_button::hint() const {
+    if (operation == op_extras)
+        return QStringLiteral("There is no report of the extras: select the rows and copy them");
+    if (!has_results())
+        return QStringLiteral("Read (F5) first: the report tells what was read");
+    if (operation == op_read_codes || operation == op_pending_freeze)
+        return QStringLiteral("Codes, readiness, pending codes and freeze frame as one text");
+    return QStringLiteral("The results of this page as one text");
 }
 
 QString report_button::text() const {
     // One line of the report holds a piece of HTML.
     static const QRegularExpression tags(QStringLiteral("</?font[^>]*>"));
-    return controller.report_of(op_read_codes).text.remove(tags);
+    return controller.report_of(operation).text.remove(tags);
 }
 
 void report_button::fill_page(QTextDocument& document) const {

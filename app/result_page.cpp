@@ -1,5 +1,6 @@
 #include "app/result_page.h"
 
+#include "app/noted_delegate.h"
 #include "app/table_copy.h"
 
 #include <QHeaderView>
@@ -10,6 +11,7 @@ constexpr int empty_icon_size = 32;
 constexpr int row_height = 34;
 constexpr int empty_page = 0;
 constexpr int table_page = 1;
+constexpr int cards_place = 2; // in the column: the head, the progress, the cards
 
 QWidget& add_page(QStackedWidget& pages, view_loader& loader) {
     QWidget* view = loader.load_view(QStringLiteral("result_page"), &pages);
@@ -41,8 +43,9 @@ result_card::result_card(QWidget& view, const char* prefix)
     caption.hide();
 }
 
-void result_card::set_up(results_model& model, const QString& accessible_name) {
+void result_card::set_up(results_model& model, const QString& accessible_name, const theme& look) {
     table.setModel(&model);
+    table.setItemDelegate(new noted_delegate(look, &table));
     table.setAccessibleName(accessible_name);
     table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table.horizontalHeader()->setSectionResizeMode(model.columnCount() - 1, QHeaderView::Stretch);
@@ -68,7 +71,8 @@ result_page::result_page(QStackedWidget& pages, const view_context& its_context,
                          const result_words& its_words)
     : context(its_context), controller(its_controller), results(its_controller.results()), words(its_words),
       view(add_page(pages, context.loader)), head(view, its_context, its_controller, {words.operation}),
-      card(view, "main"), side(view, "side"), detail_card(part_of<QFrame>(view, "detail_card")) {
+      card(view, "main"), side(view, "side"), detail_card(part_of<QFrame>(view, "detail_card")),
+      bar(*new reading_bar(view, cards_place, its_context)) {
     part_of<QLabel>(view, "heading").setText(QLatin1String(words.title));
     auto& read_button = part_of<QPushButton>(view, "read");
     read_button.setAccessibleName(QStringLiteral("Read: %1").arg(QLatin1String(words.title)));
@@ -83,9 +87,8 @@ void result_page::start() {
 }
 
 void result_page::reload(const QString& list) {
-    if (list == QLatin1String(words.name)) {
-        show_rows();
-        head.show(summary());
+    if (list == QLatin1String(words.name) || list == QLatin1String("reading")) {
+        show_all();
     } else if (list == QLatin1String("progress")) {
         head.show_progress();
     } else if (list == QLatin1String("operation")) {
@@ -96,13 +99,18 @@ void result_page::reload(const QString& list) {
 void result_page::ended(int code, bool done) {
     if (code != words.operation)
         return;
-    last = done ? last_read::done : last_read::left;
+    last = done || results.car_offers_none ? last_read::done : last_read::left;
     show_operation();
 }
 
 void result_page::show_operation() {
+    show_all();
+}
+
+void result_page::show_all() {
     show_rows();
     head.show(summary());
+    bar.show_lines(readings());
 }
 
 QString result_page::empty_words(const QString& nothing) const {
@@ -130,7 +138,20 @@ text_page::text_page(QStackedWidget& pages, const view_context& its_context, rea
                      const result_words& its_words, const QStringList& rows, const QStringList& headings,
                      text_rows_model::split cells)
     : result_page(pages, its_context, its_controller, its_words), model(rows, headings, std::move(cells)) {
-    card.set_up(model, QLatin1String(words.title));
+    card.set_up(model, QLatin1String(words.title), context.frame.look());
+}
+
+text_page::text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+                     const result_words& its_words, result_list list, const QStringList& headings,
+                     text_rows_model::split cells)
+    : result_page(pages, its_context, its_controller, its_words),
+      reading(std::in_place, list, results, its_controller.what_it_works_with().toolies),
+      model(*reading, headings, std::move(cells)) {
+    card.set_up(model, QLatin1String(words.title), context.frame.look());
+}
+
+QList<const second_reading*> text_page::readings() const {
+    return reading ? QList<const second_reading*>{&*reading} : QList<const second_reading*>();
 }
 
 void text_page::show_rows() {

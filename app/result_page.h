@@ -1,10 +1,12 @@
 #pragma once
 
 #include "app/operation_head.h"
+#include "app/reading_bar.h"
 #include "app/results_model.h"
 
 #include <QStackedWidget>
 #include <QTableView>
+#include <optional>
 
 // What tells the pages of results apart.
 struct result_words {
@@ -30,7 +32,7 @@ struct result_card {
     result_card(QWidget& view, const char* prefix);
 
     // Rows as high as their texts need; the last column takes the room.
-    void set_up(results_model& model, const QString& accessible_name);
+    void set_up(results_model& model, const QString& accessible_name, const theme& look);
     // The table when it has rows, otherwise `words`.
     void show_rows(results_model& model, const QString& words);
 };
@@ -45,7 +47,9 @@ public:
                 const result_words& its_words);
 
     void start();
-    // The names of base/screen.h: the page's list, "progress", "operation".
+    int operation() const { return words.operation; }
+    // The names of base/screen.h: the page's list, "progress", "operation"; "reading": the other of the two
+    // readings is shown from now on.
     virtual void reload(const QString& list);
     // The operation `code` has ended; `done`: it reached its end.
     void ended(int code, bool done);
@@ -54,6 +58,8 @@ public:
 
 protected:
     virtual void show_rows() = 0;
+    // The lists that are read twice; reloaded by show_rows().
+    virtual QList<const second_reading*> readings() const { return {}; }
     // What is said about all rows, in the head.
     virtual QString summary() const { return {}; }
     // A read has left rows, be it on another card or before the screen was left.
@@ -73,6 +79,9 @@ protected:
     QFrame& detail_card;
 
 private:
+    void show_all();
+
+    reading_bar& bar;
     enum class last_read { none, left, done };
     last_read last = last_read::none;
 };
@@ -85,10 +94,16 @@ public:
     text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
               const result_words& its_words, const QStringList& rows, const QStringList& headings,
               text_rows_model::split cells);
+    // Over a list that is read twice.
+    text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+              const result_words& its_words, result_list list, const QStringList& headings,
+              text_rows_model::split cells);
 
 protected:
     void show_rows() override;
+    QList<const second_reading*> readings() const override;
 
 private:
+    std::optional<second_reading> reading;
     text_rows_model model;
 };

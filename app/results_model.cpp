@@ -4,11 +4,17 @@
 #include <algorithm>
 
 results_model::results_model(const QStringList& its_rows, const QStringList& its_headings, QObject* parent)
-    : QAbstractTableModel(parent), rows(its_rows), headings(its_headings),
-      shown_rows(static_cast<int>(rows.size())) {}
+    : QAbstractTableModel(parent), plain_rows(&its_rows), headings(its_headings),
+      shown_rows(static_cast<int>(rows().size())) {}
+
+results_model::results_model(second_reading& its_reading, const QStringList& its_headings, QObject* parent)
+    : QAbstractTableModel(parent), reading(&its_reading), headings(its_headings),
+      shown_rows(static_cast<int>(rows().size())) {}
 
 void results_model::reload() {
-    const int now = static_cast<int>(rows.size());
+    if (reading)
+        reading->reload();
+    const int now = static_cast<int>(rows().size());
     if (now < shown_rows || shown_rows == 0) {
         beginResetModel();
         shown_rows = now;
@@ -25,7 +31,7 @@ void results_model::reload() {
 
 int results_model::rowCount(const QModelIndex& parent) const {
     // The results may be emptied before the views hear of it.
-    return parent.isValid() ? 0 : std::min(shown_rows, static_cast<int>(rows.size()));
+    return parent.isValid() ? 0 : std::min(shown_rows, static_cast<int>(rows().size()));
 }
 
 int results_model::columnCount(const QModelIndex& parent) const {
@@ -44,16 +50,22 @@ text_rows_model::text_rows_model(const QStringList& its_rows, const QStringList&
                                  split its_cells, QObject* parent)
     : results_model(its_rows, its_headings, parent), cells(std::move(its_cells)) {}
 
+text_rows_model::text_rows_model(second_reading& its_reading, const QStringList& its_headings,
+                                 split its_cells, QObject* parent)
+    : results_model(its_reading, its_headings, parent), cells(std::move(its_cells)) {}
+
 bool text_rows_model::is_heading(int row) const {
-    return row >= 0 && row < rowCount() && columnCount() > 1 && cells(rows.at(row)).size() == 1;
+    return row >= 0 && row < rowCount() && columnCount() > 1 && cells(rows().at(row)).size() == 1;
 }
 
 QVariant text_rows_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))
         return {};
     switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole: return cells(row_at(index)).value(index.column());
+    case Qt::DisplayRole: return cells(row_at(index)).value(index.column());
+    case Qt::AccessibleTextRole:
+        return with_note(cells(row_at(index)).value(index.column()), index.data(note_role).toString());
+    case note_role: return index.column() == columnCount() - 1 ? note_on(index.row()) : QString();
     case Qt::TextAlignmentRole: return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     case Qt::FontRole: {
         QFont font;
@@ -62,6 +74,10 @@ QVariant text_rows_model::data(const QModelIndex& index, int role) const {
     }
     default: return {};
     }
+}
+
+QString with_note(const QString& text, const QString& note) {
+    return note.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, note);
 }
 
 QStringList split_freeze_row(const QString& row) {

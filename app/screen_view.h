@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/notice_banner.h"
+#include "app/question_sheet.h"
 #include "app/theme.h"
 #include "app/view_loader.h"
 #include "shell/Bv_lite_delegate.h"
@@ -14,9 +15,14 @@ public:
     virtual ~window_frame() = default;
 
     virtual void tell(const notice& what) = 0;
+    // As screen::ask_yes_no(), with other words on the buttons.
+    virtual void ask(const QString& title, const QString& text, const question_sheet::answers& words,
+                     std::function<void(bool)> answer) = 0;
     // Changes the screen, a moment later: the one that asks for it may be the one that goes.
     virtual void go_to(screen_kind kind) = 0;
     virtual const theme& look() const = 0;
+    // A text over the screen, until it is closed. `html` loads nothing but the program's artwork.
+    virtual void pop_helpy(const QString& title, const QString& html, const QString& icon) = 0;
     // Settings that the window shows have changed.
     virtual void settings_changed() = 0;
     // False once another link was chosen than the one that the program was started with.
@@ -53,8 +59,13 @@ public:
     virtual void save() {}
     // The colours have changed; also called once when the screen is in its place.
     virtual void look_changed() {}
+    // The screen was opened.
+    void take_focus() { (first ? first : this)->setFocus(); }
 
 protected:
+    // No focus proxy: from one, the Tab key skips what stands before it.
+    void begin_at(QWidget& widget) { first = &widget; }
+
     template <class T>
     T& part(const char* name) {
         return part_of<T>(*root, name);
@@ -64,4 +75,5 @@ protected:
 
 private:
     QWidget* root = nullptr;
+    QWidget* first = nullptr;
 };

@@ -55,6 +55,14 @@ status_strip::status_strip(QWidget* parent) : QFrame(parent) {
     row->addWidget(&status, 1);
     row->addSpacing(2 * theme::step);
     row->addWidget(link_box);
+    row->addWidget(&change);
+    change.setObjectName(QStringLiteral("change_device"));
+    change.setText(QStringLiteral("Change..."));
+    change.setToolTip(QStringLiteral("Choose the Bluetooth adapter"));
+    change.setProperty("role", QStringLiteral("link"));
+    change.setFocusPolicy(Qt::TabFocus);
+    change.hide();
+    connect(&change, &QToolButton::clicked, this, &status_strip::choice_wanted);
     far_end.setTextFormat(Qt::PlainText);
     mark.setPixmap(QIcon(picture_of(shown.now)).pixmap(mark_size));
 }
@@ -67,6 +75,7 @@ void status_strip::set_link(const link_words& words) {
     far_end.setText(QStringLiteral("%1: %2").arg(shown.far_end, word_for(shown.now)));
     protocol.set_text(shown.protocol);
     protocol.setVisible(!shown.protocol.isEmpty());
+    change.setVisible(shown.can_choose);
     link_box->setToolTip(theme::plain_tool_tip(shown.details));
     link_box->setAccessibleName(QStringLiteral("Link %1: %2").arg(shown.far_end, word_for(shown.now)));
     link_box->setAccessibleDescription(shown.details);

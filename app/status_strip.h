@@ -2,18 +2,21 @@
 
 #include "app/busy_marks.h"
 #include "app/elided_label.h"
+#include "app/frame_pace.h"
 #include "app/theme.h"
 
 #include <QFrame>
+#include <QToolButton>
 
 // What the link mark tells.
 struct link_words {
     enum class condition { closed, opening, open };
 
     condition now = condition::closed;
-    QString far_end;  // "Wi-Fi 192.168.0.10"
-    QString protocol; // "" while unknown
-    QString details;  // the tool tip, a line each
+    QString far_end;         // "Wi-Fi 192.168.0.10"
+    QString protocol;        // "" while unknown
+    QString details;         // the tool tip, a line each
+    bool can_choose = false; // the far end is chosen from a list
     bool operator==(const link_words&) const = default;
 };
 
@@ -24,18 +27,29 @@ class status_strip : public QFrame {
 public:
     explicit status_strip(QWidget* parent = nullptr);
 
-    void set_status(const QString& text) { status.set_text(text); }
-    const QString& status_text() const { return status.full_text(); }
+    // A run brings one with every reply: no more than one a display frame is shown.
+    void set_status(const QString& text) {
+        said = text.trimmed();
+        status_pace.ask();
+    }
+    const QString& status_text() const { return said; }
     void set_busy(bool busy) { ring.setVisible(busy); }
     void set_link(const link_words& words);
     const link_words& link() const { return shown; }
 
+Q_SIGNALS:
+    // The person wants to choose the far end.
+    void choice_wanted();
+
 private:
     busy_ring ring;
     elided_label status;
+    QString said;
+    frame_pace status_pace{[this] { status.set_text(said); }};
     QLabel mark;
     QLabel far_end;
     elided_label protocol;
     QWidget* link_box = nullptr;
+    QToolButton change;
     link_words shown;
 };

@@ -7,6 +7,7 @@
 #include <QPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
+#include <utility>
 
 namespace {
 
@@ -14,6 +15,7 @@ constexpr QSize bar_size{120, 40};
 constexpr int bar_room = 8; // on each side
 constexpr int name_room = 11;
 constexpr int line_room = 14;
+constexpr int mark_room = 6;
 constexpr int most_bars = 500;
 constexpr double corner = 6;
 
@@ -28,17 +30,32 @@ test_delegate::test_delegate(const theme& its_look, QObject* parent)
 
 void test_delegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const {
-    const int column = index.column();
-    if (column != tests_model::test_column && column != tests_model::limits_column)
+    if (index.column() == tests_model::value_column)
         return QStyledItemDelegate::paint(painter, option, index);
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    const QIcon mark = std::exchange(cell.icon, QIcon());
     cell.text.clear();
     cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
-    if (column == tests_model::limits_column)
-        paint_bar(*painter, option.rect, index);
-    else
-        paint_name(*painter, cell, index);
+    switch (index.column()) {
+    case tests_model::limits_column: return paint_bar(*painter, option.rect, index);
+    case tests_model::verdict_column: return paint_verdict(*painter, cell, mark, index);
+    default: return paint_name(*painter, cell, index);
+    }
+}
+
+// The style would draw the words of a selected row in the colour of all its texts.
+void test_delegate::paint_verdict(QPainter& painter, const QStyleOptionViewItem& cell, const QIcon& mark,
+                                  const QModelIndex& index) const {
+    const QRect room = cell.rect.adjusted(name_room, 0, 0, 0);
+    const QSize size = cell.decorationSize;
+    mark.paint(&painter, QRect(QPoint(room.left(), room.center().y() - size.height() / 2), size));
+    painter.save();
+    painter.setFont(cell.font);
+    painter.setPen(index.data(Qt::ForegroundRole).value<QColor>());
+    painter.drawText(room.adjusted(size.width() + mark_room, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     index.data().toString());
+    painter.restore();
 }
 
 void test_delegate::paint_name(QPainter& painter, const QStyleOptionViewItem& cell,
@@ -47,8 +64,10 @@ void test_delegate::paint_name(QPainter& painter, const QStyleOptionViewItem& ce
     small.setPixelSize(small_size(cell.font));
     const QFontMetrics first(cell.font);
     const QFontMetrics second(small);
+    const QString note = index.data(note_role).toString();
+    const int small_lines = note.isEmpty() ? 1 : 2;
     const QRect room = cell.rect.adjusted(name_room, 0, -name_room, 0);
-    const int top = room.top() + (room.height() - first.height() - second.height()) / 2;
+    const int top = room.top() + (room.height() - first.height() - small_lines * second.height()) / 2;
     const auto line = [&](const QFont& font, const QFontMetrics& metrics, int y, const QColor& colour,
                           const QString& text) {
         painter.setFont(font);
@@ -60,6 +79,7 @@ void test_delegate::paint_name(QPainter& painter, const QStyleOptionViewItem& ce
     painter.save();
     line(cell.font, first, top, look.text, index.data().toString());
     line(small, second, top + first.height(), look.muted, index.data(tests_model::subject_role).toString());
+    line(small, second, top + first.height() + second.height(), look.text, note);
     painter.restore();
 }
 
@@ -93,7 +113,8 @@ QSize test_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelIn
     QSize size = QStyledItemDelegate::sizeHint(option, index);
     if (index.column() == tests_model::limits_column)
         size.setWidth(bar_size.width() + 2 * bar_room);
-    const int two_lines = QFontMetrics(option.font).height() + small_size(option.font);
-    size.setHeight(std::max(bar_size.height(), two_lines) + line_room);
+    const int small_lines = index.siblingAtColumn(0).data(note_role).toString().isEmpty() ? 1 : 2;
+    const int lines = QFontMetrics(option.font).height() + small_lines * (small_size(option.font) + 2);
+    size.setHeight(std::max(bar_size.height(), lines) + line_room);
     return size;
 }

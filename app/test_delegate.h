@@ -6,7 +6,8 @@
 #include <QImage>
 #include <QStyledItemDelegate>
 
-// Draws the rows of tests_model: a name in two lines, and the limit bar. The look outlives it.
+// Draws the rows of tests_model: a name in two lines, what the other reading says, and the limit bar. The
+// look outlives it.
 class test_delegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -19,6 +20,8 @@ public:
 
 private:
     void paint_name(QPainter& painter, const QStyleOptionViewItem& cell, const QModelIndex& index) const;
+    void paint_verdict(QPainter& painter, const QStyleOptionViewItem& cell, const QIcon& mark,
+                       const QModelIndex& index) const;
     void paint_bar(QPainter& painter, const QRect& cell, const QModelIndex& index) const;
 
     const theme& look;

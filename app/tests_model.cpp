@@ -25,15 +25,15 @@ QString verdict_of(const mode6_row& row) {
 
 } // namespace
 
-tests_model::tests_model(const QStringList& its_rows, const theme& its_look, QObject* parent)
-    : results_model(its_rows,
+tests_model::tests_model(second_reading& its_reading, const theme& its_look, QObject* parent)
+    : results_model(its_reading,
                     {QStringLiteral("Test"), QStringLiteral("Value"), QStringLiteral("Verdict"),
                      QStringLiteral("Limits")},
                     parent),
       look(its_look) {}
 
 mode6_row tests_model::row_of(int row) const {
-    return row >= 0 && row < rowCount() ? split_mode6_row(rows.at(row)) : mode6_row();
+    return row >= 0 && row < rowCount() ? split_mode6_row(rows().at(row)) : mode6_row();
 }
 
 QList<int> tests_model::failed() const {
@@ -56,6 +56,12 @@ QString tests_model::subject_of(const mode6_row& row) {
     return QStringLiteral("OBDMID %1, TID %2  %3").arg(row.obdmid, row.tid, row.test).trimmed();
 }
 
+QVariant tests_model::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (section == value_column && role == Qt::TextAlignmentRole)
+        return QVariant(Qt::AlignRight | Qt::AlignVCenter); // above numbers
+    return results_model::headerData(section, orientation, role);
+}
+
 QVariant tests_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))
         return {};
@@ -70,13 +76,15 @@ QVariant tests_model::data(const QModelIndex& index, int role) const {
         return column == verdict_column ? QVariant(verdict_of(row)) : QVariant();
     case Qt::AccessibleTextRole:
         if (column == test_column)
-            return QString(title_of(row) + QStringLiteral(" - ") + subject_of(row));
+            return with_note(title_of(row) + QStringLiteral(" - ") + subject_of(row), note_on(index.row()));
         return column == limits_column ? QVariant(limits_of(row)) : data(index, Qt::DisplayRole);
     case Qt::ToolTipRole:
         if (column == limits_column)
             return theme::plain_tool_tip(limits_of(row));
         return column == test_column
-                   ? theme::plain_tool_tip(title_of(row) + QLatin1Char('\n') + subject_of(row))
+                   ? theme::plain_tool_tip(QStringList{title_of(row), subject_of(row), note_on(index.row())}
+                                               .join(u'\n')
+                                               .trimmed())
                    : QVariant();
     case Qt::DecorationRole:
         return column == verdict_column
@@ -92,6 +100,7 @@ QVariant tests_model::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole:
         return QVariant((column == value_column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     case subject_role: return subject_of(row);
+    case note_role: return column == test_column ? note_on(index.row()) : QString();
     case limits_role: return row.limits;
     default: return {};
     }

@@ -3,10 +3,12 @@
 #include <QHeaderView>
 
 tests_page::tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-                       const result_words& its_words, const QStringList& rows)
-    : result_page(pages, its_context, its_controller, its_words), model(rows, context.frame.look()),
-      delegate(context.frame.look()), detail(*detail_card.findChild<QTextBrowser*>()) {
-    card.set_up(model, QLatin1String(words.title));
+                       const result_words& its_words, result_list list)
+    : result_page(pages, its_context, its_controller, its_words),
+      reading(list, results, its_controller.what_it_works_with().toolies),
+      model(reading, context.frame.look()), delegate(context.frame.look()),
+      detail(*detail_card.findChild<QTextBrowser*>()) {
+    card.set_up(model, QLatin1String(words.title), context.frame.look());
     card.table.setItemDelegate(&delegate);
     card.table.setSelectionMode(QAbstractItemView::ExtendedSelection);
     card.table.horizontalHeader()->setSectionResizeMode(tests_model::limits_column,
@@ -57,7 +59,11 @@ void tests_page::show_detail() {
                        .arg(tests_model::title_of(row).toHtmlEscaped(),
                             tests_model::subject_of(row).toHtmlEscaped(),
                             work_out_result_html(row.limits, row.unit, !row.passed), look.muted.name(),
-                            row.text.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
+                            QStringList{row.text, model.other_reading_of(shown)}
+                                .join(u'\n')
+                                .trimmed()
+                                .toHtmlEscaped()
+                                .replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
 }
 
 void tests_page::look_changed() {

@@ -12,7 +12,7 @@ class tests_page : public result_page {
 
 public:
     tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-               const result_words& its_words, const QStringList& rows);
+               const result_words& its_words, result_list list);
     ~tests_page() override;
 
     void look_changed() override;
@@ -20,10 +20,12 @@ public:
 protected:
     void show_rows() override;
     QString summary() const override;
+    QList<const second_reading*> readings() const override { return {&reading}; }
 
 private:
     void show_detail();
 
+    second_reading reading;
     tests_model model;
     test_delegate delegate;
     QTextBrowser& detail;

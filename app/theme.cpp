@@ -44,11 +44,12 @@ main_window, #main_area { background: {ground}; }
 QLabel { color: {text}; background: transparent; }
 QCheckBox, QRadioButton { color: {text}; spacing: 8px; padding: 2px; }
 QCheckBox:focus, QRadioButton:focus { text-decoration: underline; }
-QCheckBox::indicator, QRadioButton::indicator { width: 16px; height: 16px; background: {field};
-    border: 1px solid {field_edge}; }
-QCheckBox::indicator { border-radius: 4px; }
+QCheckBox::indicator, QRadioButton::indicator, QTableView::indicator { width: 16px; height: 16px;
+    background: {field}; border: 1px solid {field_edge}; }
+QCheckBox::indicator, QTableView::indicator { border-radius: 4px; }
 QRadioButton::indicator { border-radius: 9px; }
-QCheckBox::indicator:checked { background: {accent}; border-color: {accent}; image: url({check}); }
+QCheckBox::indicator:checked, QTableView::indicator:checked { background: {accent}; border-color: {accent};
+    image: url({check}); }
 QRadioButton::indicator:checked { width: 8px; height: 8px; background: {on_accent};
     border: 5px solid {accent}; }
 QCheckBox::indicator:focus, QCheckBox::indicator:hover, QRadioButton::indicator:focus,
@@ -70,7 +71,7 @@ QFrame[role="strip"] { background: {card}; border: none; }
 QFrame[role="line"] { background: {edge}; border: none; }
 
 QPushButton { background: {card}; color: {text}; border: 1px solid {field_edge}; border-radius: 8px;
-    padding: 7px 15px; min-height: 20px; }
+    padding: 7px 15px; min-height: 20px; outline: 0; }
 QPushButton:hover { border-color: {accent}; }
 QPushButton:pressed { background: {accent_soft}; }
 QPushButton:focus { border: 2px solid {accent}; padding: 6px 14px; }
@@ -85,7 +86,9 @@ QPushButton[large="true"]:focus { padding: 8px 22px; }
 QToolButton { background: transparent; color: {text}; border: 2px solid transparent; border-radius: 8px;
     padding: 4px; }
 QToolButton:hover { background: {accent_soft}; }
+QToolButton:disabled { color: {field_edge}; background: transparent; }
 QToolButton:focus { border-color: {accent}; }
+QToolButton[role="link"] { color: {accent}; }
 QToolButton[role="screen"] { color: {muted}; padding: 6px 4px 2px 4px; min-width: 92px; }
 QToolButton[role="screen"]:checked { color: {text}; font-weight: 600; }
 
@@ -104,6 +107,18 @@ QLineEdit:focus, QComboBox:focus { border: 2px solid {accent}; padding: 4px 8px;
 QComboBox::drop-down { border: none; width: 28px; }
 QComboBox::down-arrow { image: url(:/views/chevron.png); width: 12px; height: 12px; }
 
+QLineEdit[large="true"] { min-height: 22px; }
+
+QPlainTextEdit[role="plain"] { background: {card}; color: {text}; border: none;
+    selection-background-color: {accent}; selection-color: {on_accent}; }
+QSplitter::handle { background: transparent; }
+QFrame[role="segments"] { background: {card}; border: 1px solid {field_edge}; border-radius: 8px; }
+QPushButton[role="segment"] { background: transparent; border: 2px solid transparent; border-radius: 6px;
+    color: {muted}; padding: 4px 10px; }
+QPushButton[role="segment"]:hover { color: {text}; }
+QPushButton[role="segment"]:checked { background: {accent_soft}; color: {text}; font-weight: 600; }
+QPushButton[role="segment"]:focus { border-color: {accent}; padding: 4px 10px; }
+
 QListView#rail { background: transparent; border: none; outline: 0; }
 QListView#rail::item { color: {text}; border: 2px solid transparent; border-radius: 8px; padding: 8px 6px; }
 QListView#rail::item:hover { background: {card}; }
@@ -112,7 +127,7 @@ QListView#rail:focus::item:selected { border-color: {accent}; }
 
 QScrollArea, QScrollArea > QWidget > QWidget { background: transparent; border: none; }
 QTabWidget::pane { border: none; }
-QTabBar { background: transparent; qproperty-drawBase: 0; }
+QTabBar { background: transparent; qproperty-drawBase: 0; outline: 0; }
 QTabBar::tab { background: transparent; color: {muted}; border: none; border-bottom: 3px solid transparent;
     padding: 8px 16px; margin-right: 8px; }
 QTabBar::tab:selected { color: {text}; border-bottom-color: {accent}; font-weight: 600; }
@@ -124,6 +139,13 @@ QScrollBar::handle { background: {field_edge}; border-radius: 4px; min-height: 3
 QScrollBar::add-line, QScrollBar::sub-line, QScrollBar::add-page, QScrollBar::sub-page { background: none;
     border: none; width: 0; height: 0; }
 
+QSlider { min-height: 28px; }
+QSlider::groove:horizontal { height: 4px; border-radius: 2px; background: {field_edge}; }
+QSlider::sub-page:horizontal { height: 4px; border-radius: 2px; background: {accent}; }
+QSlider::handle:horizontal { width: 16px; height: 16px; margin: -8px 0; border-radius: 10px;
+    background: {card}; border: 2px solid {accent}; }
+QSlider::handle:horizontal:focus, QSlider::handle:horizontal:hover { background: {accent}; }
+
 QToolTip { background: {card}; color: {text}; border: 1px solid {field_edge}; padding: 4px; }
 QMenu { background: {card}; color: {text}; border: 1px solid {field_edge}; padding: 4px; }
 QMenu::item { padding: 6px 24px 6px 12px; border-radius: 4px; }
@@ -133,7 +155,8 @@ QComboBox QAbstractItemView { background: {field}; color: {text}; selection-back
 
 QFrame#notice_card { background: {amber_soft}; border: 1px solid {amber}; border-radius: 10px; }
 QLabel#notice_mark { background: {amber}; color: {card}; border-radius: 12px; font-weight: 700; }
-QLabel#toast { background: {toast}; color: {on_toast}; border-radius: 12px; padding: 12px 20px; }
+QFrame#toast_card { background: {toast}; border-radius: 12px; }
+QFrame#toast_card QLabel, QFrame#toast_card busy_ring { color: {on_toast}; }
 help_panel > QFrame { background: {card}; border: 1px solid {edge}; border-radius: 10px; }
 QTextBrowser[role="detail"] { background: {card}; color: {text}; border: none; }
 help_panel QTextBrowser { background: {card}; color: {text}; border: none; }

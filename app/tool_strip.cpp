@@ -1,8 +1,9 @@
 #include "app/tool_strip.h"
 
+#include "app/rounded_picture.h"
+
 #include <QIcon>
-#include <QPainter>
-#include <QPainterPath>
+#include <QMenu>
 #include <array>
 
 namespace {
@@ -34,23 +35,6 @@ constexpr std::array<screen_button, 5> screens{{
 }};
 // clang-format on
 
-// The image with round corners, scaled to fill the room.
-QPixmap rounded(const QImage& image, const QSize& room, double ratio) {
-    QPixmap result(room * ratio);
-    result.setDevicePixelRatio(ratio);
-    result.fill(Qt::transparent);
-    const QSizeF fitted = QSizeF(image.size()).scaled(room, Qt::KeepAspectRatio);
-    const QRectF place(QPointF((room.width() - fitted.width()) / 2, (room.height() - fitted.height()) / 2),
-                       fitted);
-    QPainter painter(&result);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-    QPainterPath outline;
-    outline.addRoundedRect(place, theme::step, theme::step);
-    painter.setClipPath(outline);
-    painter.drawImage(place, image);
-    return result;
-}
-
 } // namespace
 
 tool_strip::tool_strip(QWidget* parent) : QFrame(parent) {
@@ -66,8 +50,26 @@ tool_strip::tool_strip(QWidget* parent) : QFrame(parent) {
     const int after = static_cast<int>(screens.size());
     grid->setColumnStretch(after, 1);
     grid->addWidget(&help_button, 0, after + 1, 2, 1, Qt::AlignVCenter);
-    grid->setColumnMinimumWidth(after + 2, theme::step);
-    add_vehicle(grid, after + 3);
+    grid->addWidget(&menu_button, 0, after + 2, 2, 1, Qt::AlignVCenter);
+    add_menu();
+    grid->setColumnMinimumWidth(after + 3, theme::step);
+    add_vehicle(grid, after + 4);
+}
+
+void tool_strip::add_menu() {
+    menu_button.setObjectName(QStringLiteral("menu"));
+    menu_button.setText(QStringLiteral("Menu"));
+    menu_button.setToolTip(QStringLiteral("Help, updates (F10)"));
+    menu_button.setShortcut(Qt::Key_F10);
+    menu_button.setFocusPolicy(Qt::StrongFocus);
+    auto* menu = new QMenu(&menu_button);
+    connect(menu->addAction(QStringLiteral("Help\tF1")), &QAction::triggered, this, &tool_strip::help_wanted);
+    QAction* updates = menu->addAction(QStringLiteral("Check for updates..."));
+    updates->setObjectName(QStringLiteral("check_for_updates"));
+    connect(updates, &QAction::triggered, this, &tool_strip::updates_wanted);
+    // Popped up by hand: a button's own menu runs an event loop.
+    connect(&menu_button, &QToolButton::clicked, menu,
+            [this, menu] { menu->popup(menu_button.mapToGlobal(QPoint(0, menu_button.height()))); });
 }
 
 void tool_strip::add_buttons() {
@@ -91,6 +93,7 @@ void tool_strip::add_buttons() {
         grid->addWidget(button, 0, i);
         buttons += button;
     }
+    help_button.setObjectName(QStringLiteral("help"));
     help_button.setIconSize({help_size, help_size});
     help_button.setToolTip(QStringLiteral("Help (F1)"));
     help_button.setAccessibleName(QStringLiteral("Help"));
@@ -139,7 +142,7 @@ void tool_strip::mark(screen_kind kind) {
 void tool_strip::show_vehicle(const QString& name, const QImage& image) {
     vehicle.set_text(name);
     if (!image.isNull())
-        picture.setPixmap(rounded(image, picture.size(), devicePixelRatioF()));
+        picture.setPixmap(rounded_picture(image, picture.size(), devicePixelRatioF()));
 }
 
 void tool_strip::set_vehicle_note(const QString& note, bool as_chip) {

@@ -29,14 +29,17 @@ public:
 Q_SIGNALS:
     void chosen(screen_kind kind);
     void help_wanted();
+    void updates_wanted();
 
 private:
     void add_buttons();
+    void add_menu();
     void add_vehicle(QGridLayout* to, int column);
 
     QList<QToolButton*> buttons;
     QGridLayout* grid = nullptr;
     QToolButton help_button;
+    QToolButton menu_button;
     QLabel picture;
     elided_label vehicle;
     QLabel note_label;

@@ -1,6 +1,13 @@
 #include "app/view_loader.h"
 
 #include "app/busy_marks.h"
+#include "app/chart_picture.h"
+#include "app/elided_label.h"
+#include "app/gauge_picture.h"
+#include "app/o2_picture.h"
+#include "app/plot_chart.h"
+#include "app/plot_preview.h"
+#include "app/thumb_strip.h"
 
 #include <QFile>
 
@@ -11,8 +18,26 @@ static void bring_in_resources() {
 }
 
 namespace {
+
 constexpr qint64 largest_description = 1 << 20;
+
+template <class widget>
+QWidget* make(QWidget* parent) {
+    return new widget(parent);
 }
+
+struct own_widget {
+    const char* name;
+    QWidget* (*make)(QWidget* parent);
+};
+constexpr own_widget own_widgets[] = {
+    {"busy_bar", make<busy_bar>},           {"elided_label", make<elided_label>},
+    {"chart_picture", make<chart_picture>}, {"gauge_picture", make<gauge_picture>},
+    {"o2_picture", make<o2_picture>},       {"thumb_strip", make<thumb_strip>},
+    {"plot_chart", make<plot_chart>},       {"plot_preview", make<plot_preview>},
+};
+
+} // namespace
 
 view_loader::view_loader(const QString& its_folder) : folder(its_folder) {
     bring_in_resources();
@@ -32,9 +57,12 @@ QWidget* view_loader::load_view(const QString& name, QWidget* parent) {
 }
 
 QWidget* view_loader::createWidget(const QString& class_name, QWidget* parent, const QString& name) {
-    if (class_name != QLatin1String("busy_bar"))
-        return QUiLoader::createWidget(class_name, parent, name);
-    auto* bar = new busy_bar(parent);
-    bar->setObjectName(name);
-    return bar;
+    for (const own_widget& own : own_widgets) {
+        if (class_name != QLatin1String(own.name))
+            continue;
+        QWidget* widget = own.make(parent);
+        widget->setObjectName(name);
+        return widget;
+    }
+    return QUiLoader::createWidget(class_name, parent, name);
 }

@@ -7,6 +7,7 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // whatever Bluetooth there is stays alone
     QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
     silence_console_log();

@@ -89,6 +89,7 @@ TEST(main_window, shows_texts_of_the_car_as_plain_text_in_one_line) {
     const QString reply = QStringLiteral("<b>7E8</b>\n<img src=\"/etc/hostname\">");
     program.window->show_status(reply);
     auto& label = program.part<elided_label>("status");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return label.full_text() == reply; })); // at the next frame
     EXPECT_EQ(label.textFormat(), Qt::PlainText);
     EXPECT_FALSE(label.text().contains(QLatin1Char('\n')));
     EXPECT_FALSE(label.toolTip().contains(QStringLiteral("<img")));

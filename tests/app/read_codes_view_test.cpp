@@ -92,16 +92,3 @@ TEST(read_codes_view, stops_and_leaves_in_mid_operation) {
     EXPECT_EQ(car.window->current_screen(), screen_kind::live_data);
     EXPECT_TRUE(car.part<busy_ring>().isHidden());
 }
-
-TEST(read_codes_view, shows_the_way_when_bluetooth_is_chosen) {
-    running_window car;
-    car.press(Qt::Key_1, Qt::ControlModifier);
-    car.click("read");
-    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
-    auto& banner = car.part<notice_banner>();
-    ASSERT_TRUE(banner.isVisible());
-    for (QPushButton* button : banner.findChildren<QPushButton*>())
-        button->click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return car.window->current_screen() == screen_kind::preferences; }));
-    EXPECT_FALSE(banner.isVisible());
-}

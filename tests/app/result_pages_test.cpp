@@ -11,7 +11,8 @@ namespace {
 enum rail_row { codes_row, pending_row, vehicle_row, mode6_row_of_rail, misfire_row, o2_row, extras_row };
 
 struct opened_car : running_window {
-    opened_car() : running_window(launch_options::link_choice::demo) {
+    explicit opened_car(const QString& car = QStringLiteral("can11"))
+        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"), car) {
         press(Qt::Key_1, Qt::ControlModifier);
     }
 
@@ -20,7 +21,28 @@ struct opened_car : running_window {
         return QTest::qWaitFor([&] { return part<QPushButton>(stop).isHidden(); }, 30000);
     }
     QString text_of(const char* label) { return part<QLabel>(label).text(); }
+    QString report_text() {
+        QFile saved(folder.filePath(QStringLiteral("report.txt")));
+        part<report_button>().save_as_text(saved.fileName());
+        EXPECT_TRUE(saved.open(QIODevice::ReadOnly));
+        return QString::fromUtf8(saved.readAll());
+    }
 };
+
+// The first cell whose text has no room, "" when there is none.
+QString cut_cell(const QTableView& table) {
+    constexpr int padding = 11; // of a cell, on either side
+    for (int row = 0; row < table.model()->rowCount(); ++row) {
+        for (int column = 0; column < table.model()->columnCount(); ++column) {
+            const QString text = table.model()->index(row, column).data().toString();
+            const QRect room(0, 0, table.columnWidth(column) - 2 * padding, table.rowHeight(row));
+            const QRect needed = table.fontMetrics().boundingRect(room, Qt::TextWordWrap, text);
+            if (needed.height() > room.height() || needed.width() > room.width())
+                return text;
+        }
+    }
+    return {};
+}
 
 } // namespace
 
@@ -52,6 +74,19 @@ TEST(result_pages, show_the_tests_and_the_selected_one) {
         EXPECT_TRUE(told.contains(fields.at(3).simplified())) << told.toStdString();
     }
     EXPECT_EQ(car.rows_of("misfire_main_table"), QStringList());
+    EXPECT_TRUE(car.report_text().startsWith(QStringLiteral("------Mode6 read:")));
+    car.open_page(extras_row);
+    EXPECT_FALSE(car.part<QPushButton>("report").isEnabled());
+}
+
+TEST(result_pages, say_that_a_car_has_nothing_to_tell) {
+    opened_car car(QStringLiteral("iso9141"));
+    car.open_page(misfire_row);
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_stopped("misfire_stop"));
+    EXPECT_EQ(car.part<notice_banner>().shown_text(), QStringLiteral("Not Supported by your vehicle"));
+    EXPECT_EQ(car.text_of("misfire_main_empty_text"), QStringLiteral("The car reported no misfire counts."));
+    EXPECT_TRUE(car.text_of("o2_main_empty_text").startsWith(QStringLiteral("No tests read yet.")));
 }
 
 TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
@@ -67,14 +102,20 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
               QStringLiteral("Freezed by\tP0133 - O2 Sensor Circuit Slow Response Bank 1 Sensor 1"));
     EXPECT_TRUE(frame.contains(QStringLiteral("Engine RPM\t1726.00 RPM")));
 
+    for (int width = 1180; width >= 900; width -= 20) {
+        car.window->resize(width, 600);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(cut_cell(car.part<QTableView>("pending_main_table")), QString()) << width;
+        EXPECT_EQ(cut_cell(car.part<QTableView>("pending_side_table")), QString()) << width;
+    }
+
     // What was read goes into a file without marks of HTML; one that cannot be written is told.
+    const QString text = car.report_text();
+    EXPECT_TRUE(text.contains(QStringLiteral("P0171 - ")) &&
+                text.contains(QStringLiteral("System Too Lean Bank 1")))
+        << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral("<font")));
     auto& report = car.part<report_button>();
-    QFile saved(car.folder.filePath(QStringLiteral("report.txt")));
-    report.save_as_text(saved.fileName());
-    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
-    const QByteArray text = saved.readAll();
-    EXPECT_TRUE(text.contains("P0171 - ") && text.contains("System Too Lean Bank 1")) << text.toStdString();
-    EXPECT_FALSE(text.contains("<font"));
     QFile pdf(car.folder.filePath(QStringLiteral("report.pdf")));
     report.save_as_pdf(pdf.fileName());
     ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));

@@ -11,9 +11,11 @@
 
 // The whole program around a window, started as main() does it, with a profile of its own.
 struct running_window {
-    static launch_options with(launch_options::link_choice link, const QString& profile) {
+    static launch_options with(launch_options::link_choice link, const QString& profile,
+                               const QString& car = QStringLiteral("can11")) {
         launch_options options;
         options.link = link;
+        options.demo_car = car;
         options.profile = profile;
         return options;
     }
@@ -23,8 +25,9 @@ struct running_window {
     std::optional<main_window> window;
 
     explicit running_window(launch_options::link_choice link = launch_options::link_choice::as_stored,
-                            const QString& views = QStringLiteral(":/views"))
-        : core(with(link, folder.path())) {
+                            const QString& views = QStringLiteral(":/views"),
+                            const QString& car = QStringLiteral("can11"))
+        : core(with(link, folder.path(), car)) {
         QString problem;
         EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();
         window.emplace(core, views);

@@ -1,0 +1,207 @@
+#include "app/device_chooser.h"
+
+#include "app/theme.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int card_width = 640;
+constexpr int list_height = 264;
+constexpr int row_height = 44;
+constexpr int medallion_size = 72;
+constexpr int icon_size = 40;
+constexpr int list_page = 0;
+constexpr int empty_page = 1;
+enum list_column { name_column, address_column, state_column, column_count };
+
+QString state_of(const bluetooth_device& device, const QString& last_address) {
+    QString words = device.paired ? QStringLiteral("paired") : QStringLiteral("not paired");
+    if (device.paired && device.knows_services && !device.serial_port)
+        words = QStringLiteral("no serial port");
+    if (device.address == last_address)
+        words += QStringLiteral(", last used");
+    return words;
+}
+
+} // namespace
+
+device_chooser::device_chooser(QWidget& asked_by, const theme& look, timers& clock, const QString& last_used,
+                               const QString& why, answer its_answer)
+    : card_sheet(asked_by, QStringLiteral("Choose the Bluetooth adapter"), card_width), scanner(clock),
+      waiting(std::move(its_answer)), last_address(last_used.toUpper()), pages(new QStackedWidget),
+      list(new QTableWidget(0, column_count)), progress(new busy_bar) {
+    setObjectName(QStringLiteral("device_chooser"));
+    if (!why.isEmpty())
+        theme::mark(*add_text(why, "body"), "warning", true);
+    set_up_list();
+    pages->addWidget(list);
+    pages->addWidget(make_empty_page(look));
+    pages->setFixedHeight(list_height);
+    auto* found = new QVBoxLayout;
+    found->setSpacing(theme::step);
+    found->addWidget(pages);
+    found->addWidget(progress);
+    content()->addLayout(found);
+    sentence = add_text(QString(), "muted");
+    sentence->setObjectName(QStringLiteral("device_sentence"));
+    sentence->setMinimumHeight(sentence->fontMetrics().lineSpacing() * 2); // so that nothing jumps
+    sentence->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+
+    rescan = add_button(QStringLiteral("Rescan"), "device_rescan", false);
+    rescan->setToolTip(QStringLiteral("Look for devices again (F5)"));
+    take = add_button(QStringLiteral("Connect"), "device_connect", true);
+    auto* cancel = add_button(QStringLiteral("Cancel"), "device_cancel", false);
+    connect(rescan, &QPushButton::clicked, &scanner, &bluetooth_scanner::start);
+    connect(take, &QPushButton::clicked, this, &device_chooser::take_selected);
+    connect(cancel, &QPushButton::clicked, this, &card_sheet::close_sheet);
+    connect(this, &card_sheet::closed, this, &device_chooser::finish_without);
+    connect(&scanner, &bluetooth_scanner::changed, this, &device_chooser::show_surroundings);
+}
+
+device_chooser::~device_chooser() {
+    scanner.disconnect(this);
+    finish_without();
+}
+
+void device_chooser::set_up_list() {
+    list->setObjectName(QStringLiteral("device_list"));
+    list->setAccessibleName(QStringLiteral("Bluetooth devices"));
+    list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    list->setSelectionMode(QAbstractItemView::SingleSelection);
+    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    list->setTabKeyNavigation(false);
+    list->setShowGrid(false);
+    list->setWordWrap(false);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setHorizontalHeaderLabels(
+        {QStringLiteral("Name"), QStringLiteral("Address"), QStringLiteral("State")});
+    list->verticalHeader()->setVisible(false);
+    list->verticalHeader()->setDefaultSectionSize(row_height);
+    list->horizontalHeader()->setHighlightSections(false);
+    list->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->horizontalHeader()->setSectionResizeMode(name_column, QHeaderView::Stretch);
+    connect(list, &QTableWidget::itemSelectionChanged, this, &device_chooser::show_hint);
+    connect(list, &QTableWidget::itemActivated, this, &device_chooser::take_selected);
+}
+
+QWidget* device_chooser::make_empty_page(const theme& look) {
+    auto* page = new QWidget;
+    auto* words = new QVBoxLayout(page);
+    words->setSpacing(2 * theme::step);
+    auto* icon = new QLabel;
+    icon->setProperty("role", QStringLiteral("medallion"));
+    icon->setFixedSize(medallion_size, medallion_size);
+    icon->setAlignment(Qt::AlignCenter);
+    icon->setPixmap(look.enlarged(QStringLiteral("bluetooth.png"), icon_size, devicePixelRatioF()));
+    empty_text = new QLabel;
+    empty_text->setObjectName(QStringLiteral("device_problem"));
+    empty_note = new QLabel(QStringLiteral("The list comes by itself as soon as Bluetooth can be used."));
+    empty_note->setProperty("role", QStringLiteral("muted"));
+    words->addStretch();
+    words->addWidget(icon, 0, Qt::AlignHCenter);
+    for (QLabel* label : {empty_text, empty_note}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setAlignment(Qt::AlignCenter);
+        label->setWordWrap(true);
+        words->addWidget(label);
+    }
+    words->addStretch();
+    return page;
+}
+
+void device_chooser::open() {
+    card_sheet::open(*list);
+    scanner.start();
+    show_surroundings();
+}
+
+void device_chooser::show_surroundings() {
+    const bool usable = scanner.now() != bluetooth_scanner::phase::unusable;
+    const bool is_empty = scanner.devices().isEmpty();
+    progress->set_running(scanner.now() == bluetooth_scanner::phase::asking ||
+                          scanner.now() == bluetooth_scanner::phase::scanning);
+    rescan->setEnabled(scanner.now() == bluetooth_scanner::phase::done || !usable);
+    empty_text->setText(scanner.sentence());
+    empty_note->setVisible(!usable);
+    pages->setCurrentIndex(usable && !is_empty ? list_page : empty_page);
+    show_devices();
+    show_hint();
+}
+
+// The selection follows its device, wherever that stands now.
+void device_chooser::show_devices() {
+    if (shown == scanner.devices())
+        return;
+    const QString before = selected() ? selected()->address : QString();
+    const QSignalBlocker quiet(list);
+    shown = scanner.devices();
+    list->setRowCount(static_cast<int>(shown.size()));
+    list->clearSelection();
+    for (int row = 0; row < shown.size(); ++row) {
+        const bluetooth_device& device = shown.at(row);
+        const QString texts[column_count] = {device.name, device.address, state_of(device, last_address)};
+        for (int at = 0; at < column_count; ++at)
+            list->setItem(row, at, new QTableWidgetItem(texts[at]));
+        if (device.address == before)
+            list->setCurrentCell(row, name_column);
+    }
+    if (!selected())
+        select_first_choice();
+}
+
+// The device used last, or else an adapter that is paired.
+void device_chooser::select_first_choice() {
+    auto found = std::find_if(shown.begin(), shown.end(), [this](const bluetooth_device& device) {
+        return device.address == last_address;
+    });
+    if (found == shown.end())
+        found = std::find_if(shown.begin(), shown.end(), [](const bluetooth_device& device) {
+            return device.paired && device.serial_port;
+        });
+    if (found != shown.end())
+        list->setCurrentCell(static_cast<int>(found - shown.begin()), name_column);
+}
+
+void device_chooser::show_hint() {
+    const bluetooth_device* device = selected();
+    const bool usable = pages->currentIndex() == list_page;
+    take->setEnabled(usable && device);
+    if (usable && device && !device->paired)
+        sentence->setText(QStringLiteral("%1 is not paired yet. %2.").arg(device->name, pairing_advice()));
+    else
+        sentence->setText(usable ? scanner.sentence() : QString());
+}
+
+const bluetooth_device* device_chooser::selected() const {
+    const QModelIndexList rows = list->selectionModel()->selectedRows();
+    return rows.isEmpty() || rows.first().row() >= shown.size() ? nullptr : &shown.at(rows.first().row());
+}
+
+void device_chooser::take_selected() {
+    if (!take->isEnabled())
+        return;
+    const bluetooth_device chosen = *selected();
+    scanner.stop(); // connecting is slow while the radio looks for devices
+    const answer tell = std::exchange(waiting, nullptr);
+    close_sheet();
+    if (tell)
+        tell(chosen.address, chosen.name);
+}
+
+void device_chooser::finish_without() {
+    scanner.stop();
+    if (const answer tell = std::exchange(waiting, nullptr))
+        tell(QString(), QString());
+}
+
+void device_chooser::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_F5)
+        rescan->click();
+    else
+        card_sheet::keyPressEvent(event);
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "logs/manage_logsDB.h"
+
+#include <QAbstractTableModel>
+
+// The list of logs as a table. Cells are made when they are shown, from the manager's rows; it outlives the
+// model.
+class logs_model : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    enum column { number_column, date_column, kind_column, description_column, column_count };
+
+    explicit logs_model(const manage_logsDB& its_manager) : manager(its_manager) {}
+
+    // The list is another one.
+    void reload();
+    // Rows were added at its end.
+    void append();
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+
+private:
+    const manage_logsDB& manager;
+    int shown_rows = 0; // as the view knows it
+};

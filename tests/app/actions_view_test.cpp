@@ -1,0 +1,265 @@
+#include "app/actions_view.h"
+#include "app/pid_chooser.h"
+#include "tests/app/running_window.h"
+#include "tests/support/wait_until.h"
+
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QImageReader>
+
+namespace {
+
+enum mode_index { log_run, fuel, o2_sampling, boost };
+
+struct live_car : running_window {
+    explicit live_car(const QString& car = QStringLiteral("can11"))
+        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"), car),
+          results(core.live) {}
+
+    void choose(mode_index index) {
+        auto& mode = part<QComboBox>("mode");
+        mode.setCurrentIndex(index);
+        Q_EMIT mode.activated(index);
+    }
+    bool runs() { return text_of<QPushButton>("run") == QLatin1String("Stop (Esc)"); }
+    bool wait_for_sweeps(qint64 sweeps) {
+        return wait_until([&] { return results.sample_cnt >= sweeps; }, 20000);
+    }
+    bool wait_until_stopped() {
+        return wait_until([&] { return !runs(); }, 20000);
+    }
+    template <class widget>
+    QString text_of(const char* name) {
+        return part<widget>(name).text();
+    }
+    bool shows(const char* page) {
+        return wait_until([&] {
+            return part<QStackedWidget>("chart_stack").currentWidget()->objectName() == QLatin1String(page);
+        });
+    }
+    // The names come with the next frame.
+    bool charts(const char* names) {
+        return wait_until(
+            [&] { return part<elided_label>("chart_name").full_text() == QLatin1String(names); });
+    }
+    QString second_gauge() { return part<gauge_picture>("gauge_2").accessibleName(); }
+
+    live_results& results;
+};
+
+void click(QWidget& at, Qt::MouseButton button = Qt::LeftButton,
+           Qt::KeyboardModifiers keys = Qt::NoModifier) {
+    QTest::mouseClick(&at, button, keys, QPoint(40, 40));
+    if (button == Qt::RightButton) { // as the platform sends it
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(40, 40), at.mapToGlobal(QPoint(40, 40)));
+        QCoreApplication::sendEvent(&at, &menu);
+    }
+}
+
+class paint_counter : public QObject {
+public:
+    explicit paint_counter(QWidget& watched) { watched.installEventFilter(this); }
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
+
+TEST(actions_view, shows_a_run_and_leaves_it_standing) {
+    live_car car;
+    EXPECT_TRUE(car.shows("empty_page"));
+    EXPECT_TRUE(car.text_of<QLabel>("empty_text").startsWith(QStringLiteral("Press Start (F5)")));
+    EXPECT_TRUE(car.part<QWidget>("zoom_row").isHidden());
+    EXPECT_FALSE(car.part<QToolButton>("save_picture").isEnabled());
+
+    car.press(Qt::Key_F5);
+    EXPECT_TRUE(car.runs());
+    ASSERT_TRUE(car.wait_for_sweeps(1));
+    EXPECT_TRUE(car.shows("chart"));
+    ASSERT_TRUE(car.wait_for_sweeps(25));
+    EXPECT_TRUE(wait_until([&] { return car.part<QWidget>("zoom_row").isVisible(); }));
+    auto& engine_speed = car.part<thumbnail>("thumb_0C");
+    EXPECT_TRUE(wait_until([&] { return engine_speed.accessibleDescription().contains(u"RPM"); }));
+    EXPECT_TRUE(engine_speed.accessibleDescription().contains(u"max 2000"));
+
+    car.press(Qt::Key_Escape);
+    EXPECT_FALSE(car.runs());
+    const qsizetype rows = car.results.cur_log_points.rows();
+    EXPECT_GT(rows, 21);
+    car.press(Qt::Key_1, Qt::ControlModifier); // and outlives the screen
+    car.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(car.results.cur_log_points.rows(), rows);
+    EXPECT_TRUE(car.shows("chart"));
+    EXPECT_TRUE(car.part<QWidget>("zoom_row").isVisible());
+    EXPECT_TRUE(car.text_of<QLabel>("run_time").startsWith(QStringLiteral("00:00:")));
+
+    car.press(Qt::Key_F5); // a new run begins empty
+    EXPECT_LT(car.results.cur_log_points.rows(), 3);
+    EXPECT_TRUE(wait_until([&] { return car.part<QWidget>("zoom_row").isHidden(); }));
+}
+
+TEST(actions_view, draws_once_a_frame_however_fast_replies_come) {
+    live_car car;
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(10));
+    ASSERT_TRUE(car.shows("chart"));
+    paint_counter chart(car.part<chart_picture>("chart"));
+    paint_counter hidden(car.part<o2_picture>("o2"));
+    QElapsedTimer time;
+    time.start();
+    const qint64 before = car.results.sample_cnt;
+    ASSERT_TRUE(car.wait_for_sweeps(before + 300));
+    constexpr int frame_ms = 1000 / 30;
+    EXPECT_GT(chart.paints, 1);
+    EXPECT_LE(chart.paints, time.elapsed() / frame_ms + 2);
+    EXPECT_EQ(hidden.paints, 0);
+}
+
+TEST(actions_view, takes_thumbnails_for_chart_group_and_gauge) {
+    live_car car;
+    auto& speed = car.part<thumbnail>("thumb_0D");
+    auto& throttle = car.part<thumbnail>("thumb_11");
+    auto& engine_speed = car.part<thumbnail>("thumb_0C");
+    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Throttle position"));
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(2));
+
+    click(engine_speed);
+    EXPECT_TRUE(car.charts("Engine RPM"));
+    EXPECT_EQ(car.part<gauge_picture>("gauge_1").accessibleName(), QStringLiteral("Gauge: Engine RPM"));
+    click(speed, Qt::LeftButton, Qt::ControlModifier);
+    click(throttle, Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_TRUE(car.charts("Vehicle speed, Throttle position, Engine RPM"));
+    click(engine_speed, Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_TRUE(car.charts("Vehicle speed, Throttle position"));
+    click(speed, Qt::LeftButton, Qt::ControlModifier); // one alone is no group
+    EXPECT_TRUE(car.charts("Throttle position"));
+    click(engine_speed, Qt::RightButton);
+    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Engine RPM"));
+    EXPECT_TRUE(car.charts("Throttle position"));
+    car.press(Qt::Key_Escape);
+    car.press(Qt::Key_F5); // another run keeps the choice
+    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Engine RPM"));
+
+    // The same by keys.
+    throttle.setFocus();
+    car.press(Qt::Key_Left);
+    EXPECT_TRUE(speed.hasFocus());
+    car.press(Qt::Key_Return);
+    EXPECT_TRUE(car.charts("Vehicle speed"));
+    car.press(Qt::Key_Right);
+    car.press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(car.charts("Vehicle speed, Throttle position"));
+    car.press(Qt::Key_G);
+    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Throttle position"));
+}
+
+TEST(actions_view, ends_the_run_when_the_mode_changes) {
+    live_car car;
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(3));
+    car.choose(fuel);
+    EXPECT_FALSE(car.runs());
+    EXPECT_TRUE(car.shows("empty_page"));
+    EXPECT_FALSE(car.part<QPushButton>("pids").isEnabled());
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(3));
+    EXPECT_TRUE(car.charts("Fuel economy"));
+
+    car.choose(o2_sampling); // starts by itself
+    EXPECT_TRUE(car.runs());
+    EXPECT_TRUE(car.shows("o2"));
+    ASSERT_TRUE(car.wait_for_sweeps(3));
+    auto& picture = car.part<o2_picture>("o2");
+    EXPECT_TRUE(wait_until([&] { return picture.accessibleDescription().startsWith(u"S11 0."); }));
+    EXPECT_TRUE(wait_until([&] { return picture.accessibleDescription().contains(u"S22 0."); }));
+    car.part<QToolButton>("swap").click();
+    EXPECT_TRUE(car.shows("chart"));
+    car.part<QToolButton>("swap").click();
+    EXPECT_TRUE(car.shows("o2"));
+    car.press(Qt::Key_Escape);
+    car.press(Qt::Key_1, Qt::ControlModifier);
+    car.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(car.shows("o2"));
+    EXPECT_TRUE(wait_until([&] {
+        return car.part<o2_picture>("o2").accessibleDescription().startsWith(u"S11 0.");
+    })) << "what was read outlives the screen";
+
+    car.choose(boost);
+    EXPECT_FALSE(car.runs());
+    EXPECT_TRUE(car.shows("empty_page"));
+    EXPECT_TRUE(car.part<QToolButton>("swap").isHidden());
+}
+
+TEST(actions_view, says_what_a_car_lacks) {
+    live_car car(QStringLiteral("can11-basic")); // without fuel trims and fuel pressure
+    car.choose(boost);
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_stopped());
+    EXPECT_EQ(car.part<status_strip>().status_text(),
+              QStringLiteral("One or more PIDs needed not available for this vehicle"));
+    EXPECT_TRUE(
+        wait_until([&] { return car.text_of<QLabel>("empty_text").contains(u"Fuel pressure (0A)"); }));
+    EXPECT_FALSE(car.text_of<QLabel>("empty_text").contains(u"0B"));
+    EXPECT_EQ(car.results.sample_cnt, 0);
+}
+
+TEST(actions_view, stores_a_run_when_the_person_says_so) {
+    live_car car;
+    auto& store_runs = car.part<QCheckBox>("store_runs");
+    EXPECT_FALSE(store_runs.isChecked());
+    store_runs.click();
+    EXPECT_TRUE(car.core.defaults.boolean(QStringLiteral("BV_log_runs"), false));
+    car.press(Qt::Key_F5);
+    EXPECT_FALSE(store_runs.isEnabled());
+    ASSERT_TRUE(car.wait_for_sweeps(5));
+    car.press(Qt::Key_Escape);
+    const QString stored = QStringLiteral("%1 stored").arg(car.results.log_sample_cnt);
+    EXPECT_GE(car.results.log_sample_cnt, 5);
+    EXPECT_TRUE(wait_until([&] { return car.text_of<QLabel>("stored") == stored; }));
+    store_runs.click();
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(2));
+    EXPECT_EQ(car.text_of<QLabel>("stored"), QStringLiteral("not stored"));
+}
+
+TEST(actions_view, takes_another_set_of_pids) {
+    live_car car;
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(2));
+    car.click("pids");
+    auto& sheet = car.part<pid_sheet>();
+    car.core.toolies.save_pids_2_sample_prefs({QStringLiteral("0C|7E8"), QStringLiteral("0B|7E8")});
+    Q_EMIT sheet.changed();
+    EXPECT_FALSE(car.runs());
+    EXPECT_EQ(car.window->findChildren<thumbnail*>().size(), 2);
+    sheet.close_sheet();
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(2));
+    EXPECT_TRUE(car.charts("Engine RPM"));
+}
+
+TEST(actions_view, saves_and_copies_the_picture) {
+    live_car car;
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(3));
+    ASSERT_TRUE(car.shows("chart"));
+    auto& saver = car.part<picture_saver>();
+    const QString file = car.folder.filePath(QStringLiteral("chart.png"));
+    saver.save_to(file);
+    QImageReader reader(file);
+    EXPECT_EQ(reader.format(), "png");
+    EXPECT_EQ(reader.size(), 2 * car.part<chart_picture>("chart").size());
+
+    car.part<QPushButton>("run").setFocus();
+    car.press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), reader.size());
+
+    saver.save_to(car.folder.filePath(QStringLiteral("missing/chart.png")));
+    EXPECT_TRUE(car.part<notice_banner>().isVisible());
+}

@@ -1,0 +1,90 @@
+#include "tests/app/running_window.h"
+
+#include "app/reading_bar.h"
+
+#include <QCheckBox>
+#include <QListWidget>
+#include <QRegularExpression>
+
+// The reading by SAE J1979 on the screen, and the switch between the two.
+
+namespace {
+
+struct car_with_many_codes : running_window {
+    car_with_many_codes()
+        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"),
+                         QStringLiteral("can11-many-codes")) {
+        press(Qt::Key_1, Qt::ControlModifier);
+    }
+    QString line() { return part<QLabel>("reading_line").text(); }
+    QCheckBox& standard_reading() { return part<QCheckBox>("standard_reading"); }
+    bool bar_is_shown() { return part<reading_bar>("reading_bar").isVisible(); }
+    QStringList codes() {
+        QStringList texts;
+        for (const QString& row : rows_of("codes_table"))
+            texts += row.section(u'\t', 0, 0);
+        return texts;
+    }
+};
+
+const QStringList all_codes{QStringLiteral("P0101"), QStringLiteral("P0113"), QStringLiteral("P0118"),
+                            QStringLiteral("P0171"), QStringLiteral("P0300"), QStringLiteral("P0420"),
+                            QStringLiteral("U0121"), QStringLiteral("P0741")};
+
+} // namespace
+
+TEST(second_reading_view, swaps_the_codes_without_asking_the_car) {
+    car_with_many_codes car;
+    EXPECT_FALSE(car.bar_is_shown());
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_idle());
+    const QStringList own = car.codes();
+    EXPECT_NE(own, all_codes);
+    EXPECT_EQ(car.line(),
+              QStringLiteral("By SAE J1979 this reply holds: ") + all_codes.join(QStringLiteral(", ")));
+    EXPECT_TRUE(car.bar_is_shown());
+    EXPECT_TRUE(car.part<QFrame>("permanent_card").isHidden());
+
+    const auto sent = car.core.state.rx_reply.size();
+    car.standard_reading().click();
+    EXPECT_EQ(car.codes(), all_codes);
+    EXPECT_TRUE(car.line().endsWith(own.join(QStringLiteral(", "))));
+    EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
+    EXPECT_EQ(car.core.state.reply_pending, 0);
+    EXPECT_EQ(car.core.state.rx_reply.size(), sent);
+    EXPECT_TRUE(car.core.defaults.boolean(QStringLiteral("BV_standard_reading"), false));
+    car.standard_reading().click();
+    EXPECT_EQ(car.codes(), own);
+
+    // With the switch on, the permanent codes follow by themselves; clearing forgets what was read.
+    car.standard_reading().click();
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_until_idle());
+    QStringList permanent;
+    for (const QString& row : car.rows_of("permanent_table"))
+        permanent += row.section(u'\t', 0, 1);
+    EXPECT_EQ(permanent, (QStringList{QStringLiteral("P0171\t7E8"), QStringLiteral("P0300\t7E8"),
+                                      QStringLiteral("P0420\t7E8")}));
+    EXPECT_TRUE(car.part<QLabel>("permanent_words").text().contains(QStringLiteral("drive cycle")));
+}
+
+TEST(second_reading_view, marks_the_values_that_differ) {
+    car_with_many_codes car;
+    car.part<QListWidget>("rail").setCurrentRow(2);
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return car.part<QPushButton>("vehicle_stop").isHidden(); }, 30000));
+    const auto value_of_voltage = [&] {
+        const QStringList rows = car.rows_of("vehicle_main_table").filter(QRegularExpression("^42\t"));
+        return rows.value(0).section(u'\t', 2);
+    };
+    static const QRegularExpression note(
+        QStringLiteral("^(.*) \\((By SAE J1979|The program's own reading): (.*)\\)$"));
+    const QRegularExpressionMatch own = note.match(value_of_voltage());
+    ASSERT_TRUE(own.hasMatch()) << value_of_voltage().toStdString();
+    car.part<QCheckBox>("vehicle_standard_reading").click();
+    const QRegularExpressionMatch standard = note.match(value_of_voltage());
+    EXPECT_EQ(standard.captured(1), own.captured(3)) << "each stands in the other's place";
+    EXPECT_EQ(standard.captured(3), own.captured(1));
+    EXPECT_GT(standard.captured(1).section(u' ', 0, 0).toDouble(), 9) << "volts of a running engine";
+    EXPECT_TRUE(car.standard_reading().isChecked()) << "one switch for all pages";
+}
