@@ -5,6 +5,7 @@
 // machine.
 
 #include "base/console_log.h"
+#include "bench/round_counter.h"
 #include "diagnostics/readCodes.h"
 #include "shell/program_core.h"
 
@@ -21,64 +22,7 @@
 
 namespace {
 
-constexpr int rounds = 9;
-constexpr qint64 round_ms = 1500;
-constexpr int patience_ms = 20'000;
 const QByteArray asked_for = "01 0C\r";
-
-[[noreturn]] void give_up(const QString& why) {
-    std::fprintf(stderr, "%s\n", qPrintable(why));
-    std::exit(1);
-}
-
-class quiet_screen : public screen {
-public:
-    void show_status(const QString&) override {}
-    void show_toast(const QString&) override {}
-    void show_busy(bool) override {}
-    void show_message(const QString&, const QString& text) override { give_up(text); }
-    void ask_yes_no(const QString&, const QString&, std::function<void(bool)> answer) override {
-        answer(true);
-    }
-    void reload(const QString&) override {}
-    void play_sound(int) override {}
-    void beep() override {}
-};
-
-// The exchanges of one round, and when it is over.
-class round_counter {
-public:
-    // Runs the event loop until next() has said no. The exchanges a second.
-    template <typename function>
-    double run(function start) {
-        count = 0;
-        clock.start();
-        const QMetaObject::Connection watch = QObject::connect(
-            &watchdog, &QTimer::timeout, [] { give_up(QStringLiteral("the adapter is silent")); });
-        watchdog.start(patience_ms);
-        start();
-        loop.exec();
-        watchdog.stop();
-        QObject::disconnect(watch);
-        return static_cast<double>(count) * 1e9 / static_cast<double>(elapsed_ns);
-    }
-    // Called for each reply: true when another command is wanted.
-    bool next() {
-        ++count;
-        elapsed_ns = clock.nsecsElapsed();
-        if (elapsed_ns < round_ms * 1'000'000)
-            return true;
-        loop.quit();
-        return false;
-    }
-
-private:
-    QEventLoop loop;
-    QTimer watchdog;
-    QElapsedTimer clock;
-    qint64 count = 0;
-    qint64 elapsed_ns = 0;
-};
 
 // What a live run does with each reply, without a matrix to put the value in.
 class sampler : public task_controller {
