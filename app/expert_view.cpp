@@ -69,8 +69,7 @@ void expert_view::reload(const QString& list) {
         show_operation();
 }
 
-// --- the transcript
-// ------------------------------------------------------------------------------------------
+// --- the transcript ----------------------------------------------------------------------------------------
 
 void expert_view::show_transcript() {
     const transcript& lines = console.session().lines;

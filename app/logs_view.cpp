@@ -125,8 +125,7 @@ void logs_view::connect_buttons() {
             [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
 }
 
-// --- the list
-// ------------------------------------------------------------------------------------------------
+// --- the list ----------------------------------------------------------------------------------------------
 
 void logs_view::load() {
     if (actions.is_deleting())
@@ -227,8 +226,7 @@ void logs_view::show_preview() {
         preview_plots.show_log(context.core, log);
 }
 
-// --- what is done with the selected ones
-// ---------------------------------------------------------------------
+// --- what is done with the selected ones -------------------------------------------------------------------
 
 void logs_view::viewLog() {
     const QList<log_header> logs = selected_or_told();

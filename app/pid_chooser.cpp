@@ -198,8 +198,7 @@ void pid_chooser::look_changed() {
     chosen->viewport()->update();
 }
 
-// --- what the person does
-// ------------------------------------------------------------------------------------
+// --- what the person does ----------------------------------------------------------------------------------
 
 void pid_chooser::toggle(const QString& item) {
     if (const qsizetype place = choice.place_of(item); place >= 0) {
@@ -289,8 +288,7 @@ bool pid_chooser::eventFilter(QObject* watched, QEvent* event) {
     return key_pressed(watched, pressed->key(), pressed->modifiers() & Qt::AltModifier);
 }
 
-// --- on a card over the window
-// -------------------------------------------------------------------------------
+// --- on a card over the window -----------------------------------------------------------------------------
 
 pid_sheet::pid_sheet(QWidget& asked_by, const view_context& its_context)
     : card_sheet(asked_by, QStringLiteral("Sampled values"), sheet_width),

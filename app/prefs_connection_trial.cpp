@@ -1,4 +1,4 @@
-#include "app/prefs_connection_test.h"
+#include "app/prefs_connection_trial.h"
 
 #include "app/link_report.h"
 
@@ -6,8 +6,8 @@ namespace {
 constexpr int mark_size = 20;
 }
 
-prefs_connection_test::prefs_connection_test(QWidget& view, const view_context& its_context,
-                                             mac_toolies& its_toolies)
+prefs_connection_trial::prefs_connection_trial(QWidget& view, const view_context& its_context,
+                                               mac_toolies& its_toolies)
     : context(its_context), toolies(its_toolies),
       controller_(context.core.state, context.delegate, toolies, *this, context.core.diagnostics,
                   context.core.paths),
@@ -20,17 +20,18 @@ prefs_connection_test::prefs_connection_test(QWidget& view, const view_context& 
         label->setTextFormat(Qt::PlainText); // texts of the adapter and the car
     stop_button.hide();
     result.hide();
-    connect(&stop_button, &QPushButton::clicked, this, &prefs_connection_test::stop);
-    connect(&context.delegate, &adapter_link::condition_changed, this, &prefs_connection_test::note_progress);
+    connect(&stop_button, &QPushButton::clicked, this, &prefs_connection_trial::stop);
+    connect(&context.delegate, &adapter_link::condition_changed, this,
+            &prefs_connection_trial::note_progress);
     controller_.operation_ended = [this](bool done) { ended(done); };
 }
 
-prefs_connection_test::~prefs_connection_test() {
+prefs_connection_trial::~prefs_connection_trial() {
     if (is_running())
         stop();
 }
 
-void prefs_connection_test::start() {
+void prefs_connection_trial::start() {
     if (is_running())
         return;
     process_state& state = context.core.state;
@@ -48,30 +49,30 @@ void prefs_connection_test::start() {
     controller_.read_link_info();
 }
 
-void prefs_connection_test::stop() {
+void prefs_connection_trial::stop() {
     was_stopped = true;
     controller_.stop();
 }
 
-void prefs_connection_test::forget() {
+void prefs_connection_trial::forget() {
     if (is_running())
         stop();
     else
         result.hide();
 }
 
-void prefs_connection_test::look_changed() {
+void prefs_connection_trial::look_changed() {
     const QString file = is_good ? QStringLiteral("ok_pic.png") : QStringLiteral("not_ok.png");
     mark.setPixmap(context.frame.look().icon(file).pixmap(mark_size));
 }
 
-void prefs_connection_test::note_progress() {
+void prefs_connection_trial::note_progress() {
     if (!context.delegate.is_connected())
         return;
     far = std::max(far, context.core.state.adapter_known ? reached::adapter : reached::link);
 }
 
-void prefs_connection_test::ended(bool done) {
+void prefs_connection_trial::ended(bool done) {
     process_state& state = context.core.state;
     if (done && !state.available_pids.isEmpty())
         far = reached::car;
@@ -89,7 +90,7 @@ void prefs_connection_test::ended(bool done) {
     Q_EMIT finished();
 }
 
-void prefs_connection_test::show_failure() {
+void prefs_connection_trial::show_failure() {
     const QString adapter = QStringLiteral("Adapter: %1\n").arg(context.core.state.interface_description);
     if (is_another_car)
         return show_result(
@@ -116,17 +117,17 @@ void prefs_connection_test::show_failure() {
     }
 }
 
-bool prefs_connection_test::has_no_device() const {
+bool prefs_connection_trial::has_no_device() const {
     const process_state& state = context.core.state;
     return state.interface_kind == interface_bluetooth && state.bt_address.isEmpty();
 }
 
-void prefs_connection_test::show_running(const QString& text) {
+void prefs_connection_trial::show_running(const QString& text) {
     show_result(QStringLiteral("Testing"), text);
     mark.hide();
 }
 
-void prefs_connection_test::show_result(const QString& title, const QString& text) {
+void prefs_connection_trial::show_result(const QString& title, const QString& text) {
     title_label.setText(title);
     text_label.setText(text);
     text_label.setVisible(!text.isEmpty());
@@ -135,10 +136,9 @@ void prefs_connection_test::show_result(const QString& title, const QString& tex
     result.show();
 }
 
-// --- what the controller tells
-// -------------------------------------------------------------------------------
+// --- what the controller tells -----------------------------------------------------------------------------
 
-void prefs_connection_test::show_status(const QString& text) {
+void prefs_connection_trial::show_status(const QString& text) {
     context.window.show_status(text);
     note_progress();
     if (is_running() && !text.isEmpty())
@@ -146,7 +146,7 @@ void prefs_connection_test::show_status(const QString& text) {
 }
 
 // Why a link never came is told as a toast when the operation is over already.
-void prefs_connection_test::show_toast(const QString& text) {
+void prefs_connection_trial::show_toast(const QString& text) {
     if (text.isEmpty() || was_stopped)
         return;
     told = text;
@@ -156,7 +156,7 @@ void prefs_connection_test::show_toast(const QString& text) {
         text_label.setText(text);
 }
 
-void prefs_connection_test::show_busy(bool busy) {
+void prefs_connection_trial::show_busy(bool busy) {
     const bool had_focus = busy ? start_button.hasFocus() : stop_button.hasFocus();
     start_button.setVisible(!busy);
     stop_button.setVisible(busy);
@@ -167,12 +167,12 @@ void prefs_connection_test::show_busy(bool busy) {
 }
 
 // Why the car did not answer is said with the result.
-void prefs_connection_test::show_message(const QString&, const QString& text) {
+void prefs_connection_trial::show_message(const QString&, const QString& text) {
     told = text;
 }
 
-void prefs_connection_test::ask_yes_no(const QString& title, const QString& text,
-                                       std::function<void(bool)> answer) {
+void prefs_connection_trial::ask_yes_no(const QString& title, const QString& text,
+                                        std::function<void(bool)> answer) {
     context.window.ask_yes_no(title, text, [this, answer = std::move(answer)](bool yes) {
         is_another_car = !yes;
         answer(yes);

@@ -10,14 +10,14 @@
 // "Test connection": sets the adapter up on the chosen link, and says what answered, or which of link,
 // adapter and car did not. What the controller tells meanwhile stands beside the button instead of on the
 // banner.
-class prefs_connection_test : public QObject, private ::screen {
+class prefs_connection_trial : public QObject, private ::screen {
     Q_OBJECT
 
 public:
     // `view` holds the parts "test_start", "test_stop", "test_progress", "test_result", "test_mark",
     // "test_title" and "test_text"; throws broken_view when one is missing.
-    prefs_connection_test(QWidget& view, const view_context& its_context, mac_toolies& its_toolies);
-    ~prefs_connection_test() override;
+    prefs_connection_trial(QWidget& view, const view_context& its_context, mac_toolies& its_toolies);
+    ~prefs_connection_trial() override;
 
     void start();
     void stop();

@@ -71,8 +71,7 @@ void prefs_vehicles::select(int veh_id) {
     show_selected();
 }
 
-// --- what the person does
-// ------------------------------------------------------------------------------------
+// --- what the person does ----------------------------------------------------------------------------------
 
 void prefs_vehicles::pop_4_car_data(const vehicle& prevVals) {
     const QImage present = prevVals.id < 0 ? QImage() : rows.photo_of(prevVals.id);
@@ -136,8 +135,7 @@ void prefs_vehicles::tell(const QString& problem) {
         context.frame.tell({QString(), problem, {}, nullptr});
 }
 
-// --- what is shown
-// -------------------------------------------------------------------------------------------
+// --- what is shown -----------------------------------------------------------------------------------------
 
 QString prefs_vehicles::knowledge_of(const vehicle& one) const {
     const obd_groups ecus = grab_pids_available(context.core.db, one.id);

@@ -74,7 +74,7 @@ void prefs_view::connect_tabs() {
     connect(&context.delegate, &adapter_link::condition_changed, this, &prefs_view::show_device);
     connect(&part<QPushButton>("test_start"), &QPushButton::clicked, this, &prefs_view::test_connection);
     // The first answer of a vehicle lists what it reports.
-    connect(&connection, &prefs_connection_test::finished, this, [this] {
+    connect(&connection, &prefs_connection_trial::finished, this, [this] {
         pids.show_vehicle();
         vehicles.load_vehicles();
     });

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/pid_chooser.h"
-#include "app/prefs_connection_test.h"
+#include "app/prefs_connection_trial.h"
 #include "app/prefs_vehicles.h"
 #include "shell/preferences.h"
 
@@ -60,7 +60,7 @@ private:
     QComboBox& sample_rate;
     QCheckBox& standard_reading;
 
-    prefs_connection_test connection;
+    prefs_connection_trial connection;
     pid_chooser& pids;
     prefs_vehicles vehicles;
 };

@@ -133,8 +133,7 @@ void vehicle_dialog::tell(QLabel& label, const QString& problem) {
     label.setVisible(!problem.isEmpty());
 }
 
-// --- the picture
-// ---------------------------------------------------------------------------------------------
+// --- the picture -------------------------------------------------------------------------------------------
 
 void vehicle_dialog::choose_photo() {
     auto* dialog = new QFileDialog(this, QStringLiteral("Picture of the vehicle"), QString(),
@@ -171,8 +170,7 @@ void vehicle_dialog::dropEvent(QDropEvent* event) {
     take_photo_file(file_of(*event->mimeData()));
 }
 
-// --- OK
-// ------------------------------------------------------------------------------------------------------
+// --- OK ----------------------------------------------------------------------------------------------------
 
 void vehicle_dialog::save() {
     const std::array fields{name, year, volume};

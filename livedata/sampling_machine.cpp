@@ -87,6 +87,7 @@ bool sampling_machine::nothing_came(const QString& reply) {
     if (!reply.isEmpty() || state.timeout_retry_count > 0)
         return false;
     state.adapter_ready = false; // the next run initialises it again
+    context.link.far_end_changed();
     state.cur_step = 0;
     leave(QStringLiteral("Timed out** .. Try again"));
     return true;

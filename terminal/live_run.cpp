@@ -164,7 +164,10 @@ QByteArray live_run::json_line() const {
 
 QString live_run::summary() const {
     const double seconds = static_cast<double>(results.times.duration_ms()) / 1000;
-    QString text = QStringLiteral("%1 sweeps in %2 s").arg(results.sample_cnt).arg(seconds, 0, 'f', 1);
+    QString text = QStringLiteral("%1 %2 in %3 s")
+                       .arg(results.sample_cnt)
+                       .arg(results.sample_cnt == 1 ? QStringLiteral("sweep") : QStringLiteral("sweeps"))
+                       .arg(seconds, 0, 'f', 1);
     if (results.log_sample_cnt > 0)
         text +=
             QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
