@@ -27,8 +27,7 @@ void expertCtrlr::load() {
     state.cmd_timeout_secs = timeout_secs; // typed commands keep the one in force, whoever set it
 }
 
-// --- what the person starts and stops
-// ------------------------------------------------------------------------
+// --- what the person starts and stops ----------------------------------------------------------------------
 
 void expertCtrlr::handle_a_send(const QString& typed) {
     const QString command = typed.trimmed();
@@ -119,8 +118,7 @@ void expertCtrlr::stop() {
     leave_cur_op_gracefully(QStringLiteral("Stopped"));
 }
 
-// --- what the link tells
-// -------------------------------------------------------------------------------------
+// --- what the link tells -----------------------------------------------------------------------------------
 
 void expertCtrlr::work_current_task(const QString& status) {
     if (!running)

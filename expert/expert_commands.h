@@ -12,9 +12,8 @@
 QString command_problem(const QString& command);
 
 // What a command changes in the car or the adapter for good, as a part of a sentence ("clears the trouble
-// codes
-// ..."); "" for one that does not. Adapters ignore blanks and do not tell upper from lower case, so neither
-// matters.
+// codes ..."); "" for one that does not. Adapters ignore blanks and do not tell upper from lower case, so
+// neither matters.
 QString permanent_change(const QString& command);
 
 // One command, sent again and again with a byte that counts up. The values are those of a console that has no

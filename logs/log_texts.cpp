@@ -45,8 +45,7 @@ QString report_statement(int log_id) {
                 {QString::number(log_id)});
 }
 
-// --- the preview of a run
-// ------------------------------------------------------------------------------------
+// --- the preview of a run ----------------------------------------------------------------------------------
 
 QString cell_of(const mac_toolies& toolies, const QString& item) {
     const bool is_reply = item.startsWith(QLatin1String("41")) && item.size() > 4;

@@ -90,8 +90,7 @@ QString manage_logsDB::print_filtered_status(const QString& this_filter, qsizety
     }
 }
 
-// --- what is done with the selected ones
-// ---------------------------------------------------------------------
+// --- what is done with the selected ones -------------------------------------------------------------------
 
 void manage_logsDB::deleteItems(const QList<log_header>& selectedLogs, std::function<void()> yes) {
     if (selectedLogs.isEmpty())

@@ -73,8 +73,7 @@ void bluez_service::disappear() {
     close_channels();
 }
 
-// --- what the tests change
-// -----------------------------------------------------------------------------------
+// --- what the tests change ---------------------------------------------------------------------------------
 
 void bluez_service::put_device(const QString& address, const QString& name, bool paired, bool serial,
                                bool known, const QString& first_name) {
@@ -104,8 +103,7 @@ void bluez_service::say(const QByteArray& bytes) {
         channel->say(bytes);
 }
 
-// --- calls
-// ---------------------------------------------------------------------------------------------------
+// --- calls -------------------------------------------------------------------------------------------------
 
 bool bluez_service::handleMessage(const QDBusMessage& message, const QDBusConnection&) {
     const QString fault = faults.value(message.member());
@@ -222,8 +220,7 @@ QDBusMessage bluez_service::connect_profile(const QDBusMessage& message) {
     return {}; // answered when the program has taken the channel
 }
 
-// --- objects and their properties
-// ----------------------------------------------------------------------------
+// --- objects and their properties --------------------------------------------------------------------------
 
 QDBusMessage bluez_service::properties(const QDBusMessage& message) {
     const auto interfaces = interfaces_of(message.path());
