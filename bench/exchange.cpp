@@ -5,15 +5,13 @@
 // machine.
 
 #include "base/console_log.h"
-#include "bench/round_counter.h"
+#include "bench/bare_socket.h"
 #include "diagnostics/readCodes.h"
 #include "shell/program_core.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QProcess>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -60,55 +58,6 @@ private:
     QString value;
 };
 
-class bare_socket {
-public:
-    explicit bare_socket(quint16 port) {
-        socket.connectToHost(QStringLiteral("127.0.0.1"), port);
-        if (!socket.waitForConnected(patience_ms))
-            give_up(socket.errorString());
-        socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        for (const char* command : {"AT E0\r", "AT H1\r", "01 00\r"}) {
-            socket.write(command);
-            while (!is_answered())
-                if (!socket.waitForReadyRead(patience_ms))
-                    give_up(socket.errorString());
-        }
-        QObject::connect(&socket, &QTcpSocket::readyRead, [this] {
-            if (is_answered() && counter.next())
-                socket.write(asked_for);
-        });
-    }
-
-    double run() {
-        return counter.run([this] { socket.write(asked_for); });
-    }
-
-private:
-    bool is_answered() {
-        reply += socket.readAll();
-        const bool whole = reply.contains('>');
-        if (whole)
-            reply.clear();
-        return whole;
-    }
-
-    QTcpSocket socket;
-    QByteArray reply;
-    round_counter counter;
-};
-
-quint16 start_adapter(QProcess& adapter) {
-    adapter.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    adapter.start(QStringLiteral(BV_VIRTUAL_ADAPTER), {"--port", "0", "--car", "can11", "--still"});
-    QByteArray line;
-    while (!line.endsWith('\n')) {
-        if (!adapter.waitForReadyRead(patience_ms))
-            give_up(QStringLiteral("the virtual adapter does not start: %1").arg(adapter.errorString()));
-        line += adapter.readLine();
-    }
-    return line.trimmed().split(':').last().toUShort();
-}
-
 // Through the program's own initialisation: echo off, headers on, the protocol and the supported PIDs known.
 void initialise(adapter_link& link, readCodes& controller) {
     QEventLoop loop;
@@ -153,7 +102,7 @@ int main(int argc, char** argv) {
 
     sampler program(core.state, link, toolies);
     link.set_controller(&program);
-    bare_socket bare(port);
+    bare_socket bare(port, {asked_for});
     std::vector<double> with_program, without, ratios;
     program.run(), bare.run(); // warm
     for (int i = 0; i < rounds; ++i) {

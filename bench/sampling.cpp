@@ -9,7 +9,7 @@
 
 #include "app/main_window.h"
 #include "base/console_log.h"
-#include "bench/round_counter.h"
+#include "bench/bare_socket.h"
 #include "livedata/actions.h"
 #include "shell/program_core.h"
 
@@ -19,18 +19,16 @@
 #include <QFile>
 #include <QProcess>
 #include <QPushButton>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <unistd.h>
 #include <vector>
 
 namespace {
 
-constexpr std::array<const char*, 4> asked_for{"01 0D\r", "01 11\r", "01 0C\r", "01 05\r"};
+const QByteArrayList asked_for{"01 0D\r", "01 11\r", "01 0C\r", "01 05\r"};
 
 // Kilobytes of memory that the process holds.
 qint64 memory_kb() {
@@ -127,57 +125,6 @@ private:
     qint64 elapsed_ns = 1;
 };
 
-class bare_socket {
-public:
-    explicit bare_socket(quint16 port) {
-        socket.connectToHost(QStringLiteral("127.0.0.1"), port);
-        if (!socket.waitForConnected(patience_ms))
-            give_up(socket.errorString());
-        socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        for (const char* command : {"AT E0\r", "AT H1\r", "01 00\r"}) {
-            socket.write(command);
-            while (!is_answered())
-                if (!socket.waitForReadyRead(patience_ms))
-                    give_up(socket.errorString());
-        }
-        QObject::connect(&socket, &QTcpSocket::readyRead, [this] {
-            if (is_answered() && counter.next())
-                ask();
-        });
-    }
-
-    double run() {
-        return counter.run([this] { ask(); });
-    }
-
-private:
-    void ask() { socket.write(asked_for[place++ % asked_for.size()]); }
-    bool is_answered() {
-        reply += socket.readAll();
-        const bool whole = reply.contains('>');
-        if (whole)
-            reply.clear();
-        return whole;
-    }
-
-    QTcpSocket socket;
-    QByteArray reply;
-    size_t place = 0;
-    round_counter counter;
-};
-
-quint16 start_adapter(QProcess& adapter) {
-    adapter.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    adapter.start(QStringLiteral(BV_VIRTUAL_ADAPTER), {"--port", "0", "--car", "can11", "--still"});
-    QByteArray line;
-    while (!line.endsWith('\n')) {
-        if (!adapter.waitForReadyRead(patience_ms))
-            give_up(QStringLiteral("the virtual adapter does not start: %1").arg(adapter.errorString()));
-        line += adapter.readLine();
-    }
-    return line.trimmed().split(':').last().toUShort();
-}
-
 double at(std::vector<double> values, double share) {
     std::sort(values.begin(), values.end());
     return values[static_cast<size_t>(share * static_cast<double>(values.size() - 1))];
@@ -242,7 +189,7 @@ int main(int argc, char** argv) {
             static_cast<long long>(exchanges), rate, static_cast<long long>(run.memory_at_a_tenth),
             static_cast<long long>(memory_kb()));
     }
-    bare_socket bare(port);
+    bare_socket bare(port, asked_for);
     const QTemporaryDir window_profile;
     options.profile = window_profile.path();
     window_program in_window(options);
