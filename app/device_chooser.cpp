@@ -1,6 +1,6 @@
 #include "app/device_chooser.h"
 
-#include "app/theme.h"
+#include "app/look/theme.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

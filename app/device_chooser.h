@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/busy_marks.h"
-#include "app/card_sheet.h"
-#include "app/theme.h"
+#include "app/look/busy_marks.h"
+#include "app/look/card_sheet.h"
+#include "app/look/theme.h"
 #include "link/bluetooth_scanner.h"
 
 #include <QStackedWidget>

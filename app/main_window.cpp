@@ -1,11 +1,11 @@
 #include "app/main_window.h"
 
-#include "app/actions_view.h"
-#include "app/expert_view.h"
-#include "app/link_report.h"
-#include "app/logs_view.h"
-#include "app/prefs_view.h"
-#include "app/read_codes_view.h"
+#include "app/console/expert_view.h"
+#include "app/diagnostics/read_codes_view.h"
+#include "app/livedata/actions_view.h"
+#include "app/logs/logs_view.h"
+#include "app/preferences/prefs_view.h"
+#include "app/screen/link_report.h"
 #include "app/update_sheet.h"
 
 #include <QApplication>

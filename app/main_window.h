@@ -1,13 +1,13 @@
 #pragma once
 
 #include "app/device_chooser.h"
-#include "app/help_panel.h"
-#include "app/notice_banner.h"
-#include "app/question_sheet.h"
-#include "app/screen_view.h"
+#include "app/look/help_panel.h"
+#include "app/look/notice_banner.h"
+#include "app/look/question_sheet.h"
+#include "app/look/toast_overlay.h"
+#include "app/screen/screen_view.h"
+#include "app/screen/status_strip.h"
 #include "app/sound_player.h"
-#include "app/status_strip.h"
-#include "app/toast_overlay.h"
 #include "app/tool_strip.h"
 
 #include <QVBoxLayout>

@@ -1,6 +1,6 @@
 #include "app/tool_strip.h"
 
-#include "app/rounded_picture.h"
+#include "app/look/rounded_picture.h"
 
 #include <QIcon>
 #include <QMenu>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/elided_label.h"
-#include "app/theme.h"
+#include "app/look/elided_label.h"
+#include "app/look/theme.h"
 #include "shell/main_area.h"
 
 #include <QFrame>

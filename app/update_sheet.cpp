@@ -1,6 +1,6 @@
 #include "app/update_sheet.h"
 
-#include "app/theme.h"
+#include "app/look/theme.h"
 
 #include <QDir>
 

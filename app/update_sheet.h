@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/busy_marks.h"
-#include "app/card_sheet.h"
+#include "app/look/busy_marks.h"
+#include "app/look/card_sheet.h"
 #include "shell/program_core.h"
 #include "updates/update_check.h"
 

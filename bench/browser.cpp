@@ -2,8 +2,8 @@
 // first rows are shown, until all are in the list, and the longest time that the event loop was kept from its
 // other work. The second reading of each list is the first one with everything in memory.
 
+#include "app/logs/plots_popup.h"
 #include "app/main_window.h"
-#include "app/plots_popup.h"
 #include "base/console_log.h"
 #include "logs/log_texts.h"
 

@@ -159,8 +159,8 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
-    // Not a folder in memory: what storing waits for is the disk.
-    const QTemporaryDir profile(QDir::currentPath() + QStringLiteral("/bench-XXXXXX"));
+    // Beside the program, since /tmp may be in memory: what storing waits for is the disk.
+    const QTemporaryDir profile(QCoreApplication::applicationDirPath() + QStringLiteral("/profile-XXXXXX"));
     QProcess adapter;
     launch_options options;
     options.link = launch_options::link_choice::wifi;

@@ -1,5 +1,5 @@
-#include "app/actions_view.h"
-#include "app/pid_chooser.h"
+#include "app/livedata/actions_view.h"
+#include "app/screen/pid_chooser.h"
 #include "tests/app/running_window.h"
 #include "tests/support/wait_until.h"
 

@@ -1,4 +1,4 @@
-#include "app/export_progress.h"
+#include "app/logs/export_progress.h"
 
 #include "tests/app/running_window.h"
 

@@ -1,8 +1,8 @@
 #include "tests/app/running_window.h"
 
-#include "app/elided_label.h"
-#include "app/export_progress.h"
-#include "app/logs_view.h"
+#include "app/logs/export_progress.h"
+#include "app/logs/logs_view.h"
+#include "app/look/elided_label.h"
 #include "base/string_table.h"
 
 #include <QCheckBox>

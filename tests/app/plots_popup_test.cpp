@@ -1,6 +1,6 @@
-#include "app/plots_popup.h"
+#include "app/logs/plots_popup.h"
 
-#include "app/plot_preview.h"
+#include "app/pictures/plot_preview.h"
 #include "tests/app/running_window.h"
 
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "tests/app/running_window.h"
 
-#include "app/report_button.h"
+#include "app/diagnostics/report_button.h"
 
 #include <QFile>
 #include <QListWidget>

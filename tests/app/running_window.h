@@ -1,7 +1,7 @@
 #pragma once
 
+#include "app/look/table_copy.h"
 #include "app/main_window.h"
-#include "app/table_copy.h"
 
 #include <QTableView>
 #include <QTemporaryDir>

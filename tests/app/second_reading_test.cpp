@@ -1,6 +1,6 @@
 #include "tests/app/running_window.h"
 
-#include "app/reading_bar.h"
+#include "app/diagnostics/reading_bar.h"
 
 #include <QCheckBox>
 #include <QListWidget>

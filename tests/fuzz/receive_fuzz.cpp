@@ -195,8 +195,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray input(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     session().play(input);
-    for (const QByteArray& line : input.split('\r'))
-        must_hold(positive_reply_of(QString::fromUtf8(line)).size() <= std::max<qsizetype>(line.size(), 2),
+    for (const QByteArray& line : input.split('\r')) {
+        const QString request = QString::fromUtf8(line).toUpper(); // some letters become two or three
+        must_hold(positive_reply_of(request).size() <= std::max<qsizetype>(request.size(), 2),
                   "the start of a positive reply is no longer than the request");
+    }
     return 0;
 }

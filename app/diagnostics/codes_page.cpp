@@ -1,0 +1,188 @@
+#include "app/diagnostics/codes_page.h"
+
+#include "app/look/table_copy.h"
+#include "app/look/wrapping_delegate.h"
+
+#include <QHeaderView>
+#include <algorithm>
+
+namespace {
+
+constexpr int empty_icon_size = 32;
+constexpr int side_letters = 37;
+constexpr int narrowest_side = 272;
+constexpr int widest_side = 376;
+constexpr int mil_size = 28;
+constexpr int code_row_height = 36;
+constexpr int readiness_row_height = 26;
+constexpr int most_permanent_rows = 4; // before they scroll
+constexpr int cards_place = 2;         // in the column: the head, the progress, the cards
+constexpr int empty_page = 0;
+constexpr int table_page = 1;
+const QString unknown = QStringLiteral("\u2013");
+
+// "Protocol: CAN" with its first part in a quieter colour, as HTML that is not broken within.
+QString fact_as_html(const QString& fact, const QColor& quiet) {
+    const qsizetype colon = fact.indexOf(QLatin1String(": "));
+    const auto unbroken = [](const QString& text) {
+        return text.toHtmlEscaped().replace(QLatin1Char(' '), QStringLiteral("&nbsp;"));
+    };
+    return QStringLiteral("<span style=\"color:%1\">%2</span>%3")
+        .arg(quiet.name(), unbroken(fact.left(colon + 1)), unbroken(fact.mid(colon + 1)));
+}
+
+void set_up_codes(QTableView& table, codes_model& model) {
+    table.setModel(&model);
+    table.setItemDelegate(new wrapping_delegate(&table));
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table.horizontalHeader()->setSectionResizeMode(codes_model::description_column, QHeaderView::Stretch);
+    table.verticalHeader()->setMinimumSectionSize(code_row_height);
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    QObject::connect(table.horizontalHeader(), &QHeaderView::sectionResized, &table,
+                     &QTableView::resizeRowsToContents); // a narrower description takes more lines
+    make_copyable(table);
+}
+
+} // namespace
+
+codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller)
+    : context(its_context), controller(its_controller), results(its_controller.results()),
+      reading(result_list::codes, results, its_controller.what_it_works_with().toolies),
+      codes(its_controller, reading), permanent_rows(its_controller, permanent.rows),
+      readiness(monitors, nullptr),
+      head(view, its_context, its_controller, {op_read_codes, op_clear_codes, op_permanent}),
+      bar(*new reading_bar(part_of<QWidget>(view, "codes_page"), cards_place, its_context)),
+      stop_button(part_of<QPushButton>(view, "stop")), clear_button(part_of<QPushButton>(view, "clear")),
+      permanent_button(part_of<QPushButton>(view, "permanent")),
+      codes_stack(part_of<QStackedWidget>(view, "codes_stack")),
+      empty_icon(part_of<QLabel>(view, "empty_icon")), empty_text(part_of<QLabel>(view, "empty_text")),
+      codes_table(part_of<QTableView>(view, "codes_table")),
+      permanent_card(part_of<QFrame>(view, "permanent_card")),
+      permanent_table(part_of<QTableView>(view, "permanent_table")),
+      permanent_words(part_of<QLabel>(view, "permanent_words")), side(part_of<QWidget>(view, "side")),
+      mil_picture(part_of<QLabel>(view, "mil_picture")), mil_word(part_of<QLabel>(view, "mil_word")),
+      code_count(part_of<QLabel>(view, "code_count")),
+      readiness_stack(part_of<QStackedWidget>(view, "readiness_stack")),
+      readiness_table(part_of<QTableView>(view, "readiness_table")),
+      readiness_summary_label(part_of<QLabel>(view, "readiness_summary")),
+      facts(part_of<QLabel>(view, "facts")) {
+    set_up_tables();
+    connect(&part_of<QPushButton>(view, "read"), &QPushButton::clicked, this, &codes_page::start);
+    connect(&clear_button, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
+    connect(&permanent_button, &QPushButton::clicked, this,
+            [this] { head.start([this] { controller.readPermanent(); }); });
+}
+
+void codes_page::set_up_tables() {
+    set_up_codes(codes_table, codes);
+    set_up_codes(permanent_table, permanent_rows);
+    permanent_table.horizontalHeader()->hide();
+
+    readiness_table.setModel(&readiness);
+    readiness_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    readiness_table.horizontalHeader()->setSectionResizeMode(readiness_model::description_column,
+                                                             QHeaderView::Stretch);
+    readiness_table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    readiness_table.verticalHeader()->setDefaultSectionSize(readiness_row_height);
+    make_copyable(readiness_table);
+}
+
+void codes_page::start() {
+    head.start([this] { controller.l_readCodes(); });
+}
+
+void codes_page::reload(const QString& list) {
+    if (list == QLatin1String("codes") || list == QLatin1String("reading"))
+        show_codes();
+    else if (list == QLatin1String("permanent"))
+        show_permanent();
+    else if (list == QLatin1String("readiness"))
+        show_readiness();
+    else if (list == QLatin1String("labels"))
+        show_labels();
+    else if (list == QLatin1String("progress"))
+        head.show_progress();
+    else if (list == QLatin1String("operation"))
+        show_operation();
+}
+
+void codes_page::show_operation() {
+    const bool had_focus = clear_button.hasFocus() || permanent_button.hasFocus();
+    head.show(QString());
+    clear_button.setEnabled(!controller.is_running());
+    permanent_button.setEnabled(!controller.is_running());
+    if (had_focus && head.runs_here())
+        stop_button.setFocus();
+    show_codes();
+    show_permanent();
+}
+
+void codes_page::show_permanent() {
+    permanent = read_permanent_codes(results, controller.what_it_works_with().toolies);
+    permanent_rows.reload();
+    const int rows = permanent_rows.rowCount();
+    permanent_table.setVisible(rows > 0);
+    permanent_table.setMinimumHeight(code_row_height + theme::step);
+    permanent_table.setMaximumHeight(std::min(rows, most_permanent_rows) * code_row_height + theme::step);
+    const bool doubt = !permanent.words.isEmpty() && !permanent.drive_cycle_words.isEmpty();
+    permanent_words.setText(permanent.words + (doubt ? QStringLiteral(" ") : QString()) +
+                            permanent.drive_cycle_words);
+    permanent_words.setVisible(!permanent_words.text().isEmpty());
+    permanent_card.setVisible(permanent.was_read);
+    show_readiness();
+}
+
+void codes_page::show_codes() {
+    codes.reload();
+    bar.show_lines({&reading});
+    codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
+    if (head.runs_here())
+        empty_text.setText(QStringLiteral("The car is being asked ..."));
+    else if (results.read_on_label.isEmpty())
+        empty_text.setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));
+    else
+        empty_text.setText(QStringLiteral("Nothing to show now. Press Read (F5) with the ignition on."));
+}
+
+void codes_page::show_readiness() {
+    monitors = results.readinessFlagsArray + permanent.drive_cycle;
+    readiness.reload();
+    readiness_table.clearSpans();
+    for (int row = 0; row < readiness.rowCount(); ++row) {
+        if (readiness.is_heading(row))
+            readiness_table.setSpan(row, 0, 1, readiness_model::column_count);
+    }
+    readiness_stack.setCurrentIndex(readiness.rowCount() > 0 ? table_page : empty_page);
+    readiness_summary_label.setText(readiness.summary());
+}
+
+void codes_page::show_labels() {
+    const theme& look = context.frame.look();
+    const bool on = results.mil_label == QLatin1String("ON");
+    const bool known = on || results.mil_label == QLatin1String("OFF");
+    bool is_number = false;
+    results.code_count_label.toInt(&is_number);
+
+    mil_word.setText(known ? results.mil_label : unknown);
+    theme::mark(mil_word, "warning", on);
+    code_count.setText(is_number ? results.code_count_label : unknown);
+    const QString picture = on ? QStringLiteral("mil_on.png") : QStringLiteral("mil_off.png");
+    mil_picture.setPixmap(look.icon(picture).pixmap(mil_size));
+    mil_picture.setAccessibleName(
+        QStringLiteral("MIL Lamp: %1").arg(known ? results.mil_label : "not known"));
+
+    QStringList shown;
+    for (const QString& fact : results.xtra_info_label.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        shown += fact_as_html(fact, look.muted);
+    facts.setText(shown.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
+}
+
+void codes_page::look_changed() {
+    const theme& look = context.frame.look();
+    empty_icon.setPixmap(look.icon(QStringLiteral("diags.png")).pixmap(empty_icon_size));
+    side.setFixedWidth(std::clamp(side.fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters,
+                                  narrowest_side, widest_side));
+    code_count.setFont(theme::figures(code_count.font()));
+    show_labels();
+    show_operation();
+}

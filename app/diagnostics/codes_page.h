@@ -1,0 +1,65 @@
+#pragma once
+
+#include "app/diagnostics/codes_model.h"
+#include "app/diagnostics/readiness_model.h"
+#include "app/diagnostics/reading_bar.h"
+#include "app/screen/operation_head.h"
+#include "diagnostics/permanent_codes.h"
+
+#include <QStackedWidget>
+#include <QTableView>
+
+// The page of the trouble codes: the codes, the permanent ones below them once they were read, the MIL, the
+// readiness of the monitors, and facts about the read.
+class codes_page : public QObject {
+    Q_OBJECT
+
+public:
+    // `view` holds the widgets of the page. Throws broken_view when one is missing.
+    codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller);
+
+    void start();
+    // The names of base/screen.h: "codes", "permanent", "readiness", "labels", "progress", "operation";
+    // "reading": the other of the two readings is shown from now on.
+    void reload(const QString& list);
+    void show_operation();
+    void look_changed();
+
+private:
+    void set_up_tables();
+    void show_codes();
+    void show_permanent();
+    void show_readiness();
+    void show_labels();
+
+    view_context context;
+    readCodes& controller;
+    diagnostic_results& results;
+    second_reading reading;
+    codes_model codes;
+    permanent_codes permanent;
+    codes_model permanent_rows;
+    QList<readiness_row> monitors; // since the codes were cleared, then of this drive cycle
+    readiness_model readiness;
+
+    operation_head head;
+    reading_bar& bar;
+    QPushButton& stop_button;
+    QPushButton& clear_button;
+    QPushButton& permanent_button;
+    QStackedWidget& codes_stack;
+    QLabel& empty_icon;
+    QLabel& empty_text;
+    QTableView& codes_table;
+    QFrame& permanent_card;
+    QTableView& permanent_table;
+    QLabel& permanent_words;
+    QWidget& side;
+    QLabel& mil_picture;
+    QLabel& mil_word;
+    QLabel& code_count;
+    QStackedWidget& readiness_stack;
+    QTableView& readiness_table;
+    QLabel& readiness_summary_label;
+    QLabel& facts;
+};

@@ -1,0 +1,32 @@
+#include "app/diagnostics/pending_page.h"
+
+#include <QHeaderView>
+
+pending_page::pending_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+                           const result_words& its_words)
+    : result_page(pages, its_context, its_controller, its_words),
+      code_reading(result_list::pending, results, its_controller.what_it_works_with().toolies),
+      frame_reading(result_list::freeze, results, its_controller.what_it_works_with().toolies),
+      codes(its_controller, code_reading),
+      freeze(frame_reading, {QStringLiteral("Parameter"), QStringLiteral("Value")}, split_freeze_row) {
+    card.set_up(codes, QStringLiteral("Pending codes"), context.frame.look());
+    card.caption.setText(QStringLiteral("Pending codes"));
+    card.caption.show();
+    side.set_up(freeze, QStringLiteral("Freeze frame"), context.frame.look());
+    side.caption.setText(QStringLiteral("Freeze frame"));
+    side.caption.show();
+    side.frame.show();
+    // There are long texts in either column.
+    side.table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+}
+
+void pending_page::reload(const QString& list) {
+    result_page::reload(list == QLatin1String("freeze") ? QString::fromLatin1(words.name) : list);
+}
+
+void pending_page::show_rows() {
+    card.show_rows(codes, empty_words(nothing_words()));
+    // A car without a freeze frame has a row that says so.
+    const QString untold = QStringLiteral("The car has stored a freeze frame, but does not tell its values.");
+    side.show_rows(freeze, empty_words(untold));
+}

@@ -1,0 +1,157 @@
+#include "app/diagnostics/read_codes_view.h"
+
+#include "app/diagnostics/pending_page.h"
+#include "app/diagnostics/tests_page.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+struct rail_page {
+    const char* title;
+    const char* icon;
+};
+
+constexpr rail_page codes_entry{"Codes", "nav_codes.png"};
+
+// clang-format off
+constexpr result_words pending_words{
+    "pending", "Pending and freeze frame", "nav_pending.png",
+    "Not read yet. Press Read (F5) with the ignition on: faults seen but not yet confirmed, and what the "
+    "engine was doing when a code was stored.",
+    "No pending codes.", op_pending_freeze,
+    [](readCodes& controller) { controller.readPendingFreezeCodes(); }};
+constexpr result_words vehicle_words{
+    "vehicle", "Vehicle", "nav_vehicle.png",
+    "Nothing read yet. Press Read (F5) with the ignition on: battery voltage, identification number (VIN), "
+    "control units, and the values that they report.",
+    "The car reported nothing.", op_vehicle_info,
+    [](readCodes& controller) { controller.readVehicleInfo(); }};
+constexpr result_words mode6_words{
+    "mode6", "Mode 6", "nav_mode6.png",
+    "No tests read yet. Press Read (F5) with the ignition on: the tests that the car runs on itself, each "
+    "result with its limits.",
+    "The car reported no test results.", op_mode6,
+    [](readCodes& controller) { controller.readMode6Support(); }};
+constexpr result_words misfire_words{
+    "misfire", "Misfire", "nav_misfire.png",
+    "No counts read yet. Press Read (F5) with the ignition on: misfires counted by cylinder.",
+    "The car reported no misfire counts.", op_misfire,
+    [](readCodes& controller) { controller.readMisfire(); }};
+constexpr result_words o2_words{
+    "o2", "O2 tests", "nav_o2.png",
+    "No tests read yet. Press Read (F5) with the ignition on: the test results of the oxygen sensors.",
+    "The car reported no test results of oxygen sensors.", op_o2_tests,
+    [](readCodes& controller) { controller.readO2(); }};
+constexpr result_words extras_words{
+    "extras", "Extras", "nav_extras.png",
+    "Nothing read yet. Press Read (F5) with the ignition on: values of one maker, from a list of commands.",
+    "The car reported nothing.", op_extras,
+    [](readCodes& controller) { controller.readXtras(); }};
+
+constexpr std::array<rail_page, 7> rail_pages{{
+    codes_entry,
+    {pending_words.title, pending_words.icon},
+    {vehicle_words.title, vehicle_words.icon},
+    {mode6_words.title,   mode6_words.icon},
+    {misfire_words.title, misfire_words.icon},
+    {o2_words.title,      o2_words.icon},
+    {extras_words.title,  extras_words.icon},
+}};
+// clang-format on
+
+constexpr int codes_at = 0;
+constexpr int narrowest_rail = 200;
+constexpr int widest_rail = 264;
+constexpr int rail_icon_size = 20;
+
+} // namespace
+
+read_codes_view::read_codes_view(const view_context& its_context)
+    : screen_view(its_context, QStringLiteral("read_codes_view")),
+      toolies(context.core.state, context.core.defaults, context.core.db),
+      codes_controller(context.core.state, context.delegate, toolies, context.window,
+                       context.core.diagnostics, context.core.paths),
+      rail(part<QListWidget>("rail")), pages(part<QStackedWidget>("pages")),
+      codes(*this, context, codes_controller),
+      report(part<QPushButton>("report"), context, codes_controller) {
+    add_pages();
+    for (const rail_page& page : rail_pages)
+        rail.addItem(QLatin1String(page.title));
+    rail.setIconSize({rail_icon_size, rail_icon_size});
+    connect(&rail, &QListWidget::currentRowChanged, &pages, &QStackedWidget::setCurrentIndex);
+    connect(&pages, &QStackedWidget::currentChanged, this, [this](int row) {
+        report.show_page(row > codes_at ? others.at(static_cast<size_t>(row) - 1)->operation()
+                                        : op_read_codes);
+    });
+    rail.setCurrentRow(codes_at);
+    begin_at(part<QPushButton>("read"));
+    codes_controller.operation_ended = [this](bool done) {
+        for (const auto& page : others)
+            page->ended(context.core.state.cur_op, done);
+    };
+}
+
+// The widgets go last, and must not ask a controller that is gone.
+read_codes_view::~read_codes_view() {
+    rail.disconnect(&pages);
+    pages.disconnect(this);
+    codes_controller.operation_ended = nullptr;
+}
+
+template <class page, class... rows>
+void read_codes_view::add_page(const result_words& words, rows&&... its_rows) {
+    others.push_back(
+        std::make_unique<page>(pages, context, codes_controller, words, std::forward<rows>(its_rows)...));
+}
+
+void read_codes_view::add_pages() {
+    const auto text = [](const char* heading) { return QString::fromLatin1(heading); };
+    add_page<pending_page>(pending_words);
+    add_page<text_page>(vehicle_words, result_list::vehicle,
+                        QStringList{text("PID"), text("Name"), text("Value")}, split_vehicle_row);
+    add_page<tests_page>(mode6_words, result_list::mode6);
+    add_page<tests_page>(misfire_words, result_list::misfire);
+    add_page<tests_page>(o2_words, result_list::o2);
+    add_page<text_page>(extras_words, codes_controller.results().xtrasArray,
+                        QStringList{text("Label"), text("Value")}, split_extras_row);
+}
+
+void read_codes_view::start() {
+    const int row = pages.currentIndex();
+    if (row == codes_at)
+        codes.start();
+    else if (row > codes_at)
+        others.at(static_cast<size_t>(row) - 1)->start();
+}
+
+void read_codes_view::stop() {
+    if (codes_controller.is_running())
+        codes_controller.stop();
+}
+
+void read_codes_view::reload(const QString& list) {
+    codes.reload(list);
+    for (const auto& page : others)
+        page->reload(list);
+    report.show_operation();
+}
+
+void read_codes_view::show_busy(bool) {
+    codes.show_operation();
+    for (const auto& page : others)
+        page->show_operation();
+    report.show_operation();
+}
+
+void read_codes_view::look_changed() {
+    for (int row = 0; row < rail.count(); ++row)
+        rail.item(row)->setIcon(
+            context.frame.look().icon(QLatin1String(rail_pages.at(static_cast<size_t>(row)).icon)));
+    rail.setFixedWidth(std::clamp(rail.sizeHintForColumn(0) + 2 * theme::step, narrowest_rail, widest_rail));
+    codes.look_changed();
+    for (const auto& page : others)
+        page->look_changed();
+    report.show_operation();
+}

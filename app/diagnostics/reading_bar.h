@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/screen/screen_view.h"
+#include "diagnostics/second_reading.h"
+
+#include <QCheckBox>
+#include <QLabel>
+
+// The line below results that are read otherwise by SAE J1979, and the switch that shows that reading in
+// their place. Out of sight while both readings are the same and the program's own is shown.
+class reading_bar : public QWidget {
+    Q_OBJECT
+
+public:
+    // Goes into the column of `page`, behind the widget or layout at `place`.
+    reading_bar(QWidget& page, int place, const view_context& its_context);
+
+    // What stands beside each list, a line each.
+    void show_lines(const QList<const second_reading*>& readings);
+
+private:
+    void choose(bool standard);
+
+    view_context context;
+    QLabel& line;
+    QCheckBox& standard_reading;
+};

@@ -1,0 +1,143 @@
+#include "app/diagnostics/report_button.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QMenu>
+#include <QPdfWriter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <QTextDocument>
+
+namespace {
+
+constexpr double print_size = 9.5; // points
+constexpr int pdf_dots_an_inch = 300;
+
+} // namespace
+
+report_button::report_button(QPushButton& its_button, const view_context& its_context,
+                             readCodes& its_controller)
+    : QObject(&its_button), button(its_button), context(its_context), controller(its_controller) {
+    auto* menu = new QMenu(&button);
+    connect(menu->addAction(QStringLiteral("Save...")), &QAction::triggered, this, [this] {
+        ask_for_file(QStringLiteral("Save the report"), QStringLiteral("txt"),
+                     QStringLiteral("Text files (*.txt)"), &report_button::save_as_text);
+    });
+    connect(menu->addAction(QStringLiteral("Print...")), &QAction::triggered, this, &report_button::print);
+    connect(menu->addAction(QStringLiteral("Save as PDF...")), &QAction::triggered, this, [this] {
+        ask_for_file(QStringLiteral("Save the report as PDF"), QStringLiteral("pdf"),
+                     QStringLiteral("PDF files (*.pdf)"), &report_button::save_as_pdf);
+    });
+    connect(&button, &QPushButton::clicked, menu,
+            [this, menu] { menu->popup(button.mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+}
+
+void report_button::show_page(int its_operation) {
+    operation = its_operation;
+    show_operation();
+}
+
+bool report_button::has_results() const {
+    const diagnostic_results& results = controller.results();
+    switch (operation) {
+    case op_vehicle_info: return !results.vehInfoArray.isEmpty();
+    case op_mode6: return !results.mode6Array.isEmpty();
+    case op_misfire: return !results.misfireArray.isEmpty();
+    case op_o2_tests: return !results.o2XtraArray.isEmpty();
+    case op_extras: return false; // leave no report
+    default:
+        return !results.codesReadArray.isEmpty() || !results.pendingArray.isEmpty() ||
+               !results.freezeArray.isEmpty() || !results.readinessFlagsArray.isEmpty();
+    }
+}
+
+void report_button::show_operation() {
+    button.setEnabled(has_results() && !controller.is_running());
+    button.setToolTip(hint());
+}
+
+QString report_button::hint() const {
+    if (operation == op_extras)
+        return QStringLiteral("There is no report of the extras: select the rows and copy them");
+    if (!has_results())
+        return QStringLiteral("Read (F5) first: the report tells what was read");
+    if (operation == op_read_codes || operation == op_pending_freeze)
+        return QStringLiteral("Codes, readiness, pending codes and freeze frame as one text");
+    return QStringLiteral("The results of this page as one text");
+}
+
+QString report_button::text() const {
+    // One line of the report holds a piece of HTML.
+    static const QRegularExpression tags(QStringLiteral("</?font[^>]*>"));
+    return controller.report_of(operation).text.remove(tags);
+}
+
+void report_button::fill_page(QTextDocument& document) const {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSizeF(print_size);
+    document.setDefaultFont(font);
+    document.setPlainText(text());
+}
+
+void report_button::ask_for_file(const QString& title, const QString& suffix, const QString& filter,
+                                 void (report_button::*save)(const QString&)) {
+    auto* dialog = new QFileDialog(&button, title, QString(), filter);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(suffix);
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    dialog->setDirectory(QDir(documents).exists() ? documents : QDir::homePath());
+    dialog->selectFile(QStringLiteral("report.") + suffix);
+    connect(dialog, &QFileDialog::fileSelected, this, save);
+    dialog->open();
+}
+
+void report_button::save_as_text(const QString& file) {
+    const QByteArray bytes = text().toUtf8();
+    QSaveFile target(file);
+    if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size() || !target.commit())
+        tell_failure(file, target.errorString());
+}
+
+void report_button::save_as_pdf(const QString& file) {
+    QSaveFile target(file);
+    if (!target.open(QIODevice::WriteOnly))
+        return tell_failure(file, target.errorString());
+    {
+        QPdfWriter writer(&target);
+        writer.setResolution(pdf_dots_an_inch);
+        writer.setTitle(QStringLiteral("Diagnostic report"));
+        QTextDocument page;
+        fill_page(page);
+        page.print(&writer);
+    }
+    if (!target.commit())
+        tell_failure(file, target.errorString());
+}
+
+void report_button::print() {
+    auto printer = std::make_shared<QPrinter>();
+    printer->setDocName(QStringLiteral("Diagnostic report"));
+    auto* dialog = new QPrintDialog(printer.get(), &button);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    // The dialog keeps the printer, which has to outlive it.
+    connect(dialog, &QObject::destroyed, [printer] {});
+    connect(dialog, qOverload<QPrinter*>(&QPrintDialog::accepted), this, [this](QPrinter* chosen) {
+        QTextDocument page;
+        fill_page(page);
+        page.print(chosen);
+    });
+    dialog->open();
+}
+
+void report_button::tell_failure(const QString& file, const QString& reason) {
+    context.frame.tell({QStringLiteral("The report was not saved"),
+                        QStringLiteral("%1 cannot be written: %2. Choose another folder.")
+                            .arg(QDir::toNativeSeparators(file), reason),
+                        {},
+                        nullptr});
+}

@@ -1,0 +1,159 @@
+#include "app/diagnostics/result_page.h"
+
+#include "app/diagnostics/noted_delegate.h"
+#include "app/look/table_copy.h"
+
+#include <QHeaderView>
+
+namespace {
+
+constexpr int empty_icon_size = 32;
+constexpr int row_height = 34;
+constexpr int empty_page = 0;
+constexpr int table_page = 1;
+constexpr int cards_place = 2; // in the column: the head, the progress, the cards
+
+QWidget& add_page(QStackedWidget& pages, view_loader& loader) {
+    QWidget* view = loader.load_view(QStringLiteral("result_page"), &pages);
+    pages.addWidget(view);
+    return *view;
+}
+
+template <class T>
+T& part_with(QWidget& view, const char* prefix, const char* name) {
+    return part_of<T>(view, QByteArray(prefix).append('_').append(name).constData());
+}
+
+// The parts of several pages from one description are told apart by the page's name in front of theirs.
+void name_after(const char* page, QWidget& view) {
+    for (QWidget* part : view.findChildren<QWidget*>()) {
+        const QString name = part->objectName();
+        if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")))
+            part->setObjectName(QLatin1String(page) + QLatin1Char('_') + name);
+    }
+}
+
+} // namespace
+
+result_card::result_card(QWidget& view, const char* prefix)
+    : frame(part_with<QFrame>(view, prefix, "card")), caption(part_with<QLabel>(view, prefix, "caption")),
+      stack(part_with<QStackedWidget>(view, prefix, "stack")), icon(part_with<QLabel>(view, prefix, "icon")),
+      empty_text(part_with<QLabel>(view, prefix, "empty_text")),
+      table(part_with<QTableView>(view, prefix, "table")) {
+    caption.hide();
+}
+
+void result_card::set_up(results_model& model, const QString& accessible_name, const theme& look) {
+    table.setModel(&model);
+    table.setItemDelegate(new noted_delegate(look, &table));
+    table.setAccessibleName(accessible_name);
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table.horizontalHeader()->setSectionResizeMode(model.columnCount() - 1, QHeaderView::Stretch);
+    table.verticalHeader()->setMinimumSectionSize(row_height);
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    QObject::connect(table.horizontalHeader(), &QHeaderView::sectionResized, &table,
+                     &QTableView::resizeRowsToContents); // a narrower text takes more lines
+    make_copyable(table);
+}
+
+void result_card::show_rows(results_model& model, const QString& words) {
+    model.reload();
+    table.clearSpans();
+    for (int row = 0; row < model.rowCount(); ++row) {
+        if (model.is_heading(row))
+            table.setSpan(row, 0, 1, model.columnCount());
+    }
+    empty_text.setText(words);
+    stack.setCurrentIndex(model.rowCount() > 0 ? table_page : empty_page);
+}
+
+result_page::result_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+                         const result_words& its_words)
+    : context(its_context), controller(its_controller), results(its_controller.results()), words(its_words),
+      view(add_page(pages, context.loader)), head(view, its_context, its_controller, {words.operation}),
+      card(view, "main"), side(view, "side"), detail_card(part_of<QFrame>(view, "detail_card")),
+      bar(*new reading_bar(view, cards_place, its_context)) {
+    part_of<QLabel>(view, "heading").setText(QLatin1String(words.title));
+    auto& read_button = part_of<QPushButton>(view, "read");
+    read_button.setAccessibleName(QStringLiteral("Read: %1").arg(QLatin1String(words.title)));
+    connect(&read_button, &QPushButton::clicked, this, &result_page::start);
+    side.frame.hide();
+    detail_card.hide();
+    name_after(words.name, view);
+}
+
+void result_page::start() {
+    head.start([this] { words.run(controller); });
+}
+
+void result_page::reload(const QString& list) {
+    if (list == QLatin1String(words.name) || list == QLatin1String("reading")) {
+        show_all();
+    } else if (list == QLatin1String("progress")) {
+        head.show_progress();
+    } else if (list == QLatin1String("operation")) {
+        show_operation();
+    }
+}
+
+void result_page::ended(int code, bool done) {
+    if (code != words.operation)
+        return;
+    last = done || results.car_offers_none ? last_read::done : last_read::left;
+    show_operation();
+}
+
+void result_page::show_operation() {
+    show_all();
+}
+
+void result_page::show_all() {
+    show_rows();
+    head.show(summary());
+    bar.show_lines(readings());
+}
+
+QString result_page::empty_words(const QString& nothing) const {
+    if (head.runs_here())
+        return QStringLiteral("The car is being asked ...");
+    switch (last) {
+    case last_read::done: return nothing;
+    case last_read::left:
+        return QStringLiteral("The last read was not finished. Press Read (F5) to start again.");
+    default:
+        return has_results() ? QStringLiteral("The last read left nothing here.")
+                             : QString::fromUtf8(words.not_read);
+    }
+}
+
+void result_page::look_changed() {
+    const QPixmap picture =
+        context.frame.look().enlarged(QLatin1String(words.icon), empty_icon_size, view.devicePixelRatioF());
+    card.icon.setPixmap(picture);
+    side.icon.setPixmap(picture);
+    show_operation();
+}
+
+text_page::text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+                     const result_words& its_words, const QStringList& rows, const QStringList& headings,
+                     text_rows_model::split cells)
+    : result_page(pages, its_context, its_controller, its_words), model(rows, headings, std::move(cells)) {
+    card.set_up(model, QLatin1String(words.title), context.frame.look());
+}
+
+text_page::text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
+                     const result_words& its_words, result_list list, const QStringList& headings,
+                     text_rows_model::split cells)
+    : result_page(pages, its_context, its_controller, its_words),
+      reading(std::in_place, list, results, its_controller.what_it_works_with().toolies),
+      model(*reading, headings, std::move(cells)) {
+    card.set_up(model, QLatin1String(words.title), context.frame.look());
+}
+
+QList<const second_reading*> text_page::readings() const {
+    return reading ? QList<const second_reading*>{&*reading} : QList<const second_reading*>();
+}
+
+void text_page::show_rows() {
+    card.show_rows(model, empty_words(nothing_words()));
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/look/theme.h"
+
+#include <QCache>
+#include <QImage>
+#include <QStyledItemDelegate>
+
+// Draws the rows of tests_model: a name in two lines, what the other reading says, and the limit bar. The
+// look outlives it.
+class test_delegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+public:
+    explicit test_delegate(const theme& its_look, QObject* parent = nullptr);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+private:
+    void paint_name(QPainter& painter, const QStyleOptionViewItem& cell, const QModelIndex& index) const;
+    void paint_verdict(QPainter& painter, const QStyleOptionViewItem& cell, const QIcon& mark,
+                       const QModelIndex& index) const;
+    void paint_bar(QPainter& painter, const QRect& cell, const QModelIndex& index) const;
+
+    const theme& look;
+    // By limits, pixel ratio and look: what the picture depends on.
+    mutable QCache<QString, QImage> bars;
+};

@@ -1,0 +1,332 @@
+#include "app/livedata/actions_view.h"
+
+#include "obd/supported_pids.h"
+
+#include <QEvent>
+#include <QShortcut>
+#include <algorithm>
+
+namespace {
+
+constexpr int empty_icon_size = 32;
+constexpr int widest_gauges = 256;
+constexpr int narrowest_gauges = 144;
+constexpr int empty_page = 0;
+constexpr int chart_page = 1;
+constexpr int o2_page = 2;
+
+// What is said before the first run of a mode.
+QString invitation(int mode) {
+    switch (mode) {
+    case op_fuel:
+        return QStringLiteral(
+            "Press Start (F5) with the engine running: fuel economy from speed and air flow.");
+    case op_boost:
+        return QStringLiteral(
+            "Press Start (F5) with the engine running: boost from the pressure in the intake "
+            "manifold, with fuel trims and fuel pressure.");
+    case op_o2_layout:
+        return QStringLiteral(
+            "Press Start (F5) with the engine warm and running: the oxygen sensors in the exhaust, "
+            "with their voltages.");
+    default:
+        return QStringLiteral(
+            "Press Start (F5) with the ignition on. Under PIDs you choose what the car is asked.");
+    }
+}
+
+void keep_room(QWidget& widget, bool also_hidden) {
+    QSizePolicy policy = widget.sizePolicy();
+    policy.setRetainSizeWhenHidden(also_hidden);
+    widget.setSizePolicy(policy);
+}
+
+} // namespace
+
+actions_view::actions_view(const view_context& its_context)
+    : screen_view(its_context, QStringLiteral("actions_view")),
+      toolies(context.core.state, context.core.defaults, context.core.db), results(context.core.live),
+      run_controller(context.core.state, context.delegate, toolies, context.window, context.core.defaults,
+                     context.core.clock, results, context.core.paths),
+      pictures{results, toolies, {}, {}}, head(*this, context, run_controller, toolies),
+      gauges(part<QWidget>("gauges")), pages(part<QStackedWidget>("chart_stack")),
+      empty_icon(part<QLabel>("empty_icon")), empty_text(part<QLabel>("empty_text")),
+      chart_name(part<elided_label>("chart_name")), swap(part<QToolButton>("swap")),
+      copy_picture(part<QToolButton>("copy_picture")), save_picture(part<QToolButton>("save_picture")),
+      chart(part<chart_picture>("chart")), o2(part<o2_picture>("o2")), zoom_row(part<QWidget>("zoom_row")),
+      zoom_slider(part<QSlider>("zoom")), gauge_1(part<gauge_picture>("gauge_1")),
+      gauge_2(part<gauge_picture>("gauge_2")), thumbs(part<thumb_strip>("thumbs")),
+      saver(*this, context, QStringLiteral("live_data"), [this] { return pages.currentWidget(); }),
+      pace([this] {
+          if (isVisible())
+              draw();
+      }) {
+    chart.set_up(pictures);
+    gauge_1.set_up(toolies);
+    gauge_2.set_up(toolies);
+    gauges.installEventFilter(this);
+    keep_room(gauge_2, true);
+    zoom_slider.setValue(zoom_slider.maximum());
+    connect_parts();
+    add_keys();
+    begin_at(part<QPushButton>("run"));
+    run_controller.set_observer(this);
+    if (results.o2_mask != 0)
+        restore_o2_picture();
+}
+
+// The widgets go last, and must not ask a controller that is gone.
+actions_view::~actions_view() {
+    run_controller.set_observer(nullptr);
+}
+
+// From what a run has read that outlived the screen.
+void actions_view::restore_o2_picture() {
+    o2_layout_known(results.o2_mask, results.o2_header);
+    for (int sensor = 0; sensor < results.these_samples.size(); ++sensor) {
+        const sample_row& row = results.these_samples.at(sensor);
+        if (!row.value.isEmpty())
+            set_sensor_value(sensor, QString::number(row.latest, 'f', 3));
+    }
+}
+
+void actions_view::connect_parts() {
+    connect(&thumbs, &thumb_strip::chart_chosen, this, &actions_view::choose_chart);
+    connect(&thumbs, &thumb_strip::group_toggled, this, &actions_view::toggle_group);
+    connect(&thumbs, &thumb_strip::gauge_chosen, this, &actions_view::choose_gauge);
+    connect(&o2, &o2_picture::sensor_chosen, this, &actions_view::choose_chart);
+    connect(&swap, &QToolButton::clicked, this, &actions_view::swap_picture);
+    connect(&copy_picture, &QToolButton::clicked, &saver, &picture_saver::copy);
+    connect(&save_picture, &QToolButton::clicked, &saver, &picture_saver::save);
+    connect(&saver, &picture_saver::done, this,
+            [this](const QString& what) { context.window.show_toast(what); });
+    connect(&saver, &picture_saver::failed, this, [this](const QString& sentence) {
+        context.frame.tell({QStringLiteral("The picture was not saved"), sentence, {}, nullptr});
+    });
+    connect(&zoom_slider, &QSlider::valueChanged, this, [this] {
+        chart.set_stale();
+        pace.ask();
+    });
+}
+
+void actions_view::add_keys() {
+    const auto on_key = [this](QKeySequence::StandardKey key, QToolButton& button) {
+        auto* shortcut = new QShortcut(key, this);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, &button, &QToolButton::click);
+    };
+    on_key(QKeySequence::Copy, copy_picture);
+    on_key(QKeySequence::Save, save_picture);
+}
+
+void actions_view::look_changed() {
+    const theme& look = context.frame.look();
+    empty_icon.setPixmap(look.icon(QStringLiteral("actions.gif")).pixmap(empty_icon_size));
+    o2.set_look(look);
+    head.show();
+    set_changed();
+    thumbs.set_look(look);
+    draw();
+}
+
+// The gauges are as wide as their height asks for; the chart takes the rest.
+bool actions_view::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &gauges && event->type() == QEvent::Resize) {
+        const int wanted =
+            (gauges.height() - theme::step) / 2 * gauge_picture::face.width() / gauge_picture::face.height();
+        gauges.setFixedWidth(std::clamp(wanted, narrowest_gauges, widest_gauges));
+    }
+    return screen_view::eventFilter(watched, event);
+}
+
+// --- what a run tells --------------------------------------------------------------------------------------
+
+void actions_view::set_changed() {
+    QStringList set;
+    for (const sample_row& row : std::as_const(results.these_samples))
+        set += row.pid;
+    if (set != shown_set) {
+        if (!shown_set.isEmpty()) // else it is that of a run that outlived the screen
+            results.gauge_2_idx = 1;
+        shown_set = set;
+        shown = {};
+        ran = false;
+        thumbs.rebuild(pictures);
+        thumbs.set_look(context.frame.look());
+    }
+    if (results.mode != op_o2_layout)
+        o2_as_picture = true;
+    mark();
+}
+
+void actions_view::run_started() {
+    ran = false;
+    head.show();
+    pace.ask();
+}
+
+void actions_view::run_ended() {
+    ran = true;
+    head.show();
+    pace.ask();
+}
+
+void actions_view::sample_arrived(int index) {
+    const sample_row& row = results.these_samples.at(index);
+    thumbs.sample_arrived(index);
+    if (shown.in_chart(index))
+        chart.set_stale();
+    if (index == shown.chart)
+        gauge_1.set_value(row);
+    if (index == shown.gauge_2)
+        gauge_2.set_value(row);
+    pace.ask();
+}
+
+void actions_view::o2_layout_known(int mask, const QString&) {
+    o2.picture().work_out_sensor_lay_out(mask, shown.chart);
+}
+
+void actions_view::set_sensor_value(int sensor, const QString& this_value) {
+    constexpr int selected_by_run = 1;
+    o2.picture().set_sensor_value(sensor, selected_by_run, this_value);
+}
+
+// --- what the person chooses -------------------------------------------------------------------------------
+
+void actions_view::choose_chart(int index) {
+    if (index < 0 || index >= results.these_samples.size())
+        return;
+    shown.choose(index);
+    mark();
+}
+
+void actions_view::toggle_group(int index) {
+    shown.toggle(index);
+    mark();
+}
+
+void actions_view::choose_gauge(int index) {
+    results.gauge_2_idx = index;
+    mark();
+}
+
+void actions_view::swap_picture() {
+    o2_as_picture = !o2_as_picture;
+    chart.set_stale();
+    pace.ask();
+}
+
+void actions_view::mark() {
+    const bool has_second = results.gauge_2_idx >= 0 && results.gauge_2_idx < results.these_samples.size();
+    shown.gauge_2 = has_second ? results.gauge_2_idx : -1;
+    thumbs.mark(shown);
+    chart.mark(shown);
+    renew_pictures();
+    o2.picture().select(shown.chart);
+    fill_gauges();
+    pace.ask();
+}
+
+void actions_view::fill_gauges() {
+    const bool has_first = shown.chart < results.these_samples.size();
+    gauge_1.setVisible(has_first);
+    gauge_2.setVisible(shown.gauge_2 >= 0);
+    if (has_first)
+        gauge_1.show_sample(results.these_samples.at(shown.chart));
+    if (shown.gauge_2 >= 0)
+        gauge_2.show_sample(results.these_samples.at(shown.gauge_2));
+}
+
+// --- one frame ---------------------------------------------------------------------------------------------
+
+void actions_view::draw() {
+    renew_pictures();
+    show_page();
+    zoom();
+    show_chart_name();
+    head.show_figures();
+    thumbs.draw_new();
+    chart.draw_new();
+    gauge_1.draw_new();
+    gauge_2.draw_new();
+    if (pages.currentIndex() == o2_page)
+        o2.update();
+}
+
+void actions_view::renew_pictures() {
+    pictures.labels = chart.work_out_labels();
+    pictures.value_texts.clear();
+    for (const sample_row& row : std::as_const(results.these_samples))
+        pictures.value_texts += row.value;
+}
+
+void actions_view::zoom() {
+    keep_room(zoom_row, pages.currentIndex() == chart_page);
+    zoom_row.setVisible(run_controller.zoom_slider_shown() && pages.currentIndex() == chart_page);
+    const double slider = static_cast<double>(zoom_slider.value()) / zoom_slider.maximum();
+    const ::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
+    chart.zoom(now.points, now.title);
+}
+
+bool actions_view::has_samples() const {
+    return std::any_of(results.these_samples.begin(), results.these_samples.end(),
+                       [](const sample_row& row) { return !row.value.isEmpty(); });
+}
+
+void actions_view::show_page() {
+    const bool filled = has_samples();
+    const bool has_picture = results.mode == op_o2_layout && results.o2_mask != 0;
+    pages.setCurrentIndex(has_picture && o2_as_picture ? o2_page : filled ? chart_page : empty_page);
+    if (pages.currentIndex() == empty_page)
+        empty_text.setText(empty_words());
+    swap.setVisible(results.mode == op_o2_layout);
+    swap.setEnabled(has_picture);
+    swap.setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
+    copy_picture.setEnabled(pages.currentIndex() != empty_page);
+    save_picture.setEnabled(pages.currentIndex() != empty_page);
+}
+
+void actions_view::show_chart_name() {
+    QStringList names;
+    const bool is_empty = pages.currentIndex() == empty_page;
+    for (int index = 0; !is_empty && index < results.these_samples.size(); ++index) {
+        if (shown.in_chart(index))
+            names += results.these_samples.at(index).name;
+    }
+    chart_name.set_text(names.join(QStringLiteral(", ")));
+}
+
+QString actions_view::empty_words() const {
+    if (run_controller.is_running())
+        return context.core.state.adapter_ready
+                   ? QStringLiteral("The car is being asked ...")
+                   : QStringLiteral(
+                         "The link is opened and the adapter set up. This can take half a minute ...");
+    if (!ran)
+        return invitation(results.mode);
+    const QString missing = missing_pids();
+    if (!missing.isEmpty())
+        return QStringLiteral(
+                   "This mode needs what the car does not report: %1. Log Run shows the values that it "
+                   "has.")
+            .arg(missing);
+    return QStringLiteral(
+        "The run ended before the first value came. Turn the ignition on and press Start (F5).");
+}
+
+QString actions_view::missing_pids() const {
+    if (results.mode != op_fuel && results.mode != op_boost)
+        return {};
+    QStringList missing;
+    for (const QString& item : std::as_const(results.pid_logitems_list)) {
+        const auto entry = split_sample_item(item);
+        if (!entry || entry->pid == QLatin1String("E4"))
+            continue;
+        const QString pid = requested_pid(entry->pid);
+        const process_state& state = context.core.state;
+        if (!isPID_in_avail_pid_list(state.available_pids, {pid, entry->header}, state.cur_protocol))
+            missing += QStringLiteral("%1 (%2)").arg(toolies.get_pid_name_with_pid(pid).trimmed(), pid);
+    }
+    return missing.join(QStringLiteral(", "));
+}

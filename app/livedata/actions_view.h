@@ -1,0 +1,93 @@
+#pragma once
+
+#include "app/livedata/run_head.h"
+#include "app/look/elided_label.h"
+#include "app/look/frame_pace.h"
+#include "app/pictures/chart_picture.h"
+#include "app/pictures/gauge_picture.h"
+#include "app/pictures/o2_picture.h"
+#include "app/pictures/thumb_strip.h"
+#include "app/screen/picture_saver.h"
+#include "livedata/actions.h"
+
+#include <QSlider>
+#include <QStackedWidget>
+#include <QToolButton>
+
+// The live-data screen: a run's large chart, two gauges and a thumbnail a PID; for the oxygen sensors also
+// the picture of the exhaust. What a reply changes is noted as it comes, and drawn once a display frame.
+class actions_view : public screen_view, private run_observer {
+    Q_OBJECT
+
+public:
+    explicit actions_view(const view_context& its_context);
+    ~actions_view() override;
+
+    task_controller* controller() override { return &run_controller; }
+    void start() override { head.start(); }
+    void stop() override { head.stop(); }
+    void show_busy(bool) override { head.show(); }
+    void look_changed() override;
+
+protected:
+    void showEvent(QShowEvent*) override { pace.ask(); }
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    // run_observer
+    void set_changed() override;
+    void run_started() override;
+    void run_ended() override;
+    void sample_arrived(int index) override;
+    void sweep_completed() override { pace.ask(); }
+    void o2_layout_known(int mask, const QString& header) override;
+    void set_sensor_value(int sensor, const QString& this_value) override;
+
+    void connect_parts();
+    void restore_o2_picture();
+    void add_keys();
+    void choose_chart(int index);
+    void toggle_group(int index);
+    void choose_gauge(int index);
+    void swap_picture();
+    void mark();
+    void fill_gauges();
+
+    // One frame.
+    void draw();
+    void renew_pictures();
+    void show_page();
+    void show_chart_name();
+    void zoom();
+    bool has_samples() const;
+    QString empty_words() const;
+    QString missing_pids() const;
+
+    mac_toolies toolies;
+    live_results& results;
+    ::actions run_controller; // a widget has actions too
+    run_pictures pictures;
+    shown_samples shown;
+    QStringList shown_set; // the PIDs that `shown` counts
+    bool o2_as_picture = true;
+    bool ran = false; // since the mode was chosen
+
+    run_head head;
+    QWidget& gauges;
+    QStackedWidget& pages;
+    QLabel& empty_icon;
+    QLabel& empty_text;
+    elided_label& chart_name;
+    QToolButton& swap;
+    QToolButton& copy_picture;
+    QToolButton& save_picture;
+    chart_picture& chart;
+    o2_picture& o2;
+    QWidget& zoom_row;
+    QSlider& zoom_slider;
+    gauge_picture& gauge_1;
+    gauge_picture& gauge_2;
+    thumb_strip& thumbs;
+    picture_saver saver;
+    frame_pace pace;
+};

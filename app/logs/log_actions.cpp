@@ -1,0 +1,148 @@
+#include "app/logs/log_actions.h"
+
+#include "app/logs/plots_popup.h"
+#include "app/screen/report_popup.h"
+#include "logs/log_texts.h"
+#include "persistence/log_files.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QTextDocument>
+#include <QUrl>
+#include <algorithm>
+
+namespace {
+
+constexpr int slice_ms = 10;           // below a frame of the screen
+constexpr qsizetype most_reports = 20; // shown at once in the place of an export
+constexpr qsizetype most_plots = 8;    // windows opened at once
+
+} // namespace
+
+log_actions::log_actions(QWidget& its_screen, const view_context& its_context, manage_logsDB& its_manager)
+    : screen_widget(its_screen), context(its_context), manager(its_manager), strip(context.core) {}
+
+QString log_actions::title_of(const log_header& log) {
+    return QStringLiteral("%1, %2").arg(log.type, format_date_str(log.time_stamp));
+}
+
+void log_actions::view(const log_header& log) {
+    context.frame.pop_helpy(title_of(log), viewLog(context.core.db, log.id), QStringLiteral("empty.png"));
+}
+
+void log_actions::plot(const QList<log_header>& logs) {
+    QList<log_header> runs = logs;
+    runs.removeIf([](const log_header& log) { return !isSampledLog(log.type); });
+    if (runs.isEmpty())
+        return context.window.show_message(
+            QStringLiteral("Nothing to plot"),
+            QStringLiteral(
+                "Only live data runs can be drawn: Log, Fuel, O2 and Boost. View shows a report."));
+    for (const log_header& log : runs.first(std::min(runs.size(), most_plots)))
+        plot_this_log(screen_widget, context, log);
+}
+
+void log_actions::handle_export(const QList<log_header>& logs, bool as_txt) {
+    QList<int> runs;
+    QList<log_header> reports;
+    for (const log_header& log : logs) {
+        if (isSampledLog(log.type))
+            runs += log.id;
+        else
+            reports += log;
+    }
+    if (!is_deleting())
+        strip.start(runs, as_txt);
+    if (!reports.isEmpty())
+        show_reports(reports);
+}
+
+void log_actions::show_reports(const QList<log_header>& reports) {
+    QString html;
+    for (const log_header& log : reports.first(std::min(reports.size(), most_reports)))
+        html += (html.isEmpty() ? QString() : QStringLiteral("<hr>")) + report_html(context.core.db, log);
+    if (reports.size() > most_reports)
+        html += QStringLiteral("<hr>%1 more reports are selected. Select fewer to see them.")
+                    .arg(reports.size() - most_reports);
+    QTextDocument document;
+    document.setHtml(html);
+    const shared_text shared{QStringLiteral("report"), QStringLiteral("report"),
+                             [text = document.toPlainText()] { return text; }};
+    (new report_popup(screen_widget, context, QStringLiteral("DTC SDF"), html, shared))->open();
+}
+
+void log_actions::copy(const QList<log_header>& logs) {
+    if (logs.isEmpty())
+        return context.window.show_message(QString(), QStringLiteral("Item(s) must be selected to proceed"));
+    int missing = 0;
+    QList<QUrl> files;
+    for (const QString& file : manager.copied_files(logs, missing))
+        files += QUrl::fromLocalFile(file);
+    if (missing > 0)
+        context.window.show_message(
+            files.isEmpty() ? QStringLiteral("Nothing was copied") : QStringLiteral("Not all were copied"),
+            QStringLiteral("%1 of the selected logs have no file. Export writes the files of live data runs.")
+                .arg(missing));
+    if (files.isEmpty())
+        return;
+    auto* content = new QMimeData;
+    content->setUrls(files);
+    QGuiApplication::clipboard()->setMimeData(content);
+    context.window.show_status(QStringLiteral("Files on the clipboard: %1").arg(files.size()));
+}
+
+void log_actions::show_output_folder() {
+    const QString folder = manager.output_folder();
+    if (folder.isEmpty())
+        context.window.show_message(QString(), QStringLiteral("No exported files yet"));
+    else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        context.window.show_message(
+            QStringLiteral("The folder cannot be shown"),
+            QStringLiteral("No program for folders was found. It is %1.").arg(folder));
+}
+
+void log_actions::delete_logs(const QList<log_header>& logs) {
+    if (is_deleting() || strip.is_running())
+        return context.window.show_status(QStringLiteral("Wait until the work before is done; Esc stops it"));
+    manager.deleteItems(logs, [this, logs] {
+        QList<int> ids;
+        for (const log_header& log : logs)
+            ids += log.id;
+        manager.stop_loading(); // a list that is being read would hold the database
+        deletion = std::make_unique<log_deletion>(context.core.db, ids);
+        delete_slice();
+    });
+}
+
+void log_actions::delete_slice() {
+    QElapsedTimer spent;
+    spent.start();
+    bool more = true;
+    while (more && spent.elapsed() < slice_ms)
+        more = deletion->step();
+    if (!more)
+        return end_deletion();
+    context.window.show_status(
+        QStringLiteral("Deleting: %1 of %2").arg(deletion->deleted()).arg(deletion->asked()));
+    next_slice = context.core.clock.one_shot(0, [this] { delete_slice(); });
+    Q_EMIT deletion_changed();
+}
+
+void log_actions::end_deletion() {
+    next_slice.reset();
+    const auto ended = std::move(deletion);
+    if (ended->has_failed())
+        context.window.show_message(
+            QStringLiteral("%1 of %2 logs were deleted").arg(ended->deleted()).arg(ended->asked()),
+            context.core.db.problem());
+    Q_EMIT deletion_changed();
+}
+
+void log_actions::stop() {
+    strip.stop();
+    if (deletion)
+        end_deletion();
+}

@@ -1,0 +1,62 @@
+#include "app/logs/logs_model.h"
+
+#include "app/look/theme.h"
+#include "persistence/log_files.h"
+
+void logs_model::reload() {
+    beginResetModel();
+    shown_rows = static_cast<int>(manager.logs().size());
+    endResetModel();
+}
+
+void logs_model::append() {
+    const int rows = static_cast<int>(manager.logs().size());
+    if (rows <= shown_rows)
+        return;
+    beginInsertRows({}, shown_rows, rows - 1);
+    shown_rows = rows;
+    endInsertRows();
+}
+
+int logs_model::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : shown_rows;
+}
+
+int logs_model::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : column_count;
+}
+
+QVariant logs_model::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal)
+        return {};
+    if (role == Qt::TextAlignmentRole)
+        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    if (role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case number_column: return QStringLiteral("No");
+    case date_column: return QStringLiteral("Stored on");
+    case kind_column: return QStringLiteral("Kind");
+    case description_column: return QStringLiteral("Description");
+    default: return {};
+    }
+}
+
+QVariant logs_model::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= manager.logs().size())
+        return {};
+    if (role == Qt::TextAlignmentRole)
+        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole && role != Qt::ToolTipRole)
+        return {};
+    const log_header log = manager.log_at(index.row());
+    if (role == Qt::ToolTipRole)
+        return index.column() == description_column ? theme::plain_tool_tip(log.info.trimmed()) : QVariant();
+    switch (index.column()) {
+    case number_column: return QString::number(log.id);
+    case date_column: return format_date_str(log.time_stamp);
+    case kind_column: return log.type;
+    case description_column: return log.info.trimmed();
+    default: return {};
+    }
+}

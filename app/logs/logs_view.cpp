@@ -1,0 +1,284 @@
+#include "app/logs/logs_view.h"
+
+#include "app/logs/plots_popup.h"
+#include "app/look/table_copy.h"
+#include "base/string_table.h"
+#include "logs/log_texts.h"
+
+#include <QElapsedTimer>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <algorithm>
+
+namespace {
+
+constexpr int empty_icon_size = 32;
+constexpr int row_height = 34;
+constexpr int empty_page = 0;
+constexpr int table_page = 1;
+constexpr int rows_at_once = 100;
+constexpr int slice_ms = 10; // below a frame of the screen
+constexpr int preview_delay_ms = 150;
+
+} // namespace
+
+logs_view::logs_view(const view_context& its_context)
+    : screen_view(its_context, QStringLiteral("logsDB_view")),
+      toolies(context.core.state, context.core.defaults, context.core.db),
+      manager(context.core.state, context.core.db, context.core.paths, context.window), model(manager),
+      table(part<QTableView>("logs_table")), stack(part<QStackedWidget>("list_stack")),
+      count(part<QLabel>("count")), all_files(part<QCheckBox>("all_files")),
+      preview(part<QPlainTextEdit>("preview")), preview_plots(part<plot_preview>("preview_plots")),
+      stop_button(part<QPushButton>("stop")), progress(part<busy_bar>("progress")),
+      actions(*this, context, manager) {
+    part<QVBoxLayout>("export_place").addWidget(&actions.exports());
+    auto& split = part<QSplitter>("split");
+    split.setStretchFactor(0, 3);
+    split.setStretchFactor(1, 1);
+    stop_button.hide();
+    preview.setFrameShape(QFrame::NoFrame);
+    set_up_filters();
+    set_up_table();
+    connect_buttons();
+    begin_at(table);
+    // A moment later: first the screen is shown.
+    next_block = context.core.clock.one_shot(0, [this] { load(); });
+}
+
+// The widgets go last, and must not ask a manager that is gone.
+logs_view::~logs_view() {
+    table.setModel(nullptr);
+}
+
+void logs_view::set_up_filters() {
+    auto& row = part<QFrame>("kinds");
+    for (int kind = 0; kind < log_filter::kinds; ++kind) {
+        auto* button = new QPushButton(log_filter::name_of_kind(kind));
+        button->setObjectName(QStringLiteral("kind_%1").arg(kind));
+        button->setProperty("role", QStringLiteral("segment"));
+        button->setCheckable(true);
+        kinds.addButton(button, kind);
+        row.layout()->addWidget(button);
+    }
+    kinds.button(log_filter::all_kinds)->setChecked(true);
+    connect(&kinds, &QButtonGroup::idClicked, this, [this](int kind) {
+        manager.choose_kind(kind);
+        load();
+    });
+    auto& recency = part<QComboBox>("recency");
+    for (int place = 0; place < log_filter::recencies; ++place)
+        recency.addItem(log_filter::name_of_recency(place));
+    connect(&recency, &QComboBox::activated, this, [this](int place) {
+        manager.choose_recency(place);
+        load();
+    });
+}
+
+void logs_view::set_up_table() {
+    table.setModel(&model);
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table.verticalHeader()->setDefaultSectionSize(row_height);
+    table.horizontalHeader()->setStretchLastSection(true);
+    make_copyable(table);
+    table.installEventFilter(this);
+    connect(&table, &QTableView::doubleClicked, this, &logs_view::viewLog);
+    connect(table.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &logs_view::selection_changed);
+    connect(&all_files, &QCheckBox::clicked, this, [this](bool all) {
+        if (all)
+            table.selectAll();
+        else
+            table.clearSelection();
+    });
+}
+
+void logs_view::connect_buttons() {
+    const auto on_click = [this](const char* name, void (logs_view::*what)()) {
+        connect(&part<QPushButton>(name), &QPushButton::clicked, this, what);
+    };
+    on_click("view", &logs_view::viewLog);
+    on_click("plot", &logs_view::plotClicked);
+    on_click("copy", &logs_view::copyClicked);
+    connect(&preview_plots, &plot_preview::chosen, this, [this](int column) {
+        for (const log_header& log : selected())
+            plot_this_log(*this, context, log, column);
+    });
+    on_click("delete", &logs_view::deleteClicked);
+    on_click("stop", &logs_view::stop);
+    connect(&part<QPushButton>("output_folder"), &QPushButton::clicked, &actions,
+            &log_actions::show_output_folder);
+    connect(&actions, &log_actions::deletion_changed, this, &logs_view::show_deletion);
+    connect(&part<QPushButton>("open_prefs"), &QPushButton::clicked, this,
+            [this] { context.frame.go_to(screen_kind::preferences); });
+
+    auto& button = part<QPushButton>("export");
+    auto* menu = new QMenu(&button);
+    connect(menu->addAction(QStringLiteral("As CSV")), &QAction::triggered, this,
+            [this] { handle_export(false); });
+    connect(menu->addAction(QStringLiteral("As text")), &QAction::triggered, this,
+            [this] { handle_export(true); });
+    connect(&button, &QPushButton::clicked, menu,
+            [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+}
+
+// --- the list ----------------------------------------------------------------------------------------------
+
+void logs_view::load() {
+    if (actions.is_deleting())
+        return;
+    manager.loadLogs();
+    model.reload();
+    read_block();
+}
+
+// Rows for a moment; the rest when the event loop had its turn.
+void logs_view::read_block() {
+    QElapsedTimer spent;
+    spent.start();
+    bool more = manager.is_loading();
+    while (more && spent.elapsed() < slice_ms)
+        more = manager.load_more(rows_at_once);
+    model.append();
+    show_list();
+    if (more)
+        next_block = context.core.clock.one_shot(0, [this] { read_block(); });
+}
+
+void logs_view::show_list() {
+    const bool is_empty = model.rowCount() == 0;
+    stack.setCurrentIndex(is_empty ? empty_page : table_page);
+    count.setText(manager.count_text());
+    for (const char* button : {"view", "plot", "export", "copy", "delete"})
+        part<QPushButton>(button).setEnabled(!is_empty);
+    all_files.setEnabled(!is_empty);
+    part<QFrame>("preview_card").setVisible(!is_empty);
+    part<QLabel>("empty_text").setText(empty_words());
+    part<QPushButton>("open_prefs")
+        .setVisible(manager.total_no_of_logs() == 0 && !context.core.state.log_runs);
+    if (!is_empty && !table.currentIndex().isValid())
+        table.selectionModel()->setCurrentIndex(model.index(0, 0), QItemSelectionModel::ClearAndSelect |
+                                                                       QItemSelectionModel::Rows);
+    selection_changed();
+}
+
+QString logs_view::empty_words() const {
+    if (manager.is_loading())
+        return QStringLiteral("The list is being read ...");
+    if (manager.total_no_of_logs() > 0)
+        return QStringLiteral("No logs of this kind. Choose All to see the others.");
+    const QString name =
+        manager.vehicle_name().isEmpty() ? QStringLiteral("this vehicle") : manager.vehicle_name();
+    if (!context.core.state.log_runs)
+        return QStringLiteral(
+                   "No logs are stored for %1 yet: \u201cLog runs\u201d is off in the preferences.")
+            .arg(name);
+    return QStringLiteral(
+               "No logs are stored for %1 yet. What you read in Diagnostics and record in Live data will "
+               "stand here.")
+        .arg(name);
+}
+
+QList<log_header> logs_view::selected() const {
+    QModelIndexList rows = table.selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QList<log_header> logs;
+    logs.reserve(rows.size());
+    for (const QModelIndex& row : rows)
+        logs += manager.log_at(row.row());
+    return logs;
+}
+
+QList<log_header> logs_view::selected_or_told() const {
+    QList<log_header> logs = selected();
+    if (logs.isEmpty())
+        context.window.show_message(QString(), localised(QStringLiteral("DLG_ITEMS_MUST_B_SELECTED")));
+    return logs;
+}
+
+void logs_view::selection_changed() {
+    // Counted by ranges: all rows are one.
+    qsizetype rows = 0;
+    for (const QItemSelectionRange& range : table.selectionModel()->selection())
+        rows += range.height();
+    all_files.setChecked(rows > 0 && rows == model.rowCount());
+    next_preview = context.core.clock.one_shot(preview_delay_ms, [this] { show_preview(); });
+}
+
+void logs_view::show_preview() {
+    const QItemSelection selection = table.selectionModel()->selection();
+    const bool is_one = selection.size() == 1 && selection.first().height() == 1;
+    auto& caption = part<QLabel>("preview_caption");
+    preview_plots.show_log(context.core, std::nullopt);
+    if (!is_one) {
+        caption.setText(selection.isEmpty() ? QStringLiteral("Select a log to see what is in it.")
+                                            : QStringLiteral("Several logs are selected."));
+        return preview.clear();
+    }
+    const log_header log = manager.log_at(selection.first().top());
+    caption.setText(QStringLiteral("%1: %2").arg(log_actions::title_of(log), log.info.trimmed()));
+    const QString text = preview_of(toolies, log);
+    preview.setPlainText(text.isEmpty() ? QStringLiteral("This log holds no data.") : text);
+    if (isSampledLog(log.type))
+        preview_plots.show_log(context.core, log);
+}
+
+// --- what is done with the selected ones -------------------------------------------------------------------
+
+void logs_view::viewLog() {
+    const QList<log_header> logs = selected_or_told();
+    if (!logs.isEmpty())
+        actions.view(logs.first());
+}
+
+void logs_view::plotClicked() {
+    const QList<log_header> logs = selected_or_told();
+    if (!logs.isEmpty())
+        actions.plot(logs);
+}
+
+void logs_view::handle_export(bool as_txt) {
+    actions.handle_export(selected_or_told(), as_txt);
+}
+
+void logs_view::show_deletion() {
+    const bool runs = actions.is_deleting();
+    progress.set_running(runs);
+    progress.set_progress(actions.deleted(), actions.to_delete());
+    stop_button.setVisible(runs);
+    if (runs)
+        return;
+    load();
+    table.setFocus();
+}
+
+bool logs_view::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == &table && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            return viewLog(), true;
+        if (key == Qt::Key_Delete)
+            return deleteClicked(), true;
+    }
+    return screen_view::eventFilter(watched, event);
+}
+
+void logs_view::look_changed() {
+    const theme& look = context.frame.look();
+    part<QLabel>("empty_icon")
+        .setPixmap(look.enlarged(QStringLiteral("logs.png"), empty_icon_size, devicePixelRatioF()));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPointSizeF(font().pointSizeF() > 0 ? font().pointSizeF() : fixed.pointSizeF());
+    preview.setFont(fixed);
+    preview_plots.set_look(look);
+    const QFontMetrics metrics(table.font());
+    const auto wide_enough = [&](int column, const char* text) {
+        table.setColumnWidth(column, metrics.horizontalAdvance(QLatin1String(text)) + 4 * theme::step);
+    };
+    wide_enough(logs_model::number_column, "1000000");
+    wide_enough(logs_model::date_column, "30 Sep 2026 00:00");
+    wide_enough(logs_model::kind_column, "Veh_info MM");
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "app/logs/log_actions.h"
+#include "app/logs/logs_model.h"
+#include "app/look/busy_marks.h"
+#include "app/pictures/plot_preview.h"
+#include "app/screen/screen_view.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableView>
+
+// The log browser: the list with its two filters, a preview of the selected log, and what can be done with
+// the selected ones.
+class logs_view : public screen_view {
+    Q_OBJECT
+
+public:
+    explicit logs_view(const view_context& its_context);
+    ~logs_view() override;
+
+    void start() override { load(); }
+    void stop() override { actions.stop(); }
+    void look_changed() override;
+
+    void viewLog();
+    void plotClicked();
+    void handle_export(bool as_txt);
+    void copyClicked() { actions.copy(selected()); }
+    void deleteClicked() { actions.delete_logs(selected()); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void set_up_filters();
+    void set_up_table();
+    void connect_buttons();
+    void load();
+    void read_block();
+    void show_list();
+    QString empty_words() const;
+    QList<log_header> selected() const;
+    // The same, and a message when nothing is selected.
+    QList<log_header> selected_or_told() const;
+    void selection_changed();
+    void show_preview();
+    void show_deletion();
+
+    mac_toolies toolies;
+    manage_logsDB manager;
+    logs_model model;
+    QTableView& table;
+    QStackedWidget& stack;
+    QLabel& count;
+    QCheckBox& all_files;
+    QPlainTextEdit& preview;
+    plot_preview& preview_plots;
+    QPushButton& stop_button;
+    busy_bar& progress;
+    QButtonGroup kinds;
+    log_actions actions;
+
+    timer_handle next_block;
+    timer_handle next_preview;
+};

@@ -1,0 +1,249 @@
+#include "app/logs/plots_popup.h"
+
+#include "base/string_table.h"
+#include "persistence/log_files.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QShortcut>
+
+namespace {
+
+constexpr QSize first_size{1080, 680};
+constexpr QSize smallest_size{640, 440};
+constexpr int offset_of_next = 4 * theme::step;
+constexpr int longest_geometry = 4096;
+const QString geometry_key = QStringLiteral("BV_plot_geometry");
+
+QString grouped(qint64 number) {
+    return QLocale(QLocale::English).toString(number);
+}
+
+} // namespace
+
+plots_popup::plots_popup(QWidget& asked_by, const view_context& its_context, const log_header& log,
+                         int column)
+    : QWidget(asked_by.window(), Qt::Window), context(its_context), run(context.core, log),
+      heading(fill(QStringLiteral("Plot - %@ : %@"), {log.type, format_date_str(log.time_stamp)})),
+      shown{column, {}, -1}, root(context.loader.load_view(QStringLiteral("plotsPopup"), this)),
+      chart(part<plot_chart>("chart")), thumbs(part<thumb_strip>("thumbs")), pan(part<QScrollBar>("pan")),
+      zoom(part<QSlider>("zoom")), caption(part<elided_label>("caption")), times(part<QLabel>("times")),
+      saver(*this, context, export_file_name(log, false).section(u'.', 0, -2),
+            [this] { return &part<QWidget>("picture"); }),
+      progress(this, true), toast(this), pace([this] { draw(); }) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(heading);
+    setMinimumSize(smallest_size);
+    auto* room = new QVBoxLayout(this);
+    room->setContentsMargins(0, 0, 0, 0);
+    room->addWidget(root);
+    setPalette(context.frame.look().palette());
+    chart.set_up(run.pictures());
+    connect_parts();
+    add_share();
+    add_keys();
+    restore_place();
+    connect(&reading, &QTimer::timeout, this, &plots_popup::read_slice);
+    reading.start(0);
+    progress.show_text(QStringLiteral("The run is being read ..."));
+}
+
+void plots_popup::connect_parts() {
+    connect(&chart, &plot_chart::changed, &pace, &frame_pace::ask);
+    connect(&progress, &progress_overlay::stop_wanted, this, &plots_popup::escape);
+    connect(&pan, &QScrollBar::valueChanged, this, [this](int first) {
+        if (!filling)
+            chart.set_span(chart.span().moved(first - chart.span().first));
+    });
+    connect(&zoom, &QSlider::valueChanged, this, [this](int place) {
+        if (filling)
+            return;
+        const auto count = chart.span().count_at(static_cast<double>(place) / zoom.maximum());
+        chart.zoom_by(static_cast<double>(chart.span().count) / static_cast<double>(count));
+    });
+    constexpr double factor = 2;
+    connect(&part<QToolButton>("zoom_in"), &QToolButton::clicked, this, [this] { chart.zoom_by(factor); });
+    connect(&part<QToolButton>("zoom_out"), &QToolButton::clicked, this,
+            [this] { chart.zoom_by(1 / factor); });
+    connect(&part<QToolButton>("show_all"), &QToolButton::clicked, this,
+            [this] { chart.set_span(plot_span::all_of(run.rows())); });
+    connect(&thumbs, &thumb_strip::chart_chosen, this, [this](int index) {
+        shown.choose(index);
+        mark();
+    });
+    connect(&thumbs, &thumb_strip::group_toggled, this, [this](int index) {
+        shown.toggle(index);
+        mark();
+    });
+    connect(&saver, &picture_saver::done, &toast, &toast_overlay::show_text);
+    connect(&saver, &picture_saver::failed, &toast, &toast_overlay::show_text);
+}
+
+void plots_popup::add_share() {
+    auto& button = part<QPushButton>("share");
+    auto* menu = new QMenu(&button);
+    const auto add = [&](const QString& text, QKeySequence::StandardKey key, void (picture_saver::*what)()) {
+        QAction* action = menu->addAction(text);
+        action->setShortcut(key);
+        connect(action, &QAction::triggered, &saver, what);
+        addAction(action); // its key holds without the menu
+    };
+    add(QStringLiteral("Copy"), QKeySequence::Copy, &picture_saver::copy);
+    add(QStringLiteral("Save as PNG or PDF..."), QKeySequence::Save, &picture_saver::save);
+    add(QStringLiteral("Print..."), QKeySequence::Print, &picture_saver::print);
+    connect(&button, &QPushButton::clicked, menu,
+            [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, button.height()))); });
+}
+
+void plots_popup::add_keys() {
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &plots_popup::escape);
+    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
+}
+
+// Nothing here is worth keeping half: a run whose reading is stopped closes too.
+void plots_popup::escape() {
+    if (toast.isVisible())
+        toast.show_text(QString());
+    else
+        close();
+}
+
+// --- reading -----------------------------------------------------------------------------------------------
+
+void plots_popup::read_slice() {
+    const bool more = run.read_slice();
+    const qint64 announced = run.series().announced();
+    const QString read = grouped(run.rows());
+    progress.set_progress(run.rows(), announced);
+    progress.show_text(announced >= run.rows() && announced > 0
+                           ? QStringLiteral("Reading %1 of %2 sweeps").arg(read, grouped(announced))
+                           : QStringLiteral("Reading %1 sweeps").arg(read));
+    if (more)
+        return;
+    reading.stop();
+    run_is_read();
+}
+
+void plots_popup::run_is_read() {
+    const stored_series& series = run.series();
+    if (run.is_empty())
+        return progress.show_end(series.problem().isEmpty() ? QStringLiteral("This log holds no data.")
+                                                            : series.problem());
+    progress.hide();
+    thumbs.rebuild(run.pictures());
+    thumbs.set_look(context.frame.look());
+    chart.show_rows(run.rows());
+    mark();
+    chart.setFocus();
+    if (!series.problem().isEmpty())
+        toast.show_text(series.problem());
+    else if (series.is_cut())
+        toast.show_text(QStringLiteral("The run is longer than can be drawn: its first %1 sweeps are shown. "
+                                       "Export holds all of it.")
+                            .arg(grouped(run.rows())));
+}
+
+// --- one frame ---------------------------------------------------------------------------------------------
+
+void plots_popup::mark() {
+    thumbs.mark(shown);
+    chart.mark(shown);
+    pace.ask();
+}
+
+void plots_popup::draw() {
+    if (is_reading() || run.is_empty())
+        return;
+    const plot_span& span = chart.span();
+    const bool reads_moment = span.contains(chart.cursor());
+    if (reads_moment)
+        run.show_row(chart.cursor());
+    else
+        run.show_averages(span);
+    show_controls();
+    show_words();
+    chart.zoom(span.count, heading, span.end());
+    chart.set_stale();
+    chart.draw_new();
+    for (int index = 0; index < run.series().pids().size(); ++index)
+        thumbs.sample_arrived(index);
+    thumbs.draw_new();
+}
+
+void plots_popup::show_controls() {
+    filling = true;
+    const plot_span& span = chart.span();
+    pan.setRange(0, static_cast<int>(span.rows - span.count));
+    pan.setPageStep(static_cast<int>(span.count));
+    pan.setSingleStep(std::max(1, static_cast<int>(span.count / 20)));
+    pan.setValue(static_cast<int>(span.first));
+    zoom.setValue(qRound(span.slider() * zoom.maximum()));
+    part<QToolButton>("show_all").setEnabled(!span.is_all());
+    filling = false;
+}
+
+void plots_popup::show_words() {
+    const plot_span& span = chart.span();
+    const qsizetype row = chart.cursor();
+    if (span.contains(row)) {
+        const QString since = run.elapsed(0, row);
+        caption.set_text(QStringLiteral("Values of sweep %1").arg(grouped(row + 1)) +
+                         (since.isEmpty() ? QString() : QStringLiteral(", %1 after the start").arg(since)));
+        times.setText(run.time_of(row, true));
+    } else {
+        caption.set_text(
+            fill(QStringLiteral("Averages displayed - %d data points"), {QString::number(span.count)}));
+        const QString from = run.time_of(span.first, true);
+        const QString to = run.time_of(span.end() - 1, false);
+        times.setText(
+            from.isEmpty() || to.isEmpty()
+                ? QString()
+                : QStringLiteral("%1 to %2 (%3)").arg(from, to, run.elapsed(span.first, span.end() - 1)));
+    }
+}
+
+// --- the window itself -------------------------------------------------------------------------------------
+
+void plots_popup::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange) { // the window it belongs to has other colours now
+        setPalette(context.frame.look().palette());
+        thumbs.set_look(context.frame.look());
+    } else if (event->type() == QEvent::ActivationChange && isActiveWindow() && !is_reading() &&
+               run.take_over_units()) {
+        mark();
+    }
+}
+
+void plots_popup::closeEvent(QCloseEvent* event) {
+    reading.stop();
+    save_place();
+    event->accept();
+}
+
+void plots_popup::save_place() {
+    context.core.defaults.set(geometry_key, QString::fromLatin1(saveGeometry().toBase64()));
+}
+
+// A second window stands beside the first one, not on it.
+void plots_popup::restore_place() {
+    resize(first_size);
+    const QString stored = context.core.defaults.text(geometry_key, QString(), longest_geometry);
+    if (!stored.isEmpty())
+        restoreGeometry(QByteArray::fromBase64(stored.toLatin1()));
+    const auto others = parentWidget()->findChildren<plots_popup*>(QString(), Qt::FindDirectChildrenOnly);
+    const auto open = static_cast<int>(others.size()) - 1;
+    if (open > 0)
+        move(others.first()->pos() + QPoint(offset_of_next, offset_of_next) * open);
+}
+
+void plot_this_log(QWidget& asked_by, const view_context& context, const log_header& log, int column) {
+    try {
+        auto* window = new plots_popup(asked_by, context, log, column);
+        window->show();
+    } catch (const broken_view& problem) {
+        context.frame.tell(
+            {QStringLiteral("The plot cannot be shown"), QString::fromUtf8(problem.what()), {}, nullptr});
+    }
+}

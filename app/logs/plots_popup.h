@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/look/elided_label.h"
+#include "app/look/frame_pace.h"
+#include "app/look/progress_overlay.h"
+#include "app/look/toast_overlay.h"
+#include "app/pictures/plot_chart.h"
+#include "app/pictures/plotted_run.h"
+#include "app/pictures/thumb_strip.h"
+#include "app/screen/picture_saver.h"
+
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSlider>
+#include <QToolButton>
+
+// The window that draws a stored sampling run: the chart with a moment that can be read, and a thumbnail for
+// each PID. It reads the run while it is open already, goes with the window it was asked for from, and is
+// deleted when it is closed.
+class plots_popup : public QWidget {
+    Q_OBJECT
+
+public:
+    // Throws broken_view.
+    plots_popup(QWidget& asked_by, const view_context& its_context, const log_header& log, int column);
+
+    bool is_reading() const { return reading.isActive(); }
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    template <class T>
+    T& part(const char* name) {
+        return part_of<T>(*root, name);
+    }
+
+    void connect_parts();
+    void add_share();
+    void add_keys();
+    void read_slice();
+    void run_is_read();
+    void mark();
+    void escape();
+    void save_place();
+    void restore_place();
+
+    // One frame.
+    void draw();
+    void show_controls();
+    void show_words();
+
+    view_context context;
+    plotted_run run;
+    const QString heading;
+    shown_samples shown;
+    QWidget* root;
+    plot_chart& chart;
+    thumb_strip& thumbs;
+    QScrollBar& pan;
+    QSlider& zoom;
+    elided_label& caption;
+    QLabel& times;
+    picture_saver saver;
+    progress_overlay progress;
+    toast_overlay toast;
+    frame_pace pace;
+    QTimer reading;
+    bool filling = false; // the controls follow the chart
+};
+
+// Opens the window for a log, with that column of it as the chart; a window that cannot be shown is told on
+// the banner. It belongs to the window of `asked_by`.
+void plot_this_log(QWidget& asked_by, const view_context& context, const log_header& log, int column = 0);

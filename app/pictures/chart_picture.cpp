@@ -1,0 +1,61 @@
+#include "app/pictures/chart_picture.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace {
+constexpr double corner = 8;
+}
+
+chart_picture::chart_picture(QWidget* parent) : QWidget(parent) {
+    setAccessibleName(QStringLiteral("Chart"));
+}
+
+void chart_picture::set_up(const run_pictures& its_pictures) {
+    pictures = &its_pictures;
+    item.emplace(pictures->toolies);
+}
+
+void chart_picture::mark(const shown_samples& shown) {
+    item->use_this_pids(pictures->results.pid_logitems_list);
+    item->set_item_2_plot(shown.chart);
+    item->updateNoOfPlots(shown.group);
+    stale = true;
+}
+
+void chart_picture::zoom(qsizetype points, const QString& its_title, qsizetype end) {
+    if (points == shown_points && end == shown_end && its_title == title)
+        return;
+    item->setNumberPointsToPlot(points);
+    item->plot_up_to(end);
+    shown_points = points;
+    shown_end = end;
+    title = its_title;
+    stale = true;
+}
+
+void chart_picture::draw_new() {
+    if (stale && isVisible())
+        update();
+}
+
+void chart_picture::draw_chart(double ratio) {
+    item->initWitdim(size(), objectName(), ratio);
+    item->update_cur_sample(pictures->value_texts);
+    item->draw_grid(pictures->labels, title);
+    item->plot_array_list(pictures->results.cur_log_points, pictures->labels);
+    setAccessibleDescription(item->in_words(pictures->labels));
+}
+
+void chart_picture::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double ratio = painter.device()->devicePixelRatioF();
+    if (stale || item->imageRepresentation().devicePixelRatio() != ratio)
+        draw_chart(ratio);
+    stale = false;
+    QPainterPath round;
+    round.addRoundedRect(rect(), corner, corner);
+    painter.setClipPath(round);
+    painter.drawImage(QPointF(0, 0), item->imageRepresentation());
+}

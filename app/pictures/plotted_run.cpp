@@ -1,0 +1,116 @@
+#include "app/pictures/plotted_run.h"
+
+#include "base/shared_types.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+
+namespace {
+
+constexpr int slice_ms = 12; // below a frame of the screen
+constexpr int lines_at_once = 500;
+constexpr int decimals = 2;
+
+QString number_text(double value, const QString& units) {
+    if (std::isnan(value))
+        return no_reply;
+    const QString number = QString::number(value, 'f', decimals);
+    return units == not_available ? number : number + u' ' + units.trimmed();
+}
+
+} // namespace
+
+plotted_run::plotted_run(program_core& core, const log_header& log, qsizetype most_rows)
+    : toolies(core.toolies),
+      results([&core](const QString& body) { return number_of_value(body, core.toolies); }),
+      reader(core.db, log, results.cur_log_points, most_rows), shown{results, toolies, {}, {}, false},
+      units(toolies.units()), by_standard(toolies.standard_reading()) {}
+
+bool plotted_run::read_slice() {
+    QElapsedTimer spent;
+    spent.start();
+    bool more = true;
+    while (more && spent.elapsed() < slice_ms)
+        more = reader.step(lines_at_once);
+    if (!more)
+        list_columns();
+    return more;
+}
+
+// A row for each column, in the order of the stored lines.
+void plotted_run::list_columns() {
+    results.these_samples.clear();
+    results.pid_logitems_list = reader.pids();
+    drawChartyItem item(toolies);
+    item.use_this_pids(results.pid_logitems_list);
+    shown.labels = item.work_out_labels(results.cur_log_points);
+    for (int column = 0; column < reader.pids().size(); ++column) {
+        sample_row row;
+        row.item = row.pid = reader.pids().at(column);
+        chart_label& label = shown.labels[column];
+        if (row.pid.isEmpty())
+            label.name = QStringLiteral("Column %1, no values").arg(column + 1);
+        row.name = label.name;
+        row.units = label.unit;
+        row.other_value = read_value(results.cur_log_points.body(rows() - 1, column), toolies).other;
+        if (label.minimum.toDouble() <= label.maximum.toDouble()) {
+            row.min = label.minimum;
+            row.max = label.maximum;
+        }
+        results.these_samples += row;
+    }
+}
+
+void plotted_run::show_values(const std::function<double(int column)>& value_of) {
+    shown.value_texts.clear();
+    for (int column = 0; column < results.these_samples.size(); ++column) {
+        sample_row& row = results.these_samples[column];
+        row.latest = value_of(column);
+        row.value = number_text(row.latest, row.units);
+        shown.value_texts += row.value;
+    }
+}
+
+void plotted_run::show_averages(const plot_span& span) {
+    show_values([&](int column) {
+        return reader.averages().average(results.cur_log_points, column, span.first, span.end());
+    });
+}
+
+void plotted_run::show_row(qsizetype row) {
+    show_values([&](int column) { return results.cur_log_points.value(row, column); });
+}
+
+bool plotted_run::take_over_units() {
+    if (units == toolies.units() && by_standard == toolies.standard_reading())
+        return false;
+    units = toolies.units();
+    by_standard = toolies.standard_reading();
+    results.cur_log_points.units_changed();
+    reader.count_again();
+    list_columns();
+    return true;
+}
+
+QString plotted_run::time_of(qsizetype row, bool with_date) const {
+    const qint64 seconds = row >= 0 && row < rows() ? reader.times()[static_cast<size_t>(row)] : -1;
+    if (seconds < 0)
+        return {};
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(seconds);
+    return QLocale::c().toString(local, with_date ? QStringLiteral("d MMM yyyy HH:mm:ss")
+                                                  : QStringLiteral("HH:mm:ss"));
+}
+
+QString plotted_run::elapsed(qsizetype from, qsizetype to) const {
+    if (from < 0 || to < from || to >= rows())
+        return {};
+    const qint64 begin = reader.times()[static_cast<size_t>(from)];
+    const qint64 end = reader.times()[static_cast<size_t>(to)];
+    if (begin < 0 || end < begin)
+        return {};
+    const qint64 seconds = end - begin;
+    return QStringLiteral("%1:%2:%3")
+        .arg(seconds / 3600, 2, 10, QLatin1Char('0'))
+        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}

@@ -1,0 +1,217 @@
+#include "app/pictures/thumbnail.h"
+
+#include "charts/axis_values.h"
+#include "obd/toolkit/mac_toolies.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace {
+
+constexpr int foot_height = 24;
+constexpr int mark_size = 12;
+constexpr double corner = 8;
+
+QString shortened(const QString& number) {
+    bool is_number = false;
+    const double value = number.toDouble(&is_number);
+    return is_number ? short_number(value) : QString();
+}
+
+} // namespace
+
+QString extremes_of(const sample_row& row) {
+    const QString least = shortened(row.min);
+    return least.isEmpty() ? QString() : QStringLiteral("min %1  max %2").arg(least, shortened(row.max));
+}
+
+void shown_samples::choose(int index) {
+    chart = index;
+    group.clear();
+}
+
+void shown_samples::toggle(int index) {
+    if (!is_group())
+        group = {chart};
+    if (group.erase(index) == 0)
+        group.insert(index);
+    if (group.empty())
+        return choose(index);
+    if (group.count(chart) == 0)
+        chart = *group.begin();
+    if (!is_group())
+        choose(chart);
+}
+
+thumbnail::thumbnail(const run_pictures& its_pictures, int its_index, QWidget* parent)
+    : QAbstractButton(parent), pictures(its_pictures), index(its_index), item(its_pictures.toolies) {
+    setFixedSize(whole_size);
+    setFocusPolicy(Qt::ClickFocus);
+    setCursor(Qt::PointingHandCursor);
+    item.setThumbnail(true);
+    item.set_item_2_plot(index);
+    item.use_this_pids(pictures.results.pid_logitems_list);
+    setObjectName(QStringLiteral("thumb_%1").arg(row().pid));
+    setAccessibleName(row().name);
+    connect(this, &QAbstractButton::clicked, this, &thumbnail::chart_chosen); // by assistive technology
+    tell_other_reading();
+}
+
+QString thumbnail::other_reading() const {
+    if (row().other_value.isEmpty())
+        return {};
+    return (pictures.toolies.standard_reading() ? QStringLiteral("The program's own reading: ")
+                                                : QStringLiteral("By SAE J1979: ")) +
+           row().other_value;
+}
+
+void thumbnail::tell_other_reading() {
+    QStringList lines{row().name, other_reading(),
+                      QStringLiteral("Click: large chart. Ctrl+click: together with the others chosen so.") +
+                          (pictures.has_gauges ? QStringLiteral(" Right click: second gauge.") : QString())};
+    lines.removeAll(QString());
+    setToolTip(theme::plain_tool_tip(lines.join(u'\n')));
+}
+
+void thumbnail::set_look(const theme& its_look) {
+    look = its_look;
+    update();
+}
+
+void thumbnail::mark(const shown_samples& shown) {
+    charted = shown.in_chart(index);
+    on_gauge_2 = shown.gauge_2 == index;
+    setFocusPolicy(index == shown.chart ? Qt::StrongFocus
+                                        : Qt::ClickFocus); // one stop of the Tab key for all
+    stale = true;
+    update();
+}
+
+void thumbnail::draw_new() {
+    if (stale && !visibleRegion().isEmpty())
+        update();
+}
+
+// --- the picture -------------------------------------------------------------------------------------------
+
+void thumbnail::draw_chart(double ratio) {
+    const QSize room(width(), height() - foot_height);
+    item.initWitdim(room, objectName(), ratio);
+    item.set_thumb_selected(charted);
+    item.update_cur_sample(pictures.value_texts);
+    item.draw_grid(pictures.labels, row().name);
+    item.plot_array_list(pictures.results.cur_log_points, pictures.labels);
+}
+
+QRect thumbnail::menu_place() const {
+    return {width() - foot_height - 4, height() - foot_height, foot_height + 4, foot_height};
+}
+
+void thumbnail::draw_foot(QPainter& painter) {
+    QFont small = font();
+    small.setPixelSize(std::max(11, qRound(QFontInfo(small).pixelSize() * 0.85)));
+    painter.setFont(small);
+    painter.setPen(look.muted);
+    const QRect foot(4, height() - foot_height, width() - 8, foot_height);
+    painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, extremes_of(row()));
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look.muted);
+    const QPointF middle = QRectF(menu_place()).center();
+    for (const int dot : {-1, 0, 1})
+        painter.drawEllipse(middle + QPointF(5 * dot, 0), 1.5, 1.5);
+
+    if (!row().other_value.isEmpty()) {
+        painter.setPen(look.muted);
+        painter.drawText(menu_place().translated(-3 * mark_size - 1, 0), Qt::AlignCenter,
+                         QStringLiteral("\u2260"));
+    }
+    if (!on_gauge_2)
+        return;
+    const QRectF dial(menu_place().left() - mark_size - 4, middle.y() - mark_size / 2.0, mark_size,
+                      mark_size);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(look.accent, 1.8, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(dial, -40 * 16, 260 * 16);
+    painter.drawLine(dial.center(), dial.center() + QPointF(3, -3.5));
+}
+
+void thumbnail::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double ratio = painter.device()->devicePixelRatioF();
+    if (stale || item.imageRepresentation().devicePixelRatio() != ratio)
+        draw_chart(ratio);
+    stale = false;
+    QPainterPath round;
+    round.addRoundedRect(QRectF(0, 0, width(), height() - foot_height), corner, corner);
+    painter.save();
+    painter.setClipPath(round);
+    painter.drawImage(QPointF(0, 0), item.imageRepresentation());
+    painter.restore();
+    draw_foot(painter);
+    if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(look.accent, 2));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), corner, corner);
+    }
+    tell_other_reading();
+    setAccessibleDescription(
+        QStringList{row().value, extremes_of(row()), other_reading()}.join(u' ').trimmed());
+}
+
+// --- mouse and keys ----------------------------------------------------------------------------------------
+
+void thumbnail::show_menu(const QPoint& at) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(menu->addAction(QStringLiteral("Large chart\tEnter")), &QAction::triggered, this,
+            &thumbnail::chart_chosen);
+    connect(menu->addAction(charted ? QStringLiteral("Out of the group\tCtrl+Enter")
+                                    : QStringLiteral("Into the group\tCtrl+Enter")),
+            &QAction::triggered, this, &thumbnail::group_toggled);
+    if (pictures.has_gauges)
+        connect(menu->addAction(QStringLiteral("Second gauge\tG")), &QAction::triggered, this,
+                &thumbnail::gauge_chosen);
+    menu->popup(at);
+}
+
+void thumbnail::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton)
+        return; // the right one comes as contextMenuEvent
+    if (menu_place().contains(event->position().toPoint()))
+        show_menu(mapToGlobal(menu_place().topLeft()));
+    else if (event->modifiers() & Qt::ControlModifier)
+        Q_EMIT group_toggled();
+    else
+        Q_EMIT chart_chosen();
+}
+
+void thumbnail::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Mouse && pictures.has_gauges)
+        Q_EMIT gauge_chosen();
+    else if (event->reason() == QContextMenuEvent::Mouse)
+        show_menu(event->globalPos());
+    else
+        show_menu(mapToGlobal(rect().center()));
+}
+
+void thumbnail::keyPressEvent(QKeyEvent* event) {
+    const bool with_ctrl = event->modifiers() & Qt::ControlModifier;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        if (with_ctrl)
+            Q_EMIT group_toggled();
+        else
+            Q_EMIT chart_chosen();
+        return;
+    case Qt::Key_G: return Q_EMIT gauge_chosen();
+    case Qt::Key_Left: return Q_EMIT neighbour_wanted(-1);
+    case Qt::Key_Right: return Q_EMIT neighbour_wanted(1);
+    default: QAbstractButton::keyPressEvent(event);
+    }
+}

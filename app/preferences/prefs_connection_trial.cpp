@@ -1,0 +1,180 @@
+#include "app/preferences/prefs_connection_trial.h"
+
+#include "app/screen/link_report.h"
+
+namespace {
+constexpr int mark_size = 20;
+}
+
+prefs_connection_trial::prefs_connection_trial(QWidget& view, const view_context& its_context,
+                                               mac_toolies& its_toolies)
+    : context(its_context), toolies(its_toolies),
+      controller_(context.core.state, context.delegate, toolies, *this, context.core.diagnostics,
+                  context.core.paths),
+      start_button(part_of<QPushButton>(view, "test_start")),
+      stop_button(part_of<QPushButton>(view, "test_stop")),
+      progress(part_of<busy_bar>(view, "test_progress")), result(part_of<QWidget>(view, "test_result")),
+      mark(part_of<QLabel>(view, "test_mark")), title_label(part_of<QLabel>(view, "test_title")),
+      text_label(part_of<QLabel>(view, "test_text")) {
+    for (QLabel* label : {&title_label, &text_label})
+        label->setTextFormat(Qt::PlainText); // texts of the adapter and the car
+    stop_button.hide();
+    result.hide();
+    connect(&stop_button, &QPushButton::clicked, this, &prefs_connection_trial::stop);
+    connect(&context.delegate, &adapter_link::condition_changed, this,
+            &prefs_connection_trial::note_progress);
+    controller_.operation_ended = [this](bool done) { ended(done); };
+}
+
+prefs_connection_trial::~prefs_connection_trial() {
+    if (is_running())
+        stop();
+}
+
+void prefs_connection_trial::start() {
+    if (is_running())
+        return;
+    process_state& state = context.core.state;
+    far = reached::nothing;
+    was_stopped = false;
+    is_another_car = false;
+    told.clear();
+    show_running(
+        QStringLiteral("Asking the adapter and the car who they are. Older cars may need half a minute."));
+    // Also on a link that is open already the adapter and the car are to answer now.
+    state.adapter_ready = false;
+    state.adapter_known = false;
+    known_before = std::exchange(state.available_pids, {});
+    note_progress();
+    controller_.read_link_info();
+}
+
+void prefs_connection_trial::stop() {
+    was_stopped = true;
+    controller_.stop();
+}
+
+void prefs_connection_trial::forget() {
+    if (is_running())
+        stop();
+    else
+        result.hide();
+}
+
+void prefs_connection_trial::look_changed() {
+    const QString file = is_good ? QStringLiteral("ok_pic.png") : QStringLiteral("not_ok.png");
+    mark.setPixmap(context.frame.look().icon(file).pixmap(mark_size));
+}
+
+void prefs_connection_trial::note_progress() {
+    if (!context.delegate.is_connected())
+        return;
+    far = std::max(far, context.core.state.adapter_known ? reached::adapter : reached::link);
+}
+
+void prefs_connection_trial::ended(bool done) {
+    process_state& state = context.core.state;
+    if (done && !state.available_pids.isEmpty())
+        far = reached::car;
+    else if (state.available_pids.isEmpty())
+        state.available_pids = known_before; // a silent car takes nothing away
+    is_good = far == reached::car;
+    if (is_good)
+        show_result(QStringLiteral("Adapter and car answer"),
+                    report_link(context.delegate, state, toolies, false).details);
+    else if (was_stopped)
+        show_result(QStringLiteral("Stopped"), QStringLiteral("The test did not reach its end."));
+    else
+        show_failure();
+    context.window.show_status(title_label.text());
+    Q_EMIT finished();
+}
+
+void prefs_connection_trial::show_failure() {
+    const QString adapter = QStringLiteral("Adapter: %1\n").arg(context.core.state.interface_description);
+    if (is_another_car)
+        return show_result(
+            QStringLiteral("Another car answers"),
+            adapter + QStringLiteral("It reports other values than the current vehicle. Add or choose "
+                                     "the right vehicle on the Vehicles tab, then test again."));
+    switch (far) {
+    case reached::nothing:
+        return show_result(QStringLiteral("No link"),
+                           has_no_device()
+                               ? QStringLiteral("No Bluetooth device is chosen. Change... above lists them.")
+                               : told);
+    case reached::link:
+        return show_result(
+            QStringLiteral("There is a link, but no adapter answers"),
+            QStringLiteral("A wrong address or port, another program or phone that holds the adapter, "
+                           "or it has hung. Unplug it for ten seconds, plug it in and test again."));
+    default:
+        return show_result(QStringLiteral("The adapter answers, the car does not"),
+                           adapter +
+                               QStringLiteral("Turn the ignition on (the engine may stay off), press the "
+                                              "adapter firmly into its socket, wait five seconds and test "
+                                              "again."));
+    }
+}
+
+bool prefs_connection_trial::has_no_device() const {
+    const process_state& state = context.core.state;
+    return state.interface_kind == interface_bluetooth && state.bt_address.isEmpty();
+}
+
+void prefs_connection_trial::show_running(const QString& text) {
+    show_result(QStringLiteral("Testing"), text);
+    mark.hide();
+}
+
+void prefs_connection_trial::show_result(const QString& title, const QString& text) {
+    title_label.setText(title);
+    text_label.setText(text);
+    text_label.setVisible(!text.isEmpty());
+    mark.setVisible(true);
+    look_changed();
+    result.show();
+}
+
+// --- what the controller tells -----------------------------------------------------------------------------
+
+void prefs_connection_trial::show_status(const QString& text) {
+    context.window.show_status(text);
+    note_progress();
+    if (is_running() && !text.isEmpty())
+        told = text;
+}
+
+// Why a link never came is told as a toast when the operation is over already.
+void prefs_connection_trial::show_toast(const QString& text) {
+    if (text.isEmpty() || was_stopped)
+        return;
+    told = text;
+    if (is_running())
+        show_running(text.simplified());
+    else if (far == reached::nothing)
+        text_label.setText(text);
+}
+
+void prefs_connection_trial::show_busy(bool busy) {
+    const bool had_focus = busy ? start_button.hasFocus() : stop_button.hasFocus();
+    start_button.setVisible(!busy);
+    stop_button.setVisible(busy);
+    if (had_focus)
+        (busy ? stop_button : start_button).setFocus();
+    progress.set_running(busy);
+    context.window.show_busy(busy);
+}
+
+// Why the car did not answer is said with the result.
+void prefs_connection_trial::show_message(const QString&, const QString& text) {
+    told = text;
+}
+
+void prefs_connection_trial::ask_yes_no(const QString& title, const QString& text,
+                                        std::function<void(bool)> answer) {
+    context.window.ask_yes_no(title, text, [this, answer = std::move(answer)](bool yes) {
+        is_another_car = !yes;
+        answer(yes);
+    });
+}

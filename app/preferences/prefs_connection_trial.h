@@ -1,0 +1,71 @@
+#pragma once
+
+#include "app/look/busy_marks.h"
+#include "app/screen/screen_view.h"
+#include "diagnostics/readCodes.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+// "Test connection": sets the adapter up on the chosen link, and says what answered, or which of link,
+// adapter and car did not. What the controller tells meanwhile stands beside the button instead of on the
+// banner.
+class prefs_connection_trial : public QObject, private ::screen {
+    Q_OBJECT
+
+public:
+    // `view` holds the parts "test_start", "test_stop", "test_progress", "test_result", "test_mark",
+    // "test_title" and "test_text"; throws broken_view when one is missing.
+    prefs_connection_trial(QWidget& view, const view_context& its_context, mac_toolies& its_toolies);
+    ~prefs_connection_trial() override;
+
+    void start();
+    void stop();
+    // Another link is chosen: stops the test, and takes back what one before has told.
+    void forget();
+    bool is_running() const { return controller_.is_running(); }
+    task_controller& controller() { return controller_; }
+    void look_changed();
+
+Q_SIGNALS:
+    void finished();
+
+private:
+    // How far the test has come.
+    enum class reached { nothing, link, adapter, car };
+
+    // screen
+    void show_status(const QString& text) override;
+    void show_toast(const QString& text) override;
+    void show_busy(bool busy) override;
+    void show_message(const QString& title, const QString& text) override;
+    void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    void reload(const QString& list) override { context.window.reload(list); }
+    void play_sound(int sound) override { context.window.play_sound(sound); }
+    void beep() override { context.window.beep(); }
+
+    void note_progress();
+    void ended(bool done);
+    void show_result(const QString& title, const QString& text);
+    void show_failure();
+    bool has_no_device() const;
+    void show_running(const QString& text);
+
+    view_context context;
+    mac_toolies& toolies;
+    readCodes controller_;
+    reached far = reached::nothing;
+    bool was_stopped = false;
+    bool is_another_car = false;
+    bool is_good = false;
+    QString told; // by the controller, last
+    obd_groups known_before;
+
+    QPushButton& start_button;
+    QPushButton& stop_button;
+    busy_bar& progress;
+    QWidget& result;
+    QLabel& mark;
+    QLabel& title_label;
+    QLabel& text_label;
+};

@@ -1,0 +1,180 @@
+#include "app/preferences/prefs_vehicles.h"
+
+#include "app/look/rounded_picture.h"
+#include "base/string_table.h"
+
+#include <QHeaderView>
+
+#include <algorithm>
+
+namespace {
+constexpr QSize photo_size{270, 152};
+}
+
+prefs_vehicles::prefs_vehicles(QWidget& its_view, const view_context& its_context, mac_toolies& its_toolies)
+    : context(its_context), list(context.core.state, context.core.defaults, its_toolies),
+      rows(list, context.core.db), delegate(context.frame.look()), view(its_view),
+      table(part_of<QTableView>(view, "vehicle_table")), photo(part_of<QLabel>(view, "vehicle_photo")),
+      name(part_of<QLabel>(view, "vehicle_shown_name")), facts(part_of<QLabel>(view, "vehicle_facts")),
+      knowledge(part_of<QLabel>(view, "vehicle_knowledge")),
+      use_button(part_of<QPushButton>(view, "vehicle_use")),
+      edit_button(part_of<QPushButton>(view, "vehicle_edit")),
+      delete_button(part_of<QPushButton>(view, "vehicle_delete")) {
+    table.setModel(&rows);
+    table.setItemDelegate(&delegate);
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table.verticalHeader()->setDefaultSectionSize(vehicle_delegate::row_height);
+    photo.setFixedSize(photo_size);
+    for (QLabel* label : {&name, &facts, &knowledge})
+        label->setTextFormat(Qt::PlainText);
+    use_button.setText(localised(QStringLiteral("LBL_SET_AS_CUR_VEH")));
+    connect(table.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &prefs_vehicles::show_selected);
+    connect(&table, &QTableView::activated, this, [this] { edit_button.click(); });
+    connect(&part_of<QPushButton>(view, "vehicle_add"), &QPushButton::clicked, this,
+            [this] { pop_4_car_data(vehicle()); });
+    connect(&edit_button, &QPushButton::clicked, this, [this] {
+        if (const vehicle* one = selected())
+            pop_4_car_data(*one);
+    });
+    connect(&delete_button, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
+    connect(&use_button, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
+    load_vehicles();
+    select(context.core.state.cur_veh_id);
+}
+
+// The table outlives the model and the delegate.
+prefs_vehicles::~prefs_vehicles() {
+    table.selectionModel()->disconnect(this);
+    table.disconnect(this);
+    table.setItemDelegate(nullptr);
+}
+
+void prefs_vehicles::load_vehicles() {
+    const vehicle* before = selected();
+    const int id = before ? before->id : -1;
+    rows.reload();
+    select(id);
+}
+
+const vehicle* prefs_vehicles::selected() const {
+    const QModelIndexList chosen = table.selectionModel()->selectedRows();
+    return chosen.isEmpty() ? nullptr : rows.at(chosen.first());
+}
+
+void prefs_vehicles::select(int veh_id) {
+    table.clearSelection();
+    for (int row = 0; row < rows.rowCount(); ++row) {
+        if (rows.at(rows.index(row))->id == veh_id)
+            table.selectRow(row);
+    }
+    show_selected();
+}
+
+// --- what the person does ----------------------------------------------------------------------------------
+
+void prefs_vehicles::pop_4_car_data(const vehicle& prevVals) {
+    const QImage present = prevVals.id < 0 ? QImage() : rows.photo_of(prevVals.id);
+    auto* dialog = new vehicle_dialog(view, context, list, prevVals, present);
+    connect(dialog, &vehicle_dialog::stored, this, &prefs_vehicles::stored);
+    dialog->open();
+}
+
+void prefs_vehicles::stored(int veh_id, int mode) {
+    rows.reload();
+    select(mode == vehicle_dialog::add ? -1 : veh_id);
+    if (list.is_current(veh_id))
+        context.delegate.show_current_vehicle();
+}
+
+void prefs_vehicles::deleteCar() {
+    const vehicle* one = selected();
+    if (!one)
+        return;
+    if (rows.rowCount() == 1)
+        return context.window.show_toast(localised(QStringLiteral("TOAST_CANNOT_DELETE_VEH_ITEM")));
+    const QString question =
+        fill(QStringLiteral("%@ %@(%@)?"),
+             {localised(QStringLiteral("LBL_DELETE")), localised(QStringLiteral("LBL_VEHICLE")), one->name});
+    context.frame.ask(question, localised(QStringLiteral("DLG_DEL_VEHICLE")),
+                      {QStringLiteral("YES"), QStringLiteral("NO")}, [this, id = one->id](bool yes) {
+                          if (yes)
+                              delete_now(id);
+                      });
+}
+
+void prefs_vehicles::delete_now(int veh_id) {
+    const int current_before = context.core.state.cur_veh_id;
+    if (list.is_current(veh_id))
+        Q_EMIT about_to_change();
+    const QString problem = list.deleteCar(veh_id);
+    rows.reload();
+    const bool changed = context.core.state.cur_veh_id != current_before;
+    select(changed ? context.core.state.cur_veh_id : -1);
+    if (changed) {
+        context.delegate.show_current_vehicle();
+        Q_EMIT current_changed();
+    }
+    tell(problem);
+}
+
+void prefs_vehicles::setCurrentCar() {
+    const vehicle* one = selected();
+    if (!one)
+        return;
+    Q_EMIT about_to_change();
+    const QString problem = list.setCurrentCar(one->id);
+    load_vehicles();
+    context.delegate.show_current_vehicle();
+    Q_EMIT current_changed();
+    tell(problem);
+}
+
+void prefs_vehicles::tell(const QString& problem) {
+    if (!problem.isEmpty())
+        context.frame.tell({QString(), problem, {}, nullptr});
+}
+
+// --- what is shown -----------------------------------------------------------------------------------------
+
+QString prefs_vehicles::knowledge_of(const vehicle& one) const {
+    const obd_groups ecus = grab_pids_available(context.core.db, one.id);
+    qsizetype values = 0;
+    for (const obd_group& ecu : ecus)
+        values += ecu.pidSet.size();
+    const QString read = ecus.isEmpty()
+                             ? QStringLiteral("Not read yet.")
+                             : QStringLiteral("Reports %1 PIDs, ECUs: %2.").arg(values).arg(ecus.size());
+    const int logs = list.count_of_logs(one.id);
+    return read + QStringLiteral("\nStored logs: %1.")
+                      .arg(logs == 0 ? QStringLiteral("none") : QString::number(logs));
+}
+
+void prefs_vehicles::show_selected() {
+    const vehicle* one = selected();
+    for (QPushButton* button : {&edit_button, &delete_button})
+        button->setEnabled(one);
+    use_button.setEnabled(one && !list.is_current(one->id));
+    use_button.setToolTip(one && list.is_current(one->id) ? QStringLiteral("This is the current vehicle")
+                                                          : QString());
+    for (QWidget* part :
+         {static_cast<QWidget*>(&photo), static_cast<QWidget*>(&facts), static_cast<QWidget*>(&knowledge)})
+        part->setVisible(one);
+    if (!one) {
+        const QString problem = context.core.db.problem();
+        name.setText(rows.rowCount() > 0 ? QStringLiteral("Select a vehicle to change it.")
+                                         : QStringLiteral("No vehicles can be read. %1").arg(problem));
+        theme::mark(name, "role", QStringLiteral("muted"));
+        return;
+    }
+    theme::mark(name, "role", QStringLiteral("heading"));
+    name.setText(one->name);
+    facts.setText(vehicle_rows::facts_of(*one));
+    knowledge.setText(knowledge_of(*one));
+    photo.setPixmap(rounded_picture(rows.photo_of(one->id), photo_size, photo.devicePixelRatioF()));
+}
+
+void prefs_vehicles::look_changed() {
+    table.viewport()->update();
+    show_selected();
+}

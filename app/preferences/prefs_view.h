@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/preferences/prefs_connection_trial.h"
+#include "app/preferences/prefs_vehicles.h"
+#include "app/screen/pid_chooser.h"
+#include "shell/preferences.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTabWidget>
+
+// The preferences screen. What is changed is stored at once; what is typed wrongly is told beside the field,
+// and the value before it stays.
+class prefs_view : public screen_view {
+    Q_OBJECT
+
+public:
+    explicit prefs_view(const view_context& its_context);
+
+    task_controller* controller() override { return &connection.controller(); }
+    // F5 tests the connection, Esc stops the test.
+    void start() override { test_connection(); }
+    void stop() override;
+    void save() override { savePrefs(); }
+    void look_changed() override;
+
+private:
+    void connect_fields();
+    void connect_tabs();
+    void test_connection();
+    void setPrefsScreen();
+    void savePrefs();
+    void setDefaultsClicked();
+    void handle_interface();
+    void show_device();
+    void show_problems();
+    void tell_unless(bool written);
+    general_settings chosen() const;
+
+    mac_toolies toolies;
+    preferences settings;
+    bool filling = false;
+
+    QTabWidget& tabs;
+    QRadioButton& bluetooth;
+    QRadioButton& wifi;
+    QWidget& wifi_pane;
+    QWidget& bluetooth_pane;
+    QLabel& run_note;
+    QLineEdit& address;
+    QLabel& address_problem;
+    QLineEdit& port;
+    QLabel& port_problem;
+    QCheckBox& metric_units;
+    QCheckBox& log_runs;
+    QCheckBox& time_stamps;
+    QComboBox& sample_rate;
+    QCheckBox& standard_reading;
+
+    prefs_connection_trial connection;
+    pid_chooser& pids;
+    prefs_vehicles vehicles;
+};

@@ -1,0 +1,54 @@
+#include "app/screen/link_report.h"
+
+namespace {
+
+constexpr qsizetype longest_name = 24;
+
+QString far_end_of(const process_state& state, bool is_demo) {
+    if (is_demo)
+        return QStringLiteral("Demo car");
+    switch (state.interface_kind) {
+    case interface_wifi: return QStringLiteral("Wi-Fi %1").arg(state.wifi_ip);
+    case interface_simulated: return QStringLiteral("Stand-in adapter");
+    default: return QStringLiteral("Bluetooth %1").arg(state.last_BT_Device.left(longest_name)).trimmed();
+    }
+}
+
+QString details_of(const process_state& state, const mac_toolies& toolies) {
+    if (!state.adapter_ready)
+        return QStringLiteral("The adapter is not initialised yet.");
+    QStringList lines{QStringLiteral("Adapter: %1").arg(state.interface_description)};
+    lines += QStringLiteral("Protocol: %1").arg(state.protocol_description);
+    QStringList ecus;
+    for (const obd_group& ecu : state.available_pids) {
+        const QString name = toolies.l_pull_ECU(ecu.header);
+        ecus += name.isEmpty() ? ecu.header : QStringLiteral("%1 (%2)").arg(ecu.header, name);
+    }
+    lines += QStringLiteral("ECUs: %1")
+                 .arg(ecus.isEmpty() ? QStringLiteral("none") : ecus.join(QStringLiteral(", ")));
+    return lines.join(QLatin1Char('\n'));
+}
+
+} // namespace
+
+link_words report_link(const adapter_link& link, const process_state& state, const mac_toolies& toolies,
+                       bool is_demo) {
+    link_words words;
+    words.far_end = far_end_of(state, is_demo);
+    words.can_choose = state.interface_kind == interface_bluetooth;
+    if (link.is_connected()) {
+        words.now = link_words::condition::open;
+        words.protocol = state.adapter_ready ? state.protocol_description : QString();
+        words.details = details_of(state, toolies);
+        return words;
+    }
+    const bool opening = link.is_opening();
+    words.now = opening ? link_words::condition::opening : link_words::condition::closed;
+    words.details = opening ? QStringLiteral("The link to the adapter is being opened.")
+                            : QStringLiteral("The link is opened when you start an operation (F5).");
+    if (state.interface_kind == interface_wifi && !is_demo)
+        words.details += QStringLiteral("\nAddress %1, port %2").arg(state.wifi_ip, state.wifi_port);
+    if (state.interface_kind == interface_bluetooth && !state.bt_address.isEmpty())
+        words.details += QStringLiteral("\n%1, address %2").arg(state.last_BT_Device, state.bt_address);
+    return words;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "app/screen/status_strip.h"
+#include "link/adapter_link.h"
+#include "obd/toolkit/mac_toolies.h"
+
+// The words of the link mark: how the link stands, and the adapter, protocol and ECUs at its far end.
+// `is_demo`: the link leads to the demo's car.
+link_words report_link(const adapter_link& link, const process_state& state, const mac_toolies& toolies,
+                       bool is_demo);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/look/busy_marks.h"
+#include "app/screen/screen_view.h"
+#include "diagnostics/readCodes.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+// The head of a page: the buttons that start and stop its operation, a note, and the progress. One operation
+// runs at a time; while that of another page runs, the note says so and this page cannot start.
+class operation_head : public QObject {
+    Q_OBJECT
+
+public:
+    // `view` holds the parts "read", "stop", "note" and "progress"; throws broken_view when one is missing.
+    // `its_operations`: the codes of the operations that the page shows.
+    operation_head(QWidget& view, const view_context& its_context, readCodes& its_controller,
+                   const QList<int>& its_operations);
+
+    // Starts the operation by `run`, or says why not.
+    void start(const std::function<void()>& run);
+    bool runs_here() const;
+    bool runs_elsewhere() const { return controller.is_running() && !runs_here(); }
+    // `summary`: the note while nothing runs elsewhere.
+    void show(const QString& summary);
+    void show_progress();
+
+private:
+    QString what_runs() const;
+
+    view_context context;
+    readCodes& controller;
+    QList<int> operations;
+    QPushButton& read_button;
+    QPushButton& stop_button;
+    QLabel& note;
+    busy_bar& progress;
+};

@@ -1,0 +1,82 @@
+#include "app/screen/status_strip.h"
+
+#include <QHBoxLayout>
+#include <QIcon>
+
+namespace {
+
+constexpr int strip_height = 40;
+constexpr int mark_size = 16;
+constexpr int widest_protocol = 330;
+
+// clang-format off
+QString picture_of(link_words::condition now) {
+    switch (now) {
+    case link_words::condition::open:    return QStringLiteral(":/artwork/link_open.png");
+    case link_words::condition::opening: return QStringLiteral(":/artwork/link_opening.png");
+    default:                             return QStringLiteral(":/artwork/link_closed.png");
+    }
+}
+
+QString word_for(link_words::condition now) {
+    switch (now) {
+    case link_words::condition::open:    return QStringLiteral("open");
+    case link_words::condition::opening: return QStringLiteral("opening ...");
+    default:                             return QStringLiteral("closed");
+    }
+}
+// clang-format on
+
+} // namespace
+
+status_strip::status_strip(QWidget* parent) : QFrame(parent) {
+    setProperty("role", QStringLiteral("strip"));
+    setFixedHeight(strip_height);
+    ring.hide();
+    status.setObjectName(QStringLiteral("status"));
+    status.setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    mark.setFixedSize(mark_size, mark_size);
+    protocol.setProperty("role", QStringLiteral("muted"));
+    protocol.setMaximumWidth(widest_protocol);
+
+    link_box = new QWidget;
+    link_box->setObjectName(QStringLiteral("link_mark"));
+    auto* link_row = new QHBoxLayout(link_box);
+    link_row->setContentsMargins(0, 0, 0, 0);
+    link_row->setSpacing(theme::step);
+    link_row->addWidget(&mark);
+    link_row->addWidget(&far_end);
+    link_row->addWidget(&protocol);
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(2 * theme::step, 0, 2 * theme::step, 0);
+    row->setSpacing(theme::step);
+    row->addWidget(&ring);
+    row->addWidget(&status, 1);
+    row->addSpacing(2 * theme::step);
+    row->addWidget(link_box);
+    row->addWidget(&change);
+    change.setObjectName(QStringLiteral("change_device"));
+    change.setText(QStringLiteral("Change..."));
+    change.setToolTip(QStringLiteral("Choose the Bluetooth adapter"));
+    change.setProperty("role", QStringLiteral("link"));
+    change.setFocusPolicy(Qt::TabFocus);
+    change.hide();
+    connect(&change, &QToolButton::clicked, this, &status_strip::choice_wanted);
+    far_end.setTextFormat(Qt::PlainText);
+    mark.setPixmap(QIcon(picture_of(shown.now)).pixmap(mark_size));
+}
+
+void status_strip::set_link(const link_words& words) {
+    if (shown == words)
+        return;
+    shown = words;
+    mark.setPixmap(QIcon(picture_of(shown.now)).pixmap(mark_size));
+    far_end.setText(QStringLiteral("%1: %2").arg(shown.far_end, word_for(shown.now)));
+    protocol.set_text(shown.protocol);
+    protocol.setVisible(!shown.protocol.isEmpty());
+    change.setVisible(shown.can_choose);
+    link_box->setToolTip(theme::plain_tool_tip(shown.details));
+    link_box->setAccessibleName(QStringLiteral("Link %1: %2").arg(shown.far_end, word_for(shown.now)));
+    link_box->setAccessibleDescription(shown.details);
+}
