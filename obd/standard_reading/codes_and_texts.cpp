@@ -5,6 +5,8 @@
 namespace {
 
 const QString too_short = QStringLiteral("the answer ends before its last code");
+const QString other_count = QStringLiteral("the answer's length does not fit its count of codes");
+const QString other_length = QStringLiteral("the answer's length does not fit its count of items");
 const QString never_programmed = QStringLiteral("never programmed");
 const QString no_text = QStringLiteral("holds bytes that are no text");
 const QString lost_message = QStringLiteral("a part of the answer is missing");
@@ -18,6 +20,26 @@ void take_codes(const QByteArray& data, qsizetype at, qsizetype pairs, QStringLi
     for (qsizetype i = 0; i < pairs; ++i, at += 2)
         if (byte_at(data, at) != 0 || byte_at(data, at + 1) != 0)
             codes.append(trouble_code_name(byte_at(data, at), byte_at(data, at + 1)));
+}
+
+// CAN: behind the service byte the count of codes, then the codes. Zeros may fill up the answer.
+QString take_counted_codes(const QByteArray& data, QStringList& codes) {
+    constexpr qsizetype codes_from = 2;
+    if (data.size() < codes_from)
+        return too_short;
+    const qsizetype announced = byte_at(data, 1);
+    const qsizetype held = (data.size() - codes_from) / 2;
+    take_codes(data, codes_from, std::min(held, announced), codes);
+    if (held < announced)
+        return too_short;
+    const QByteArray rest = data.mid(codes_from + 2 * announced);
+    return rest.size() % 2 != 0 || rest.count('\0') != rest.size() ? other_count : QString();
+}
+
+// The older protocols: behind the service byte three codes a message.
+QString take_uncounted_codes(const QByteArray& data, QStringList& codes) {
+    take_codes(data, 1, (data.size() - 1) / 2, codes);
+    return data.size() % 2 == 0 ? too_short : QString();
 }
 
 // The bytes of an item, and how many messages of four bytes carry one on the older protocols.
@@ -41,9 +63,14 @@ void take_item(const QByteArray& bytes, info_type type, ecu_info& info) {
         return;
     }
     QByteArray text = bytes;
-    text.replace('\0', "");
+    while (text.startsWith('\0'))
+        text.remove(0, 1);
+    while (text.endsWith('\0'))
+        text.chop(1);
+    if (type == info_type::ecu_name) // an acronym and a name, each filled up
+        text.replace('\0', "");
     const auto is = [&text](auto what) { return std::all_of(text.begin(), text.end(), what); };
-    if (text.isEmpty() || is([](char c) { return c == '\xFF'; }))
+    if (text.trimmed().isEmpty() || is([](char c) { return c == '\xFF'; }))
         info.fault = never_programmed;
     else if (!is([](char c) { return c >= 0x20 && c <= 0x7E; }))
         info.fault = no_text;
@@ -60,8 +87,18 @@ void items_of_one_message(const QByteArray& data, info_type type, ecu_info& info
         info.fault = lost_message;
         return;
     }
+    if (data.size() != items_from + count * size.bytes) {
+        info.fault = other_length;
+        return;
+    }
     for (qsizetype i = 0; i < count; ++i)
         take_item(data.mid(items_from + i * size.bytes, size.bytes), type, info);
+}
+
+// A damaged line tells more.
+void lose_a_message(ecu_info& info) {
+    if (info.fault.isEmpty())
+        info.fault = lost_message;
 }
 
 // On the older protocols numbered messages of four bytes, from 1 on. The VIN is filled up in front.
@@ -72,16 +109,12 @@ void items_of_messages(QList<QByteArray> messages, info_type type, ecu_info& inf
               [](const QByteArray& a, const QByteArray& b) { return a.mid(2, 1) < b.mid(2, 1); });
     QByteArray all;
     for (qsizetype i = 0; i < messages.size(); ++i) {
-        if (messages.at(i).size() != message_size || byte_at(messages.at(i), 2) != i + 1) {
-            info.fault = lost_message;
-            return;
-        }
+        if (messages.at(i).size() != message_size || byte_at(messages.at(i), 2) != i + 1)
+            return lose_a_message(info);
         all.append(messages.at(i).mid(3));
     }
-    if (messages.size() % size.messages != 0) {
-        info.fault = lost_message;
-        return;
-    }
+    if (messages.size() % size.messages != 0)
+        return lose_a_message(info);
     for (qsizetype at = 0; at < all.size(); at += 4 * size.messages)
         take_item(all.mid(at, 4 * size.messages).last(size.bytes), type, info);
 }
@@ -103,14 +136,10 @@ QList<ecu_codes> read_trouble_codes(int service, const QString& reply, reply_for
     for (const ecu_answer& answer : answers_to(service, reply, form)) {
         ecu_codes codes{answer.ecu, {}, answer.fault};
         for (const QByteArray& data : answer.messages) {
-            // CAN counts the codes behind the service byte; the older protocols send three a message.
-            const bool counted = is_iso_15765(form.protocol);
-            const qsizetype from = counted ? 2 : 1;
-            const qsizetype held = (data.size() - from) / 2;
-            const qsizetype announced = !counted ? held : data.size() > 1 ? byte_at(data, 1) : 1;
-            take_codes(data, from, std::min(held, announced), codes.codes);
-            if (held < announced || (!counted && (data.size() - from) % 2 != 0))
-                codes.fault = too_short;
+            const QString fault = is_iso_15765(form.protocol) ? take_counted_codes(data, codes.codes)
+                                                              : take_uncounted_codes(data, codes.codes);
+            if (!fault.isEmpty())
+                codes.fault = fault;
         }
         result.append(codes);
     }
@@ -129,8 +158,9 @@ QList<ecu_info> read_vehicle_info(info_type type, const QString& reply, reply_fo
             continue;
         if (!is_iso_15765(form.protocol))
             items_of_messages(messages, type, info);
-        else if (!messages.isEmpty())
-            items_of_one_message(messages.first(), type, info);
+        else // several ones without headers
+            for (const QByteArray& message : messages)
+                items_of_one_message(message, type, info);
         result.append(info);
     }
     return result;

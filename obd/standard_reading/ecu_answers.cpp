@@ -2,11 +2,15 @@
 
 #include <QMap>
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr qsizetype longest_reply = 16384;
 constexpr qsizetype longest_legacy_message = 7;
+constexpr qsizetype can_frame = 8; // bytes
+constexpr qsizetype first_frame_data = 6;
+constexpr qsizetype consecutive_frame_data = 7;
 
 bool is_kwp(int protocol) {
     return protocol == 4 || protocol == 5;
@@ -24,8 +28,7 @@ qsizetype header_characters(int protocol) {
     case 11:
     case 12: return 3;
     case 7:
-    case 9:
-    case 10: return 8;
+    case 9: return 8;
     default: return 0;
     }
 }
@@ -36,15 +39,38 @@ bool hex_digits_only(QStringView text) {
     });
 }
 
+const QString cut_short = QStringLiteral("a frame is cut short");
+const QString too_long = QStringLiteral("a line is longer than a frame");
+const QString lost_frame = QStringLiteral("a consecutive frame is missing");
+const QString no_first_frame = QStringLiteral("the first frame is missing");
+const QString damaged_line = QStringLiteral("the adapter received a damaged frame");
+const QString broken_off = QStringLiteral("the adapter broke off the answer");
+const QString told_apart = QStringLiteral("the frames of several ECUs cannot be told apart without headers");
+
 struct line {
-    QString text; // blanks removed
-    bool damaged = false;
+    QString text;  // blanks removed
+    QString fault; // what the adapter says is wrong with it
 };
 
-// An adapter that echoes repeats the request, whose first byte is a service.
+// An adapter that echoes repeats the request, whose first byte is a service; it may end in the number of
+// answers to wait for, one digit. Three digits are the byte count of a segmented answer.
 bool is_echo(const QString& digits) {
     constexpr qsizetype longest_request = 8;
-    return digits.startsWith(u'0') && digits.size() % 2 == 0 && digits.size() < longest_request;
+    return hex_digits_only(digits) && digits.startsWith(u'0') && digits.size() != 3 &&
+           digits.size() < longest_request;
+}
+
+// Where the adapter's word begins for a damaged line ("<RX ERROR") or an answer that was broken off
+// ("BUFFER FULL"); -1 without one.
+qsizetype trouble_in(const QString& text) {
+    qsizetype first = -1;
+    for (const char* word : {"<", "DATAERROR", "RXERROR", "CANERROR", "BUSERROR", "FBERROR", "STOPPED",
+                             "BUFFERFULL", "LVRESET"}) {
+        const qsizetype at = text.indexOf(QLatin1String(word), 0, Qt::CaseInsensitive);
+        if (at >= 0 && (first < 0 || at < first))
+            first = at;
+    }
+    return first;
 }
 
 // The lines without blanks; what the adapter says itself is left out.
@@ -53,14 +79,16 @@ QList<line> lines_of(const QString& reply) {
     QString all = reply.left(longest_reply);
     all.replace(u'\n', u'\r').remove(u' ').remove(u'>').remove(QChar(0));
     for (QString& text : all.split(u'\r', Qt::SkipEmptyParts)) {
-        const qsizetype mark = text.indexOf(u'<');
-        const QString digits = mark < 0 ? text : text.left(mark);
+        const qsizetype trouble = trouble_in(text);
+        const QString digits = trouble < 0 ? text : text.left(trouble);
         const qsizetype colon = digits.indexOf(u':');
         if (lines.isEmpty() && is_echo(digits))
             continue;
+        if (digits.isEmpty() && !lines.isEmpty())
+            lines.append(line{lines.last().text, broken_off});
         if (hex_digits_only(digits) ||
             (colon == 1 && hex_digits_only(digits.left(1)) && hex_digits_only(digits.mid(2))))
-            lines.append({digits, mark >= 0});
+            lines.append({digits, trouble < 0 ? QString() : damaged_line});
     }
     return lines;
 }
@@ -78,20 +106,14 @@ struct joined_frames {
     bool is_open() const { return message >= 0; }
 };
 
-const QString cut_short = QStringLiteral("a frame is cut short");
-const QString lost_frame = QStringLiteral("a consecutive frame is missing");
-const QString no_first_frame = QStringLiteral("the first frame is missing");
-const QString damaged_line = QStringLiteral("the adapter received a damaged frame");
-const QString told_apart = QStringLiteral("the frames of several ECUs cannot be told apart without headers");
-
 class can_joiner {
 public:
     explicit can_joiner(QList<ecu_message>& to) : messages(to) {}
 
     // A frame with its control byte.
     void take(const QString& ecu, const QByteArray& frame) {
-        if (frame.isEmpty()) {
-            messages.append({ecu, {}, cut_short});
+        if (frame.isEmpty() || frame.size() > can_frame) {
+            messages.append({ecu, {}, frame.isEmpty() ? cut_short : too_long});
             return;
         }
         const int control = byte_at(frame, 0);
@@ -102,18 +124,17 @@ public:
         default: break; // flow control
         }
     }
-    void open(const QString& ecu, qsizetype length, const QByteArray& data, int next_sequence) {
+    void open(const QString& ecu, qsizetype length, const QByteArray& data) {
         joined_frames& frames = open_frames[ecu];
         if (frames.is_open())
             blame(frames, lost_frame);
-        if (length == 0) {
+        if (length < can_frame || data.size() != first_frame_data) {
             messages.append({ecu, {}, cut_short});
             frames = {};
             return;
         }
-        messages.append({ecu, data.left(length), {}});
-        frames = {messages.size() - 1, length, next_sequence};
-        close_when_whole(frames);
+        messages.append({ecu, data, {}});
+        frames = {messages.size() - 1, length, 1};
     }
     void consecutive(const QString& ecu, const QByteArray& data, int sequence) {
         joined_frames& frames = open_frames[ecu];
@@ -125,8 +146,12 @@ public:
             blame(frames, lost_frame);
         frames.next_sequence = (sequence + 1) & 0x0F;
         ecu_message& message = messages[frames.message];
-        message.data.append(data.left(frames.length - message.data.size()));
-        close_when_whole(frames);
+        const qsizetype due = std::min(frames.length - message.data.size(), consecutive_frame_data);
+        if (data.size() < due || data.size() > consecutive_frame_data)
+            blame(frames, data.size() < due ? cut_short : too_long);
+        message.data.append(data.left(due));
+        if (message.data.size() == frames.length)
+            frames = {};
     }
     bool is_open(const QString& ecu) const { return open_frames.value(ecu).is_open(); }
     void finish() {
@@ -141,16 +166,16 @@ private:
         messages.append({ecu, whole ? frame.mid(1, length) : QByteArray(), whole ? QString() : cut_short});
     }
     void first(const QString& ecu, const QByteArray& frame) {
-        if (frame.size() < 8)
+        if (frame.size() < can_frame)
             messages.append({ecu, {}, cut_short});
         else
-            open(ecu, (byte_at(frame, 0) & 0x0F) << 8 | byte_at(frame, 1), frame.mid(2), 1);
+            open(ecu, (byte_at(frame, 0) & 0x0F) << 8 | byte_at(frame, 1), frame.mid(2));
     }
-    void close_when_whole(joined_frames& frames) {
-        if (messages.at(frames.message).data.size() == frames.length)
-            frames = {};
+    void blame(const joined_frames& frames, const QString& fault) {
+        QString& first = messages[frames.message].fault;
+        if (first.isEmpty())
+            first = fault;
     }
-    void blame(const joined_frames& frames, const QString& fault) { messages[frames.message].fault = fault; }
 
     QList<ecu_message>& messages;
     QMap<QString, joined_frames> open_frames;
@@ -162,8 +187,8 @@ QList<ecu_message> can_with_headers(const QList<line>& lines, qsizetype header) 
     for (const line& l : lines) {
         const QString ecu = l.text.left(header).toUpper();
         const QString digits = l.text.mid(header);
-        if (l.damaged)
-            messages.append({ecu, {}, damaged_line});
+        if (!l.fault.isEmpty())
+            messages.append({ecu, {}, l.fault});
         else if (l.text.contains(u':') || l.text.size() <= header || digits.size() % 2 != 0)
             messages.append({ecu, {}, cut_short});
         else
@@ -178,27 +203,27 @@ QList<ecu_message> can_without_headers(const QList<line>& lines) {
     QList<ecu_message> messages;
     can_joiner joiner(messages);
     const QString nobody;
-    const auto mixed = std::count_if(lines.begin(), lines.end(),
-                                     [](const line& l) { return l.text.startsWith(QLatin1String("0:")); });
-    if (mixed > 1)
-        return {{nobody, {}, told_apart}};
-    qsizetype length = 0;
+    qsizetype length = 0; // the byte count whose first segment is to come
     for (const line& l : lines) {
         const qsizetype colon = l.text.indexOf(u':');
         const QString digits = l.text.mid(colon + 1);
-        if (l.damaged) {
-            messages.append({nobody, {}, damaged_line});
+        if (!l.fault.isEmpty()) {
+            messages.append({nobody, {}, l.fault});
         } else if (colon < 0 && l.text.size() == 3) {
+            if (joiner.is_open(nobody) || length != 0)
+                return {{nobody, {}, told_apart}};
             length = l.text.toInt(nullptr, 16);
         } else if (digits.size() % 2 != 0) {
             messages.append({nobody, {}, cut_short});
         } else if (colon < 0) {
-            messages.append({nobody, QByteArray::fromHex(digits.toLatin1()), {}});
+            const QByteArray data = QByteArray::fromHex(digits.toLatin1());
+            const bool fits = data.size() < can_frame;
+            messages.append({nobody, fits ? data : QByteArray(), fits ? QString() : too_long});
         } else {
             const int sequence = l.text.left(1).toInt(nullptr, 16);
             const QByteArray data = QByteArray::fromHex(digits.toLatin1());
             if (sequence == 0 && !joiner.is_open(nobody))
-                joiner.open(nobody, length, data, 1);
+                joiner.open(nobody, std::exchange(length, 0), data);
             else
                 joiner.consecutive(nobody, data, sequence);
         }
@@ -217,18 +242,20 @@ ecu_message legacy_message(const QString& header, const QByteArray& bytes, int p
         if (length == 0)
             length = byte_at(bytes, from++);
     }
-    const bool whole = length > 0 && bytes.size() > from + length;
     const bool possible = is_kwp(protocol) || length <= longest_legacy_message;
-    return {header, whole && possible ? bytes.mid(from, length) : QByteArray(),
-            whole && possible ? QString() : cut_short};
+    if (length <= 0 || bytes.size() <= from + length)
+        return {header, {}, cut_short};
+    if (bytes.size() != from + length + 1 || !possible)
+        return {header, {}, too_long};
+    return {header, bytes.mid(from, length), {}};
 }
 
 QList<ecu_message> legacy(const QList<line>& lines, reply_form form) {
     QList<ecu_message> messages;
     for (const line& l : lines) {
         const QString header = form.headers_shown ? l.text.left(6).toUpper() : QString();
-        if (l.damaged)
-            messages.append({header, {}, damaged_line});
+        if (!l.fault.isEmpty())
+            messages.append({header, {}, l.fault});
         else if (l.text.size() % 2 != 0 || l.text.contains(u':'))
             messages.append({header, {}, cut_short});
         else if (form.headers_shown)
@@ -237,6 +264,11 @@ QList<ecu_message> legacy(const QList<line>& lines, reply_form form) {
             messages.append({header, QByteArray::fromHex(l.text.toLatin1()), {}});
     }
     return messages;
+}
+
+void add_fault(QString& faults, const QString& fault) {
+    if (!faults.contains(fault))
+        faults += faults.isEmpty() ? fault : QStringLiteral("; ") + fault;
 }
 
 // Why an ECU refused (ISO 14229-1 response codes).
@@ -299,10 +331,9 @@ QList<ecu_answer> answers_to(int service, const QString& reply, reply_form form)
         auto answer = std::find_if(answers.begin(), answers.end(), same);
         if (answer == answers.end())
             answer = answers.insert(answers.end(), {message.ecu, {}, {}});
-        if (refused)
-            answer->fault = refusal(message.data);
-        else if (!message.fault.isEmpty())
-            answer->fault = message.fault;
+        const QString fault = refused ? refusal(message.data) : message.fault;
+        if (!fault.isEmpty())
+            add_fault(answer->fault, fault);
         else if (!answer->messages.contains(message.data))
             answer->messages.append(message.data);
     }

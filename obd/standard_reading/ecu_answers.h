@@ -22,7 +22,9 @@ struct ecu_message {
 
 // The messages of a reply in the order in which they began, those of any service. Adapter words
 // ("SEARCHING...", "BUS INIT: OK", "NO DATA") are left out; a line that the adapter marks as damaged is a
-// message with a fault.
+// message with a fault, and so is the rest of an answer that it broke off. The check byte of the older
+// protocols is left to the adapter, which marks a wrong one. Replies of SAE J1939 (10) hold no messages of
+// this kind.
 QList<ecu_message> ecu_messages(const QString& reply, reply_form form);
 
 // What one ECU answered to a service.

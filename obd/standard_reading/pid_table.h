@@ -15,6 +15,7 @@ enum class in_unit {
     kilometre,
     kilopascal,
     kilopascal_hg,
+    kilopascal_h2o,
     pascal,
     rpm,
     degree,
@@ -36,6 +37,7 @@ enum class in_unit {
 struct shown_unit {
     double factor = 1;
     double offset = 0;
+    int decimals = 0; // the fewest to show
     QString name;
 };
 shown_unit shown_unit_of(in_unit unit, unit_system units);
@@ -60,9 +62,10 @@ int first_of_run(int pid);
 // A data byte that stands for one state as a whole, or a bit of one.
 struct state_row {
     int pid;
+    int support; // as above
     int at;
     int mask; // the bits that count
     int value;
-    const char* text;
+    const char* text; // "" where there is nothing to say
 };
 std::span<const state_row> state_rows();

@@ -10,10 +10,12 @@
 namespace {
 
 constexpr int last_pid = 0xC4;
+constexpr int since_cleared = 0x01; // the two PIDs of monitor status
+constexpr int this_drive_cycle = 0x41;
 const QString data_missing = QStringLiteral("data bytes are missing");
 const QString not_defined = QStringLiteral("a state that the standard does not define");
 const QString no_formula = QStringLiteral("no standard formula for this PID here");
-const QString nothing_there = QStringLiteral("the car marks every value of it as unsupported");
+const QString nothing_there = QStringLiteral("the car marks every value of it as unsupported or unavailable");
 
 int byte_at(const QByteArray& bytes, qsizetype at) {
     return static_cast<unsigned char>(bytes.at(at));
@@ -30,66 +32,122 @@ double number_at(const QByteArray& data, const quantity_row& row) {
     return number * row.factor + row.offset;
 }
 
-// An O2 sensor that takes no part in the trim sends FF for it.
-bool is_unused_trim(const quantity_row& row, const QByteArray& data) {
-    return row.pid == 0x14 && row.at == 1 && byte_at(data, 1) == 0xFF;
+// What the rows of a PID found in its data.
+struct found_rows {
+    bool any = false;
+    bool supported = false;
+    bool missing = false; // the data ends before a value that should be there
+};
+
+bool is_marked(int support, const QByteArray& data) {
+    return support == always || (!data.isEmpty() && (byte_at(data, 0) >> support & 1) != 0);
 }
 
-void take_quantities(int pid, const QByteArray& data, unit_system units, pid_value& value) {
-    bool has_rows = false;
+// The second byte of a fuel trim, for bank 3 or 4, is sent by cars that have one. Longer data is filled up.
+bool is_for_more_banks(const quantity_row& row) {
+    return row.at == 1 && ((row.pid >= 0x06 && row.pid <= 0x09) || (row.pid >= 0x55 && row.pid <= 0x58));
+}
+
+// What stands in the place of a value that there is not.
+bool is_left_out(const quantity_row& row, const QByteArray& data) {
+    switch (row.pid) {
+    case 0x14: return row.at == 1 && byte_at(data, 1) == 0xFF; // the sensor takes no part in the trim
+    case 0x4F:
+    case 0x50: return byte_at(data, row.at) == 0; // the usual range
+    case 0x83:
+    case 0xA1:
+    case 0xA7:
+    case 0xA8: return (byte_at(data, 0) >> (4 + row.support) & 1) != 0; // the sensor is not ready
+    default: return false;
+    }
+}
+
+found_rows take_quantities(int pid, const QByteArray& data, unit_system units, pid_value& value) {
+    found_rows found;
     for (const quantity_row& row : quantity_rows()) {
         if (row.pid != first_of_run(pid))
             continue;
-        has_rows = true;
-        const bool told_apart = row.support != always;
-        if (told_apart && (data.isEmpty() || (byte_at(data, 0) >> row.support & 1) == 0))
+        found.any = true;
+        if (!is_marked(row.support, data) || (is_for_more_banks(row) && data.size() != row.at + 1))
             continue;
-        if (data.size() < row.at + row.bytes) {
-            // A second byte of some PIDs came with later cars: the first value stands alone without it.
-            if (row.at == 0 || told_apart)
-                value.absent = data_missing;
-            continue;
-        }
-        if (is_unused_trim(row, data))
+        found.supported = true;
+        found.missing |= data.size() < row.at + row.bytes;
+        if (found.missing || is_left_out(row, data))
             continue;
         const shown_unit unit = shown_unit_of(row.unit, units);
-        const bool converted = unit.factor != 1;
         value.quantities.append({QString::fromUtf8(row.name),
                                  number_at(data, row) * unit.factor + unit.offset,
-                                 converted ? std::max(row.decimals, 1) : row.decimals, unit.name});
+                                 std::max(row.decimals, unit.decimals), unit.name});
     }
-    if (has_rows && value.quantities.isEmpty() && value.absent.isEmpty())
-        value.absent = data.isEmpty() ? data_missing : nothing_there;
+    return found;
 }
 
-void take_states(int pid, const QByteArray& data, pid_value& value) {
-    bool has_rows = false;
+// PIDs whose data lists, bit by bit, what is there.
+bool is_list(int pid) {
+    return pid == 0x13 || pid == 0x1D || pid == 0x7D || pid == 0x7E;
+}
+
+found_rows take_states(int pid, const QByteArray& data, pid_value& value) {
+    constexpr int whole_byte = 0xFF;
+    found_rows found;
+    unsigned whole = 0; // bit n: byte n stands for one state
+    unsigned known = 0; // and that state is in the table
     for (const state_row& row : state_rows()) {
         if (row.pid != pid)
             continue;
-        has_rows = true;
-        if (data.size() > row.at && (byte_at(data, row.at) & row.mask) == row.value)
+        found.any = true;
+        if (!is_marked(row.support, data))
+            continue;
+        found.supported = true;
+        if (data.size() <= row.at) {
+            found.missing |= row.at == 0 || row.support != always;
+            continue;
+        }
+        const bool holds = (byte_at(data, row.at) & row.mask) == row.value;
+        if (holds && *row.text != 0)
             value.states.append(QString::fromUtf8(row.text));
+        if (row.mask == whole_byte)
+            whole |= 1U << row.at;
+        if (holds)
+            known |= 1U << row.at;
     }
-    const bool lists_what_is_there = pid == 0x13 || pid == 0x1D || pid == 0x65;
-    if (has_rows && value.states.isEmpty())
-        value.absent = data.isEmpty() ? data_missing : lists_what_is_there ? QString() : not_defined;
-    if (has_rows && lists_what_is_there && value.states.isEmpty() && value.absent.isEmpty())
+    if (!value.states.isEmpty() && value.quantities.isEmpty() && (whole & ~known) != 0)
+        value.states.append(not_defined);
+    if (is_list(pid) && value.states.isEmpty())
         value.states.append(QStringLiteral("none"));
+    return found;
 }
 
-void take_monitors(const QByteArray& data, pid_value& value) {
+// Data that is cut is not read in part.
+void take_values(int pid, const QByteArray& data, unit_system units, pid_value& value) {
+    const found_rows quantities = take_quantities(pid, data, units, value);
+    const found_rows states = take_states(pid, data, value);
+    const bool is_empty = value.quantities.isEmpty() && value.states.isEmpty();
+    value.is_undefined = !quantities.any && !states.any;
+    if (value.is_undefined)
+        value.absent = no_formula;
+    else if (data.isEmpty() || quantities.missing || states.missing)
+        value = {{}, {}, data_missing, false};
+    else if (is_empty)
+        value.absent = states.supported ? not_defined : nothing_there;
+}
+
+void take_monitors(int pid, const QByteArray& data, pid_value& value) {
     const monitor_status status = read_monitor_status(data);
     if (status.monitors.isEmpty()) {
         value.absent = data_missing;
         return;
     }
-    value.states.append(status.mil ? QStringLiteral("MIL on") : QStringLiteral("MIL off"));
-    value.states.append(QStringLiteral("%1 codes").arg(status.codes));
+    if (pid == since_cleared) {
+        value.states.append(status.mil ? QStringLiteral("MIL on") : QStringLiteral("MIL off"));
+        value.states.append(QStringLiteral("%1 codes").arg(status.codes));
+    }
     for (const monitor& m : status.monitors)
         if (m.supported)
             value.states.append(m.name +
                                 (m.complete ? QLatin1String(": complete") : QLatin1String(": not complete")));
+    if (value.states.isEmpty())
+        value.states.append(QStringLiteral("none"));
 }
 
 void take_supported(int pid, const QByteArray& data, pid_value& value) {
@@ -103,6 +161,15 @@ void take_supported(int pid, const QByteArray& data, pid_value& value) {
             value.states.append(QStringLiteral("%1").arg(pid + 1 + i, 2, 16, QLatin1Char('0')).toUpper());
     if (value.states.isEmpty())
         value.states.append(QStringLiteral("none"));
+}
+
+void take_freezing_code(const QByteArray& data, pid_value& value) {
+    if (data.size() < 2)
+        value.absent = data_missing;
+    else if (data.startsWith(QByteArray(2, '\0')))
+        value.states.append(QStringLiteral("no freeze frame is stored"));
+    else
+        value.states.append(trouble_code_name(byte_at(data, 0), byte_at(data, 1)));
 }
 
 // A number and the unit behind it, as a shown text has them.
@@ -185,20 +252,12 @@ pid_value decode_pid(int pid, const QByteArray& data, unit_system units) {
         value.is_undefined = true;
     } else if (pid % group == 0) {
         take_supported(pid, data, value);
-    } else if (pid == 0x01 || pid == 0x41) {
-        take_monitors(data, value);
+    } else if (pid == since_cleared || pid == this_drive_cycle) {
+        take_monitors(pid, data, value);
     } else if (pid == 0x02) {
-        if (data.size() < 2)
-            value.absent = data_missing;
-        else
-            value.states.append(trouble_code_name(byte_at(data, 0), byte_at(data, 1)));
+        take_freezing_code(data, value);
     } else {
-        take_quantities(pid, data, units, value);
-        take_states(pid, data, value);
-        if (value.quantities.isEmpty() && value.states.isEmpty() && value.absent.isEmpty()) {
-            value.absent = no_formula;
-            value.is_undefined = true;
-        }
+        take_values(pid, data, units, value);
     }
     return value;
 }
@@ -213,7 +272,8 @@ pid_value read_pid_value(const QString& reply, unit_system units) {
     const QByteArray bytes = whole ? QByteArray::fromHex(digits.toLatin1()) : QByteArray();
     if (bytes.size() < 2 || (byte_at(bytes, 0) != current_data && byte_at(bytes, 0) != freeze_frame))
         return {{}, {}, QStringLiteral("no answer to this PID"), false};
-    return decode_pid(byte_at(bytes, 1), bytes.mid(2), units);
+    const qsizetype data_at = byte_at(bytes, 0) == freeze_frame ? 3 : 2; // behind the frame's number
+    return decode_pid(byte_at(bytes, 1), bytes.mid(data_at), units);
 }
 
 QString pid_value_text(const pid_value& value) {
@@ -230,7 +290,8 @@ QString pid_value_text(const pid_value& value) {
 bool says_the_same(const QString& shown, const pid_value& standard) {
     const QList<shown_number> numbers = numbers_of(shown);
     if (standard.quantities.isEmpty()) {
-        const bool is_word = shown != not_available && shown != QLatin1String("Invalid") && !is_raw(shown);
+        const bool is_word = shown != not_available && shown != QLatin1String("Invalid") &&
+                             shown != QLatin1String("Reserved") && !is_raw(shown);
         return standard.states.isEmpty() ? shown == not_available || shown == no_reply : is_word;
     }
     QList<shown_number> wanted;
@@ -261,10 +322,14 @@ monitor_status read_monitor_status(const QByteArray& data) {
     const auto bit = [&data](int byte, int number) { return (byte_at(data, byte) >> number & 1) != 0; };
     static const QStringList continuous = {QStringLiteral("Misfire"), QStringLiteral("Fuel system"),
                                            QStringLiteral("Components")};
-    static const QStringList spark = {QStringLiteral("Catalyst"),           QStringLiteral("Heated catalyst"),
-                                      QStringLiteral("Evaporative system"), QStringLiteral("Secondary air"),
-                                      QStringLiteral("A/C refrigerant"),    QStringLiteral("O2 sensor"),
-                                      QStringLiteral("O2 sensor heater"),   QStringLiteral("EGR or VVT")};
+    static const QStringList spark = {QStringLiteral("Catalyst"),
+                                      QStringLiteral("Heated catalyst"),
+                                      QStringLiteral("Evaporative system"),
+                                      QStringLiteral("Secondary air"),
+                                      QStringLiteral("A/C refrigerant or GPF"),
+                                      QStringLiteral("O2 sensor"),
+                                      QStringLiteral("O2 sensor heater"),
+                                      QStringLiteral("EGR or VVT")};
     static const QStringList compression = {QStringLiteral("NMHC catalyst"),
                                             QStringLiteral("NOx aftertreatment"),
                                             QString(),

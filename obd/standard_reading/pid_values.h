@@ -22,7 +22,8 @@ struct pid_value {
 };
 // `data`: the bytes behind service and PID. A quantity that the PID itself marks as unsupported is left out.
 pid_value decode_pid(int pid, const QByteArray& data, unit_system units);
-// The same from one ECU's reply without header, "410C1AF8" (mode byte, PID, data). Anything else is absent.
+// The same from one ECU's reply without header, "410C1AF8" (mode byte, PID, data) or "420C001AF8" (with the
+// number of the freeze frame). Anything else is absent.
 pid_value read_pid_value(const QString& reply, unit_system units);
 // "1726.00 rpm", "O2 voltage 0.450 V, fuel trim -3.1 %"; the reason in brackets when there is no value.
 QString pid_value_text(const pid_value& value);

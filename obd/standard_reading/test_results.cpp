@@ -115,6 +115,7 @@ constexpr scaling scalings[] = {
 
 constexpr qsizetype record_size = 9;
 constexpr int signed_bit = 0x80;
+constexpr int position_in_group = 0x1F; // of a monitor or TID among the 32 that one support answer tells
 const QString cut_record = QStringLiteral("the answer ends within a test's record");
 
 const scaling* scaling_of(int uasid) {
@@ -135,7 +136,6 @@ double scaled(const QByteArray& data, qsizetype at, const scaling& row) {
 
 // Service byte, then records of nine bytes. An answer about support holds five bytes a group instead.
 void can_records(const QString& ecu, const QByteArray& data, ecu_tests& result) {
-    constexpr int position_in_group = 0x1F;
     if (data.size() < 2 || (byte_at(data, 1) & position_in_group) == 0)
         return;
     qsizetype at = 1;
@@ -154,16 +154,20 @@ void can_records(const QString& ecu, const QByteArray& data, ecu_tests& result) 
         result.fault = cut_record;
 }
 
-// Service byte, TID, limit type and component, value, limit. TID 00 is about support.
+// Service byte, TID, limit type and component, value, limit. The first TID of a group is about support, with
+// FF in the component's place.
 void legacy_record(const QString& ecu, const QByteArray& data, ecu_tests& result) {
     constexpr qsizetype message_size = 7;
     constexpr int limit_is_minimum = 0x80;
+    constexpr int no_component = 0xFF;
     if (data.size() > 1 && byte_at(data, 1) == 0)
         return;
     if (data.size() != message_size) {
         result.fault = cut_record;
         return;
     }
+    if ((byte_at(data, 1) & position_in_group) == 0 && byte_at(data, 2) == no_component)
+        return;
     ecu_test test{ecu, byte_at(data, 1), byte_at(data, 2) & ~limit_is_minimum};
     test.value = qFromBigEndian<quint16>(data.constData() + 3);
     const double limit = qFromBigEndian<quint16>(data.constData() + 5);

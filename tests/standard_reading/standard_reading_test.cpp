@@ -19,11 +19,12 @@ QString said(const QString& ecu, const QString& text, const QString& fault) {
 QStringList pid_lines(int pid, const QString& reply, reply_form form) {
     QStringList lines;
     for (const ecu_answer& answer : answers_to(1, reply, form)) {
-        QString text;
-        for (const QByteArray& data : answer.messages)
-            text = pid_value_text(decode_pid(pid, data.mid(2), unit_system::metric));
-        lines.append(said(answer.ecu, pid % 0x20 == 0 ? text.remove(u',') : text,
-                          answer.messages.isEmpty() ? answer.fault : QString()));
+        for (const QByteArray& data : answer.messages) {
+            QString text = pid_value_text(decode_pid(pid, data.mid(2), unit_system::metric));
+            lines.append(said(answer.ecu, pid % 0x20 == 0 ? text.remove(u',') : text, {}));
+        }
+        if (answer.messages.isEmpty())
+            lines.append(said(answer.ecu, {}, answer.fault));
     }
     return lines;
 }
@@ -115,6 +116,11 @@ TEST(standard_reading, sequence_of_frames_wraps) {
     ASSERT_EQ(whole.size(), 1);
     EXPECT_EQ(whole.first().fault, QString());
     EXPECT_EQ(whole.first().codes.size(), 60);
+    QString segments = QString(reply).replace(QStringLiteral("7E8 10 7A"), QStringLiteral("07A\r0:"));
+    for (int sequence = 0; sequence < 16; ++sequence)
+        segments.replace(QStringLiteral("7E8 2%1 ").arg(sequence, 1, 16),
+                         QStringLiteral("%1:").arg(sequence, 1, 16));
+    EXPECT_EQ(read_trouble_codes(3, segments, {6, false}).value(0).codes, whole.first().codes);
     const auto torn =
         read_trouble_codes(3, reply.replace(QStringLiteral("7E8 20"), QStringLiteral("7E8 21")), {6, true});
     EXPECT_EQ(torn.first().codes, QStringList());
@@ -134,23 +140,52 @@ TEST(standard_reading, pid_values) {
         {"411003E8", "10.00 g/s", "1.32 lb/min"},
         {"41149A80", "voltage 0.770 V, fuel trim 0.0 %", "voltage 0.770 V, fuel trim 0.0 %"},
         {"411B9AFF", "voltage 0.770 V", "voltage 0.770 V"},
+        {"411B9A", "(data bytes are missing)", nullptr},
+        {"410680", "0.0 %", nullptr},
+        {"410680C0", "0.0 %, bank 3 50.0 %", nullptr},
+        {"41068000000000", "0.0 %", nullptr},
+        {"414F0000000A",
+         "greatest manifold pressure 100 kPa, usual range of the equivalence ratio, "
+         "usual range of O2 voltage, usual range of O2 current",
+         nullptr},
+        {"415307D0", "10.000 kPa", "40.146 in.H2O"},
         {"41248000C000", "voltage 6.000 V, lambda 1.000", "voltage 6.000 V, lambda 1.000"},
         {"413480008100", "current 1.000 mA, lambda 1.000", "current 1.000 mA, lambda 1.000"},
-        {"4132FFFC", "-1.00 Pa", "-0.00 in.H2O"},
+        {"4132FFFC", "-1.00 Pa", "-0.004 in.H2O"},
         {"413C1388", "460.0 ° C", "860.0 ° F"},
         {"41423A98", "15.000 V", "15.000 V"},
         {"41550080", "bank 1 -100.0 %, bank 3 0.0 %", "bank 1 -100.0 %, bank 3 0.0 %"},
         {"415580", "bank 1 0.0 %", "bank 1 0.0 %"},
         {"416703505A", "sensor 1 40 ° C, sensor 2 50 ° C", "sensor 1 104.0 ° F, sensor 2 122.0 ° F"},
         {"4167025000", "sensor 2 -40 ° C", "sensor 2 -40.0 ° F"},
-        {"4167000000", "(the car marks every value of it as unsupported)", nullptr},
+        {"4167000000", "(the car marks every value of it as unsupported or unavailable)", nullptr},
         {"416703", "(data bytes are missing)", nullptr},
+        {"41670350", "(data bytes are missing)", nullptr},
+        {"41650200", "automatic transmission in park or neutral", nullptr},
+        {"41650008", "(the car marks every value of it as unsupported or unavailable)", nullptr},
+        {"417103404000000002", "commanded turbine A 25.1 %, turbine A 25.1 %", nullptr},
+        {"4171040000000002", "turbine A control: closed loop", nullptr},
+        {"417AFEFF9C000A0000", "filter inlet 0.10 kPa, filter outlet 0.00 kPa", nullptr},
+        {"417A01FF9C00000000", "filter difference -1.00 kPa", nullptr},
+        {"417D00", "none", nullptr},
+        {"418313006400C800000000", "bank 1 sensor 2 200 ppm", nullptr},
+        {"418B5101020000003C",
+         "regeneration trigger 0.8 %, mean distance between 60 km, particulate filter regenerating", nullptr},
         {"410C1A", "(data bytes are missing)", nullptr},
         {"410301", "system 1: open loop, not ready to close", nullptr},
         {"410303", "(a state that the standard does not define)", nullptr},
         {"411303", "bank 1 sensor 1, bank 1 sensor 2", nullptr},
         {"411300", "none", nullptr},
+        {"410301FF", "system 1: open loop, not ready to close, a state that the standard does not define",
+         nullptr},
         {"41020133", "P0133", nullptr},
+        {"41020000", "no freeze frame is stored", nullptr},
+        {"42020001330000", "P0133", nullptr},
+        {"420C001AF8", "1726.00 rpm", nullptr},
+        {"414100026161",
+         "Fuel system: complete, Catalyst: not complete, O2 sensor: not complete, "
+         "O2 sensor heater: not complete",
+         nullptr},
         {"41A600010000", "6553.6 km", "4072.2 mi"},
         {"41C51234", "(no standard formula for this PID here)", nullptr},
         {"NODATA", "(no answer to this PID)", nullptr},
@@ -184,6 +219,7 @@ TEST(standard_reading, tells_a_different_reading_from_a_rounded_one) {
     EXPECT_FALSE(same("232.00 Kms", "413103E8")); // the low byte alone
     EXPECT_FALSE(same("41210064", "41210064"));   // not translated
     EXPECT_FALSE(same("Invalid", "411208"));
+    EXPECT_FALSE(same("Reserved", "411C0E"));
     EXPECT_FALSE(same("0.00  KPa", "NODATA")); // a value from nothing
     EXPECT_TRUE(same("N/A", "410C1A"));
 }
