@@ -76,7 +76,8 @@ void take_qt_message(QtMsgType type, const QMessageLogContext&, const QString& m
     QCoreApplication* application = QCoreApplication::instance();
     if (type != QtFatalMsg && application && QThread::currentThread() != application->thread()) {
         // From the thread of a library; the log belongs to the main one.
-        QMetaObject::invokeMethod(application, [message] { console_log(message); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            application, [message] { console_log(message); }, Qt::QueuedConnection);
         return;
     }
     console_log(message);

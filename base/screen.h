@@ -18,9 +18,9 @@ public:
     virtual void show_message(const QString& title, const QString& text) = 0;
     // `answer` is called once: true for Yes.
     virtual void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) = 0;
-    // `answer` is called once, with the address and the name of the Bluetooth device that the person chose, or two
-    // empty texts. `why`: what is wrong with the device before, "" for nothing. A screen that cannot ask answers so
-    // at once.
+    // `answer` is called once, with the address and the name of the Bluetooth device that the person chose,
+    // or two empty texts. `why`: what is wrong with the device before, "" for nothing. A screen that cannot
+    // ask answers so at once.
     virtual void choose_device([[maybe_unused]] const QString& why,
                                std::function<void(const QString& address, const QString& name)> answer) {
         answer(QString(), QString());

@@ -40,7 +40,9 @@ QString user_defaults::text(const QString& key, const QString& if_missing, qsize
 
 QStringList user_defaults::list(const QString& key, const QStringList& if_missing) const {
     const QVariant value = value_of(key);
-    return value.isValid() ? value.toStringList() : if_missing;
+    if (value.isValid())
+        return value.toStringList();
+    return has(key) ? QStringList() : if_missing; // an empty list is stored as an invalid value
 }
 
 void user_defaults::set(const QString& key, const QVariant& value) {

@@ -204,9 +204,9 @@ struct reply_line {
 
     explicit reply_line(QStringView reply) {
         for (const QChar c : reply.trimmed()) {
-            if (c == u'\r')
+            if (c == u'\r' && length > 0)
                 break;
-            if (c == u' ' || c == u'>')
+            if (c == u'\r' || c == u' ' || c == u'>')
                 continue;
             if (length < static_cast<qsizetype>(characters.size()))
                 characters[static_cast<size_t>(length)] = c;

@@ -1,5 +1,6 @@
 #include "obd/reply_text.h"
 
+#include "obd/number_text.h"
 #include <QRegularExpression>
 #include <algorithm>
 #include <limits>
@@ -12,17 +13,6 @@ constexpr qsizetype counted_bytes = 300;
 
 bool is_line_end(QChar character) {
     return character == u'\r' || character == u'\n';
-}
-
-int hex_digit(QChar character) {
-    const char16_t c = character.unicode();
-    if (c >= u'0' && c <= u'9')
-        return c - u'0';
-    if (c >= u'A' && c <= u'F')
-        return c - u'A' + 10;
-    if (c >= u'a' && c <= u'f')
-        return c - u'a' + 10;
-    return -1;
 }
 
 // Without the characters for which `is_edge` holds at either end.
@@ -112,8 +102,7 @@ QString check_bad_reply(const QString& reply, const QString& /*this_pid*/, const
 }
 
 bool is_hex(QStringView text) {
-    return !text.isEmpty() &&
-           std::all_of(text.begin(), text.end(), [](QChar c) { return hex_digit(c) >= 0; });
+    return is_hex_text(text);
 }
 
 unsigned convertStr2Byte(QStringView hex) {

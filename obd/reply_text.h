@@ -46,6 +46,6 @@ QString padString(const QString& text, QChar this_pad_char, qsizetype this_padde
 // The same with a text to pad with, repeated and cut as needed.
 QString padLeft(const QString& text, qsizetype padded_size, const QString& padChar);
 QString padRight(const QString& text, qsizetype padded_size, const QString& padChar);
-// Every match of the pattern replaced by the template, case-insensitively. A pattern that is no regular
-// expression changes nothing.
+// Every match of the pattern replaced by the template, case-insensitively; "\1" in the template stands for
+// the first group. A pattern that is no regular expression changes nothing.
 QString replaceStrRegx(const QString& text, const QString& thisRegx, const QString& withThisStr);

@@ -33,6 +33,8 @@ bool is_whole_can_answer(const QStringList& bodies) {
     const int control = hex_byte(first, 0);
     if (control < 0x10) // also one answer given more than once
         return first.size() >= 2 + 2 * control;
+    if (control >= 0x20) // the first frame was lost
+        return false;
     const qsizetype length = (control & 0xF) * 256 + hex_byte(first, 2);
     return digits_received(bodies) >= 2 * length;
 }

@@ -85,7 +85,7 @@ obd_groups mac_toolies::grab_pids_available() {
 }
 
 bool mac_toolies::checkIfSameVehicle(const obd_groups& available) {
-    return ::checkIfSameVehicle(db, state.cur_veh_id, available);
+    return ::checkIfSameVehicle(db, state.cur_veh_id, available, state.cur_protocol);
 }
 
 void mac_toolies::fixSamplePidsFornewVehicle(const obd_groups& available) {
@@ -115,6 +115,18 @@ double mac_toolies::get_OBDVal(const QString& reply) const {
 
 QString mac_toolies::get_units(const QString& pid) const {
     return ::get_units(pid, units());
+}
+
+double mac_toolies::shown_number(const QString& reply) const {
+    return sampled_number(reply, shown_reading(), resources);
+}
+
+QString mac_toolies::shown_units(const QString& pid) const {
+    return sampled_unit(pid, shown_reading());
+}
+
+sample_reading mac_toolies::shown_reading() const {
+    return {units(), state.boost_reference_kpa, standard_reading()};
 }
 
 double mac_toolies::get_PID_min_max(const QString& pid, bool get_max) const {

@@ -6,13 +6,14 @@
 #include "obd/readiness.h"
 #include "obd/supported_pids.h"
 #include "persistence/database.h"
+#include "persistence/sampled_value.h"
 
 #include <QMap>
 
 // The toolkit: everything that the controllers ask about replies, values, codes, vehicles and stored results,
 // one line an operation. It reads the process state and the user defaults afresh and forwards to the pure
-// modules and the database; it keeps nothing itself. The process state, the defaults and the database outlive
-// it.
+// modules and the database; of its own it keeps the supported-PID maps of the engine. The process state, the
+// defaults and the database outlive it.
 class mac_toolies {
 public:
     mac_toolies(process_state& process, user_defaults& settings, database& store);
@@ -45,6 +46,10 @@ public:
     QString translateResponse(const QString& reply) const;
     double get_OBDVal(const QString& reply) const;
     QString get_units(const QString& pid) const;
+    // Both in the reading that is shown (persistence/sampled_value.h).
+    double shown_number(const QString& reply) const;
+    QString shown_units(const QString& pid) const;
+    sample_reading shown_reading() const;
     double get_PID_min_max(const QString& pid, bool get_max) const;
     QString get_pid_name(const QString& pid, bool with_pid) const;
     QString l_get_pid_name(const QString& pid, bool with_pid) const;

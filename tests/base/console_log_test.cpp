@@ -35,4 +35,8 @@ TEST(console_log, reaches_the_file_by_itself_and_at_a_problem) {
     silence_console_log();
     EXPECT_TRUE(bytes_of(file + ".1").endsWith(large + '\n'));
     EXPECT_EQ(bytes_of(file), "in the next file\n");
+    ASSERT_TRUE(redirect_console_log(file)); // the next start
+    console_log("goes on");
+    silence_console_log();
+    EXPECT_EQ(bytes_of(file), "in the next file\ngoes on\n");
 }

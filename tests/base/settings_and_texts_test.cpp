@@ -34,13 +34,25 @@ TEST(user_defaults, survive_a_restart_and_a_hand_edited_file) {
     EXPECT_EQ(again.integer("BV_interface", 5), 6);
     EXPECT_TRUE(again.boolean("BV_metric_units", false));
     EXPECT_EQ(again.list("pidsSampleArray_1", {}), (QStringList{"0D", "11"}));
-    EXPECT_EQ(again.list("pidsSampleArray_2", {"x"}), QStringList());
 
-    write(file, "[General]\nBV_interface=six\nwifi_IP=10.0.0.1, 7\nBV_metric_units=\n");
+    write(
+        file,
+        "[General]\nBV_interface=six\nwifi_IP=10.0.0.1, 7\nBV_metric_units=\npidsSampleArray_2=@Invalid()\n");
     user_defaults edited(file);
     EXPECT_EQ(edited.integer("BV_interface", 5), 5);
     EXPECT_FALSE(edited.boolean("BV_metric_units", true));
     EXPECT_EQ(edited.text("wifi_IP", "", 8), "10.0.0.1");
+    EXPECT_EQ(edited.list("pidsSampleArray_2", {"x"}),
+              QStringList()); // an empty list, read by another process
+}
+
+TEST(user_defaults, of_this_run_are_not_stored) {
+    QTemporaryDir folder;
+    user_defaults defaults(folder.filePath("settings.ini"));
+    defaults.override_for_this_run("BV_metric_units", true);
+    EXPECT_TRUE(defaults.has("BV_metric_units") && defaults.boolean("BV_metric_units", false));
+    EXPECT_TRUE(defaults.synchronise());
+    EXPECT_FALSE(user_defaults(folder.filePath("settings.ini")).has("BV_metric_units"));
 }
 
 TEST(text_resources, lists_and_dictionaries) {

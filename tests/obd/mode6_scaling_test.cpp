@@ -1,30 +1,12 @@
 #include "obd/mode6_scaling.h"
 
 #include "base/text_resources.h"
-#include "obd/maker_values.h"
 #include "obd/number_text.h"
 
 #include <QFile>
 #include <QRegularExpression>
-#include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-namespace {
-
-QString hex_text(int identifier) {
-    return QString::number(identifier, 16).toUpper().rightJustified(2, '0');
-}
-
-QString monitor(const QString& identifier, const text_resources& lists) {
-    return grab_CAN_mode6_OBDMID_TESTID_description(identifier, true, lists);
-}
-
-QString test_name(const QString& identifier, const text_resources& lists) {
-    return grab_CAN_mode6_OBDMID_TESTID_description(identifier, false, lists);
-}
-
-} // namespace
 
 TEST(mode6_scaling, worked_examples) {
     // clang-format off
@@ -59,7 +41,8 @@ TEST(mode6_scaling, unlisted_identifiers_give_the_raw_value) {
                                             {0xB2, 0xFC}, {0xFF, 0xFF}};
     for (const auto& [first, last] : unlisted)
         for (int uasid = first; uasid <= last; ++uasid)
-            EXPECT_EQ(CAN_scale_and_units(hex_text(uasid), "9234", true), "37428.000000 ") << uasid;
+            EXPECT_EQ(CAN_scale_and_units(QString::number(uasid, 16), "9234", true), "37428.000000 ")
+                << uasid;
 }
 
 TEST(mode6_scaling, descriptions_cover_the_range_up_to_the_next_line) {
@@ -71,16 +54,16 @@ TEST(mode6_scaling, descriptions_cover_the_range_up_to_the_next_line) {
     };
     write("OBDMID_CAN.txt", "10|ten\n20 some|twenty|more\n30\n40|end\n");
     const text_resources lists(folder.path());
-
     const std::pair<const char*, const char*> examples[] = {
         {"10", "ten"}, {"1f", "ten"}, {"20", "twenty|more"}, {"0F", "N/A"}, {"30", "N/A"},
         {"40", "N/A"}, {"FF", "N/A"}, {"100", "N/A"},        {"", "N/A"},
     };
     for (const auto& [identifier, text] : examples)
-        EXPECT_EQ(monitor(identifier, lists), text) << identifier;
-    EXPECT_EQ(test_name("10", lists), "N/A"); // there is no such list
+        EXPECT_EQ(grab_CAN_mode6_OBDMID_TESTID_description(identifier, true, lists), text) << identifier;
+    // There is no such list, and then an empty one.
+    EXPECT_EQ(grab_CAN_mode6_OBDMID_TESTID_description("10", false, lists), "N/A");
     write("TID_CAN.txt", "");
-    EXPECT_EQ(test_name("10", text_resources(folder.path())), "N/A");
+    EXPECT_EQ(grab_CAN_mode6_OBDMID_TESTID_description("10", false, text_resources(folder.path())), "N/A");
 }
 
 TEST(mode6_scaling, ranges_are_pruned) {
@@ -96,55 +79,27 @@ TEST(mode6_scaling, shipped_descriptions) {
     for (const auto& [name, count] : {std::pair("OBDMID_CAN", 107), std::pair("TID_CAN", 16)}) {
         QStringList lines = lists.get_array_from_resource(name, "txt").value_or(QStringList());
         lines.removeAll("");
-        ASSERT_EQ(lines.size(), count);
-        EXPECT_TRUE(lines.first().startsWith("00|"));
-        EXPECT_TRUE(lines.last().startsWith("FF|"));
-        int previous = -1;
-        for (const QString& line : lines) {
+        EXPECT_EQ(lines.size(), count);
+        QStringList sorted = lines;
+        sorted.removeDuplicates();
+        sorted.sort();
+        EXPECT_EQ(lines, sorted) << name;
+        for (const QString& line : lines)
             EXPECT_TRUE(form.match(line).hasMatch()) << line.toStdString();
-            EXPECT_GT(hex_byte(line, 0), previous) << line.toStdString();
-            previous = hex_byte(line, 0);
-        }
     }
-
     // clang-format off
-    const std::pair<const char*, const char*> monitors[] = {
-        {"05", "Exhaust gas sensor monitor bank 2 sensor 1"},       {"1F", "Reserved"},
-        {"10", "Exhaust gas sensor monitor bank 4 sensor 4"},       {"21", "Catalyst monitor bank 1"},
-        {"50", "Exhaust gas sensor heater monitor bank 4 sensor 4"}, {"30", "Reserved"},
-        {"A1", "Misfire monitor general data"},                     {"A5", "Misfire cylinder 4 data"},
-        {"00", "OBD monitor IDs supported (01-20)"},                {"BE", "Reserved"},
-        {"E0", "OBD monitor IDs supported (E1-FF)"},                {"FE", "Manufacturer defined"},
-        {"FF", "N/A"},
+    const std::tuple<const char*, bool, const char*> names[] = {
+        {"05", true, "Exhaust gas sensor monitor bank 2 sensor 1"},
+        {"10", true, "Exhaust gas sensor monitor bank 4 sensor 4"},
+        {"50", true, "Exhaust gas sensor heater monitor bank 4 sensor 4"},
+        {"00", true, "OBD monitor IDs supported (01-20)"}, {"E0", true, "OBD monitor IDs supported (E1-FF)"},
+        {"21", true, "Catalyst monitor bank 1"},           {"A1", true, "Misfire monitor general data"},
+        {"A5", true, "Misfire cylinder 4 data"},           {"FE", true, "Manufacturer defined"},
+        {"1F", true, "Reserved"}, {"BE", true, "Reserved"}, {"FF", true, "N/A"},
+        {"0A", false, "Sensor period (calculated)"}, {"7F", false, "Reserved"}, {"FF", false, "N/A"},
     };
     // clang-format on
-    for (const auto& [identifier, text] : monitors)
-        EXPECT_EQ(monitor(identifier, lists), text) << identifier;
-    EXPECT_EQ(test_name("0A", lists), "Sensor period (calculated)");
-    EXPECT_EQ(test_name("7F", lists), "Reserved");
-    EXPECT_EQ(test_name("81", lists), test_name("FE", lists));
-    EXPECT_EQ(test_name("FF", lists), "N/A");
-    for (int group = 0; group <= 0xE0; group += 0x20)
-        EXPECT_TRUE(monitor(hex_text(group), lists).contains(" supported (")) << group;
-}
-
-// Every command asks for an identifier that the program can translate, and every label is there once.
-TEST(mode6_scaling, shipped_extras) {
-    const text_resources lists;
-    const QStringList lines = lists.get_array_from_resource("SUBARU_EURO4", "txt").value_or(QStringList());
-    ASSERT_EQ(lines.size(), 16);
-    EXPECT_TRUE(lines.contains("22 F1 97|VIN"));
-    QSet<QString> commands, labels;
-    for (const QString& line : lines) {
-        const QStringList parts = line.split('|');
-        ASSERT_EQ(parts.size(), 2) << line.toStdString();
-        ASSERT_TRUE(parts[0].startsWith("22 ")) << line.toStdString();
-        EXPECT_FALSE(parts[1].isEmpty());
-        const QString reply = "62" + QString(parts[0]).remove(" ").mid(2) + "4142434445";
-        EXPECT_NE(translateResponse_subaru(reply, unit_system::metric, lists), "~") << line.toStdString();
-        commands.insert(parts[0]);
-        labels.insert(parts[1]);
-    }
-    EXPECT_EQ(commands.size(), lines.size());
-    EXPECT_EQ(labels.size(), lines.size());
+    for (const auto& [identifier, is_monitor, text] : names)
+        EXPECT_EQ(grab_CAN_mode6_OBDMID_TESTID_description(identifier, is_monitor, lists), text)
+            << identifier;
 }

@@ -52,6 +52,8 @@ TEST(messages, are_grouped_by_ecu) {
         // "Response pending" gives way to the answer, and stays when there is none.
         {"7E8 03 7F 09 78\r7E9 03 7F 09 78 00 00\r7E8 04 49 02 01 31\r", 6,
          "7E8: 0449020131; 7E9: 037F09780000"},
+        {"48 6B 10 7F 09 78\r48 6B 11 41 0D 3C", 3, "486B10: 7F0978; 486B11: 410D3C"},
+        {"48 6B 10 7F 09 78\r48 6B 10 41 0D 3C", 3, "486B10: 410D3C"}, // without its check byte
         {"83 F1 10 7F 09 78 84\r87 F1 10 49 02 01 00 00 00 57 2B\r", 5, "87F110: 490201000000572B"},
         {"83 F1 10 7F 01 11 15 \r\r>", 5, "83F110: 7F011115"},
         {"7E8 03 41 0D 3C\r7E9 03 41 0D 3C", -1, ""},
@@ -137,17 +139,21 @@ TEST(messages, of_one_line_are_filtered_by_ecu) {
     EXPECT_EQ(pull_PID_msg("486B10410D3CA5", "0D", ""), QString("410D3CA5"));
     EXPECT_EQ(pull_PID_msg("486B10410D3CA5", "0D", "18"), nothing);
     EXPECT_EQ(pull_PID_msg("486B10410D410DA5", "0D", ""), QString("410D410DA5")); // data like a PID
-    for (const char* line : {"", "7E8", "486B10410D", "NODATA"})
+    for (const char* line : {"", "7E8", "486B10410D3CA", "NODATA"})
         EXPECT_EQ(pull_PID_msg(line, "0D", ""), nothing) << line;
 }
 
 TEST(messages, of_computed_values_are_encoded) {
     constexpr double infinite = std::numeric_limits<double>::infinity();
     const std::tuple<const char*, double, unit_system, const char*> examples[] = {
-        {"10", 10.009, unit_system::metric, "411003E8"},    {"10", 2, unit_system::imperial, "411005DC"},
-        {"10", 655.35, unit_system::metric, "41E4FFFF"},    {"E4", 30, unit_system::imperial, "41E404FB"},
-        {"E4", infinite, unit_system::metric, "41E4FFFF"},  {"E4", -infinite, unit_system::metric, "41E40000"},
-        {"E4", std::nan(""), unit_system::metric, "41E40000"}, {"0C", 1, unit_system::metric, ""},
+        {"10", 10.009, unit_system::metric, "411003E8"},
+        {"10", 2, unit_system::imperial, "411005DC"},
+        {"10", 655.35, unit_system::metric, "41E4FFFF"},
+        {"E4", 30, unit_system::imperial, "41E404FB"},
+        {"E4", infinite, unit_system::metric, "41E4FFFF"},
+        {"E4", -infinite, unit_system::metric, "41E40000"},
+        {"E4", std::nan(""), unit_system::metric, "41E40000"},
+        {"0C", 1, unit_system::metric, ""},
     };
     for (const auto& [pid, value, units, text] : examples)
         EXPECT_EQ(encode_to_OBD(pid, value, units), text) << pid << ' ' << value;
@@ -193,6 +199,7 @@ TEST(ecu_names, are_read_from_line_and_header) {
     EXPECT_EQ(findEngineEcuIdx({}, 7), 0);
 
     EXPECT_TRUE(same_ecu("86F110", "83F110", 5));
+    EXPECT_TRUE(same_ecu("86F110", "93F110", 5)); // 19 bytes long
     EXPECT_FALSE(same_ecu("86F110", "83F110", 3));
     EXPECT_FALSE(same_ecu("86F110", "C6F110", 4));
     EXPECT_FALSE(same_ecu("86F110", "", 4));

@@ -26,29 +26,21 @@ TEST(pid_catalogue, units) {
 }
 
 TEST(pid_catalogue, ranges) {
-    struct example {
-        const char* pid;
-        double min, max, imperial_min, imperial_max;
-    };
-    const example examples[] = {
-        {"05", -40, 215, -40, 419},
-        {"08", -100, 92.22, -100, 92.22},
-        {"0C", 0, 16383.75, 0, 16383.75},
+    // clang-format off
+    const std::tuple<const char*, double, double, double, double> examples[] = {
+        // metric, imperial
+        {"05", -40, 215, -40, 419},    {"08", -100, 92.22, -100, 92.22},   {"0C", 0, 16383.75, 0, 16383.75},
+        {"2D", -100, 100, -100, 100},  {"3F", -40, 6513.5, -40, 11756.3},  {"42", 0, 65535, 0, 65535},
+        {"E1", 0, 1, 0, 1},            {"E5", 0, 255, 0, 36.98332124728064}, {"53", 0, 0, 0, 0},
+        {"30", 0, 0, 0, 0},            {"E9", 0, 0, 0, 0},
         {"32", -8192, 8191.75, -32.8878, 32.8868},
-        {"3F", -40, 6513.5, -40, 11756.3},
-        {"2D", -100, 100, -100, 100},
-        {"42", 0, 65535, 0, 65535},
-        {"E1", 0, 1, 0, 1},
-        {"E5", 0, 255, 0, 36.98332124728064},
-        {"53", 0, 0, 0, 0},
-        {"30", 0, 0, 0, 0},
-        {"E9", 0, 0, 0, 0},
     };
-    for (const example& e : examples) {
-        EXPECT_EQ(get_PID_min_max(e.pid, false, metric), e.min) << e.pid;
-        EXPECT_EQ(get_PID_min_max(e.pid, true, metric), e.max) << e.pid;
-        EXPECT_EQ(get_PID_min_max(e.pid, false, imperial), e.imperial_min) << e.pid;
-        EXPECT_EQ(get_PID_min_max(e.pid, true, imperial), e.imperial_max) << e.pid;
+    // clang-format on
+    for (const auto& [pid, min, max, imperial_min, imperial_max] : examples) {
+        EXPECT_EQ(get_PID_min_max(pid, false, metric), min) << pid;
+        EXPECT_EQ(get_PID_min_max(pid, true, metric), max) << pid;
+        EXPECT_EQ(get_PID_min_max(pid, false, imperial), imperial_min) << pid;
+        EXPECT_EQ(get_PID_min_max(pid, true, imperial), imperial_max) << pid;
     }
 }
 

@@ -31,12 +31,7 @@ TEST(trouble_codes, one_code) {
 }
 
 TEST(trouble_codes, of_one_ECU) {
-    struct example {
-        QStringList messages;
-        int protocol;
-        const char* codes;
-    };
-    const example examples[] = {
+    const std::tuple<QStringList, int, const char*> examples[] = {
         // CAN, one frame
         {{"06430201330220"}, can_11_bit, "P0133 P0220"},
         {{"0443010420"}, can_29_bit, "P0420"},
@@ -67,8 +62,8 @@ TEST(trouble_codes, of_one_ECU) {
         {{}, can_11_bit, ""},
         {{}, kwp, ""},
     };
-    for (const example& e : examples)
-        EXPECT_EQ(joined(l_pullErrorsFromSingleMsg(e.messages, e.protocol)), e.codes) << joined(e.messages);
+    for (const auto& [messages, protocol, codes] : examples)
+        EXPECT_EQ(joined(l_pullErrorsFromSingleMsg(messages, protocol)), codes) << joined(messages);
 }
 
 TEST(trouble_codes, of_every_ECU_of_a_reply) {
@@ -93,7 +88,7 @@ TEST(trouble_codes, flat_list) {
     const QString can = "AUTO, ISO 15765-4 (CAN 11/500)";
     const QString iso = "AUTO, ISO 9141-2";
     // CAN: a count, then the codes
-    EXPECT_EQ(flat("03", "43 01 01 2C \r\r>", can), "P012C");
+    EXPECT_EQ(flat("03", "43 01 01 2C 02 20 \r\r>", can), "P012C"); // no more than the count
     EXPECT_EQ(flat("03", "43 02 01 02 01 13 \r\r>", can), "P0102 P0113");
     EXPECT_EQ(flat("03", "00A\r0:430401020113\r1:01230222000000\r\r>", can), "P0102 P0113 P0123 P0222");
     EXPECT_EQ(flat("07", "00A\r0:470401020113\r1:01230222000000\r\r>", iso), "P0102 P0113 P0123 P0222");
@@ -122,6 +117,10 @@ TEST(trouble_codes, description) {
     EXPECT_EQ(look_upCode("P0133", dictionary), " O2 sensor slow");
     EXPECT_EQ(look_upCode("P0134", dictionary), "Code not found in our DB");
     EXPECT_EQ(look_upCode(localised("NO_CODES"), {}), localised("LOOK_4_PENDING"));
+    // A line without a blank would end the shipped list before its last code.
+    const auto shipped = text_resources().get_dictionary_from_resource("P0_Codes", "txt", " ");
+    EXPECT_EQ(look_upCode("U0460", shipped.value()),
+              " Invalid Data Received From Parking Assist Control Module");
 }
 
 TEST(readiness, rows_and_summary) {

@@ -15,6 +15,7 @@ TEST(vin, in_the_reply) {
         {QString("49020141414141\r").repeated(60), "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA"}, // 39, no more
         // None
         {"014 \r0: 49 02 01 FF FF FF \r1: FF FF FF FF FF FF FF \r2: FF FF FF FF FF FF FF \r\r>", "N/A"},
+        {"006 \r0: 49 02 01 20 20 20 \r\r>", "N/A"},
         {"014\r0:410201314434\r1:47503030523535\r\r>", "N/A"},
         {"7F 09 12 \r\r>", "N/A"},
         {"BUS INIT: ERROR\r\r>", "N/A"},

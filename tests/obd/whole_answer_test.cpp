@@ -18,6 +18,8 @@ TEST(whole_answer, on_can) {
         {"1014490201314731 2237323532333637", false},
         {"1014490201314731 2237323532333637 214A433534343452", false},
         {"1014490201314731", false},
+        {"2003414243444546 2147484950515253", false}, // the first frame of a long answer is missing
+        {"1105490201314731 214A433534343452", false}, // of 261 bytes
         {"10144902 214A433534343452 2237323532333637", false},
         {"100A430433010420 2104300300", true}, // ends with what it has
     };
@@ -25,6 +27,18 @@ TEST(whole_answer, on_can) {
         EXPECT_EQ(is_whole_can_answer(QString(bodies).split(' ')), is_whole) << bodies;
     EXPECT_EQ(digits_received({"1010460105101212", "2112121212121212", "2312121212121212"}), 26);
     EXPECT_EQ(digits_received({"1010460105101212", "21121212", "2212121212121212"}), 18);
+}
+
+TEST(whole_answer, of_more_than_sixteen_frames) {
+    QStringList bodies{"1076620000000000"}; // 118 bytes
+    QString reply = "076\r0:620000000000\r";
+    for (int i = 1; i <= 16; ++i) {
+        const QString digit = QString::number(i % 16, 16).toUpper();
+        bodies += '2' + digit + QString(14, '0');
+        reply += digit + ':' + QString(14, '0') + '\r';
+    }
+    EXPECT_TRUE(is_whole_can_answer(bodies));
+    EXPECT_EQ(whole_data_without_headers(reply, "62").size(), 2 * 118);
 }
 
 TEST(whole_answer, vin_of_the_older_protocols) {
