@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 
 namespace {
@@ -278,12 +279,19 @@ QImage database::pull_veh_image(const QString& where_clause) {
 }
 
 int database::insert(const QString& log_text, const QString& sql, const binder& bind) {
-    int row_id = 0;
+    qint64 row_id = 0;
     const stored outcome =
         store(log_text, sql, bind, [&row_id](const sqlite_connection& done) { row_id = done.last_row_id(); });
-    if (outcome == stored::yes)
-        return row_id;
-    return outcome == stored::not_prepared ? 0 : -1;
+    if (outcome != stored::yes)
+        return outcome == stored::not_prepared ? 0 : -1;
+    if (row_id > 0 && row_id <= std::numeric_limits<int>::max())
+        return static_cast<int>(row_id);
+    // Ids have 32 bits; only a damaged file counts beyond.
+    what_is_wrong = QStringLiteral("The database %1 is damaged: its rows have numbers that cannot be used. "
+                                   "Put a sound copy in its place or move it away, for a new one to be made.")
+                        .arg(file);
+    console_log(log_text + what_is_wrong);
+    return -1;
 }
 
 database::stored database::store(const QString& log_text, const QString& sql, const binder& bind,

@@ -3,8 +3,6 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "obd/number_text.h"
-#include "obd/pid_catalogue.h"
-#include "obd/pid_translation.h"
 #include "obd/reply_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
@@ -18,13 +16,6 @@ namespace {
 constexpr int data_column = 1;
 constexpr int time_column = 3;
 
-// The PID of a sampled reply ("410C1AF8"); "" when the item is none ("~", "-1", "NODATA").
-QString pid_of(const QString& item) {
-    const QString reply = item.trimmed();
-    const bool is_reply = reply.startsWith(QLatin1String("41")) && hex_byte(reply, 2) >= 0;
-    return is_reply ? reply.mid(2, 2).toUpper() : QString();
-}
-
 QString value_text(double value) {
     return std::isnan(value) ? QStringLiteral("nan") : with_decimals(value, 6);
 }
@@ -32,7 +23,9 @@ QString value_text(double value) {
 } // namespace
 
 log_export::log_export(database& store, const text_resources& texts, export_settings its_settings)
-    : db(store), lists(texts), settings(std::move(its_settings)) {}
+    : db(store), lists(texts),
+      settings(std::move(its_settings)), reading{settings.units, settings.boost_reference_kpa,
+                                                 settings.by_standard} {}
 
 log_export::~log_export() {
     stop();
@@ -92,12 +85,7 @@ bool log_export::find_columns(int lines) {
             phase = stage::writing;
             return open_rows() && write(column_pids.isEmpty() ? QString() : header());
         }
-        const QStringList items = Pull_line_into_array(row->value(data_column), QStringLiteral(","));
-        column_pids.resize(std::max(column_pids.size(), items.size()));
-        for (qsizetype column = 0; column < items.size(); ++column) {
-            if (column_pids[column].isEmpty())
-                column_pids[column] = pid_of(items[column]);
-        }
+        tell_columns(column_pids, Pull_line_into_array(row->value(data_column), QStringLiteral(",")));
     }
     return true;
 }
@@ -105,9 +93,8 @@ bool log_export::find_columns(int lines) {
 QString log_export::header() const {
     QString text;
     for (const QString& pid : column_pids) {
-        const QString name = pid.isEmpty() ? not_available : get_pid_name(pid, false, lists);
-        const QString unit = pid.isEmpty() ? not_available : get_units(pid, settings.units);
-        text += fill(text.isEmpty() ? QStringLiteral("%@ (%@)") : QStringLiteral(",%@ (%@)"), {name, unit});
+        const QString heading = sampled_heading(pid, reading, lists);
+        text += text.isEmpty() ? heading : u',' + heading;
     }
     return text + (settings.time_column ? QStringLiteral(",(Sample time)\n") : QStringLiteral("\n"));
 }
@@ -116,8 +103,7 @@ QString log_export::line_of(const QStringList& row) const {
     QString text;
     const QStringList items = Pull_line_into_array(row.value(data_column), QStringLiteral(","));
     for (const QString& item : items) {
-        const QString value =
-            value_text(get_OBDVal(item, settings.units, settings.boost_reference_kpa, lists));
+        const QString value = value_text(sampled_number(item, reading, lists));
         text += text.isEmpty() ? value : u',' + value;
     }
     if (settings.time_column)

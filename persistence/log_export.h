@@ -4,6 +4,7 @@
 #include "base/text_resources.h"
 #include "persistence/database.h"
 #include "persistence/row_cursor.h"
+#include "persistence/sampled_value.h"
 
 #include <QFile>
 #include <memory>
@@ -14,12 +15,14 @@ struct export_settings {
     QString application_folder; // see log_export::begin
     unit_system units = unit_system::imperial;
     int boost_reference_kpa = 101;
+    bool by_standard = false; // the reading of the values: see sampled_value.h
     bool time_column = false;
 };
 
 // Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it
-// can be shown, stopped, and of any length. The values are those of the unit system in force. Under its final
-// name the file is whole: what is written before that, or left by a failure, is called "<name>.part".
+// can be shown, stopped, and of any length. The values are those of the unit system and the reading in force.
+// Under its final name the file is whole: what is written before that, or left by a failure, is called
+// "<name>.part".
 class log_export {
 public:
     log_export(database& store, const text_resources& texts, export_settings its_settings);
@@ -56,6 +59,7 @@ private:
     database& db;
     const text_resources& lists;
     const export_settings settings;
+    const sample_reading reading;
 
     stage phase = stage::idle;
     int log = 0;

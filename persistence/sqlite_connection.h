@@ -45,8 +45,7 @@ public:
     // Back to one plain file that can be copied and read anywhere; nothing while somebody else has it open.
     void end_log_ahead();
     bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
-    // 32 bits of the key, as all ids of the program have.
-    int last_row_id() const { return static_cast<int>(sqlite3_last_insert_rowid(db)); }
+    qint64 last_row_id() const { return sqlite3_last_insert_rowid(db); }
     int changed_rows() const { return sqlite3_changes(db); }
     // The last refusal of this connection or one of its statements.
     const sqlite_failure& failure() const { return last_failure; }

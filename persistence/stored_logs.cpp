@@ -17,8 +17,8 @@ std::optional<log_header> log_with_id(database& db, int log_id) {
 }
 
 QString export_file_name(const log_header& log, bool as_txt) {
-    const QString name =
-        fill(QStringLiteral("%@_%@"), {gmt_date_str_2_local_date_str(log.time_stamp).replace(u' ', u'_'), log.type});
+    const QString name = fill(QStringLiteral("%@_%@"),
+                              {gmt_date_str_2_local_date_str(log.time_stamp).replace(u' ', u'_'), log.type});
     return QString(name).replace(u':', u'_').replace(u'/', u'_') + QLatin1String(as_txt ? ".txt" : ".csv");
 }
 

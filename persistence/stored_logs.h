@@ -16,7 +16,8 @@ struct log_header {
 std::optional<log_header> log_header_of(const QStringList& row);
 std::optional<log_header> log_with_id(database& db, int log_id);
 
-// The name of the file that an export of the log writes: its time in the time zone of the system, and its kind.
+// The name of the file that an export of the log writes: its time in the time zone of the system, and its
+// kind.
 QString export_file_name(const log_header& log, bool as_txt);
 
 // A sampling run has ended: its header gets the final text. A run that stored no line loses its header.

@@ -84,9 +84,9 @@ bool store_pids_available(database& db, int veh_id, const obd_groups& pids) {
                                 QString::number(veh_id));
 }
 
-bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list) {
+bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list, int protocol) {
     const QList<QStringList> rows =
         db.retrieve_from_DB(query("SELECT XTRA_INFO from VEHICLES where veh_id=%d", veh_id));
     const QString stored = rows.isEmpty() ? QString() : rows.first().value(0);
-    return stored.isEmpty() || same_pid_sets(pids_from_json(stored), list);
+    return stored.isEmpty() || same_pid_sets(pids_from_json(stored), list, protocol);
 }

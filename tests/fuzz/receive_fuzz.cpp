@@ -160,7 +160,8 @@ private:
     // exchange_owner
     void transmit(const QByteArray&) override { held.clear(); }
     void show_status(const QString&) override {}
-    void pop_a_messy(const QString&) override {}
+    void pop_a_messy(const QString&, const QString&) override {}
+    void adapter_started_anew() override {}
     void reply_refused() override { traffic.abandon(); }
     void reply_arrived(const QString& handed_on) override {
         must_hold(!traffic.is_in_flight(), "a reply ends the command");

@@ -83,6 +83,7 @@ TEST(database, a_lone_quote_is_refused_where_values_are_spliced_and_kept_where_t
     EXPECT_TRUE(t.log().contains("add_update_DB::sqlite3_prepare_v2:: "));
     EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, "driver's"), 0);
     EXPECT_EQ(t.db.append_2_LOG_DB("driver's", "", 0, 1), 0);
+    EXPECT_EQ(t.db.add_update_DB({"Van", "2001"}, "VEHICLES"), -1); // a value is missing
 
     EXPECT_EQ(t.db.add_update_DB({"Van", "2001", "2.4"}, "VEHICLES"), 2);
     EXPECT_EQ(t.db.problem(), "");

@@ -7,7 +7,8 @@
 // The local time zone of the process while the object lives.
 class local_time_zone {
 public:
-    explicit local_time_zone(const char* zone) : before(qgetenv("TZ")), was_set(qEnvironmentVariableIsSet("TZ")) {
+    explicit local_time_zone(const char* zone)
+        : before(qgetenv("TZ")), was_set(qEnvironmentVariableIsSet("TZ")) {
         setenv("TZ", zone, 1);
         tzset();
     }

@@ -26,7 +26,8 @@ struct export_bench : test_database {
         QString sql = QString("UPDATE LOGGIES SET time_stamp='2013-05-01 14:03:07' WHERE LOG_ID=%1;").arg(id);
         for (const line& l : lines)
             sql += QString("INSERT INTO LOGGIES_DATA (LOG_ID, DATA, time_stamp) VALUES (%1, '%2', '%3');")
-                       .arg(id).arg(l.data, l.time_stamp);
+                       .arg(id)
+                       .arg(l.data, l.time_stamp);
         outside(sql.toUtf8());
         return id;
     }
@@ -119,6 +120,64 @@ TEST(log_export, columns) {
     EXPECT_EQ(t.exported(t.stored({})), "");
 }
 
+TEST(log_export, in_the_reading_of_the_standard) {
+    export_bench t;
+    struct column {
+        const char* reply;
+        const char* own[2]; // metric: heading, value
+        const char* standard[2];
+    };
+    // A unit of the program's own that its number is not in, a state, a reply cut short, a computed value
+    const column columns[] = {
+        {"410D3C", {"Vehicle speed (kph)", "60.000000"}, {"Vehicle speed (km/h by SAE J1979)", "60.000000"}},
+        {"41422E7C",
+         {"Control module voltage ( V)", "0.002000"},
+         {"Control module voltage (V by SAE J1979)", "11.900000"}},
+        {"4103", {"Fuel system status (N/A)", "nan"}, {"Fuel system status (N/A by SAE J1979)", "nan"}},
+        {"410C1A", {"Engine RPM (RPM)", "0.000000"}, {"Engine RPM (rpm by SAE J1979)", "nan"}},
+        {"41E565", {"Boost (KPa)", "0.000000"}, {"Boost (KPa)", "0.000000"}},
+    };
+    QStringList replies;
+    QString own, standard;
+    for (const int row : {0, 1})
+        for (const column& c : columns) {
+            const bool is_last = &c == std::end(columns) - 1;
+            own += c.own[row] + QString(is_last ? "\n" : ",");
+            standard += c.standard[row] + QString(is_last ? "\n" : ",");
+            if (row == 0)
+                replies += c.reply;
+        }
+    const int id = t.stored({{replies.join(',')}});
+    t.settings.units = unit_system::metric;
+    EXPECT_EQ(t.exported(id).toStdString(), own.toStdString());
+    t.settings.by_standard = true;
+    EXPECT_EQ(t.exported(id).toStdString(), standard.toStdString());
+}
+
+TEST(sampled_value, tells_where_the_readings_differ) {
+    const text_resources lists;
+    const struct {
+        const char* reply;
+        bool metric;
+        bool imperial;
+    } rows[] = {
+        {"410D3C", false, false}, {"410C1AF8", false, false}, {"41142080", false, false},
+        {"41057B", false, false}, {"41101234", false, false}, {"410B40", false, false},
+        {"41422E7C", true, true}, {"41310599", true, true},   {"411F0E8D", true, true}, // whole hours alone
+        {"413364", false, true}, // "in.Hg" beside a number in psi
+        {"410C1A", true, true},   {"411C06", false, false},   {"41E565", false, false},
+        {"~", false, false},      {"NODATA", false, false},   {"", false, false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(readings_differ(row.reply, {unit_system::metric}, lists), row.metric) << row.reply;
+        EXPECT_EQ(readings_differ(row.reply, {unit_system::imperial, 101, true}, lists), row.imperial)
+            << row.reply;
+    }
+    EXPECT_EQ(sampled_unit("6D", {unit_system::metric, 101, true}), "kPa");
+    EXPECT_TRUE(
+        std::isnan(sampled_number("416D04000000002800000000", {unit_system::metric, 101, true}, lists)))
+        << "no temperature in the place of a pressure";
+}
+
 TEST(log_export, lines_of_its_own_log_in_order_of_insertion_however_sliced) {
     export_bench t;
     QList<export_bench::line> lines;
@@ -168,7 +227,8 @@ TEST(log_export, a_log_or_a_folder_that_is_not_there) {
 
     QFile in_the_way(t.folder.filePath("loggies"));
     ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
-    EXPECT_TRUE(t.exported(id).contains("loggies/2013-05-01_16_03_07_Log.csv cannot be written (Not a directory)"));
+    EXPECT_TRUE(
+        t.exported(id).contains("loggies/2013-05-01_16_03_07_Log.csv cannot be written (Not a directory)"));
     EXPECT_TRUE(t.log().contains("Fallo export_fromDB_2_CSV::"));
     ASSERT_TRUE(in_the_way.remove());
 

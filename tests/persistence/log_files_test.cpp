@@ -18,9 +18,9 @@ QDateTime at(int hour, int minute, int second) {
 TEST(log_files, session_names_by_task_code) {
     const QTemporaryDir folder;
     const std::pair<int, const char*> prefixes[] = {
-        {1, "dtc_"},     {2, "other_"},    {3, "xprt_"},   {4, "log_"},    {5, "frz_"},   {6, "vinfo_"},
-        {7, "fuel_"},    {8, "mode6_"},    {9, "other_"},  {10, "other_"}, {11, "misfire_"}, {12, "other_"},
-        {13, "boost_"},  {14, "o2_"},      {15, "other_"}, {0, "other_"},  {-1, "other_"}, {99, "other_"},
+        {1, "dtc_"},    {2, "other_"}, {3, "xprt_"},   {4, "log_"},    {5, "frz_"},      {6, "vinfo_"},
+        {7, "fuel_"},   {8, "mode6_"}, {9, "other_"},  {10, "other_"}, {11, "misfire_"}, {12, "other_"},
+        {13, "boost_"}, {14, "o2_"},   {15, "other_"}, {0, "other_"},  {-1, "other_"},   {99, "other_"},
     };
     for (const auto& [task, prefix] : prefixes)
         EXPECT_EQ(work_out_log_fname_for_mode(folder.path(), task, true, at(9, 8, 7)),
@@ -36,7 +36,8 @@ TEST(log_files, dates_on_a_clock_of_twelve_hours) {
         {at(23, 59, 59), false, "Mar_01_2025-1159_59", "Mar 01 2025 11:59:59"},
     };
     const QLocale before;
-    for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::Arabic, QLocale::Egypt)}) {
+    for (const QLocale& locale :
+         {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::Arabic, QLocale::Egypt)}) {
         QLocale::setDefault(locale); // the names stay English, the digits Latin
         for (const auto& [now, is_metric, in_file, shown] : examples) {
             EXPECT_EQ(get_todays_date(false, is_metric, now), in_file);
@@ -59,8 +60,13 @@ TEST(log_files, database_times_in_the_local_zone) {
         {"2013-10-27 01:00:00", "2013-10-27 02:00:00", "27 Oct 2013 02:00"},
         {"2012-02-29 00:00:00", "2012-02-29 01:00:00", "29 Feb 2012 01:00"},
         // No times
-        {"", "", ""}, {"2013-02-29 00:00:00", "", ""}, {"2013-05-01", "", ""}, {"2013-05-01 24:00:00", "", ""},
-        {"2013-05-01T14:03:07", "", ""}, {"2013-05-01 14:03:0x", "", ""}, {"+013-05-01 14:03:07", "", ""},
+        {"", "", ""},
+        {"2013-02-29 00:00:00", "", ""},
+        {"2013-05-01", "", ""},
+        {"2013-05-01 24:00:00", "", ""},
+        {"2013-05-01T14:03:07", "", ""},
+        {"2013-05-01 14:03:0x", "", ""},
+        {"+013-05-01 14:03:07", "", ""},
     };
     for (const auto& [utc, local, shown] : examples) {
         EXPECT_EQ(gmt_date_str_2_local_date_str(utc), local) << utc;
@@ -73,8 +79,9 @@ TEST(log_files, sampling_rates) {
         int index, seconds;
         const char* key;
     } rates[] = {
-        {0, -1, "AS_FAST_AS_AVAIL"}, {1, 10, "EVERY_10_SECS"}, {2, 30, "EVERY_30_SECS"}, {3, 60, "EVERY_MIN"},
-        {4, 120, "EVERY_2_MINS"},    {5, 300, "EVERY_5_MINS"}, {6, -1, "AS_FAST_AS_AVAIL"}, {-1, -1, "AS_FAST_AS_AVAIL"},
+        {0, -1, "AS_FAST_AS_AVAIL"}, {1, 10, "EVERY_10_SECS"},     {2, 30, "EVERY_30_SECS"},
+        {3, 60, "EVERY_MIN"},        {4, 120, "EVERY_2_MINS"},     {5, 300, "EVERY_5_MINS"},
+        {6, -1, "AS_FAST_AS_AVAIL"}, {-1, -1, "AS_FAST_AS_AVAIL"},
     };
     for (const auto& [index, seconds, key] : rates) {
         EXPECT_EQ(secs_4_sampling(index), seconds) << index;

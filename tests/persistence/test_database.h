@@ -2,6 +2,7 @@
 
 #include "base/console_log.h"
 #include "persistence/database.h"
+#include "tests/support/folder_in_memory.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -10,7 +11,7 @@
 
 // A Documents folder of its own with a database in it, the log lines written, and a second way into the file.
 struct test_database {
-    QTemporaryDir folder;
+    QTemporaryDir folder{folder_in_memory()};
     database db{folder.path()};
 
     test_database() { EXPECT_TRUE(redirect_console_log(folder.filePath("console.log"))); }

@@ -1,3 +1,4 @@
+#include "persistence/database_problem.h"
 #include "tests/persistence/test_database.h"
 
 #include <QDir>
@@ -12,16 +13,13 @@ namespace {
 // Every way to store is refused, says so, and changes no byte.
 void expect_nothing_is_stored(test_database& t, const QString& reason) {
     const QByteArray before = t.bytes();
+    const QStringList car{"a", "b", "c"};
     const std::function<bool()> stores[] = {
         [&t] { return t.db.init_DB(); },
         [&t] { return t.db.add_2_LOG_DB("DTC", 1, "") > 0; },
         [&t] { return t.db.append_2_LOG_DB("x", "", 0, 1) > 0; },
-        [&t] {
-            return t.db.add_update_DB({"a", "b", "c"}, "VEHICLES") != -1;
-        },
-        [&t] {
-            return t.db.add_update_DB({"a", "b", "c"}, "VEHICLES", "1") != -1;
-        },
+        [&] { return t.db.add_update_DB(car, "VEHICLES") != -1; },
+        [&] { return t.db.add_update_DB(car, "VEHICLES", "1") != -1; },
         [&t] { return t.db.update_tableInDB2({"NAME"}, {"a"}, "VEHICLES", "VEH_ID", "1"); },
         [&t] { return t.db.do_update_vehicle_image("1", QImage(2, 2, QImage::Format_RGB32), "-666") > 0; },
         [&t] { return t.db.delete_a_DB_log(1); },
@@ -49,6 +47,12 @@ public:
 
 } // namespace
 
+TEST(unusable_database, the_disk_is_full_or_fails) {
+    for (const auto& [code, why] :
+         {std::pair(SQLITE_FULL, "no room left"), std::pair(SQLITE_IOERR, "disk failed")})
+        EXPECT_TRUE(problem_sentence("/a/b.db", {code, {}}).contains(why)) << why;
+}
+
 TEST(unusable_database, damaged) {
     test_database t;
     t.write(QByteArray(5000, 'x'));
@@ -56,6 +60,14 @@ TEST(unusable_database, damaged) {
     EXPECT_TRUE(t.db.retrieve_from_DB("SELECT * FROM VEHICLES").isEmpty());
     EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
     EXPECT_TRUE(t.db.pull_veh_image("VEH_ID=1").isNull());
+}
+
+TEST(unusable_database, row_numbers_beyond_what_ids_hold) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB());
+    t.outside("INSERT INTO LOGGIES (LOG_ID, VEH_ID) VALUES (3000000000, 1)");
+    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, "Codes and flags"), -1);
+    EXPECT_TRUE(t.db.problem().contains("damaged"));
 }
 
 TEST(unusable_database, newer_can_still_be_read) {
@@ -102,32 +114,26 @@ TEST(unusable_database, no_file_stands_at_the_path) {
 }
 
 TEST(unusable_database, read_only_and_unreadable) {
-    const std::pair<mode_t, const char*> cases[] = {{0444, "read-only"}, {0000, "cannot be opened"}};
-    for (const auto& [rights, reason] : cases) {
+    const std::tuple<mode_t, mode_t, const char*> cases[] = {
+        // folder, file
+        {0755, 0444, "read-only"},
+        {0755, 0000, "cannot be opened"},
+        {0555, 0666, "folder"}, // no journal can be made
+    };
+    for (const auto& [folder, file, reason] : cases) {
         test_database t;
         ASSERT_TRUE(t.db.init_DB() && t.db.init_DB()); // nothing is left to migrate
-        ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), 0755), 0);
-        ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), rights), 0);
-        {
-            const as_nobody nobody;
-            if (!nobody.in_force)
-                GTEST_SKIP() << "root may write every file here, and cannot become another user";
+        ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), file), 0);
+        ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), folder), 0);
+        const as_nobody nobody;
+        if (!nobody.in_force)
+            GTEST_SKIP() << "root may write every file here, and cannot become another user";
+        if (folder == 0755) // a start that has nothing to change needs no journal
             expect_nothing_is_stored(t, reason);
-            EXPECT_EQ(t.column("SELECT NAME FROM VEHICLES"), rights ? "Cur Veh." : "");
-        }
+        EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), -1);
+        EXPECT_TRUE(t.db.problem().contains(reason)) << t.db.problem().toStdString();
+        EXPECT_EQ(t.column("SELECT NAME FROM VEHICLES"), file ? "Cur Veh." : "");
     }
-}
-
-TEST(unusable_database, a_folder_that_takes_no_journal) {
-    test_database t;
-    ASSERT_TRUE(t.db.init_DB() && t.db.init_DB());
-    ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), 0666), 0);
-    ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), 0555), 0);
-    const as_nobody nobody;
-    if (!nobody.in_force)
-        GTEST_SKIP() << "root may write every folder here, and cannot become another user";
-    EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), -1);
-    EXPECT_TRUE(t.db.problem().contains("folder")) << t.db.problem().toStdString();
 }
 
 TEST(unusable_database, a_failed_migration_leaves_the_file_as_it_was) {
@@ -160,9 +166,9 @@ TEST(unusable_database, flipped_bytes_never_crash) {
     test_database t;
     ASSERT_TRUE(t.db.init_DB() && t.db.init_DB());
     ASSERT_EQ(t.db.do_update_vehicle_image("1", QImage(20, 20, QImage::Format_RGB32), "-666"), 1);
+    const int log = t.db.add_2_LOG_DB("Log", 1, "sample points");
     for (int line = 0; line < 50; ++line)
-        ASSERT_GT(
-            t.db.append_2_LOG_DB("410D3C,411140", "", line, t.db.add_2_LOG_DB("Log", 1, "sample points")), 0);
+        ASSERT_GT(t.db.append_2_LOG_DB("410D3C,411140", "", line, log), 0);
     const QByteArray sound = t.bytes();
     std::mt19937 random(1);
     for (int round = 0; round < 150; ++round) {
@@ -179,6 +185,6 @@ TEST(unusable_database, flipped_bytes_never_crash) {
         t.db.retrieve_from_DB("SELECT * FROM LOGGIES where veh_id=1 ORDER by time_stamp DESC ");
         t.db.pull_veh_image("VEH_ID=1");
         t.db.add_2_LOG_DB("Log", 1, "");
-        EXPECT_TRUE(t.db.pull_rawData_fromDB("3", true).startsWith("-1"));
+        EXPECT_TRUE(t.db.pull_rawData_fromDB("1", true).startsWith("-1"));
     }
 }

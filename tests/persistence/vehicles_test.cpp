@@ -26,13 +26,16 @@ TEST(vehicles, photos_are_scaled_stored_and_replaced) {
     EXPECT_EQ(scaled.size(), QSize(270, 135));
     EXPECT_EQ(scaled.pixelColor(100, 100), QColor(Qt::red));
 
-    EXPECT_EQ(store_vehicle_photo(t.db, 1, picture(200, 50)), 1); // the same row
-    EXPECT_EQ(t.db.pull_veh_image(" VEH_IMAGE_ID=1").size(), QSize(200, 50));
+    for (const int width : {200, 270, 271}) { // the same row
+        EXPECT_EQ(store_vehicle_photo(t.db, 1, picture(width, 50)), 1);
+        EXPECT_EQ(t.db.pull_veh_image(" VEH_IMAGE_ID=1").width(), std::min(width, 270));
+    }
     EXPECT_EQ(store_vehicle_photo(t.db, 2, {}), 2);
     EXPECT_EQ(t.column("SELECT VEH_IMAGE_ID FROM VEH_IMAGES WHERE IMG_NAME='cur_picy' AND PICY IS NULL"),
               "2");
     EXPECT_TRUE(photo_of_vehicle(t.db, 2).isNull());
     EXPECT_EQ(t.db.do_update_vehicle_image("2", picture(2, 2), "2 OR 1"), 0);
+    EXPECT_EQ(t.db.do_update_vehicle_image("2 OR 1", picture(2, 2), "-666"), 0);
     EXPECT_TRUE(t.db.pull_veh_image("nonsense").isNull());
     EXPECT_TRUE(t.log().contains("add_2_LOG_DB::sqlite3_prepare_v2:: no such column: nonsense"));
 }
@@ -91,6 +94,10 @@ TEST(vehicles, the_supported_pids_tell_whether_the_car_is_the_same) {
     EXPECT_EQ(grab_pids_available(t.db, 1), car);
     EXPECT_TRUE(checkIfSameVehicle(t.db, 1, {car[1], car[0]}));
     EXPECT_FALSE(checkIfSameVehicle(t.db, 1, {car[0]}));
+    // The first byte of a header of ISO 14230 holds the length.
+    ASSERT_TRUE(store_pids_available(t.db, 1, {{"86F110", {"0C"}}}));
+    EXPECT_TRUE(checkIfSameVehicle(t.db, 1, {{"83F110", {"0C"}}}, 5));
+    EXPECT_FALSE(checkIfSameVehicle(t.db, 1, {{"83F110", {"0C"}}}, 3));
     t.outside("UPDATE VEHICLES SET XTRA_INFO='{[', VEH_ID=VEH_ID");
     EXPECT_TRUE(grab_pids_available(t.db, 1).isEmpty());
     EXPECT_FALSE(checkIfSameVehicle(t.db, 1, car));

@@ -1,0 +1,91 @@
+#include "persistence/sampled_value.h"
+
+#include "base/string_table.h"
+#include "obd/number_text.h"
+#include "obd/pid_catalogue.h"
+#include "obd/pid_translation.h"
+#include "obd/standard_reading/pid_table.h"
+#include "obd/standard_reading/pid_values.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+bool is_computed(const QString& pid) {
+    return pid >= QLatin1String("E1") && pid <= QLatin1String("E8");
+}
+
+QString standard_unit(const QString& pid, unit_system units) {
+    const auto rows = quantity_rows();
+    const int number = first_of_run(pid.toInt(nullptr, 16));
+    const auto first = std::find_if(rows.begin(), rows.end(),
+                                    [number](const quantity_row& row) { return row.pid == number; });
+    return first == rows.end() ? QString() : shown_unit_of(first->unit, units).name;
+}
+
+// Of the quantities that the car has, the first in the PID's unit: what is drawn keeps one unit.
+double standard_number(const pid_value& value, const QString& unit) {
+    for (const quantity& part : value.quantities)
+        if (part.unit == unit)
+            return part.value;
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+} // namespace
+
+double sampled_number(const QString& reply, const sample_reading& reading, const text_resources& lists) {
+    const QString pid = reading.by_standard ? sampled_pid(reply) : QString();
+    if (!reading.by_standard || is_computed(pid))
+        return get_OBDVal(reply, reading.units, reading.boost_reference_kpa, lists);
+    return standard_number(read_pid_value(reply.trimmed(), reading.units), standard_unit(pid, reading.units));
+}
+
+QString sampled_unit(const QString& pid, const sample_reading& reading) {
+    if (!reading.by_standard || is_computed(pid))
+        return get_units(pid, reading.units);
+    const QString unit = standard_unit(pid, reading.units);
+    return unit.isEmpty() ? not_available : unit;
+}
+
+QString sampled_heading(const QString& pid, const sample_reading& reading, const text_resources& lists) {
+    if (pid.isEmpty())
+        return fill(QStringLiteral("%@ (%@)"), {not_available, not_available});
+    const QString format = reading.by_standard && !is_computed(pid) ? QStringLiteral("%@ (%@ by SAE J1979)")
+                                                                    : QStringLiteral("%@ (%@)");
+    return fill(format, {get_pid_name(pid, false, lists), sampled_unit(pid, reading)});
+}
+
+bool readings_differ(const QString& reply, const sample_reading& reading, const text_resources& lists) {
+    const QString pid = sampled_pid(reply);
+    if (pid.isEmpty() || is_computed(pid))
+        return false;
+    const QString unit = standard_unit(pid, reading.units);
+    const pid_value value = read_pid_value(reply.trimmed(), reading.units);
+    const double number = standard_number(value, unit);
+    const sample_reading own{reading.units, reading.boost_reference_kpa, false};
+    if (std::isnan(number)) // one that lacks data, or a state, whose number says nothing in either reading
+        return value.states.isEmpty() && !value.is_undefined;
+    QString own_unit = sampled_unit(pid, own).trimmed();
+    if (own_unit == not_available)
+        own_unit = unit;
+    else if (own_unit == QLatin1String("kph"))
+        own_unit = QStringLiteral("km/h");
+    const QString shown = with_decimals(sampled_number(reply, own, lists), 6) + u' ' + own_unit;
+    return !says_the_same(shown, pid_value{{{QString(), number, 6, unit}}, {}, {}, false});
+}
+
+QString sampled_pid(const QString& item) {
+    const QString reply = item.trimmed();
+    const bool is_reply = reply.startsWith(QLatin1String("41")) && hex_byte(reply, 2) >= 0;
+    return is_reply ? reply.mid(2, 2).toUpper() : QString();
+}
+
+bool tell_columns(QStringList& pids, const QStringList& items) {
+    pids.resize(std::max(pids.size(), items.size()));
+    for (qsizetype column = 0; column < items.size(); ++column)
+        if (pids[column].isEmpty())
+            pids[column] = sampled_pid(items[column]);
+    return !pids.isEmpty() && !pids.contains(QString());
+}
