@@ -7,6 +7,7 @@ namespace {
 
 constexpr int idle = -1;
 constexpr int timeout_secs = 3;
+constexpr int late_reply_ms = 3000;
 
 } // namespace
 
@@ -23,6 +24,7 @@ expertCtrlr::~expertCtrlr() {
 }
 
 void expertCtrlr::load() {
+    has_asked = false;
     state.cur_op = op_expert;
     state.cmd_timeout_secs = timeout_secs; // typed commands keep the one in force, whoever set it
 }
@@ -94,6 +96,7 @@ void expertCtrlr::warn_first(const QStringList& commands, std::function<void()> 
 }
 
 void expertCtrlr::start_operation() {
+    has_asked = true;
     running = true;
     done = false;
     state.cur_op = op_expert;
@@ -137,11 +140,14 @@ void expertCtrlr::work_current_task(const QString& status) {
 
 void expertCtrlr::handleOBDRcvdMsg(const QString& reply) {
     console_log(QStringLiteral("expertC:handleOBDRcvdMsg got the stuff%1").arg(reply));
+    if (!has_asked)
+        return; // it answers the screen before
     if (reply.contains(QLatin1String("Timeout"))) {
         context.view.beep();
         return leave_cur_op_gracefully(QStringLiteral("Cur op timed out... Please Check/retry"));
     }
-    if (script.is_running())
+    const bool is_late = std::exchange(next_step, nullptr) != nullptr; // the reply to the second try
+    if (script.is_running() && !is_late)
         print_cmd_highlighted(QString(context.link.current_command()).remove(u'\r'));
     own.lines.add_reply(reply);
     context.view.reload(QStringLiteral("transcript"));
@@ -153,11 +159,15 @@ void expertCtrlr::handleOBDRcvdMsg(const QString& reply) {
     }
     if (in_step) // a simulated reply: the steps must neither pile up nor keep the event loop
         next_step = clock.one_shot(0, [this, reply] { run_script(QString(reply)); });
+    else if (context.link.is_late_reply_due()) // it must not stand under the next command
+        next_step = clock.one_shot(late_reply_ms, [this, reply] { run_script(QString(reply)); });
     else
         run_script(reply);
 }
 
 void expertCtrlr::run_script(const QString& reply) {
+    next_step.reset();
+    context.link.forget_late_replies();
     in_step = true;
     script.run(reply);
     in_step = false;

@@ -64,6 +64,7 @@ private:
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     timer_handle next_step;
+    bool has_asked = false; // a command was sent since the console was opened
     bool running = false;
     bool done = false;
     bool in_step = false;

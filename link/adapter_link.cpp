@@ -76,7 +76,7 @@ bool adapter_link::openInterfaceConnection() {
 bool adapter_link::openTCP_socky() {
     if (is_connected())
         return first_task == nullptr; // else the task starts in a moment by itself
-    if (is_opening() || watchdog.is_running()) {
+    if (is_opening()) {
         if (!watchdog.is_running())
             watchdog.start(); // the operation before stopped it
         return false;
@@ -86,7 +86,8 @@ bool adapter_link::openTCP_socky() {
     forget_adapter();
     watchdog.start();
     if (state.interface_kind == interface_wifi) {
-        const QString trying = fill(QStringLiteral("Trying: %@:%d "), {state.wifi_ip, state.wifi_port});
+        const QString trying = fill(QStringLiteral("Trying: %@:%d "),
+                                    {state.wifi_ip, QString::number(state.wifi_port.toUShort())});
         l_set_status_msg(trying);
         l_set_toast_msg(
             fill(QStringLiteral("%@\n\nMake sure you connected to your\n OBD WiFi interface beforehand "),
@@ -160,7 +161,7 @@ void adapter_link::link_closed() {
 }
 
 void adapter_link::stop_opening() {
-    const bool is_coming = is_opening() || watchdog.is_running() || asked || reopening;
+    const bool is_coming = is_opening() || asked;
     task_waits = false;
     again.stop();
     if (is_coming)
@@ -251,13 +252,7 @@ void adapter_link::command_unanswered() {
     view.beep();
     if (state.adapter_known) // so it is alive, and did not answer this
         quirks.unanswered(traffic.current_command());
-    if (controller && controller->on_link_lost() == task_controller::link_loss::goes_on) {
-        close_link();
-        again.next_try();
-    } else {
-        l_leave_cur_op_gracefully(QStringLiteral(""));
-        disconnect();
-    }
+    set_up_anew(QStringLiteral(""));
     if (again.tries() <= 1) // once for a link that is tried for again and again
         late_message = clock.one_shot(message_delay_ms, [this] {
             view.show_message(QString(), localised(QStringLiteral("DLG_4_TIMEOUTS_CHECK")));
@@ -296,14 +291,17 @@ void adapter_link::l_leave_cur_op_gracefully(const QString& status) {
 }
 
 void adapter_link::stop_timers() {
+    const bool was_opening = is_opening();
     traffic.stop_timer();
     watchdog.stop();
     first_task.reset();
     reset_under_way.reset();
     reopening.reset();
+    if (was_opening && !is_opening())
+        Q_EMIT condition_changed();
 }
 
-void adapter_link::pop_a_messy(const QString& text) {
+void adapter_link::pop_a_messy(const QString& text, const QString& title) {
     if (!again.is_active()) // else the status tells, try after try
-        view.show_message(QString(), text);
+        view.show_message(title, text);
 }

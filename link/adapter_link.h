@@ -44,13 +44,16 @@ public:
     void stop_opening();
     // A lost link is opened again by itself, from its loss until an operation has an answer over it.
     bool is_reconnecting() const { return again.is_active(); }
+    // The adapter or its settings are lost: the operation goes on over a new link, or is left.
+    void set_up_anew(const QString& status_when_left);
     // Over the new link the operation cannot go on yet: closes it and tries again after a pause. False when
     // no lost link is being opened again: the operation is over.
     bool try_again_later();
     bool is_connected() const { return link && link->state() == transport::condition::open; }
+    // Also between two tries.
     bool is_opening() const {
-        return (link && link->state() == transport::condition::opening) ||
-               (again.is_active() && !is_connected());
+        return !is_connected() && ((link && link->state() == transport::condition::opening) ||
+                                   watchdog.is_running() || reopening || again.is_active());
     }
 
     // See exchange.
@@ -58,8 +61,12 @@ public:
     void sendOBDcmd(const QString& command);
     // Sends the command in flight again under its own time-out: what a step does when it is redone.
     void send_again() { traffic.send_again(); }
+    // See exchange.
+    bool is_late_reply_due() const { return traffic.is_late_reply_due(); }
+    void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command(); }
+    const QString& last_raw_reply() const { return traffic.last_raw_reply(); }
     // The adapter was initialised, or has to be anew: tells those who show what stands at the far end.
     void far_end_changed() { Q_EMIT condition_changed(); }
     // True inside work_current_task() when the current step is to be redone after a time-out.
@@ -74,7 +81,7 @@ public:
     void stop_timers();
     // No reply is awaited any more: the operation is over.
     void abandon_command() { traffic.abandon(); }
-    void pop_a_messy(const QString& text) override;
+    void pop_a_messy(const QString& text, const QString& title = QString()) override;
 
 Q_SIGNALS:
     // The Bluetooth device in the process state is the one to remember.
@@ -90,6 +97,7 @@ private:
     void reply_arrived(const QString& reply) override;
     void redo_current_step() override;
     void command_unanswered() override;
+    void adapter_started_anew() override;
 
     void make_sure_of_transport();
     bool openTCP_socky();

@@ -16,7 +16,7 @@ bool adapter_link::openSerialPortProfile() {
         return true;
     if (asked)
         return false; // the person is choosing
-    if (is_opening() || watchdog.is_running()) {
+    if (is_opening()) {
         if (!watchdog.is_running())
             watchdog.start(); // the operation before stopped it
         return false;

@@ -1,3 +1,4 @@
+#include "base/console_log.h"
 #include "link/adapter_link.h"
 
 // What the link does when it is lost.
@@ -27,6 +28,25 @@ void adapter_link::link_lost(const QString& status, const QString& what_to_check
         again.next_try();
 }
 
+void adapter_link::set_up_anew(const QString& status_when_left) {
+    if (controller && controller->on_link_lost() == task_controller::link_loss::goes_on) {
+        close_link();
+        again.next_try();
+    } else {
+        l_leave_cur_op_gracefully(status_when_left);
+        disconnect();
+    }
+}
+
+// Its supply dipped, as when the engine is started: echo is on again and headers are off.
+void adapter_link::adapter_started_anew() {
+    console_log(QStringLiteral("The adapter has started anew"));
+    state.adapter_ready = false;
+    state.adapter_known = false;
+    state.headers_shown = false;
+    far_end_changed();
+}
+
 // Some adapters reset their link together with themselves: they are set up without a reset from then on.
 bool adapter_link::fell_at_reset() {
     const bool at_reset = reset_under_way && traffic.is_in_flight() && state.cur_task == op_initialise &&
@@ -39,11 +59,13 @@ bool adapter_link::fell_at_reset() {
         QStringLiteral("This adapter closes its connection when it is reset. It is opened again, and "
                        "set up without a reset."));
     reopening = clock.one_shot(return_after_reset_ms, [this] {
+        reopening.reset();
         if (state.interface_kind != interface_bluetooth)
             return void(openTCP_socky());
         task_waits = true;
         open_channel();
     });
+    Q_EMIT condition_changed();
     return true;
 }
 

@@ -4,11 +4,14 @@
 #include "base/string_table.h"
 #include "obd/reply_text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int default_timeout_secs = 3;
 constexpr int longest_timeout_secs = 600;
 constexpr int timeouts_before_giving_up = 4;
+constexpr qsizetype most_on_the_way = 8;
 
 // The whole seconds of a time-out suffix; 3 for one that is no positive number.
 int seconds_of_suffix(const QString& suffix) {
@@ -25,11 +28,28 @@ exchange::exchange(process_state& process, timers& time_source, exchange_owner& 
 
 void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
     keep_command(command, expectedReply, msg_has_hdr);
+    if (!is_answer_coming())
+        return sendOBDcmd(QString(cur_cmd));
+    in_flight = is_held_back = true;
+    obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { stop_waiting(); });
+}
+
+// What begins an operation or is redone after a time-out is sent in any case.
+bool exchange::is_answer_coming() const {
+    return !is_first && state.timeout_retry_count == 0 &&
+           std::any_of(on_the_way.begin(), on_the_way.end(),
+                       [this](const sent_command& sent) { return sent.text == cur_cmd; });
+}
+
+// It was lost for good.
+void exchange::stop_waiting() {
+    on_the_way.clear();
     sendOBDcmd(QString(cur_cmd));
 }
 
 void exchange::keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
     cur_expectedReply = expectedReply;
+    given_up.clear();
     cur_reply_has_hdr = msg_has_hdr;
     state.cmd_timeout_secs = default_timeout_secs;
     const qsizetype bar = command.indexOf(QLatin1Char('|'));
@@ -61,7 +81,10 @@ void exchange::sendOBDcmd(const QString& command) {
     }
     state.rx_accum.clear(); // text that came before the command cannot answer it
     in_flight = true;
-    ++outstanding;
+    is_first = is_held_back = false;
+    if (on_the_way.size() >= most_on_the_way)
+        on_the_way.removeFirst();
+    on_the_way += in_force();
     // Armed before writing: a simulated reply arrives inside the write.
     obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
     owner.transmit(bytes);
@@ -69,9 +92,8 @@ void exchange::sendOBDcmd(const QString& command) {
 
 void exchange::abandon() {
     stop_timer();
-    if (in_flight)
-        unanswered = in_force();
-    in_flight = false;
+    in_flight = is_held_back = false;
+    is_first = true;
     state.timeout_retry_count = 0;
 }
 
@@ -81,8 +103,7 @@ void exchange::reset() {
     state.rx_reply.clear();
     state.reply_pending = 0;
     cur_cmd.clear();
-    unanswered = {};
-    outstanding = 0;
+    on_the_way.clear();
 }
 
 // The reply up to the first prompt; what follows it, up to the next prompt, stays in the buffer.
@@ -105,22 +126,26 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
         const qsizetype prompt = rest.indexOf('>');
         if (prompt < 0)
             return state.rx_accum.append(rest);
-        if (!take_reply(rest, prompt))
-            return;
+        const bool looks_on = take_reply(rest, prompt);
         rest = rest.sliced(prompt + 1);
+        if (!looks_on) // what else came at once was sent before the next command
+            return drop_earlier(std::count(rest.begin(), rest.end(), '>'));
         state.rx_accum.clear();
     }
 }
 
-// Works on the text up to the prompt. True when it was a late reply, so that the next one is still looked at.
+// Works on the text up to the prompt. True when the next reply is the one to look at: this was a late one, or
+// the next command waits for one that is on its way.
 bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     stop_timer();
+    is_held_back = false;
     const int timeouts = std::exchange(state.timeout_retry_count, 0);
     state.reply_pending = 0;
     const QString raw = cut_reply(bytes, prompt);
-    outstanding = std::max(0, outstanding - 1);
-    if (!in_flight && state.cur_op != op_expert)
-        return true; // its operation is over
+    if (!in_flight && state.cur_op != op_expert) { // its operation is over
+        settle(prepReply(raw));
+        return true;
+    }
 
     const bool is_cut = state.rx_reply.is_cut();
     if (is_cut)
@@ -130,7 +155,7 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     const bool is_late = check_reply(is_cut ? QString() : prepReply(raw), raw);
     if (is_late)
         state.timeout_retry_count = timeouts; // what is being asked for has not been answered
-    return is_late;
+    return is_late || is_held_back;
 }
 
 // True when the reply is a late one to an earlier try, so that the next prompt is the one to wait for.
@@ -138,13 +163,17 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
     switch (check_initial_car_reply(reply)) {
     case car_reply::no_reply_from_car:
         owner.show_status(localised(QStringLiteral("no_reply_from_car_MSG")));
-        owner.pop_a_messy(localised(QStringLiteral("no_reply_from_car_MSG")));
+        owner.pop_a_messy(localised(QStringLiteral("no_reply_from_car_MSG")), QString());
         return owner.reply_refused(), false;
     case car_reply::init_error:
-        owner.pop_a_messy(localised(QStringLiteral("init_OBD_error_MSG")));
+        owner.pop_a_messy(localised(QStringLiteral("init_OBD_error_MSG")), QString());
         return owner.reply_refused(), false;
     case car_reply::accepted: break;
     }
+    if (tells_a_reset(reply, cur_cmd))
+        owner.adapter_started_anew();
+    const bool may_be_late = earlier_ones() > 0;
+    settle(reply);
     if (state.cur_op == op_expert || cur_cmd.isEmpty())
         return hand_on(reply), false;
 
@@ -154,24 +183,14 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
             ? unconfirmed(state.no_confirm_count)
             : work_a_rcvdOBD_cmd(reply, in_force(), state.cur_protocol, state.no_confirm_count);
     state.obd_msgs = std::move(verdict.obd_msgs);
-    if (verdict.result == reply_retry && outstanding > 0) {
+    if (verdict.result == reply_retry && may_be_late) {
         // Sending once more would leave the exchange one reply behind for good.
         obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
         return true;
     }
     state.no_confirm_count = verdict.no_confirm_count;
     switch (verdict.result) {
-    case reply_accepted:
-        // Adapters answer in order: once a later command is answered, no reply to an earlier one can come.
-        // A reply that answers both leaves it open whose it was.
-        if (answers_unanswered(reply)) {
-            unanswered = in_force();
-        } else {
-            unanswered = {};
-            outstanding = 0;
-        }
-        hand_on(reply);
-        break;
+    case reply_accepted: hand_on(reply); break;
     case reply_retry:
         owner.show_status(QStringLiteral("Didn't get a confirmation from interface ... Trying again"));
         send_again();
@@ -179,17 +198,31 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
     default:
         if (state.warn_no_reply != -1 && !raw.contains(QLatin1Char('?')))
             owner.pop_a_messy(QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
-                                             "Check pairing/connections"));
+                                             "Check pairing/connections"),
+                              where_it_failed(reply));
         state.warn_no_reply = -1;
+        given_up = reply;
         hand_on(no_reply);
     }
     return false;
 }
 
-// An "OK" may be the late reply to an earlier command although it answers this one too.
-bool exchange::answers_unanswered(const QString& reply) const {
-    return !unanswered.text.isEmpty() &&
-           work_a_rcvdOBD_cmd(reply, unanswered, state.cur_protocol, 0).result == reply_accepted;
+// Adapters answer in order: what was written before the command that this answers is not answered any more. A
+// reply that answers several is taken for the first one's, and so is one that answers none.
+void exchange::settle(const QString& reply) {
+    const auto answered = [&](const sent_command& sent) {
+        return work_a_rcvdOBD_cmd(reply, sent, state.cur_protocol, 0).result == reply_accepted;
+    };
+    qsizetype settled = 1;
+    if (on_the_way.size() > 1) {
+        const auto first = std::find_if(on_the_way.cbegin(), on_the_way.cend(), answered);
+        settled = first == on_the_way.cend() ? 1 : first - on_the_way.cbegin() + 1;
+    }
+    on_the_way.remove(0, std::min(settled, on_the_way.size()));
+}
+
+void exchange::drop_earlier(qsizetype prompts) {
+    on_the_way.remove(0, std::min(prompts, std::max<qsizetype>(0, earlier_ones())));
 }
 
 void exchange::hand_on(const QString& reply) {
@@ -204,7 +237,6 @@ void exchange::obdTimedOutHandler() {
         state.timeout_retry_count = 0;
         return owner.command_unanswered();
     }
-    unanswered = in_force();
     ++state.timeout_retry_count;
     owner.show_status(fill(QStringLiteral("OBD Cmd: (%s:%s) Timed out!! \n    Retrying...%d/4"),
                            {state.wifi_ip, state.wifi_port, QString::number(state.timeout_retry_count)}));

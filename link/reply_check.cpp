@@ -89,6 +89,22 @@ QString positive_reply_of(const QString& command) {
     return convertByte2HexStr((service + 0x40) & 0xFF) + request.mid(2, std::max<qsizetype>(0, echoed));
 }
 
+bool tells_a_reset(const QString& reply, const QString& command) {
+    if (reply.contains(u"LVRESET"))
+        return true;
+    return reply.contains(u"ELM327v") && !command.contains(u"AT", Qt::CaseInsensitive);
+}
+
+QString where_it_failed(const QString& reply) {
+    if (string_has_Tokens(reply, QStringLiteral("UNABLETOCONNECT|BUSINIT:ERROR|BUSERROR|CANERROR|FBERROR")))
+        return QStringLiteral("The adapter answers, the car does not: is the ignition on?");
+    if (string_has_Tokens(reply, QStringLiteral("DATAERROR|RXERROR|BUFFERFULL|BUSBUSY")))
+        return QStringLiteral("The car answers, but not all of it arrives: is the plug in firmly?");
+    if (string_has_Tokens(reply, QStringLiteral("LVRESET|ELM327v|LPALERT|ACTALERT")))
+        return QStringLiteral("The adapter has reset itself or goes to sleep: is its voltage too low?");
+    return {};
+}
+
 car_reply check_initial_car_reply(const QString& reply) {
     // The words keep their blanks although a normalised reply has none: on the receiving path neither is
     // ever refused, and the reply check and its retries deal with them.

@@ -32,6 +32,13 @@ reply_verdict unconfirmed(int no_confirm_count);
 // "44"). An AT command gives "OK".
 QString positive_reply_of(const QString& command);
 
+// Whether the reply is the adapter's greeting after a loss of its supply, or tells of one ("LV RESET").
+bool tells_a_reset(const QString& reply, const QString& command);
+
+// Which of adapter, car and the line between them a reply without an answer blames, a sentence; "" when it
+// says nothing about it.
+QString where_it_failed(const QString& reply);
+
 // The adapter's error words.
 enum class car_reply { accepted, no_reply_from_car, init_error };
 car_reply check_initial_car_reply(const QString& reply);

@@ -22,6 +22,8 @@ wifi_transport::wifi_transport(const process_state& process) : address(process) 
         Q_EMIT opened();
     });
     connect(&socket, &QTcpSocket::readyRead, this, &wifi_transport::take_bytes);
+    connect(&socket, &QTcpSocket::bytesWritten, this,
+            [] { console_log(QStringLiteral("NSStreamEventHasSpaceAvailable")); });
     connect(&socket, &QTcpSocket::errorOccurred, this, &wifi_transport::stream_error);
     connect(&socket, &QTcpSocket::disconnected, this, &wifi_transport::end_of_stream);
 }

@@ -29,6 +29,7 @@ expert_view::expert_view(const view_context& its_context)
     connect(&send_button, &QPushButton::clicked, this, &expert_view::clickSend);
     connect(&stop_button, &QPushButton::clicked, this, &expert_view::stop);
     connect(&script_button, &QPushButton::clicked, this, &expert_view::clickScript);
+    connect(&context.delegate, &adapter_link::condition_changed, this, &expert_view::show_operation);
     connect(&clear_button, &QPushButton::clicked, this, [this] { console.clickClear(); });
     add_share_menu(share_button, context.frame,
                    {QStringLiteral("transcript"), QStringLiteral("transcript"),
@@ -56,7 +57,7 @@ void expert_view::clickScript() {
 }
 
 void expert_view::stop() {
-    if (console.is_running())
+    if (console.is_running() || context.delegate.is_reconnecting())
         console.stop();
 }
 
@@ -112,7 +113,7 @@ void expert_view::show_operation() {
     const bool runs = console.is_running();
     const bool had_focus = runs ? send_button.hasFocus() || script_button.hasFocus() : stop_button.hasFocus();
     send_button.setVisible(!runs);
-    stop_button.setVisible(runs);
+    stop_button.setVisible(runs || context.delegate.is_reconnecting());
     script_button.setEnabled(!runs);
     if (had_focus)
         (runs ? static_cast<QWidget&>(stop_button) : command).setFocus();

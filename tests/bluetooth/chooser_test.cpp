@@ -134,8 +134,10 @@ TEST(device_chooser, says_what_is_wrong_with_bluetooth) {
     ASSERT_TRUE(car.shows_chooser());
     EXPECT_TRUE(QTest::qWaitFor([&] { return car.words("device_problem").contains("is switched off"); }));
     EXPECT_FALSE(car.button("device_connect").isEnabled());
+    EXPECT_NE(qobject_cast<QPushButton*>(QApplication::focusWidget()), nullptr);
     service.call("set_adapter", {true, true});
-    EXPECT_TRUE(car.lists(3));                 // it goes on by itself
+    EXPECT_TRUE(car.lists(3)); // it goes on by itself
+    EXPECT_TRUE(car.list().hasFocus());
     car.press(Qt::Key_2, Qt::ControlModifier); // the keys of the window rest
     ASSERT_NE(car.chooser(), nullptr);
     car.window->choose_screen(screen_kind::live_data); // the list goes with the operation

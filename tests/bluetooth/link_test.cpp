@@ -1,26 +1,42 @@
-#include "link/adapter_link.h"
 #include "tests/bluetooth/stand_in.h"
-#include "tests/support/hand_timers.h"
-#include "tests/support/recording_screen.h"
+#include "tests/link/link_bench.h"
 
-// The link with the real transport below it; the twenty seconds pass by hand.
+// The link with the real transport below it; its time passes by hand.
 
-TEST(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_seconds) {
+namespace {
+
+class bluetooth_channel : public testing::Test {
+protected:
     stand_in service;
     process_state state;
     hand_timers clock;
     recording_screen view;
-    adapter_link link(state, clock, view, make_transport);
+    adapter_link link{state, clock, view, make_transport};
+    recording_controller operation{link, view};
+
+    bluetooth_channel() { link.set_controller(&operation); }
+    ~bluetooth_channel() override { link.set_controller(nullptr); }
+    QString failed() const { return fill(localised("TOAST_BT_CONN_FAILED"), {"OBDII"}).replace('\n', "\\n"); }
+};
+
+} // namespace
+
+TEST_F(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_seconds) {
     service.fault("ConnectProfile", "silence");
     link.choose_bluetooth_device();
     view.choose(obd_address, "OBDII");
     EXPECT_TRUE(wait_until([&] { return service.call("profiles") == 1; }));
     clock.advance(19999);
     EXPECT_TRUE(link.is_opening());
+    EXPECT_TRUE(view.last("toast").contains("adapter OBDII does not answer. Still trying, second 19 of 20"));
     clock.advance(1);
     EXPECT_FALSE(link.is_opening());
     EXPECT_EQ(view.last("sound"), "1");
+    EXPECT_EQ(view.last("status"), failed());
+    EXPECT_EQ(view.last("toast"), failed());
     EXPECT_TRUE(view.last("choose").startsWith("OBDII did not answer"));
+    clock.advance(1700);
+    EXPECT_EQ(view.last("toast"), "");
     EXPECT_TRUE(wait_until([&] { return service.call("profiles") == 0; }));
 
     service.fault("ConnectProfile", "");
@@ -30,4 +46,35 @@ TEST(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_seco
     link.sendOBDcmd("AT I\r");
     EXPECT_TRUE(wait_until([&] { return !state.rx_reply.is_empty(); }));
     EXPECT_TRUE(state.rx_reply.text().contains("ELM327")) << state.rx_reply.text().constData();
+}
+
+TEST_F(bluetooth_channel, one_that_is_lost_is_opened_again_until_it_holds) {
+    operation.when_lost = task_controller::link_loss::goes_on;
+    operation.on_work = [&] { link.sendOBDcmd_n("AT I\r", "ELM", false); };
+    state.bt_address = obd_address;
+    state.last_BT_Device = "OBDII";
+    link.openInterfaceConnection();
+    const auto answers = [&](qsizetype count) {
+        return wait_until([&] { return operation.heard.filter("ELM327").size() == count; });
+    };
+    EXPECT_TRUE(answers(1));
+
+    service.fault("ConnectProfile", "org.bluez.Error.Failed"); // it is off for a while
+    service.call("close_channels");
+    const auto pauses_before = [&](int attempt) {
+        return wait_until([&] { return view.last("status").endsWith(QString(" s (try %1)").arg(attempt)); });
+    };
+    EXPECT_TRUE(pauses_before(1));
+    clock.advance(1000);
+    EXPECT_TRUE(pauses_before(2));
+    clock.advance(2000);
+    EXPECT_TRUE(pauses_before(3));
+    EXPECT_TRUE(link.is_opening());
+    service.fault("ConnectProfile", "");
+    clock.advance(4000);
+    EXPECT_TRUE(answers(2));
+    EXPECT_FALSE(link.is_reconnecting());
+    EXPECT_EQ(operation.heard.filter("leave").size(), 0);
+    EXPECT_EQ(view.last("choose"), ""); // nobody was asked for another device
+    EXPECT_EQ(service.call("profiles"), 1);
 }

@@ -63,6 +63,10 @@ TEST(console, sends_what_is_typed_and_shows_every_answer) {
     EXPECT_EQ(bench.ended, "done");
     EXPECT_TRUE(bench.shown().endsWith("> AT ZZ\n?\n"));
     EXPECT_FALSE(bench.state.adapter_ready) << "the next reading begins with a reset";
+
+    bench.controller.load(); // from another screen, whose last answer is still on its way
+    bench.adapter->receive("7E8 03 41 0D 3C\r\r>");
+    EXPECT_TRUE(bench.shown().endsWith("> AT ZZ\n?\n"));
 }
 
 TEST(console, refuses_what_cannot_be_sent) {
@@ -129,6 +133,15 @@ TEST(script, sends_the_same_again_after_a_time_out) {
     bench.script("AT {L}{L}", "01", "02", "1");
     bench.clock.advance(3000);
     EXPECT_EQ(bench.sent_to_the_end(), "AT 0101 AT 0101 AT 0202");
+    EXPECT_EQ(bench.shown(), "> AT 0101\n41\n41\n> AT 0202\n41\n") << "each answer under its command";
+
+    console_bench lost; // the answer to the first try never comes
+    lost.script("AT {L}{L}", "01", "03", "1");
+    lost.clock.advance(3000);
+    lost.adapter->receive("41\r>");
+    EXPECT_EQ(lost.written.size(), 2);
+    lost.clock.advance(3000);
+    EXPECT_EQ(lost.sent_to_the_end(), "AT 0101 AT 0101 AT 0202 AT 0303");
 }
 
 TEST(script, stops_when_the_car_is_out_of_reach) {

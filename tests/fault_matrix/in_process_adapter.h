@@ -63,6 +63,7 @@ public:
         on_the_way.clear();
     }
     bool is_waiting() const { return timer != nullptr; }
+    bool has_said_all() const { return on_the_way.empty() && !is_waiting(); }
     // The far end goes away.
     void lose() {
         close();

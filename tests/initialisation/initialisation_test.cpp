@@ -161,17 +161,6 @@ TEST_F(initialisation, bears_the_noise_of_adapters) {
         "");
 }
 
-TEST_F(initialisation, an_adapter_that_loses_its_link_at_the_reset_is_set_up_without) {
-    EXPECT_EQ(
-        played("! step 0\n> AT Z\n! close\n= link closed\n= shown status: This adapter closes\n! wait 1800\n"
-               "> AT E0\n< OK\n> AT E0\n< OK\n> AT I\n! close\n! step 0\n> AT E0\n"),
-        "");
-    state.wifi_port = "35001"; // another one
-    state.cur_task = op_read_codes;
-    link.disconnect();
-    EXPECT_EQ(played("! step 0\n> AT Z"), "");
-}
-
 TEST_F(initialisation, the_protocol_number) {
     const QString start = "! step 333\n> AT DPN\n";
     const std::pair<const char*, const char*> rows[] = {

@@ -88,31 +88,6 @@ TEST_F(bluetooth_link, a_device_that_refuses_is_asked_about) {
     EXPECT_EQ(view.last("status"), "Connection to BT lost");
 }
 
-TEST_F(bluetooth_link, twenty_seconds_of_silence) {
-    know_device();
-    link.openInterfaceConnection();
-    shown();
-    for (int tick = 1; tick <= 19; ++tick)
-        clock.advance(1000);
-    const QStringList texts = std::exchange(view.events, {});
-    EXPECT_EQ(texts.size(), 2 * 13); // a toast and a status each, from the seventh second on
-    for (const QString& text : texts)
-        EXPECT_TRUE(text.contains("OBDII")) << text.toStdString();
-    EXPECT_EQ(heard(), "");
-    clock.advance(1000);
-    const QString failed = fill(localised("TOAST_BT_CONN_FAILED"), {"OBDII"}).replace('\n', "\\n");
-    EXPECT_EQ(view.events.first(), "sound: 1");
-    EXPECT_EQ(view.last("toast"), failed);
-    EXPECT_EQ(view.last("status"), failed);
-    EXPECT_TRUE(view.last("choose").startsWith("OBDII did not answer"));
-    EXPECT_FALSE(link.is_opening());
-    clock.advance(1700);
-    EXPECT_EQ(view.last("toast"), "");
-    view.choose("", "");
-    EXPECT_EQ(heard(), "leave");
-    EXPECT_EQ(clock.running(), 0u);
-}
-
 TEST_F(bluetooth_link, a_lost_channel_ends_the_operation) {
     know_device();
     for (const bool working : {false, true}) {

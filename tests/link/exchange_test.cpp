@@ -63,7 +63,7 @@ TEST_F(exchange_of, an_oversize_reply_is_not_decoded) {
 }
 
 TEST_F(exchange_of, an_unconfirmed_command_is_sent_three_times_more) {
-    for (const auto& [word, boxes] : {std::pair("STOPPED", 1), std::pair("STOPPED", 0), std::pair("?", 0)}) {
+    for (const auto& [word, boxes] : {std::pair("ERR94", 1), std::pair("STOPPED", 0), std::pair("?", 0)}) {
         view.events.clear();
         if (boxes == 1)
             state.warn_no_reply = 1; // else it was shown already
@@ -177,6 +177,33 @@ TEST_F(exchange_of, late_replies_do_not_put_it_one_behind) {
     EXPECT_EQ(sent(), "01 0D");
     adapter->receive("410D3C>");
     EXPECT_EQ(heard(), "reply 410D3C");
+}
+
+// A set of one PID asks for the same again and again.
+TEST_F(exchange_of, the_same_command_waits_for_the_reply_to_its_earlier_try) {
+    for (const char* rest :
+         {"410C0AF0>", "", "410C0AF0>410C0AF1>"}) { // comes, is lost, comes at once with one more
+        ask("01 0C", "410C");
+        clock.advance(6000);
+        EXPECT_EQ(sent(), "01 0C, 01 0C, 01 0C");
+        adapter->receive("410C1AF8>");
+        EXPECT_EQ(heard(), "reply 410C1AF8");
+        ask("01 0C", "410C");
+        EXPECT_EQ(sent(), "");
+        if (*rest == 0) {
+            clock.advance(3000);
+            EXPECT_EQ(sent(), "01 0C");
+            adapter->receive("410C0AF0>");
+        } else {
+            adapter->receive(rest);
+        }
+        EXPECT_EQ(heard(), "reply 410C0AF0");
+        adapter->receive("410C0AF1>");
+        ask("01 0C", "410C");
+        EXPECT_EQ(sent(), "01 0C"); // in step
+        adapter->receive("410C0AF2>");
+        EXPECT_EQ(heard(), "reply 410C0AF2");
+    }
 }
 
 TEST_F(exchange_of, replies_are_dropped_when_nobody_waits) {

@@ -119,6 +119,29 @@ TEST(reply_check, positive_replies) {
         EXPECT_EQ(positive_reply_of(command), expected) << command;
 }
 
+TEST(reply_check, an_adapter_that_was_reset) {
+    for (const char* reply : {"LVRESET", "010C\rLVRESET", "ELM327v1.5"})
+        EXPECT_TRUE(tells_a_reset(reply, "01 0C\r")) << reply;
+    for (const char* command : {"AT Z\r", "AT I\r", "atws\r"}) // asked for
+        EXPECT_FALSE(tells_a_reset("ELM327v1.5", command)) << command;
+    EXPECT_FALSE(tells_a_reset("STOPPED", "01 0C\r"));
+}
+
+TEST(reply_check, tells_adapter_from_car) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"UNABLETOCONNECT", "The adapter answers, the car does not"},
+        {"BUSINIT:ERROR", "The adapter answers, the car does not"},
+        {"CANERROR", "The adapter answers, the car does not"},
+        {"7E80441<RXERROR", "The car answers, but not all"},
+        {"LVRESET", "The adapter has reset itself"},
+        {"7E8037F0112", ""},
+    };
+    for (const auto& [reply, beginning] : rows) {
+        EXPECT_EQ(where_it_failed(reply).left(qsizetype(qstrlen(beginning))), beginning) << reply;
+        EXPECT_EQ(where_it_failed(reply).isEmpty(), *beginning == 0) << reply;
+    }
+}
+
 // The words keep their blanks, so nothing that was normalised is refused.
 TEST(reply_check, error_words) {
     EXPECT_EQ(check_initial_car_reply("UNABLE TO CONNECT"), car_reply::no_reply_from_car);
