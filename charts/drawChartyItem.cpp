@@ -66,6 +66,7 @@ QColor drawChartyItem::setMyColor(int index) {
 }
 
 chart_labels drawChartyItem::work_out_labels(const sample_matrix& matrix) const {
+    const bool by_standard = toolies.standard_reading();
     chart_labels labels;
     for (int column = 0; column < _pid_logitems_list.size(); ++column) {
         const QString pid = pid_of(_pid_logitems_list[column]);
@@ -78,12 +79,13 @@ chart_labels drawChartyItem::work_out_labels(const sample_matrix& matrix) const 
             maximum = least;
             minimum = most;
             if (const series_summary seen = matrix.extremes(column); !seen.empty()) {
-                maximum = std::max(maximum, seen.maximum);
-                minimum = std::min(minimum, seen.minimum);
+                // The ends of the program's own range are none of another reading.
+                maximum = by_standard ? seen.maximum : std::max(maximum, seen.maximum);
+                minimum = by_standard ? seen.minimum : std::min(minimum, seen.minimum);
             }
         }
         labels.append(
-            {toolies.get_pid_name_with_pid(pid), toolies.get_units(pid), as_f(maximum), as_f(minimum)});
+            {toolies.get_pid_name_with_pid(pid), toolies.shown_units(pid), as_f(maximum), as_f(minimum)});
     }
     return labels;
 }
@@ -105,11 +107,12 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
     painter.scale(1 / ratio, -1 / ratio);
     const QRectF visible = QRectF(place).adjusted(-ratio, -2 * ratio, ratio, 2 * ratio);
     const QList<int> columns = plotted(these_labels);
-    QList<double> values;
+    QList<series_summary> values;
     bool has_points = false;
     for (const int column : columns) {
         const value_range range = rounded_range(these_labels[column]);
-        values.append(matrix.summary(column, first, rows).last);
+        values.append(matrix.extremes_with_first(column));
+        values.last().last = matrix.summary(column, first, rows).last;
         if (range.is_inverted())
             continue; // no value yet
         const QPolygon points =
@@ -132,12 +135,12 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
     }
     painter.restore();
 
-    if (!columns.isEmpty() && !std::isnan(values.constFirst()))
-        last_OBD_val = values.constFirst();
+    if (!columns.isEmpty() && !std::isnan(values.constFirst().last))
+        last_OBD_val = values.constFirst().last;
     if (is_thumbnail) {
         if (!columns.isEmpty())
             display_value_4_thumbnail(painter, columns.constFirst(), these_labels[columns.constFirst()],
-                                      values.constFirst());
+                                      values.constFirst().last);
         return;
     }
     print_sweep_numbers(painter, matrix.dropped() + first + 1, matrix.dropped() + rows, has_points);
@@ -155,9 +158,11 @@ drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& 
         return std::isnan(value) ? none : value_text{short_number(value), unit_of(label)};
     const QString number = text.section(u' ', 0, 0);
     bool is_number = false;
-    number.toDouble(&is_number);
+    const double read = number.toDouble(&is_number);
     if (!is_number)
         return {text, QString()};
+    if (!std::isfinite(read))
+        return none; // the economy of a standing engine
     return {number, text.contains(u' ') ? text.section(u' ', 1).trimmed() : unit_of(label)};
 }
 

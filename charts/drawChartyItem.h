@@ -106,9 +106,10 @@ private:
     void print_sweep_numbers(picture_painter& painter, qsizetype first, qsizetype last,
                              bool has_points) const;
     void display_value(picture_painter& painter, const chart_labels& labels, const QList<int>& columns,
-                       const QList<double>& values) const;
+                       const QList<series_summary>& values) const;
+    // `values`: the latest one, and the extremes that came.
     void draw_value_box(picture_painter& painter, const QRectF& box, int column, const chart_label& label,
-                        double value) const;
+                        const series_summary& values) const;
     void display_value_4_thumbnail(picture_painter& painter, int column, const chart_label& label,
                                    double value) const;
 

@@ -215,7 +215,7 @@ void drawChartyItem::print_sweep_numbers(picture_painter& painter, qsizetype fir
 }
 
 void drawChartyItem::display_value(picture_painter& painter, const chart_labels& labels,
-                                   const QList<int>& columns, const QList<double>& values) const {
+                                   const QList<int>& columns, const QList<series_summary>& values) const {
     if (columns.isEmpty())
         return;
     const QSizeF size = image.deviceIndependentSize();
@@ -231,8 +231,8 @@ void drawChartyItem::display_value(picture_painter& painter, const chart_labels&
 
 // The box shows as much as its height allows: the value, the name, the extremes.
 void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box, int column,
-                                    const chart_label& label, double value) const {
-    const value_text shown = latest(column, label, value);
+                                    const chart_label& label, const series_summary& values) const {
+    const value_text shown = latest(column, label, values.last);
     const QRectF area = painter.area(box);
     QPainterPath outline;
     outline.addRoundedRect(area, 8, 8);
@@ -260,12 +260,12 @@ void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box,
     write_in(painter, unit_font, dim, {left + used, is_large ? bottom - 20 : bottom + 1}, shown.unit,
              width - used);
 
-    if (box.height() >= box_with_extremes && !rounded_range(label).is_inverted() && !std::isnan(value)) {
+    if (box.height() >= box_with_extremes && !values.empty()) {
         const QFont font = picture_font(family, 13);
         write_in(painter, font, dim, {left, box.top() + 24},
-                 QStringLiteral("Max  ") + short_number(label.maximum.toDouble()), width);
+                 QStringLiteral("Max  ") + short_number(values.maximum), width);
         write_in(painter, font, dim, {left, box.top() + 7},
-                 QStringLiteral("Min  ") + short_number(label.minimum.toDouble()), width);
+                 QStringLiteral("Min  ") + short_number(values.minimum), width);
     }
 }
 

@@ -213,7 +213,7 @@ void myGauge::work_out_base_gauge() {
     }
     const name_plate plate(toolies.get_pid_name_with_pid(cur_PID), gaugeSize);
     plate.draw_ground(painter);
-    write_unit(painter, gaugeSize / 2, toolies.get_units(cur_PID), range_lo, range_hi);
+    write_unit(painter, gaugeSize / 2, toolies.shown_units(cur_PID), range_lo, range_hi);
     if (range_scaling != 1)
         painter.write_centred(gaugeSize / 2, 45, QStringLiteral("x %1").arg(range_scaling));
     plate.write(painter);

@@ -250,6 +250,13 @@ series_summary sample_matrix::extremes(int column) const {
     return sum;
 }
 
+series_summary sample_matrix::extremes_with_first(int column) const {
+    series_summary sum = extremes(column);
+    if (dropped_rows == 0)
+        sum.append(value(0, column));
+    return sum;
+}
+
 const sample_matrix::block& sample_matrix::block_of(qsizetype row) const {
     return *blocks[static_cast<size_t>(row / block_rows)];
 }

@@ -71,6 +71,8 @@ public:
     // Smallest and largest value of the whole run, its first row left out; also of rows that were dropped.
     // `first` and `last` say nothing here.
     series_summary extremes(int column) const;
+    // The same with the first row, unless it was dropped.
+    series_summary extremes_with_first(int column) const;
 
     // What the matrix takes in memory.
     qsizetype bytes() const;

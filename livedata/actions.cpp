@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 #include "livedata/sample_set.h"
+#include "livedata/second_value.h"
 
 #include <algorithm>
 #include <array>
@@ -55,6 +56,8 @@ actions::actions(process_state& process, adapter_link& its_link, mac_toolies& it
         context.view.show_message(QString(), QStringLiteral("The samples are shown, but not stored. ") +
                                                  storing.problem());
     };
+    if (results_.by_standard != context.toolies.standard_reading())
+        read_again(results_, context.toolies);
     if (!results_still_fit())
         choose_mode(op_log_run);
     state.cur_op = results_.mode;
@@ -142,18 +145,17 @@ void actions::rework_gui_objects() {
         row.item = item;
         row.pid = item.section(u'|', 0, 0);
         row.name = context.toolies.l_get_pid_name(row.pid, false);
-        row.units = context.toolies.get_units(row.pid);
+        row.units = context.toolies.shown_units(row.pid);
         results_.these_samples += row;
     }
     results_.cur_log_points.start(static_cast<int>(results_.these_samples.size()));
     watching->set_changed();
 }
 
-// What is shown of the run before must be of this vehicle, its set, and the units and the reading in force.
+// What is shown of the run before must be of this vehicle, its set, and the units in force.
 bool actions::results_still_fit() {
     if (results_.mode == 0 || results_.veh_id != state.cur_veh_id ||
-        results_.metric != (context.toolies.units() == unit_system::metric) ||
-        results_.by_standard != context.toolies.standard_reading())
+        results_.metric != (context.toolies.units() == unit_system::metric))
         return false;
     return results_.mode != op_log_run || results_.pid_logitems_list == log_run_set();
 }

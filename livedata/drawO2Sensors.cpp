@@ -172,7 +172,7 @@ void draw_legend(QPainter& painter, const o2_picture_look& look) {
     };
     const entry entries[] = {
         {128, -1, QStringLiteral("lean, below %1 V").arg(lean_below, 0, 'f', 2)},
-        {236, 0, QStringLiteral("between, or no value")},
+        {236, 0, QStringLiteral("between, or not known")},
         {358, 1, QStringLiteral("rich, above %1 V").arg(rich_above, 0, 'f', 2)},
     };
     for (const entry& one : entries) {
@@ -257,7 +257,7 @@ QString drawO2Sensors::name_of(int sensor) const {
 int drawO2Sensors::state_of(int sensor) const {
     bool is_number = false;
     const double volts = values.value(sensor).toDouble(&is_number);
-    if (!is_number)
+    if (!is_number || (switching >> sensor & 1U) == 0)
         return 0;
     return volts < lean_below ? -1 : volts > rich_above ? 1 : 0;
 }

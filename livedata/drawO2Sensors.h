@@ -48,7 +48,13 @@ public:
     int sensor_at(QPointF place) const;
     // "S12", "" for a sensor that the layout lacks.
     QString name_of(int sensor) const;
-    // -1 lean, 0 between or no value, 1 rich.
+    // The sensors whose voltage switches between lean and rich, a bit each; all until this is called. A
+    // number of the others, the wide-range ones, says something else.
+    void set_switching(unsigned sensors) {
+        switching = sensors;
+        image = {};
+    }
+    // -1 lean, 0 between or not known, 1 rich.
     int state_of(int sensor) const;
     // The sensors and what they read, in words.
     QString in_words() const;
@@ -67,6 +73,7 @@ private:
     int cur_sel = -1;
     std::optional<int> chosen;
     QHash<int, QString> values;
+    unsigned switching = ~0U;
 
     QImage image_without_snsr_vals; // null when it is to be drawn anew
     QImage image;                   // likewise

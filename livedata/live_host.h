@@ -11,6 +11,7 @@ struct sampling_run {
     bool keep_logging = false;  // a run is active
     int cur_log_idx = 0;        // the place in the sample set of the PID that is asked for
     QString cur_log_set;        // the line of the sweep under way: its bodies in set order, separated by ","
+    bool car_is_silent = false; // the last sweep was answered without a single value
     bool headers_asked = false; // "AT H1" was tried for this run
     bool is_resuming = false;   // the link was lost, and the car has not answered over a new one yet
 };

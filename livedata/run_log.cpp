@@ -91,11 +91,7 @@ void run_log::fail() {
 
 void run_log::end() {
     sample_timer.reset();
-    if (log_out_stream.isOpen()) {
-        log_out_stream.close();
-        if (log_out_stream.size() == 0)
-            log_out_stream.remove(); // the lines go to the database
-    }
+    log_out_stream.close();
     if (!is_on())
         return;
     const int log_id = std::exchange(cur_log_DB_id, -1);

@@ -157,7 +157,7 @@ void sampling_machine::work_current_log_item(const QString& reply, int index) {
     const second_value read = read_value(reply, context.toolies);
     its_row.value = read.text;
     its_row.other_value = read.other;
-    its_row.latest = number_of_value(reply, context.toolies);
+    its_row.latest = context.toolies.shown_number(reply);
     note_extremes(its_row, its_row.latest);
 }
 
@@ -186,6 +186,9 @@ void sampling_machine::go_on(const QString& data) {
     else
         run_.cur_log_set += u',';
     run_.cur_log_set += data;
+    if (!state.adapter_ready)
+        return context.link.set_up_anew(QStringLiteral(
+            "The adapter has reset itself, as it does when its voltage drops. Start again (F5)"));
     const bool was_last = cur_log_idx() >= results.pid_logitems_list.size() - 1;
     if (was_last)
         end_of_sweep(run_.cur_log_set);
@@ -197,7 +200,22 @@ void sampling_machine::end_of_sweep(const QString& line) {
     add_item_to_log_vector(results.cur_log_points, QString(), -1);
     ++results.sample_cnt;
     results.times.sweep_complete();
+    tell_silence(line);
     host.log().sweep_complete(line);
     results.log_sample_cnt = host.log().sweeps_stored();
     host.observer().sweep_completed();
+}
+
+// A time-out tells of itself.
+void sampling_machine::tell_silence(const QString& line) {
+    const bool is_silent =
+        state.timeout_retry_count == 0 &&
+        std::all_of(line.begin(), line.end(), [](QChar c) { return c == u'~' || c == u','; });
+    if (std::exchange(run_.car_is_silent, is_silent) == is_silent)
+        return;
+    controller.handleOBDToast(
+        is_silent
+            ? QStringLiteral("The adapter answers, the car does not.\n\nIs the ignition on? The run goes on, "
+                             "and shows values as soon as they come.")
+            : QString());
 }

@@ -57,6 +57,7 @@ protected:
     sampling_run& run_;
 
 private:
+    void tell_silence(const QString& line);
     const obd_message* message_of_ecu(const QString& header) const;
     QString data_of_message(const obd_message& first) const;
 };

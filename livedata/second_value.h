@@ -1,5 +1,6 @@
 #pragma once
 
+#include "livedata/live_results.h"
 #include "obd/toolkit/mac_toolies.h"
 
 // The value of a sample's body ("410C1AF8") in the reading that the preference "BV_standard_reading" chooses.
@@ -9,5 +10,5 @@ struct second_value {
     QString other; // what the other reading says, "" where both say the same
 };
 second_value read_value(const QString& body, const mac_toolies& toolies);
-// Its number, for charts and gauges: by the standard the first quantity of the PID. NaN when there is none.
-double number_of_value(const QString& body, const mac_toolies& toolies);
+// Reads what a run has kept once more, after that preference was changed. The car is not asked.
+void read_again(live_results& results, const mac_toolies& toolies);

@@ -40,8 +40,10 @@ void work_out_mpg::start() {
 }
 
 void work_out_mpg::value_arrived(const QString& reply) {
-    if (reply == no_reply)
+    if (reply == no_reply) {
+        show("Speed or air flow did not come: the run has ended. Is the ignition on? Start again (F5)");
         return leave();
+    }
     if (nothing_came(reply))
         return;
     const int index = cur_log_idx();
@@ -57,13 +59,13 @@ void work_out_mpg::value_arrived(const QString& reply) {
 }
 
 void work_out_mpg::speed_arrived(const QString& data) {
-    cur_Speed = row(speed).latest;
+    cur_Speed = context.toolies.get_OBDVal(data);
     prev_reply = data;
     ask(air_flow);
 }
 
 void work_out_mpg::air_flow_arrived(const QString& data) {
-    cur_MAF = row(air_flow).latest;
+    cur_MAF = context.toolies.get_OBDVal(data);
     compute_MPG(true);
     const bool known = prev_reply != no_reply && data != no_reply;
     const QString encoded = known ? context.toolies.encode_to_OBD(QStringLiteral("E4"), cur_MPG) : no_reply;
@@ -84,7 +86,7 @@ void work_out_mpg::compute_MPG(bool by_density) {
 void work_out_mpg::show_economy(const QString& data) {
     const double shown = context.toolies.units() == unit_system::metric ? cur_KPL : cur_MPG;
     sample_row& its_row = row(economy);
-    its_row.value = std::isfinite(shown) ? QString::number(shown, 'f', 6) : no_reply;
+    its_row.value = data == no_reply ? no_reply : QString::number(shown, 'f', 6); // "inf" without air flow
     its_row.latest = context.toolies.get_OBDVal(data);
     note_extremes(its_row, shown);
     output_item(economy, data);

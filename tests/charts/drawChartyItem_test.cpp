@@ -56,20 +56,19 @@ TEST(plot_up_to, draws_the_sweeps_before_a_row_alone) {
     const QImage beyond = chart.draw();
     chart.item.plot_up_to(-1);
     EXPECT_EQ(beyond, chart.draw());
-}
-
-TEST(work_out_labels, take_the_range_of_the_pid_until_there_are_two_rows) {
-    drawn_chart chart({"0C|7E8", "0D|7E8"});
-    chart.matrix.start(2);
-    const chart_labels labels = chart.item.work_out_labels(chart.matrix);
-    ASSERT_EQ(labels.size(), 2);
-    EXPECT_EQ(labels[0].name, "Engine RPM");
-    EXPECT_EQ(labels[0].unit, "RPM");
-    EXPECT_EQ(labels[0].maximum, "12287.812500");
-    EXPECT_EQ(labels[0].minimum, "4095.937500");
+    chart.item.plot_up_to(0);
+    EXPECT_EQ(coloured(chart.draw(), chart.item.drawingSizes(), 0), 0);
 }
 
 TEST(work_out_labels, follow_the_values_from_the_second_row_on) {
+    drawn_chart two({"0C|7E8", "0D|7E8"});
+    two.matrix.start(2);
+    const chart_labels labels = two.item.work_out_labels(two.matrix);
+    ASSERT_EQ(labels.size(), 2);
+    const chart_label& rpm = labels[0]; // the middle half of the PID's range
+    EXPECT_EQ(rpm.name + ' ' + rpm.minimum + ' ' + rpm.maximum + ' ' + rpm.unit,
+              "Engine RPM 4095.937500 12287.812500 RPM");
+
     drawn_chart chart;
     const auto ends = [&chart](const QList<int>& speeds) {
         chart.drive(speeds);
@@ -84,7 +83,9 @@ TEST(work_out_labels, follow_the_values_from_the_second_row_on) {
 
 TEST(drawChartyItem, plots_the_last_sweeps_that_it_is_told_to) {
     drawn_chart chart;
-    chart.drive({10, 40, 20, 60, 30});
+    chart.drive({20, 60, 20});
+    const int its_pixels = coloured(chart.draw(), chart.item.drawingSizes(), 0);
+    chart.drive({10, 40, 20, 60, 20});
     chart.item.setNumberPointsToPlot(-1);
     const QImage all = chart.draw();
     chart.item.setNumberPointsToPlot(20);
@@ -92,11 +93,12 @@ TEST(drawChartyItem, plots_the_last_sweeps_that_it_is_told_to) {
     chart.item.setNumberPointsToPlot(3);
     const QImage three = chart.draw();
     EXPECT_NE(three, all);
+    EXPECT_EQ(coloured(three, chart.item.drawingSizes(), 0), its_pixels) << "the last three and no other";
     chart.item.setNumberPointsToPlot(2);
     const QImage two = chart.draw();
     chart.item.setNumberPointsToPlot(0);
     EXPECT_EQ(chart.draw(), two);
-    EXPECT_EQ(chart.item.last_value(), 30);
+    EXPECT_EQ(chart.item.last_value(), 20);
 }
 
 TEST(drawChartyItem, draws_nothing_without_values_and_a_standing_car_on_the_baseline) {
@@ -105,6 +107,8 @@ TEST(drawChartyItem, draws_nothing_without_values_and_a_standing_car_on_the_base
     chart.drive({-1, -1, -1});
     EXPECT_EQ(coloured(chart.draw(), chart.item.drawingSizes(), 0), 0);
     EXPECT_TRUE(std::isnan(chart.item.last_value()));
+    chart.drive({50, -1}); // whose range is the wrong way round
+    EXPECT_EQ(coloured(chart.draw(), chart.item.drawingSizes(), 0), 0);
 
     chart.drive({0, 0, 0, 0});
     const QImage flat = chart.draw();
@@ -178,6 +182,7 @@ TEST(axis_values, are_round_and_lie_between_the_ends) {
     const axis_values quarters = axis_values::between(0, 1, 4);
     EXPECT_EQ(quarters.text(quarters.values[1]), "0.25");
     EXPECT_EQ(axis_values::between(0.3, 0.5, 2).text(0.4), "0.4");
+    EXPECT_EQ(axis_values::between(-0.3, 0.1, 4).values.size(), 5);
     EXPECT_TRUE(axis_values::between(5, 5, 4).values.isEmpty());
     EXPECT_TRUE(axis_values::between(5, std::nan(""), 4).values.isEmpty());
     EXPECT_LE(axis_values::between(-1e300, 1e300, 8).values.size(), 12);

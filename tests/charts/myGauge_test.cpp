@@ -2,6 +2,7 @@
 
 #include "tests/charts/chart_bench.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <numbers>
 
@@ -16,15 +17,16 @@ double degrees(double value, double minimum, double maximum) {
 }
 
 TEST(gauge_needle, turns_clockwise_from_220_to_minus_40_degrees) {
-    EXPECT_NEAR(degrees(0, 0, 10), 220, 1e-9);
-    EXPECT_NEAR(degrees(5, 0, 10), 90, 1e-9);
-    EXPECT_NEAR(degrees(10, 0, 10), -40, 1e-9);
-    EXPECT_NEAR(degrees(12, 0, 10), -92, 1e-9) << "past the end";
-    EXPECT_NEAR(degrees(-1, 0, 10), 246, 1e-9);
-    EXPECT_NEAR(degrees(-40, -40, 260), 220, 1e-9);
-    EXPECT_NEAR(degrees(260, -40, 260), -40, 1e-9);
-    EXPECT_NEAR(degrees(0, -100, 100), 90, 1e-9);
-    EXPECT_NEAR(degrees(10, 10, 20), -40, 1e-9) << "a minimum above 0 does not count";
+    const std::array<double, 4> rows[] = {
+        // value, minimum, maximum, degrees
+        {0, 0, 10, 220},      {5, 0, 10, 90},       {10, 0, 10, -40},
+        {12, 0, 10, -92},     {-1, 0, 10, 246}, // past the ends
+        {-40, -40, 260, 220}, {260, -40, 260, -40}, {0, -100, 100, 90},
+        {10, 10, 20, -40}, // a minimum above 0 does not count
+    };
+    for (const auto& [value, minimum, maximum, angle] : rows)
+        EXPECT_NEAR(degrees(value, minimum, maximum), angle, 1e-9)
+            << value << " of " << minimum << " to " << maximum;
 
     const gauge_needle up = gauge_needle_for({182, 104}, 5, begin, end, 0, 10, 20, 140);
     EXPECT_NEAR(up.tip.y(), 244, 1e-9);
@@ -33,12 +35,8 @@ TEST(gauge_needle, turns_clockwise_from_220_to_minus_40_degrees) {
 }
 
 TEST(gauge_range, is_that_of_the_table_with_its_gaps) {
-    struct example {
-        int pid;
-        gauge_scale metric, imperial;
-    };
     // clang-format off
-    const example examples[] = {
+    const std::tuple<int, gauge_scale, gauge_scale> examples[] = {
         {  4, {   0,  100,    1}, {   0, 100,    1}},
         {  5, { -40,  260,    1}, { -40, 560,    1}},
         {  9, {-100,  100,    1}, {-100, 100,    1}},
@@ -56,9 +54,9 @@ TEST(gauge_range, is_that_of_the_table_with_its_gaps) {
         {229, {-160,  240,    1}, { -20,  30,    1}},
     };
     // clang-format on
-    for (const example& it : examples) {
-        EXPECT_EQ(gauge_range(it.pid, true), it.metric) << it.pid;
-        EXPECT_EQ(gauge_range(it.pid, false), it.imperial) << it.pid;
+    for (const auto& [pid, metric, imperial] : examples) {
+        EXPECT_EQ(gauge_range(pid, true), metric) << pid;
+        EXPECT_EQ(gauge_range(pid, false), imperial) << pid;
     }
 }
 

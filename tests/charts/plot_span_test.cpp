@@ -33,7 +33,7 @@ TEST(series_averages, are_those_of_the_rows_that_have_a_value) {
     series_averages averages;
     matrix.start(2);
     averages.start(2);
-    constexpr int rows = 1000;
+    constexpr int rows = 1001;
     for (int row = 0; row < rows; ++row) {
         if (row > 0) {
             averages.count_rows(matrix);
@@ -43,7 +43,8 @@ TEST(series_averages, are_those_of_the_rows_that_have_a_value) {
             matrix.set(0, QString::number(row));
     }
     averages.count_rows(matrix);
-    EXPECT_DOUBLE_EQ(averages.average(matrix, 0, 0, rows), 499);
+    EXPECT_DOUBLE_EQ(averages.average(matrix, 0, 0, rows), 500);
+    EXPECT_DOUBLE_EQ(averages.average(matrix, 0, 0, rows - 1), 499);
     EXPECT_DOUBLE_EQ(averages.average(matrix, 0, 63, 67), 65); // 64 and 66
     EXPECT_DOUBLE_EQ(averages.average(matrix, 0, 998, 1000), 998);
     EXPECT_TRUE(std::isnan(averages.average(matrix, 0, 999, 1000)));

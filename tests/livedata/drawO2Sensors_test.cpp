@@ -71,6 +71,9 @@ TEST(drawO2Sensors, tells_lean_from_rich) {
     EXPECT_EQ(state("0.600"), 0);
     EXPECT_EQ(state("0.601"), 1);
     EXPECT_EQ(state("-nan"), 0);
+    car.set_switching(0x1B); // the third one tells milliamperes
+    EXPECT_EQ(state("-2.000"), 0);
+    EXPECT_EQ(state("nan"), 0);
     EXPECT_EQ(car.in_words(),
               QStringLiteral("S11 no value, S12 no value, S13 no value, S21 no value, S22 no value"));
 }

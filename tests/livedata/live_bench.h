@@ -28,7 +28,7 @@ struct live_bench : adapter_bench, private run_observer {
         facts["log"]      = [this] { return rows("SELECT LOG_TYPE, '[' || INFO || ']' FROM LOGGIES"); };
         facts["layout"]   = [this] { return layout; };
         facts["sensors"]  = [this] { return sensors.join(' '); };
-        facts["files"]    = [this] { return session_files().entryList(QDir::Files).join(' '); };
+        facts["files"]    = [this] { return QString::number(session_files().entryList({"*.gol"}).size()) + " gol"; };
         // clang-format on
     }
 

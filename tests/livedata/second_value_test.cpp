@@ -25,7 +25,7 @@ TEST(second_value, follows_the_switch) {
         const second_value own = read_value(body, bench.toolies);
         EXPECT_EQ(own.other, r.standard) << r.body;
         if (!std::isnan(r.number)) {
-            EXPECT_EQ(number_of_value(body, bench.toolies), bench.toolies.get_OBDVal(body));
+            EXPECT_EQ(bench.toolies.shown_number(body), bench.toolies.get_OBDVal(body));
         }
         if (*r.standard) {
             EXPECT_EQ(own.text, r.own);
@@ -35,9 +35,42 @@ TEST(second_value, follows_the_switch) {
         EXPECT_EQ(standard.text, *r.standard ? QString(r.standard) : own.text);
         EXPECT_EQ(standard.other, *r.standard ? own.text : QString());
         if (!std::isnan(r.number)) {
-            EXPECT_NEAR(number_of_value(body, bench.toolies), r.number, 1e-9);
+            EXPECT_NEAR(bench.toolies.shown_number(body), r.number, 1e-9);
         }
     }
     // A computed value is the program's own.
     EXPECT_EQ(read_value("41E41234", bench.toolies).other, "");
+}
+
+TEST(second_value, a_run_is_read_again_without_the_car) {
+    adapter_bench bench;
+    bench.profile.defaults.set("BV_metric_units", true);
+    live_results results([&](const QString& body) { return bench.toolies.shown_number(body); });
+    results.cur_log_points.start(2);
+    for (const char* body : {"41422E7C", "41423A98"}) {
+        results.cur_log_points.set(0, body);
+        results.cur_log_points.set(1, "~");
+        results.cur_log_points.add_row();
+    }
+    results.these_samples.resize(2);
+    results.these_samples[0].pid = "42";
+    results.these_samples[0].value = "0.003 V";
+    results.these_samples[1].pid = "0D";
+    results.these_samples[1].value = "~";
+    bench.toolies.set_standard_reading(true);
+    read_again(results, bench.toolies);
+    const sample_row& volts = results.these_samples[0];
+    EXPECT_EQ(volts.value, "15.000 V");
+    EXPECT_EQ(volts.other_value, "0.003 V");
+    EXPECT_EQ(volts.units, "V");
+    EXPECT_DOUBLE_EQ(volts.latest, 15);
+    EXPECT_LE(volts.min.toDouble(), 11.9);
+    EXPECT_GE(volts.max.toDouble(), 15);
+    EXPECT_DOUBLE_EQ(results.cur_log_points.value(0, 0), 11.9);
+    EXPECT_EQ(results.these_samples[1].value, "~");
+    EXPECT_EQ(results.these_samples[1].max, "max");
+    bench.toolies.set_standard_reading(false);
+    read_again(results, bench.toolies);
+    EXPECT_EQ(volts.value, "0.003 V");
+    EXPECT_EQ(volts.units, " V");
 }
