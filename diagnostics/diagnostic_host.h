@@ -2,12 +2,21 @@
 
 #include "base/process_state.h"
 #include "diagnostics/diagnostic_results.h"
-#include "link/task_controller.h"
+#include "link/adapter_link.h"
 
 // How the adapter shows its replies now.
 inline reply_form form_of(const process_state& state) {
     return {state.cur_protocol, state.headers_shown};
 }
+
+// The reply as it came. One that was given up on, because its first ECU refuses, may hold another's answer.
+inline QString reply_to_keep(const QString& reply, const adapter_link& link) {
+    return reply == no_reply && !link.last_raw_reply().isEmpty() ? link.last_raw_reply() : reply;
+}
+
+// Why an operation failed to which the adapter passed on no answer at all.
+inline const QString no_ecu_answers =
+    QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on and read again");
 
 // What the step machines of the diagnostics screen ask of their controller.
 class diagnostic_host : public task_controller {

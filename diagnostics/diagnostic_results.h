@@ -7,9 +7,9 @@
 #include <QMap>
 
 // The lists whose replies are kept, to be read a second time: see second_reading.
-enum class result_list { codes, pending, freeze, vehicle, mode6, misfire, o2, permanent };
+enum class result_list { codes, pending, freeze, vehicle, mode6, misfire, o2, permanent, status };
 
-// A reply as it was accepted, and the rows that the program made from it. It is kept before they are told.
+// A reply as it came, and the rows that the program made from it. It is kept before they are told.
 struct kept_reply {
     QString request; // "03", "0902", "010C", "020C00"
     QString reply;

@@ -91,7 +91,14 @@ void mode6_test::ask_next() {
 }
 
 void mode6_test::test_answered(const QString& reply) {
-    if (!has_no_data(reply)) {
+    if (reply == no_reply) {
+        results.kept[words.kept] += {QStringLiteral("06%1").arg(test_IDs[item]),
+                                     reply_to_keep(reply, context.link),
+                                     form_of(state),
+                                     QString(),
+                                     rows.size(),
+                                     0};
+    } else if (!has_no_data(reply)) {
         const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
         if (!ecus.isEmpty()) {
             const qsizetype engine = findEngIdxFromGroupedMsg(ecus, context.toolies.findEngineEcuIdx(ecus));

@@ -1,7 +1,7 @@
 #include "diagnostics/permanent_codes.h"
 
+#include "diagnostics/second_status.h"
 #include "obd/standard_reading/codes_and_texts.h"
-#include "obd/standard_reading/pid_values.h"
 #include "obd/toolkit/mac_toolies.h"
 
 #include <algorithm>
@@ -29,13 +29,8 @@ void read_codes(const kept_reply& kept, permanent_codes& result) {
 }
 
 void read_drive_cycle(const kept_reply& kept, const mac_toolies& toolies, permanent_codes& result) {
-    monitor_status status;
-    for (const ecu_answer& answer : answers_to(0x01, kept.reply, kept.form))
-        for (const QByteArray& data : answer.messages)
-            if (data.startsWith("\x41\x41") &&
-                (status.monitors.isEmpty() || toolies.isThisEngineHeader(answer.ecu)))
-                status = read_monitor_status(data.mid(2));
-    for (const monitor& m : status.monitors) {
+    constexpr int drive_cycle_pid = 0x41;
+    for (const monitor& m : engine_monitors(kept, drive_cycle_pid, toolies).monitors) {
         const QString state = m.complete ? QStringLiteral("OK") : QStringLiteral("X");
         result.drive_cycle += {m.supported ? state : not_available, m.name, drive_cycle_group};
     }

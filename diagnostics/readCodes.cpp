@@ -35,8 +35,8 @@ void readCodes::l_readCodes() {
 
 void readCodes::read_codes_and(next_operation next) {
     reading.reset_retries();
-    results_.kept.remove(result_list::codes);
-    results_.kept.remove(result_list::permanent);
+    for (const result_list list : {result_list::codes, result_list::status, result_list::permanent})
+        results_.kept.remove(list);
     context.view.reload(QStringLiteral("permanent"));
     start_operation(op_read_codes, QStringLiteral("Starting Read Codes"), next);
 }

@@ -102,6 +102,7 @@ void second_reading::start_again() {
     told.clear();
     codes_differ = false;
     changed = 0;
+    vin.clear();
     replies_read = 0;
     own_read = 0;
 }
@@ -184,8 +185,9 @@ void second_reading::read_vin(const kept_reply& kept) {
     const bool is_read = info && !info->items.isEmpty();
     if (!info || (is_read && info->items.first() == own_vin) || (!is_read && own_vin == not_available))
         return keep_own(kept);
-    const QString vin = is_read ? info->items.first() : QStringLiteral("(%1)").arg(info->fault);
-    add(QStringLiteral(" VIN: %1").arg(vin), kept.row, vin, own_vin);
+    vin = is_read ? info->items.first() : QString();
+    const QString said = is_read ? vin : QStringLiteral("(%1)").arg(info->fault);
+    add(QStringLiteral(" VIN: %1").arg(said), kept.row, said, own_vin);
 }
 
 void second_reading::read_value(const kept_reply& kept) {
@@ -202,11 +204,13 @@ void second_reading::read_value(const kept_reply& kept) {
 void second_reading::read_freezing_code(const kept_reply& kept) {
     const auto value = value_in(kept, 2, toolies);
     const QString shown = own.at(0).section(QLatin1String(": "), 1).section(u'|', 0, 0).trimmed();
-    if (!value || value->states.value(0) == shown)
+    const QString code = value ? value->states.value(0) : QString();
+    const bool no_frame = code.isEmpty() || code == QLatin1String("P0000");
+    if (!value || code == shown || (shown.isEmpty() && no_frame))
         return keep_own(kept);
-    const QString code = value->states.value(0);
     const QString text = code.isEmpty() ? pid_value_text(*value) : code;
-    add(QStringLiteral("Freezed by: %1|%2").arg(text, look_upCode(code, results.P0_Codes)), 0, text, shown);
+    add(QStringLiteral("Freezed by: %1|%2").arg(text, look_upCode(code, results.P0_Codes)), 0, text,
+        shown.isEmpty() ? nothing : shown);
 }
 
 void second_reading::read_freeze_value(const kept_reply& kept) {
@@ -230,7 +234,8 @@ void second_reading::read_tests(const kept_reply& kept) {
             add(test.row, test.own_row < 0 ? -1 : kept.row + test.own_row, test.said,
                 test.own_said.isEmpty() ? nothing : test.own_said);
     }
-    if (!tests.fault.isEmpty())
+    const bool says_nothing = kept.rows == 0 && tests.pairs.isEmpty(); // and neither does the program
+    if (!tests.fault.isEmpty() && !says_nothing)
         told += tests.fault;
 }
 
@@ -264,7 +269,14 @@ QString second_reading::line_of_values(const QString& because) const {
         changed == 1 ? QStringLiteral("one value differs") : QStringLiteral("%1 values differ").arg(changed);
     if (changed == 0)
         return QStringLiteral("By SAE J1979 a part of the replies cannot be read%1").arg(because);
-    return standard_shown
-               ? QStringLiteral("Read by SAE J1979%1. In the program's own reading %2").arg(because, values)
-               : QStringLiteral("By SAE J1979 %1%2").arg(values, because);
+    if (standard_shown)
+        return QStringLiteral("Read by SAE J1979%1. In the program's own reading %2").arg(because, values);
+    if (vin.isEmpty())
+        return QStringLiteral("By SAE J1979, %1%2").arg(values, because);
+    const QString holds = QStringLiteral("By SAE J1979 this reply holds: %1").arg(vin);
+    if (changed == 1)
+        return holds + because;
+    const QString others = changed == 2 ? QStringLiteral("one more value differs")
+                                        : QStringLiteral("%1 more values differ").arg(changed - 1);
+    return QStringLiteral("%1, and %2%3").arg(holds, others, because);
 }

@@ -58,6 +58,7 @@ private:
     QHash<int, QString> standard_notes;
     bool codes_differ = false;
     int changed = 0; // rows of values that differ
+    QString vin;     // by the standard, where it differs
     QStringList told;
     qsizetype replies_read = 0;
     qsizetype own_read = 0; // own rows that have their place among the standard's

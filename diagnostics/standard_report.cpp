@@ -3,6 +3,7 @@
 #include "base/process_state.h"
 #include "diagnostics/permanent_codes.h"
 #include "diagnostics/second_reading.h"
+#include "diagnostics/second_status.h"
 
 namespace {
 
@@ -11,6 +12,7 @@ diagnostic_results as_standard(const diagnostic_results& results, const mac_tool
     const auto rows = [&](result_list list) {
         return second_reading(list, results, toolies).standard_rows();
     };
+    read.readinessFlagsArray = read_status_again(results, toolies).shown().monitors;
     read.codesReadArray = rows(result_list::codes);
     read.pendingArray = rows(result_list::pending);
     read.freezeArray = rows(result_list::freeze);

@@ -31,8 +31,8 @@ void work_out_clear_codes::clear_answered(const QString& reply) {
     context.view.show_busy(false);
     results.codesReadArray.clear();
     results.readinessFlagsArray.clear();
-    results.kept.remove(result_list::codes);
-    results.kept.remove(result_list::permanent);
+    for (const result_list list : {result_list::codes, result_list::status, result_list::permanent})
+        results.kept.remove(list);
     context.view.reload(QStringLiteral("codes"));
     context.view.reload(QStringLiteral("readiness"));
     results.code_count_label = QStringLiteral("No of DTC Codes:");

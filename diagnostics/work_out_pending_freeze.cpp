@@ -14,6 +14,7 @@ constexpr int most_retries = 1;
 constexpr unsigned group_size = 0x20;
 constexpr unsigned last_group = 0xE0;
 constexpr qsizetype frame_map_at = 6; // after "42", the group and the frame number
+constexpr const char* pending_not_received = "Failed to receive the Pending error codes";
 } // namespace
 
 work_out_pending_freeze::work_out_pending_freeze(operation_context& its_context, diagnostic_host& its_host)
@@ -57,29 +58,28 @@ void work_out_pending_freeze::monitor_status_answered(const QString& reply) {
         return send(0, "AT ST FF", "OK");
     }
     show(fill(QStringLiteral("Got proper reply: (%@)"), {reply}));
+    car_answered = !has_no_data(reply);
     ask(2, "07");
 }
 
 void work_out_pending_freeze::pending_codes_answered(const QString& reply) {
-    if (reply == no_reply) {
-        show("Failed to receive the Pending error codes");
-    } else {
-        list_pending(reply);
-        results.kept[result_list::pending] = {
-            {QStringLiteral("07"), reply, form_of(state), QString(), 0, results.pendingArray.size()}};
-        show("Codes read!. Scroll for full description");
-    }
+    pending_received = reply != no_reply && list_pending(reply);
+    car_answered |= !has_no_data(reply);
+    show(pending_received ? "Codes read!. Scroll for full description" : pending_not_received);
+    results.kept[result_list::pending] = {{QStringLiteral("07"), reply_to_keep(reply, context.link),
+                                           form_of(state), QString(), 0, results.pendingArray.size()}};
     context.view.reload(QStringLiteral("pending"));
     ask(4, "02 02 00");
 }
 
 // The decoder of pending codes reads replies without headers: each ECU's answer is handed to it on its own.
-void work_out_pending_freeze::list_pending(const QString& reply) {
+// An answer that lacks frames is left out: the rest of it would read as codes that nobody sent.
+bool work_out_pending_freeze::list_pending(const QString& reply) {
     host.load_the_codes();
     host.append_to_log(
         fill(QStringLiteral("------Pending Codes read:%@------------- \n"), {host.todays_date()}));
     if (has_no_data(reply))
-        return;
+        return true;
     const auto list = [&](const QString& text, const QString& header) {
         for (const QString& code :
              context.toolies.work_reply_to_error_codes_pid(QStringLiteral("07"), text)) {
@@ -90,13 +90,26 @@ void work_out_pending_freeze::list_pending(const QString& reply) {
             results.pendingArray += fill(QStringLiteral("%@|%@"), {code, header});
         }
     };
-    if (!state.headers_shown)
-        return list(reply, QString());
+    if (!state.headers_shown) {
+        if (reply.contains(u':') && whole_data_without_headers(reply, QStringLiteral("47")).isEmpty())
+            return false;
+        list(reply, QString());
+        return true;
+    }
+    const bool framed = is_can(state.cur_protocol);
+    bool all_whole = true;
     for (const obd_group& ecu : context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply))) {
-        const bool framed = is_can(state.cur_protocol);
-        list(framed ? context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet) : ecu.pidSet.join(u'\r'),
+        if (framed && !is_whole_can_answer(ecu.pidSet)) {
+            all_whole = false;
+            continue;
+        }
+        QStringList lines;
+        for (const QString& body : ecu.pidSet)
+            lines += context.toolies.data_of_single_message(body);
+        list(framed ? context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet) : lines.join(u'\r'),
              ecu.header);
     }
+    return all_whole;
 }
 
 // The data of the engine ECU in a reply, with or without headers.
@@ -110,12 +123,14 @@ QString work_out_pending_freeze::engine_data(const QString& reply) const {
 }
 
 void work_out_pending_freeze::freezing_code_answered(const QString& reply) {
+    car_answered |= !has_no_data(reply);
     const QString data = has_no_data(reply) ? QString() : engine_data(reply);
     const QString code = data.mid(frame_map_at, 4);
+    results.kept[result_list::freeze] = {
+        {QStringLiteral("020200"), reply_to_keep(reply, context.link), form_of(state), QString(), 0, 1}};
     if (!data.startsWith(QLatin1String("4202")) || code.size() < 4 || code == QLatin1String("0000"))
         return no_frame();
     freezing_code = pull_DTC_code(code);
-    results.kept[result_list::freeze] = {{QStringLiteral("020200"), reply, form_of(state), QString(), 0, 1}};
     group = 0;
     parameters.clear();
     send(5, "AT H1", "OK");
@@ -173,7 +188,7 @@ void work_out_pending_freeze::next_parameter(const QString& reply) {
                                     {freezing_code, look_upCode(freezing_code, results.P0_Codes)});
     } else {
         results.kept[result_list::freeze] += {QStringLiteral("02%1").arg(to_ask[asked]),
-                                              reply,
+                                              reply_to_keep(reply, context.link),
                                               form_of(state),
                                               QString(),
                                               results.freezeArray.size(),
@@ -208,6 +223,11 @@ void work_out_pending_freeze::add_freeze_item(const QString& reply, const QStrin
 void work_out_pending_freeze::finish() {
     context.view.reload(QStringLiteral("pending"));
     context.view.reload(QStringLiteral("freeze"));
+    // Neither says that there are no codes.
+    if (!pending_received)
+        return leave(QLatin1String(pending_not_received));
+    if (!car_answered)
+        throw step_failure(no_ecu_answers);
     host.write_report();
     context.view.play_sound(sound_done);
     host.task_done();

@@ -19,7 +19,8 @@ private:
     void start();
     void monitor_status_answered(const QString& reply);
     void pending_codes_answered(const QString& reply);
-    void list_pending(const QString& reply);
+    // False when not all of an ECU's answer has come.
+    bool list_pending(const QString& reply);
     void freezing_code_answered(const QString& reply);
     void parameters_answered(const QString& reply);
     void take_map(const QString& header, const QString& data);
@@ -34,6 +35,8 @@ private:
     diagnostic_host& host;
     diagnostic_results& results;
     int no_data_retries = 0;
+    bool car_answered = false;
+    bool pending_received = false;
     QString freezing_code;
     unsigned group = 0;    // the map of parameters asked for: 00, 20, 40 ...
     obd_groups parameters; // the frame's parameters by ECU

@@ -76,6 +76,8 @@ void work_out_read_codes::evaluate_monitor_status(const QString& reply) {
     results.no_of_codes = 0;
     results.milLamp = false;
     results.readinessFlagsArray.clear();
+    results.kept[result_list::status] = {
+        {QStringLiteral("0101"), reply_to_keep(reply, context.link), form_of(state), QString(), 0, 0}};
     if (!has_no_data(reply)) {
         const obd_groups ecus = context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply));
         const qsizetype engine = context.toolies.findEngineEcuIdx(ecus);
@@ -98,16 +100,22 @@ void work_out_read_codes::evaluate_monitor_status(const QString& reply) {
 
 void work_out_read_codes::evaluate_confirmed_codes(const QString& reply) {
     note_the_read();
-    if (reply == no_reply)
+    if (reply == no_reply) {
+        keep_codes(reply);
         return leave(QStringLiteral("Failed to receive the error codes"));
+    }
     list_codes(reply);
-    results.kept[result_list::codes] = {
-        {QStringLiteral("03"), reply, form_of(state), QString(), 0, results.codesReadArray.size()}};
-    context.view.reload(QStringLiteral("codes"));
+    keep_codes(reply);
     tell_result(reply);
     host.write_report();
     context.view.play_sound(sound_done);
     host.task_done();
+}
+
+void work_out_read_codes::keep_codes(const QString& reply) {
+    results.kept[result_list::codes] = {{QStringLiteral("03"), reply_to_keep(reply, context.link),
+                                         form_of(state), QString(), 0, results.codesReadArray.size()}};
+    context.view.reload(QStringLiteral("codes"));
 }
 
 void work_out_read_codes::note_the_read() {
@@ -154,7 +162,5 @@ void work_out_read_codes::tell_result(const QString& reply) {
     show(codes == results.no_of_codes ? "Codes read!. Scroll for full description"
                                       : "Codes read...but different no of codes recvd");
     if (results.no_of_ecus == 0 && has_no_data(reply))
-        throw step_failure(
-            QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on "
-                           "and read again"));
+        throw step_failure(no_ecu_answers);
 }

@@ -20,6 +20,7 @@ private:
     void monitor_status_answered(const QString& reply);
     void evaluate_monitor_status(const QString& reply);
     void evaluate_confirmed_codes(const QString& reply);
+    void keep_codes(const QString& reply);
     void note_the_read();
     void list_codes(const QString& reply);
     void tell_result(const QString& reply);

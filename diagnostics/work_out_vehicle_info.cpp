@@ -108,8 +108,12 @@ QString work_out_vehicle_info::vin_reply_without_headers(const QString& reply) c
 void work_out_vehicle_info::vin_answered(const QString& reply) {
     const QString plain = has_no_data(reply) ? QString() : vin_reply_without_headers(reply);
     const QString vin = plain.isEmpty() ? not_available : work_out_vin(plain);
-    results.kept[result_list::vehicle] +=
-        {QStringLiteral("0902"), reply, form_of(state), QString(), results.vehInfoArray.size(), 1};
+    results.kept[result_list::vehicle] += {QStringLiteral("0902"),
+                                           reply_to_keep(reply, context.link),
+                                           form_of(state),
+                                           QString(),
+                                           results.vehInfoArray.size(),
+                                           1};
     add_row(fill(QStringLiteral(" VIN: %@"), {vin.isEmpty() ? not_available : vin}));
 
     const obd_groups& ecus = state.available_pids;
@@ -163,8 +167,12 @@ void work_out_vehicle_info::value_answered(const QString& reply) {
             value = context.toolies.translateResponse(data);
     }
     const int rows = value == no_reply ? 0 : 1;
-    results.kept[result_list::vehicle] +=
-        {QStringLiteral("01") + pid, reply, form_of(state), ecu.header, results.vehInfoArray.size(), rows};
+    results.kept[result_list::vehicle] += {QStringLiteral("01") + pid,
+                                           reply_to_keep(reply, context.link),
+                                           form_of(state),
+                                           ecu.header,
+                                           results.vehInfoArray.size(),
+                                           rows};
     if (rows > 0)
         add_row(fill(QStringLiteral("%@|%@|%@"), {pid, context.toolies.l_get_pid_name(pid, false), value}));
     ++pid_index;

@@ -7,6 +7,7 @@
 
 #include <QRegularExpression>
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -49,14 +50,20 @@ QString report_statement(int log_id) {
 
 QString cell_of(const mac_toolies& toolies, const QString& item) {
     const bool is_reply = item.startsWith(QLatin1String("41")) && item.size() > 4;
-    return is_reply ? with_decimals(toolies.get_OBDVal(item), preview_decimals) : QStringLiteral("-");
+    const double number = is_reply ? toolies.shown_number(item) : qQNaN();
+    return std::isnan(number) ? QStringLiteral("-") : with_decimals(number, preview_decimals);
 }
 
-QString column_name(const mac_toolies& toolies, const QString& item) {
-    if (!item.startsWith(QLatin1String("41")) || hex_byte(item, 2) < 0)
-        return not_available;
-    const QString pid = item.mid(2, 2).toUpper();
-    return fill(QStringLiteral("%@ (%@)"), {toolies.get_pid_name(pid, false), toolies.get_units(pid)});
+QString column_name(const mac_toolies& toolies, const QString& pid) {
+    return pid.isEmpty() ? not_available : sampled_heading(pid, toolies.shown_reading(), toolies.lists());
+}
+
+QString note_on(const mac_toolies& toolies, const QStringList& otherwise) {
+    if (otherwise.isEmpty())
+        return {};
+    return (toolies.standard_reading() ? QStringLiteral("The program's own reading says otherwise of: ")
+                                       : QStringLiteral("SAE J1979 says otherwise of: ")) +
+           otherwise.join(QLatin1String(", ")) + u'\n';
 }
 
 QString as_columns(const QList<QStringList>& rows) {
@@ -76,6 +83,8 @@ QString as_columns(const QList<QStringList>& rows) {
 
 QString samples(mac_toolies& toolies, int log_id) {
     QList<QStringList> rows;
+    QStringList pids;
+    QStringList otherwise;
     bool more = false;
     toolies.store().for_each_row(
         fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log_id)}),
@@ -86,17 +95,25 @@ QString samples(mac_toolies& toolies, int log_id) {
             const QStringList items =
                 Pull_line_into_array(stored.value(data_column).left(longest_preview), QStringLiteral(","))
                     .mid(0, most_preview_columns);
-            if (rows.isEmpty()) {
-                rows += QStringList(QStringLiteral("Time"));
-                for (const QString& item : items)
-                    rows.first() += column_name(toolies, item);
-            }
+            if (rows.isEmpty())
+                rows += QStringList();
+            tell_columns(pids, items);
             rows += QStringList(gmt_date_str_2_local_date_str(stored.value(time_column)).section(u' ', 1));
-            for (const QString& item : items)
+            for (const QString& item : items) {
                 rows.last() += cell_of(toolies, item);
+                const QString name = toolies.get_pid_name(sampled_pid(item), false);
+                if (!otherwise.contains(name) &&
+                    readings_differ(item, toolies.shown_reading(), toolies.lists()))
+                    otherwise += name;
+            }
             return true;
         });
-    return as_columns(rows) + (more ? QStringLiteral("...\n") : QString());
+    if (rows.isEmpty())
+        return {};
+    rows.first() += QStringLiteral("Time");
+    for (const QString& pid : std::as_const(pids))
+        rows.first() += column_name(toolies, pid);
+    return as_columns(rows) + (more ? QStringLiteral("...\n") : QString()) + note_on(toolies, otherwise);
 }
 
 } // namespace

@@ -22,5 +22,5 @@ QString report_html(database& db, const log_header& log);
 QString without_tags(QString text);
 
 // What stands below the list for a selected log: the text of a report, or the first samples of a run with
-// names and units, as columns of equal width.
+// names and units, as columns of equal width, and which of them the other reading tells otherwise.
 QString preview_of(mac_toolies& toolies, const log_header& log);

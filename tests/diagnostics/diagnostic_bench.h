@@ -3,6 +3,7 @@
 #include "diagnostics/permanent_codes.h"
 #include "diagnostics/readCodes.h"
 #include "diagnostics/second_reading.h"
+#include "diagnostics/second_status.h"
 #include "tests/support/conversation.h"
 
 #include <QRegularExpression>
@@ -49,6 +50,7 @@ struct diagnostic_bench : adapter_bench {
                                          {"vehicle", result_list::vehicle},
                                          {"o2", result_list::o2}})
             add_second_reading(name, list);
+        facts["line-status"] = [this] { return read_status_again(results, toolies).line; };
         facts["permanent"] = [this] {
             const permanent_codes read = read_permanent_codes(results, toolies);
             return read.was_read ? (read.rows + QStringList(read.words)).join(' ').trimmed() : "not read";

@@ -28,9 +28,9 @@ TEST(limit_bar, position_of_the_value) {
     const struct {
         double value, minimum, maximum, at;
     } examples[] = {
-        {0, 0, 100, 35},    {100, 0, 100, 85},  {50, 0, 100, 60},  {-50, 0, 100, 10}, {150, 0, 100, 110},
+        {0, 0, 100, 35},    {100, 0, 100, 85},   {50, 0, 100, 60},   {-50, 0, 100, 10}, {150, 0, 100, 110},
         {400, 0, 100, 235}, {-40, -60, -20, 60}, {14, 14, 15.2, 35}, {32, 32, 32, 60},  {16, 32, 32, 35},
-        {64, 32, 32, 110},  {0, 32, 32, 10},    {0, 0, 0, 60},     {5, 0, 0, 110},
+        {64, 32, 32, 110},  {0, 32, 32, 10},     {0, 0, 0, 60},      {5, 0, 0, 110},
     };
     for (const auto& e : examples)
         EXPECT_DOUBLE_EQ(limit_bar_position(e.value, e.minimum, e.maximum), e.at) << e.value;
@@ -45,11 +45,15 @@ TEST(limit_bar, the_bar_ends_where_the_value_is) {
     } examples[] = {
         {"0.000~61.000~122.000", Qt::green, "10-59", "20-119"},
         {"0.000~122.000~122.000", Qt::green, "10-84", "20-169"},
-        {"0.000~900.000~122.000", Qt::red, "10-109", "20-219"},  // ends with the scale
-        {"0.000~-900.000~122.000", Qt::red, "10-12", "20-25"},   // never too short to be seen
+        {"0.000~900.000~122.000", Qt::red, "10-109", "20-219"}, // ends with the scale
+        {"0.000~-900.000~122.000", Qt::red, "10-12", "20-25"},  // never too short to be seen
         {"32~16~min", Qt::red, "10-34", "20-69"},
         {"32~48~min", Qt::green, "10-84", "20-169"},
         {"32~48~max", Qt::red, "10-84", "20-169"},
+        {"32~32~min", Qt::green, "10-59", "20-119"},
+        {"32~32~max", Qt::green, "10-59", "20-119"},
+        {"32~16~max", Qt::green, "10-34", "20-69"},
+        {"-20.000~-20.000~10.000", Qt::green, "10-34", "20-69"},
     };
     for (const auto& [limits, color, columns, columns_at_double_size] : examples) {
         limit_bar_look look;

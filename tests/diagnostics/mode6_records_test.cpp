@@ -14,7 +14,9 @@ constexpr int iso = 3;
 
 // The frames of an answer as an adapter shows them, the last one padded to eight bytes.
 QStringList frames(const QString& data) {
-    const auto byte = [](qsizetype value) { return QString::number(value, 16).toUpper().rightJustified(2, '0'); };
+    const auto byte = [](qsizetype value) {
+        return QString::number(value, 16).toUpper().rightJustified(2, '0');
+    };
     QStringList bodies{"10" + byte(data.size() / 2) + data.first(12)};
     for (qsizetype at = 12; at < data.size(); at += 14)
         bodies += byte(0x20 + bodies.size() % 16) + data.mid(at, 14).leftJustified(14, '5');
@@ -43,7 +45,8 @@ TEST(mode6_records, rows_on_can) {
         const char* raw;
     } examples[] = {
         {"01010A01F4000003E8",
-         "7|OBDMID(01) - Exhaust gas sensor monitor bank 1 sensor 1|mV - (01)Rich to lean sensor threshold voltage "
+         "7|OBDMID(01) - Exhaust gas sensor monitor bank 1 sensor 1|mV - (01)Rich to lean sensor threshold "
+         "voltage "
          "(constant)|Min(0.000) VAL[61.000] Max(122.000)  - Passed|0.000~61.000~122.000",
          "|01_01~61.000000 mV"},
         {"A20B01000300000002", // no unit: a blank before the values
@@ -67,11 +70,11 @@ TEST(mode6_records, verdict_on_can) {
         const char* numbers; // scaling, value, minimum, maximum
         bool passed;
     } examples[] = {
-        {"0A03E8000003E8", true},  {"0A03E803E803E8", true},  {"0A03E9000003E8", false}, {"0A000000010002", false},
-        {"010005000A0000", false}, // the limits the wrong way round
-        {"05000200000001", true},  // compared as shown: 0.000 and 0.000
-        {"16018F01900200", false}, // -0.1 is below 0
-        {"81FFFF00000001", false}, // values of signed scalings stay as they come
+        {"0A03E8000003E8", true},  {"0A03E803E803E8", true},  {"0A03E9000003E8", false},
+        {"0A000000010002", false}, {"010005000A0000", false}, // the limits the wrong way round
+        {"05000200000001", true},                             // compared as shown: 0.000 and 0.000
+        {"16018F01900200", false},                            // -0.1 is below 0
+        {"81FFFF00000001", false},                            // values of signed scalings stay as they come
     };
     for (const auto& [numbers, passed] : examples) {
         const QStringList rows = read(frames(QString("460101") + numbers), can).rows;
@@ -95,9 +98,12 @@ TEST(mode6_records, answer_of_thirteen_records_whole_and_cut) {
     };
     // No result is made up of what did not come.
     const std::pair<QStringList, int> cut[] = {
-        {without(16), 12},          {bodies.first(16) + QStringList{bodies[16].chopped(2)}, 12},
-        {without(5), 3},            {bodies.first(2), 1},
-        {without(1), 0},            {bodies.first(1), 0},
+        {without(16), 12},
+        {bodies.first(16) + QStringList{bodies[16].chopped(2)}, 12},
+        {without(5), 3},
+        {bodies.first(2), 1},
+        {without(1), 0},
+        {bodies.first(1), 0},
         {QStringList{"10"} + bodies.mid(1), 0},
     };
     for (const auto& [rest, rows] : cut)
@@ -110,7 +116,8 @@ TEST(mode6_records, answer_of_thirteen_records_whole_and_cut) {
 }
 
 TEST(mode6_records, what_is_no_answer_gives_no_row) {
-    const QStringList none[] = {{}, {""}, {"037F0612"}, {"0346A100"}, {"N/A"}, frames("49020131473148433534343452373235")};
+    const QStringList none[] = {{},           {""},    {"037F0612"},
+                                {"0346A100"}, {"N/A"}, frames("49020131473148433534343452373235")};
     for (const QStringList& bodies : none) {
         EXPECT_EQ(read(bodies, can).rows, QStringList()) << bodies.join(' ').toStdString();
         EXPECT_EQ(read(bodies, can).raw, QStringList());
@@ -126,12 +133,17 @@ TEST(mode6_records, rows_on_older_protocols) {
         QStringList rows;
     } examples[] = {
         {{"46018100100020"}, {"Test ID(01) | CID(01) |Test val(16)\n Less than Min(32)   FAILED|32~16~min"}},
-        {{"460A85FFFF8000C5"}, {"Test ID(0A) | CID(05) |Test val(65535)\n Greater than Min(32768)   Passed|32768~65535~min"}},
-        {{"46050200300020C5"}, {"Test ID(05) | CID(02) |Test val(48)\n Greater than Max(32)   FAILED|32~48~max"}},
-        {{"46050200100020C5"}, {"Test ID(05) | CID(02) |Test val(16)\n Less than Max(32)   Passed|32~16~max"}},
+        {{"460A85FFFF8000C5"},
+         {"Test ID(0A) | CID(05) |Test val(65535)\n Greater than Min(32768)   Passed|32768~65535~min"}},
+        {{"46050200300020C5"},
+         {"Test ID(05) | CID(02) |Test val(48)\n Greater than Max(32)   FAILED|32~48~max"}},
+        {{"46050200100020C5"},
+         {"Test ID(05) | CID(02) |Test val(16)\n Less than Max(32)   Passed|32~16~max"}},
         // A value that equals its limit passes.
-        {{"46058200200020C5"}, {"Test ID(05) | CID(02) |Test val(32)\n Greater than Min(32)   Passed|32~32~min"}},
-        {{"46050200200020C5"}, {"Test ID(05) | CID(02) |Test val(32)\n Less than Max(32)   Passed|32~32~max"}},
+        {{"46058200200020C5"},
+         {"Test ID(05) | CID(02) |Test val(32)\n Greater than Min(32)   Passed|32~32~min"}},
+        {{"46050200200020C5"},
+         {"Test ID(05) | CID(02) |Test val(32)\n Less than Max(32)   Passed|32~32~max"}},
         {{"4601810010"}, {"Test ID(01) | CID(01) |Test val(16)\n Greater than Min(0)   Passed|0~16~min"}},
         // Components of one test
         {{"46018100100020C5", "7F0612C5", "46010200100020C5"},
@@ -170,23 +182,6 @@ TEST(mode6_records, a_row_taken_apart) {
 
     for (const char* damaged : {"", "|", "1|2|3|4", "||||", "1|OBDMID(|(|~|~~", "x|y|z|w|a~b~c"})
         EXPECT_EQ(split_mode6_row(damaged).value, 0) << damaged;
-}
-
-TEST(mode6_records, colour_of_the_bar) {
-    const struct {
-        double value, max, min;
-        bool is_can, limit_is_maximum, red;
-    } examples[] = {
-        {5, 10, 0, true, false, false},   {10, 10, 0, true, false, false}, {0, 10, 0, true, true, false},
-        {10.1, 10, 0, true, false, true}, {-1, 10, 0, true, true, true},   {48, 32, 32, false, true, true},
-        {32, 32, 32, false, true, false}, {16, 32, 32, false, true, false}, {16, 32, 32, false, false, true},
-        {32, 32, 32, false, false, false}, {48, 32, 32, false, false, false},
-    };
-    for (const auto& e : examples)
-        for (const bool is_misfire : {false, true})
-            EXPECT_EQ(work_out_bar_color(e.value, e.max, e.min, e.is_can, e.limit_is_maximum, is_misfire),
-                      (e.red ? bar_color{1, 0, 0, 1} : bar_color{0, 1, 0, 1}))
-                << e.value << " in " << e.min << ' ' << e.max;
 }
 
 TEST(mode6_records, detail_text) {

@@ -54,6 +54,37 @@ TEST(second_reading, follows_a_list_that_grows_and_one_that_begins_anew) {
     EXPECT_FALSE(reading.differs());
 }
 
+TEST(second_status, counts_every_ecu_and_names_the_monitors_that_differ) {
+    read_twice bench;
+    EXPECT_EQ(read_status_again(bench.results, bench.toolies).line, "") << "nothing was read";
+    const auto own = bench.toolies.handle_readiness_codes("076500");
+    const struct {
+        const char* reply;
+        QList<readiness_row> monitors;
+        const char* line; // beside an own "OFF, 0 codes"
+    } rows[] = {
+        {"7E8064101000765 00\r7E906410100000000", own, ""},
+        {"7E8064101000765 04\r7E906410101040000", own,
+         "By SAE J1979 the monitor status says: MIL OFF, 1 code, Evaporative system not complete"},
+        {"7E8064101000F0000", bench.toolies.handle_readiness_codes("0F0000"),
+         ""}, // a diesel's, two of them reserved
+        {"7E8037F0112", {}, "By SAE J1979 the monitor status says: nothing of the MIL"},
+    };
+    for (const auto& row : rows) {
+        bench.results.readinessFlagsArray = row.monitors;
+        bench.results.kept[result_list::status] = {
+            {"0101", QString(row.reply).remove(' '), {6, true}, {}, 0, 0}};
+        const second_status status = read_status_again(bench.results, bench.toolies);
+        EXPECT_EQ(status.line.isEmpty(), *row.line == 0);
+        EXPECT_TRUE((u' ' + status.line).startsWith(QString(u' ') + row.line)) << status.line.toStdString();
+        EXPECT_EQ(status.shown().monitors, row.monitors);
+    }
+    bench.show_standard(true);
+    const second_status status = read_status_again(bench.results, bench.toolies);
+    EXPECT_FALSE(status.shown().is_known);
+    EXPECT_EQ(status.line, "The program's own reading of the monitor status: MIL OFF, 0 codes");
+}
+
 TEST(second_reading, report_says_which_reading_it_holds) {
     diagnostic_bench bench;
     bench.results.codesReadArray = {"P0133|7E8", "P0300|7E8"};

@@ -35,9 +35,10 @@ struct log_bench : temporary_profile {
     void refuse_line(int number) {
         sqlite3* other = nullptr;
         ASSERT_EQ(sqlite3_open(db.path().toUtf8().constData(), &other), SQLITE_OK);
-        const QByteArray sql =
-            "DROP TABLE LOGGIES_DATA; CREATE TABLE LOGGIES_DATA (LOG_ID INTEGER, DATA TEXT, LINE_NUMBER INTEGER "
-            "CHECK (LINE_NUMBER <> " + QByteArray::number(number) + "), time_stamp DATETIME, DATA2 TEXT)";
+        const QByteArray sql = "DROP TABLE LOGGIES_DATA; CREATE TABLE LOGGIES_DATA (LOG_ID INTEGER, DATA "
+                               "TEXT, LINE_NUMBER INTEGER "
+                               "CHECK (LINE_NUMBER <> " +
+                               QByteArray::number(number) + "), time_stamp DATETIME, DATA2 TEXT)";
         EXPECT_EQ(sqlite3_exec(other, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
         sqlite3_close(other);
     }
@@ -69,12 +70,14 @@ TEST(session_log, a_report_in_the_file_and_in_the_database) {
     log_bench t;
     t.log.work_out_log_file(op_misfire, true, true);
     t.log.append_to_log("------Misfire read------ \n");
-    t.log.append_to_log(QString::fromUtf8("0.5 \xC2\xB0" "C"));
+    t.log.append_to_log(QString::fromUtf8("0.5 \xC2\xB0"
+                                          "C"));
     EXPECT_EQ(t.log.store(misfire, 3), "");
     t.log.close();
     ASSERT_EQ(t.session_files().size(), 1);
     EXPECT_TRUE(t.session_files()[0].startsWith("misfire_") && t.session_files()[0].endsWith(".txt"));
-    EXPECT_EQ(t.session_text(), QString::fromUtf8("------Misfire read------ \n0.5 \xC2\xB0" "Cthe driver's 'rows'\n"));
+    EXPECT_EQ(t.session_text(), QString::fromUtf8("------Misfire read------ \n0.5 \xC2\xB0"
+                                                  "Cthe driver's 'rows'\n"));
     // Doubled on the way into the statement, and single again when read.
     EXPECT_EQ(t.headers(), QStringList("1|3|Misfire|EWMA is an average over driving cycles"));
     EXPECT_EQ(t.chunks(), (QStringList{"1|0|the driver's 'rows'\n", "1|1||A2_0B~3.000000 'counts'"}));

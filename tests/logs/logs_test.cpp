@@ -151,6 +151,22 @@ TEST(log_text, preview_of_a_run_has_names_units_and_the_first_samples) {
     EXPECT_LT(wide.size(), 2000);
 }
 
+TEST(log_text, preview_of_a_run_follows_the_reading) {
+    log_bench bench;
+    bench.profile.defaults.set("BV_metric_units", true);
+    const log_header run = bench.header(bench.store("Log", {"~,410D3C", "41422E7C,410D3C"}));
+    const QString own = preview_of(bench.toolies, run);
+    EXPECT_TRUE(own.contains("Control module voltage ( V)")) << own.toStdString();
+    EXPECT_TRUE(
+        own.endsWith("   0.00                 60.00\nSAE J1979 says otherwise of: Control module voltage\n"))
+        << own.toStdString();
+    bench.toolies.set_standard_reading(true);
+    const QString standard = preview_of(bench.toolies, run);
+    EXPECT_TRUE(standard.contains("Control module voltage (V by SAE J1979)")) << standard.toStdString();
+    EXPECT_TRUE(standard.contains(" 11.90 ")) << standard.toStdString();
+    EXPECT_TRUE(standard.endsWith("own reading says otherwise of: Control module voltage\n"));
+}
+
 TEST(selected_logs, are_deleted_after_a_yes_and_one_by_one) {
     log_bench bench;
     const QList<int> ids{bench.store("Log", {"410D00"}), bench.store("DTC", {"text"}),

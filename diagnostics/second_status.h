@@ -1,0 +1,29 @@
+#pragma once
+
+#include "diagnostics/diagnostic_results.h"
+#include "obd/standard_reading/pid_values.h"
+
+class mac_toolies;
+
+// The lamp, the announced codes and the monitors since the codes were cleared (service 01 PID 01), as the
+// program reads them and by SAE J1979: there every ECU's codes count, whatever its lamp says.
+struct car_status {
+    bool is_known = false; // false: no ECU told
+    bool mil = false;
+    int codes = 0;
+    QList<readiness_row> monitors; // of the engine
+};
+struct second_status {
+    car_status own;
+    car_status standard;
+    bool was_read = false;
+    bool standard_shown = false; // the preference
+    bool differs = false;
+    QString line; // what the other reading says, in a sentence; "" while nothing is to be said
+
+    const car_status& shown() const { return standard_shown && was_read ? standard : own; }
+};
+second_status read_status_again(const diagnostic_results& results, const mac_toolies& toolies);
+
+// What the engine's ECU, else the first that does, answers to PID 01 or 41.
+monitor_status engine_monitors(const kept_reply& kept, int pid, const mac_toolies& toolies);
