@@ -54,7 +54,7 @@ device_chooser::device_chooser(QWidget& asked_by, const theme& look, timers& clo
     rescan = add_button(QStringLiteral("Rescan"), "device_rescan", false);
     rescan->setToolTip(QStringLiteral("Look for devices again (F5)"));
     take = add_button(QStringLiteral("Connect"), "device_connect", true);
-    auto* cancel = add_button(QStringLiteral("Cancel"), "device_cancel", false);
+    cancel = add_button(QStringLiteral("Cancel"), "device_cancel", false);
     connect(rescan, &QPushButton::clicked, &scanner, &bluetooth_scanner::start);
     connect(take, &QPushButton::clicked, this, &device_chooser::take_selected);
     connect(cancel, &QPushButton::clicked, this, &card_sheet::close_sheet);
@@ -115,9 +115,10 @@ QWidget* device_chooser::make_empty_page(const theme& look) {
 }
 
 void device_chooser::open() {
-    card_sheet::open(*list);
     scanner.start();
     show_surroundings();
+    const bool has_list = pages->currentIndex() == list_page;
+    card_sheet::open(has_list ? static_cast<QWidget&>(*list) : rescan->isEnabled() ? *rescan : *cancel);
 }
 
 void device_chooser::show_surroundings() {
@@ -128,7 +129,11 @@ void device_chooser::show_surroundings() {
     rescan->setEnabled(scanner.now() == bluetooth_scanner::phase::done || !usable);
     empty_text->setText(scanner.sentence());
     empty_note->setVisible(!usable);
-    pages->setCurrentIndex(usable && !is_empty ? list_page : empty_page);
+    const int page = usable && !is_empty ? list_page : empty_page;
+    const bool list_came = page == list_page && page != pages->currentIndex();
+    pages->setCurrentIndex(page);
+    if (list_came)
+        list->setFocus();
     show_devices();
     show_hint();
 }

@@ -54,4 +54,5 @@ private:
     QLabel* sentence;
     QPushButton* rescan;
     QPushButton* take;
+    QPushButton* cancel;
 };

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int wrong_usage = 2;
+constexpr int demo_answer_ms = 10; // a good adapter: the demo shows how it feels in a car
 constexpr int icon_sizes[] = {16, 24, 32, 48, 64, 128, 256};
 
 void print(FILE* stream, const QString& text) {
@@ -54,7 +55,7 @@ int run(const launch_options& options) {
     program_core core(options);
     redirectConsoleLogToDocumentFolder(core.paths);
     QString problem;
-    if (!core.start_demo(problem))
+    if (!core.start_demo(problem, demo_answer_ms))
         return refuse(problem);
     main_window window(core);
     QApplication::setWindowIcon(program_icon());
@@ -83,7 +84,6 @@ int main(int argc, char** argv) {
         return refuse(problem);
 
     QApplication application(argc, argv);
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Brivant Lite"));
     QGuiApplication::setDesktopFileName(QStringLiteral("brivant-lite"));
     QApplication::setStyle(QStringLiteral("Fusion"));
     return run(*options);

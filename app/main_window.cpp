@@ -7,6 +7,7 @@
 #include "app/preferences/prefs_view.h"
 #include "app/screen/link_report.h"
 #include "app/update_sheet.h"
+#include "base/string_table.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -123,6 +124,7 @@ bool main_window::open_screen(screen_kind kind) {
     }
     help.hide();
     toast.show_text(QString());
+    banner.drop(notice::life::while_on_screen);
     area_room->addWidget(next.get());
     next->look_changed();
     view.swap(next);
@@ -154,9 +156,18 @@ void main_window::show_status(const QString& text) {
     status.set_status(text);
 }
 
+// A link that never opened is told in passing; the reason has to stay where the results would have come.
+void main_window::show_toast(const QString& text) {
+    toast.show_text(text);
+    if (current_screen() != screen_kind::preferences && // where a trial of the link shows it itself
+        text == localised(QStringLiteral("TOAST_WIFI_CONN_FAILED")))
+        tell({QString(), text, QStringLiteral("Preferences"), [this] { go_to(screen_kind::preferences); },
+              notice::life::until_next_operation});
+}
+
 void main_window::show_busy(bool busy) {
     if (busy)
-        banner.drop_superseded();
+        banner.drop(notice::life::until_next_operation);
     status.set_busy(busy);
     toast.set_busy(busy);
     if (view)
@@ -164,7 +175,13 @@ void main_window::show_busy(bool busy) {
 }
 
 void main_window::show_message(const QString& title, const QString& text) {
-    tell({title, text, {}, nullptr, current_controller() != nullptr});
+    // What an operation told is often mended on another screen; what a screen told is about itself.
+    auto stays = notice::life::until_dismissed;
+    if (view)
+        stays = view->controller() ? notice::life::until_next_operation : notice::life::while_on_screen;
+    if (stays == notice::life::while_on_screen)
+        banner.drop(stays);
+    tell({title, text, {}, nullptr, stays});
 }
 
 void main_window::ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) {

@@ -32,7 +32,7 @@ public:
 
     // screen
     void show_status(const QString& text) override;
-    void show_toast(const QString& text) override { toast.show_text(text); }
+    void show_toast(const QString& text) override;
     void show_busy(bool busy) override;
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;

@@ -105,7 +105,8 @@ private:
 
     bool choose_link(launch_options::link_choice choice) {
         if (options.link != launch_options::link_choice::as_stored)
-            return wrong(QStringLiteral("Only one of --wifi, --bluetooth, --demo and --simulate can be chosen."));
+            return wrong(
+                QStringLiteral("Only one of --wifi, --bluetooth, --demo and --simulate can be chosen."));
         options.link = choice;
         return true;
     }

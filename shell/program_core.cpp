@@ -23,13 +23,14 @@ QString program_core::profile_folder() {
     return demo_folder->path();
 }
 
-bool program_core::start_demo(QString& problem) {
+bool program_core::start_demo(QString& problem, int answer_ms) {
     if (options.link != launch_options::link_choice::demo)
         return true;
     std::shared_ptr<virtual_adapter::car> car = virtual_adapter::load_car(options.demo_car, problem);
     if (!car)
         return false;
     demo = std::make_unique<virtual_adapter_server>();
+    demo->set_faults({.delay_ms = answer_ms});
     demo_port = demo->start(std::move(car));
     if (demo_port == 0)
         problem = demo->error();

@@ -7,7 +7,6 @@
 #include "diagnostics/diagnostic_results.h"
 #include "expert/expert_session.h"
 #include "livedata/live_results.h"
-#include "livedata/second_value.h"
 #include "obd/toolkit/mac_toolies.h"
 #include "persistence/database.h"
 #include "shell/launch_options.h"
@@ -26,7 +25,8 @@ public:
     ~program_core();
 
     // Starts the demo's car, where one was asked for. False and a sentence in `problem` when that fails.
-    bool start_demo(QString& problem);
+    // `answer_ms`: how long its adapter takes for each command.
+    bool start_demo(QString& problem, int answer_ms = 0);
     // Puts the link that was asked for in the place of the stored one, for this run.
     void choose_link();
     // Why the person's folders cannot be used, "" when they can.
@@ -48,7 +48,7 @@ public:
     qt_timers clock;
     mac_toolies toolies{state, defaults, db};
     diagnostic_results diagnostics;
-    live_results live{[this](const QString& body) { return number_of_value(body, toolies); }};
+    live_results live{[this](const QString& body) { return toolies.shown_number(body); }};
     expert_session expert{defaults};
 
 private:

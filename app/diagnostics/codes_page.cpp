@@ -92,7 +92,10 @@ void codes_page::start() {
 }
 
 void codes_page::reload(const QString& list) {
-    if (list == QLatin1String("codes") || list == QLatin1String("reading"))
+    status = read_status_again(results, controller.what_it_works_with().toolies);
+    if (list == QLatin1String("reading"))
+        show_reading();
+    else if (list == QLatin1String("codes"))
         show_codes();
     else if (list == QLatin1String("permanent"))
         show_permanent();
@@ -117,6 +120,12 @@ void codes_page::show_operation() {
     show_permanent();
 }
 
+void codes_page::show_reading() {
+    show_codes();
+    show_readiness();
+    show_labels();
+}
+
 void codes_page::show_permanent() {
     permanent = read_permanent_codes(results, controller.what_it_works_with().toolies);
     permanent_rows.reload();
@@ -134,10 +143,10 @@ void codes_page::show_permanent() {
 
 void codes_page::show_codes() {
     codes.reload();
-    bar.show_lines({&reading});
+    bar.show_lines({&reading}, status.line);
     codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
     if (head.runs_here())
-        empty_text.setText(QStringLiteral("The car is being asked ..."));
+        empty_text.setText(head.waiting_words());
     else if (results.read_on_label.isEmpty())
         empty_text.setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));
     else
@@ -145,7 +154,7 @@ void codes_page::show_codes() {
 }
 
 void codes_page::show_readiness() {
-    monitors = results.readinessFlagsArray + permanent.drive_cycle;
+    monitors = status.shown().monitors + permanent.drive_cycle;
     readiness.reload();
     readiness_table.clearSpans();
     for (int row = 0; row < readiness.rowCount(); ++row) {
@@ -158,23 +167,24 @@ void codes_page::show_readiness() {
 
 void codes_page::show_labels() {
     const theme& look = context.frame.look();
-    const bool on = results.mil_label == QLatin1String("ON");
-    const bool known = on || results.mil_label == QLatin1String("OFF");
-    bool is_number = false;
-    results.code_count_label.toInt(&is_number);
+    bool was_read = false; // else the label says what will stand there
+    results.code_count_label.toInt(&was_read);
+    const car_status& shown = status.shown();
+    const bool known = was_read && shown.is_known;
+    const bool on = known && shown.mil;
 
-    mil_word.setText(known ? results.mil_label : unknown);
+    mil_word.setText(!known ? unknown : on ? QStringLiteral("ON") : QStringLiteral("OFF"));
     theme::mark(mil_word, "warning", on);
-    code_count.setText(is_number ? results.code_count_label : unknown);
+    code_count.setText(known ? QString::number(shown.codes) : unknown);
     const QString picture = on ? QStringLiteral("mil_on.png") : QStringLiteral("mil_off.png");
     mil_picture.setPixmap(look.icon(picture).pixmap(mil_size));
     mil_picture.setAccessibleName(
-        QStringLiteral("MIL Lamp: %1").arg(known ? results.mil_label : "not known"));
+        QStringLiteral("MIL Lamp: %1").arg(known ? mil_word.text() : QStringLiteral("not known")));
 
-    QStringList shown;
+    QStringList told;
     for (const QString& fact : results.xtra_info_label.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-        shown += fact_as_html(fact, look.muted);
-    facts.setText(shown.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
+        told += fact_as_html(fact, look.muted);
+    facts.setText(told.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
 }
 
 void codes_page::look_changed() {
@@ -183,6 +193,6 @@ void codes_page::look_changed() {
     side.setFixedWidth(std::clamp(side.fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters,
                                   narrowest_side, widest_side));
     code_count.setFont(theme::figures(code_count.font()));
-    show_labels();
+    reload(QStringLiteral("labels"));
     show_operation();
 }

@@ -5,6 +5,7 @@
 #include "app/diagnostics/reading_bar.h"
 #include "app/screen/operation_head.h"
 #include "diagnostics/permanent_codes.h"
+#include "diagnostics/second_status.h"
 
 #include <QStackedWidget>
 #include <QTableView>
@@ -27,6 +28,7 @@ public:
 
 private:
     void set_up_tables();
+    void show_reading();
     void show_codes();
     void show_permanent();
     void show_readiness();
@@ -37,6 +39,7 @@ private:
     diagnostic_results& results;
     second_reading reading;
     codes_model codes;
+    second_status status;
     permanent_codes permanent;
     codes_model permanent_rows;
     QList<readiness_row> monitors; // since the codes were cleared, then of this drive cycle

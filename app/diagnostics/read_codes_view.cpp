@@ -18,36 +18,39 @@ constexpr rail_page codes_entry{"Codes", "nav_codes.png"};
 // clang-format off
 constexpr result_words pending_words{
     "pending", "Pending and freeze frame", "nav_pending.png",
-    "Not read yet. Press Read (F5) with the ignition on: faults seen but not yet confirmed, and what the "
-    "engine was doing when a code was stored.",
+    "Not read yet. Press Read (F5) with the ignition on.\n"
+    "It reads faults seen but not yet confirmed, and what the engine was doing when a code was stored.",
     "No pending codes.", op_pending_freeze,
     [](readCodes& controller) { controller.readPendingFreezeCodes(); }};
 constexpr result_words vehicle_words{
     "vehicle", "Vehicle", "nav_vehicle.png",
-    "Nothing read yet. Press Read (F5) with the ignition on: battery voltage, identification number (VIN), "
-    "control units, and the values that they report.",
-    "The car reported nothing.", op_vehicle_info,
+    "Nothing read yet. Press Read (F5) with the ignition on.\n"
+    "It reads battery voltage, identification number (VIN), control units, and the values that they report.",
+    "Nothing was received.", op_vehicle_info,
     [](readCodes& controller) { controller.readVehicleInfo(); }};
 constexpr result_words mode6_words{
     "mode6", "Mode 6", "nav_mode6.png",
-    "No tests read yet. Press Read (F5) with the ignition on: the tests that the car runs on itself, each "
-    "result with its limits.",
-    "The car reported no test results.", op_mode6,
+    "No tests read yet. Press Read (F5) with the ignition on.\n"
+    "It reads the tests that the car runs on itself, each result with its limits.",
+    "No test results were received.", op_mode6,
     [](readCodes& controller) { controller.readMode6Support(); }};
 constexpr result_words misfire_words{
     "misfire", "Misfire", "nav_misfire.png",
-    "No counts read yet. Press Read (F5) with the ignition on: misfires counted by cylinder.",
-    "The car reported no misfire counts.", op_misfire,
+    "No counts read yet. Press Read (F5) with the ignition on.\n"
+    "It reads the misfires counted by cylinder.",
+    "No misfire counts were received.", op_misfire,
     [](readCodes& controller) { controller.readMisfire(); }};
 constexpr result_words o2_words{
     "o2", "O2 tests", "nav_o2.png",
-    "No tests read yet. Press Read (F5) with the ignition on: the test results of the oxygen sensors.",
-    "The car reported no test results of oxygen sensors.", op_o2_tests,
+    "No tests read yet. Press Read (F5) with the ignition on.\n"
+    "It reads the test results of the oxygen sensors.",
+    "No test results of oxygen sensors were received.", op_o2_tests,
     [](readCodes& controller) { controller.readO2(); }};
 constexpr result_words extras_words{
     "extras", "Extras", "nav_extras.png",
-    "Nothing read yet. Press Read (F5) with the ignition on: values of one maker, from a list of commands.",
-    "The car reported nothing.", op_extras,
+    "Nothing read yet. Press Read (F5) with the ignition on.\n"
+    "It reads values of one maker, from a list of commands.",
+    "Nothing was received.", op_extras,
     [](readCodes& controller) { controller.readXtras(); }};
 
 constexpr std::array<rail_page, 7> rail_pages{{
@@ -87,6 +90,10 @@ read_codes_view::read_codes_view(const view_context& its_context)
     });
     rail.setCurrentRow(codes_at);
     begin_at(part<QPushButton>("read"));
+    connect(&context.delegate, &adapter_link::condition_changed, this, [this] {
+        if (codes_controller.is_running())
+            show_busy(true); // the link opened, or was lost
+    });
     codes_controller.operation_ended = [this](bool done) {
         for (const auto& page : others)
             page->ended(context.core.state.cur_op, done);

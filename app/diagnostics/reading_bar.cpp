@@ -1,5 +1,7 @@
 #include "app/diagnostics/reading_bar.h"
 
+#include "app/screen/reading_choice.h"
+
 #include <QBoxLayout>
 #include <QSignalBlocker>
 #include <algorithm>
@@ -28,10 +30,11 @@ reading_bar::reading_bar(QWidget& page, int place, const view_context& its_conte
         throw broken_view("the column of the page");
     column->insertWidget(place + 1, this);
     hide();
-    connect(&standard_reading, &QCheckBox::toggled, this, &reading_bar::choose);
+    connect(&standard_reading, &QCheckBox::toggled, this,
+            [this](bool standard) { choose_reading(context, standard); });
 }
 
-void reading_bar::show_lines(const QList<const second_reading*>& readings) {
+void reading_bar::show_lines(const QList<const second_reading*>& readings, const QString& more) {
     QStringList lines;
     bool standard = false;
     for (const second_reading* reading : readings) {
@@ -39,19 +42,10 @@ void reading_bar::show_lines(const QList<const second_reading*>& readings) {
         if (const QString text = reading->line(); !text.isEmpty())
             lines += text;
     }
+    if (!more.isEmpty())
+        lines += more;
     const QSignalBlocker quiet(&standard_reading);
     standard_reading.setChecked(standard);
     line.setText(lines.join(u'\n'));
     setVisible(!lines.isEmpty());
-}
-
-void reading_bar::choose(bool standard) {
-    context.core.toolies.set_standard_reading(standard);
-    if (!context.core.defaults.synchronise())
-        context.frame.tell(
-            {QStringLiteral("The choice cannot be kept"),
-             QStringLiteral("The settings cannot be written; it holds until the program ends."),
-             {},
-             nullptr});
-    context.window.reload(QStringLiteral("reading"));
 }

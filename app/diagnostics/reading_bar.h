@@ -15,12 +15,10 @@ public:
     // Goes into the column of `page`, behind the widget or layout at `place`.
     reading_bar(QWidget& page, int place, const view_context& its_context);
 
-    // What stands beside each list, a line each.
-    void show_lines(const QList<const second_reading*>& readings);
+    // What stands beside each list, a line each; `more`: what is said beside them, "" for nothing.
+    void show_lines(const QList<const second_reading*>& readings, const QString& more = QString());
 
 private:
-    void choose(bool standard);
-
     view_context context;
     QLabel& line;
     QCheckBox& standard_reading;

@@ -1,5 +1,8 @@
 #include "app/diagnostics/report_button.h"
 
+#include "persistence/vehicles.h"
+
+#include <QDateTime>
 #include <QDir>
 #include <QFileDialog>
 #include <QFontDatabase>
@@ -10,11 +13,13 @@
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <QTextCursor>
 #include <QTextDocument>
 
 namespace {
 
-constexpr double print_size = 9.5; // points
+constexpr double print_size = 8.5; // points: the longest line of a test fits on A4
+constexpr double heading_size = 14;
 constexpr int pdf_dots_an_inch = 300;
 
 } // namespace
@@ -80,7 +85,18 @@ void report_button::fill_page(QTextDocument& document) const {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     font.setPointSizeF(print_size);
     document.setDefaultFont(font);
-    document.setPlainText(text());
+    const auto car = vehicle_with_id(context.core.db, context.core.state.cur_veh_id);
+    QTextCursor end(&document);
+    QTextCharFormat words;
+    words.setFont(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    words.setFontPointSize(heading_size);
+    words.setFontWeight(QFont::DemiBold);
+    end.insertText(QStringLiteral("Diagnostic report\n"), words);
+    words.setFontPointSize(print_size);
+    words.setFontWeight(QFont::Normal);
+    if (car)
+        end.insertText(car->name + QStringLiteral("\n\n"), words);
+    end.insertText(text(), QTextCharFormat());
 }
 
 void report_button::ask_for_file(const QString& title, const QString& suffix, const QString& filter,
@@ -91,7 +107,8 @@ void report_button::ask_for_file(const QString& title, const QString& suffix, co
     dialog->setDefaultSuffix(suffix);
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     dialog->setDirectory(QDir(documents).exists() ? documents : QDir::homePath());
-    dialog->selectFile(QStringLiteral("report.") + suffix);
+    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm"));
+    dialog->selectFile(QStringLiteral("report %1.%2").arg(now, suffix));
     connect(dialog, &QFileDialog::fileSelected, this, save);
     dialog->open();
 }
@@ -100,7 +117,8 @@ void report_button::save_as_text(const QString& file) {
     const QByteArray bytes = text().toUtf8();
     QSaveFile target(file);
     if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size() || !target.commit())
-        tell_failure(file, target.errorString());
+        return tell_failure(file, target.errorString());
+    tell_saved(file);
 }
 
 void report_button::save_as_pdf(const QString& file) {
@@ -116,7 +134,8 @@ void report_button::save_as_pdf(const QString& file) {
         page.print(&writer);
     }
     if (!target.commit())
-        tell_failure(file, target.errorString());
+        return tell_failure(file, target.errorString());
+    tell_saved(file);
 }
 
 void report_button::print() {
@@ -132,6 +151,10 @@ void report_button::print() {
         page.print(chosen);
     });
     dialog->open();
+}
+
+void report_button::tell_saved(const QString& file) {
+    context.window.show_toast(QStringLiteral("The report is in %1.").arg(QDir::toNativeSeparators(file)));
 }
 
 void report_button::tell_failure(const QString& file, const QString& reason) {

@@ -29,6 +29,7 @@ private:
     void ask_for_file(const QString& title, const QString& suffix, const QString& filter,
                       void (report_button::*save)(const QString&));
     void print();
+    void tell_saved(const QString& file);
     void tell_failure(const QString& file, const QString& reason);
     bool has_results() const;
     QString hint() const;

@@ -115,7 +115,7 @@ void result_page::show_all() {
 
 QString result_page::empty_words(const QString& nothing) const {
     if (head.runs_here())
-        return QStringLiteral("The car is being asked ...");
+        return head.waiting_words();
     switch (last) {
     case last_read::done: return nothing;
     case last_read::left:

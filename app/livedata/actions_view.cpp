@@ -1,5 +1,7 @@
 #include "app/livedata/actions_view.h"
 
+#include "app/screen/reading_choice.h"
+#include "livedata/second_value.h"
 #include "obd/supported_pids.h"
 
 #include <QEvent>
@@ -33,6 +35,18 @@ QString invitation(int mode) {
         return QStringLiteral(
             "Press Start (F5) with the ignition on. Under PIDs you choose what the car is asked.");
     }
+}
+
+// The places of the sensors of 0 to 1.275 V (PIDs 14 to 1B), a bit each.
+unsigned switching_sensors(const QStringList& set) {
+    constexpr qsizetype most_sensors = 8;
+    unsigned sensors = 0;
+    for (qsizetype place = 0; place < std::min(set.size(), most_sensors); ++place) {
+        const QString& pid = set.at(place);
+        if (pid >= QLatin1String("14") && pid <= QLatin1String("1B"))
+            sensors |= 1U << place;
+    }
+    return sensors;
 }
 
 void keep_room(QWidget& widget, bool also_hidden) {
@@ -94,6 +108,8 @@ void actions_view::connect_parts() {
     connect(&thumbs, &thumb_strip::chart_chosen, this, &actions_view::choose_chart);
     connect(&thumbs, &thumb_strip::group_toggled, this, &actions_view::toggle_group);
     connect(&thumbs, &thumb_strip::gauge_chosen, this, &actions_view::choose_gauge);
+    connect(&thumbs, &thumb_strip::reading_chosen, this,
+            [this](bool standard) { choose_reading(context, standard); });
     connect(&o2, &o2_picture::sensor_chosen, this, &actions_view::choose_chart);
     connect(&swap, &QToolButton::clicked, this, &actions_view::swap_picture);
     connect(&copy_picture, &QToolButton::clicked, &saver, &picture_saver::copy);
@@ -129,6 +145,16 @@ void actions_view::look_changed() {
     draw();
 }
 
+// The other of the two readings is shown from now on; the run may go on.
+void actions_view::reload(const QString& list) {
+    if (list != QLatin1String("reading"))
+        return;
+    read_again(results, toolies);
+    if (results.o2_mask != 0)
+        restore_o2_picture();
+    set_changed();
+}
+
 // The gauges are as wide as their height asks for; the chart takes the rest.
 bool actions_view::eventFilter(QObject* watched, QEvent* event) {
     if (watched == &gauges && event->type() == QEvent::Resize) {
@@ -145,6 +171,7 @@ void actions_view::set_changed() {
     QStringList set;
     for (const sample_row& row : std::as_const(results.these_samples))
         set += row.pid;
+    o2.picture().set_switching(switching_sensors(set));
     if (set != shown_set) {
         if (!shown_set.isEmpty()) // else it is that of a run that outlived the screen
             results.gauge_2_idx = 1;

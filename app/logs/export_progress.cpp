@@ -72,6 +72,7 @@ export_settings export_progress::settings() const {
             .application_folder = core.paths.application_folder,
             .units = metric ? unit_system::metric : unit_system::imperial,
             .boost_reference_kpa = core.state.boost_reference_kpa,
+            .by_standard = core.toolies.standard_reading(),
             .time_column = core.defaults.boolean(QStringLiteral("BV_log_timeStamp"), false)};
 }
 

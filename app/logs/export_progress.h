@@ -23,8 +23,8 @@ public:
     explicit export_progress(program_core& its_core, QWidget* parent = nullptr);
 
     // `log_ids`: of sampling runs, in the order in which they are written; an empty list does nothing. Units,
-    // time column and folders are those in force now. Nothing happens while an export runs. The first that
-    // fails ends the export; the files before it stay.
+    // reading, time column and folders are those in force now. Nothing happens while an export runs. The
+    // first that fails ends the export; the files before it stay.
     void start(const QList<int>& log_ids, bool as_txt);
     // The file being written goes, those before it stay.
     void stop();

@@ -84,8 +84,9 @@ void log_actions::copy(const QList<log_header>& logs) {
     if (missing > 0)
         context.window.show_message(
             files.isEmpty() ? QStringLiteral("Nothing was copied") : QStringLiteral("Not all were copied"),
-            QStringLiteral("%1 of the selected logs have no file. Export writes the files of live data runs.")
-                .arg(missing));
+            (missing == 1 ? QStringLiteral("One of the selected logs has no file")
+                          : QStringLiteral("%1 of the selected logs have no file").arg(missing)) +
+                QStringLiteral(". Export writes the files of live data runs."));
     if (files.isEmpty())
         return;
     auto* content = new QMimeData;

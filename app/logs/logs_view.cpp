@@ -2,6 +2,7 @@
 
 #include "app/logs/plots_popup.h"
 #include "app/look/table_copy.h"
+#include "app/screen/reading_choice.h"
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 
@@ -78,6 +79,19 @@ void logs_view::set_up_filters() {
     });
 }
 
+// The buttons of the kinds are made after what stands in the view description. In its place in the window
+// only: before, the last widget counts as the one before the first.
+void logs_view::order_for_tab() {
+    QWidgetList order;
+    for (QAbstractButton* kind : kinds.buttons())
+        order += kind;
+    for (const char* name : {"recency", "stop", "logs_table", "preview", "all_files", "view", "plot",
+                             "export", "copy", "delete", "output_folder"})
+        order += &part<QWidget>(name);
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
+}
+
 void logs_view::set_up_table() {
     table.setModel(&model);
     table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
@@ -107,6 +121,8 @@ void logs_view::connect_buttons() {
         for (const log_header& log : selected())
             plot_this_log(*this, context, log, column);
     });
+    connect(&preview_plots, &plot_preview::reading_chosen, this,
+            [this](bool standard) { choose_reading(context, standard); });
     on_click("delete", &logs_view::deleteClicked);
     on_click("stop", &logs_view::stop);
     connect(&part<QPushButton>("output_folder"), &QPushButton::clicked, &actions,
@@ -159,9 +175,6 @@ void logs_view::show_list() {
     part<QLabel>("empty_text").setText(empty_words());
     part<QPushButton>("open_prefs")
         .setVisible(manager.total_no_of_logs() == 0 && !context.core.state.log_runs);
-    if (!is_empty && !table.currentIndex().isValid())
-        table.selectionModel()->setCurrentIndex(model.index(0, 0), QItemSelectionModel::ClearAndSelect |
-                                                                       QItemSelectionModel::Rows);
     selection_changed();
 }
 
@@ -226,6 +239,12 @@ void logs_view::show_preview() {
         preview_plots.show_log(context.core, log);
 }
 
+// The other of the two readings is shown from now on.
+void logs_view::reload(const QString& list) {
+    if (list == QLatin1String("reading")) // a moment later: a small plot may have asked, which then goes
+        next_preview = context.core.clock.one_shot(0, [this] { show_preview(); });
+}
+
 // --- what is done with the selected ones -------------------------------------------------------------------
 
 void logs_view::viewLog() {
@@ -268,6 +287,7 @@ bool logs_view::eventFilter(QObject* watched, QEvent* event) {
 
 void logs_view::look_changed() {
     const theme& look = context.frame.look();
+    order_for_tab();
     part<QLabel>("empty_icon")
         .setPixmap(look.enlarged(QStringLiteral("logs.png"), empty_icon_size, devicePixelRatioF()));
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);

@@ -27,6 +27,7 @@ public:
     void start() override { load(); }
     void stop() override { actions.stop(); }
     void look_changed() override;
+    void reload(const QString& list) override;
 
     void viewLog();
     void plotClicked();
@@ -39,6 +40,7 @@ protected:
 
 private:
     void set_up_filters();
+    void order_for_tab();
     void set_up_table();
     void connect_buttons();
     void load();

@@ -1,5 +1,6 @@
 #include "app/logs/plots_popup.h"
 
+#include "app/screen/reading_choice.h"
 #include "base/string_table.h"
 #include "persistence/log_files.h"
 
@@ -74,6 +75,11 @@ void plots_popup::connect_parts() {
     });
     connect(&thumbs, &thumb_strip::group_toggled, this, [this](int index) {
         shown.toggle(index);
+        mark();
+    });
+    connect(&thumbs, &thumb_strip::reading_chosen, this, [this](bool standard) {
+        choose_reading(context, standard);
+        run.take_over_units();
         mark();
     });
     connect(&saver, &picture_saver::done, &toast, &toast_overlay::show_text);

@@ -71,8 +71,8 @@ void notice_banner::dismiss() {
     show_first();
 }
 
-void notice_banner::drop_superseded() {
-    waiting.removeIf([](const notice& what) { return what.of_operation; });
+void notice_banner::drop(notice::life ended) {
+    waiting.removeIf([ended](const notice& what) { return what.stays == ended; });
     show_first();
 }
 

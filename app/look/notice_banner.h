@@ -13,8 +13,8 @@ struct notice {
     QString text;
     QString button; // "" for none
     std::function<void()> action;
-    // Told by an operation: the next operation supersedes it.
-    bool of_operation = false;
+    enum class life { until_dismissed, until_next_operation, while_on_screen };
+    life stays = life::until_dismissed;
 };
 
 // Shows the notices one after the other, the oldest first. Esc does not close it.
@@ -27,7 +27,8 @@ public:
     // One that is already waiting is not told twice.
     void add(const notice& what);
     void dismiss();
-    void drop_superseded();
+    // What `ended` made pointless goes: an operation's when the next one starts, a screen's with the screen.
+    void drop(notice::life ended);
     qsizetype count() const { return waiting.size(); }
     QString shown_text() const { return waiting.isEmpty() ? QString() : waiting.first().text; }
 

@@ -116,7 +116,7 @@ QFrame[role="segments"] { background: {card}; border: 1px solid {field_edge}; bo
 QPushButton[role="segment"] { background: transparent; border: 2px solid transparent; border-radius: 6px;
     color: {muted}; padding: 4px 10px; }
 QPushButton[role="segment"]:hover { color: {text}; }
-QPushButton[role="segment"]:checked { background: {accent_soft}; color: {text}; font-weight: 600; }
+QPushButton[role="segment"]:checked { background: {accent_soft}; color: {text}; }
 QPushButton[role="segment"]:focus { border-color: {accent}; padding: 4px 10px; }
 
 QListView#rail { background: transparent; border: none; outline: 0; }

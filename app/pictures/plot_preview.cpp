@@ -20,6 +20,7 @@ plot_preview::plot_preview(QWidget* parent) : QWidget(parent) {
     column->addStretch();
     connect(&strip, &thumb_strip::chart_chosen, this, &plot_preview::chosen);
     connect(&strip, &thumb_strip::group_toggled, this, &plot_preview::chosen);
+    connect(&strip, &thumb_strip::reading_chosen, this, &plot_preview::reading_chosen);
     connect(&reading, &QTimer::timeout, this, &plot_preview::read_slice);
     hide();
 }

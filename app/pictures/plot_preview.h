@@ -22,6 +22,8 @@ public:
 Q_SIGNALS:
     // A PID is wanted large, by its column in the log.
     void chosen(int column);
+    // See thumbnail.
+    void reading_chosen(bool standard);
 
 private:
     void read_slice();

@@ -1,9 +1,11 @@
 #include "app/pictures/plotted_run.h"
 
 #include "base/shared_types.h"
+#include "livedata/second_value.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <algorithm>
 
 namespace {
 
@@ -22,7 +24,7 @@ QString number_text(double value, const QString& units) {
 
 plotted_run::plotted_run(program_core& core, const log_header& log, qsizetype most_rows)
     : toolies(core.toolies),
-      results([&core](const QString& body) { return number_of_value(body, core.toolies); }),
+      results([&core](const QString& body) { return core.toolies.shown_number(body); }),
       reader(core.db, log, results.cur_log_points, most_rows), shown{results, toolies, {}, {}, false},
       units(toolies.units()), by_standard(toolies.standard_reading()) {}
 
@@ -52,13 +54,21 @@ void plotted_run::list_columns() {
             label.name = QStringLiteral("Column %1, no values").arg(column + 1);
         row.name = label.name;
         row.units = label.unit;
-        row.other_value = read_value(results.cur_log_points.body(rows() - 1, column), toolies).other;
-        if (label.minimum.toDouble() <= label.maximum.toDouble()) {
-            row.min = label.minimum;
-            row.max = label.maximum;
-        }
+        row.other_value = read_value(last_body(column), toolies).other;
+        if (!row.other_value.isEmpty())
+            row.other_value += QStringLiteral(" (the last value)");
         results.these_samples += row;
     }
+}
+
+// Looked for among the last sweeps only.
+QString plotted_run::last_body(int column) const {
+    constexpr qsizetype most_looked_at = 1000;
+    const sample_matrix& samples = results.cur_log_points;
+    for (qsizetype row = rows() - 1; row >= std::max<qsizetype>(0, rows() - most_looked_at); --row)
+        if (const QString body = samples.body(row, column); body.startsWith(QLatin1String("41")))
+            return body;
+    return no_reply;
 }
 
 void plotted_run::show_values(const std::function<double(int column)>& value_of) {

@@ -31,6 +31,7 @@ public:
 
 private:
     void list_columns();
+    QString last_body(int column) const;
     void show_values(const std::function<double(int column)>& value_of);
 
     const mac_toolies& toolies;

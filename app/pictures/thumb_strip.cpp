@@ -40,6 +40,7 @@ void thumb_strip::add(const run_pictures& pictures, int index) {
     connect(thumb, &thumbnail::chart_chosen, this, [this, index] { Q_EMIT chart_chosen(index); });
     connect(thumb, &thumbnail::group_toggled, this, [this, index] { Q_EMIT group_toggled(index); });
     connect(thumb, &thumbnail::gauge_chosen, this, [this, index] { Q_EMIT gauge_chosen(index); });
+    connect(thumb, &thumbnail::reading_chosen, this, &thumb_strip::reading_chosen);
     connect(thumb, &thumbnail::neighbour_wanted, this,
             [this, index](int direction) { focus(index + direction); });
     places->insertWidget(places->count() - 1, thumb, 0, Qt::AlignTop);

@@ -26,6 +26,7 @@ Q_SIGNALS:
     void chart_chosen(int index);
     void group_toggled(int index);
     void gauge_chosen(int index);
+    void reading_chosen(bool standard);
 
 protected:
     void wheelEvent(QWheelEvent* event) override;

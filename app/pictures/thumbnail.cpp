@@ -14,18 +14,7 @@ constexpr int foot_height = 24;
 constexpr int mark_size = 12;
 constexpr double corner = 8;
 
-QString shortened(const QString& number) {
-    bool is_number = false;
-    const double value = number.toDouble(&is_number);
-    return is_number ? short_number(value) : QString();
-}
-
 } // namespace
-
-QString extremes_of(const sample_row& row) {
-    const QString least = shortened(row.min);
-    return least.isEmpty() ? QString() : QStringLiteral("min %1  max %2").arg(least, shortened(row.max));
-}
 
 void shown_samples::choose(int index) {
     chart = index;
@@ -105,6 +94,13 @@ void thumbnail::draw_chart(double ratio) {
     item.plot_array_list(pictures.results.cur_log_points, pictures.labels);
 }
 
+QString thumbnail::extremes() const {
+    const series_summary seen = pictures.results.cur_log_points.extremes_with_first(index);
+    return seen.empty()
+               ? QString()
+               : QStringLiteral("min %1  max %2").arg(short_number(seen.minimum), short_number(seen.maximum));
+}
+
 QRect thumbnail::menu_place() const {
     return {width() - foot_height - 4, height() - foot_height, foot_height + 4, foot_height};
 }
@@ -115,7 +111,7 @@ void thumbnail::draw_foot(QPainter& painter) {
     painter.setFont(small);
     painter.setPen(look.muted);
     const QRect foot(4, height() - foot_height, width() - 8, foot_height);
-    painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, extremes_of(row()));
+    painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, extremes());
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(look.muted);
@@ -158,8 +154,7 @@ void thumbnail::paintEvent(QPaintEvent*) {
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), corner, corner);
     }
     tell_other_reading();
-    setAccessibleDescription(
-        QStringList{row().value, extremes_of(row()), other_reading()}.join(u' ').trimmed());
+    setAccessibleDescription(QStringList{row().value, extremes(), other_reading()}.join(u' ').trimmed());
 }
 
 // --- mouse and keys ----------------------------------------------------------------------------------------
@@ -175,6 +170,11 @@ void thumbnail::show_menu(const QPoint& at) {
     if (pictures.has_gauges)
         connect(menu->addAction(QStringLiteral("Second gauge\tG")), &QAction::triggered, this,
                 &thumbnail::gauge_chosen);
+    menu->addSeparator();
+    QAction* reading = menu->addAction(QStringLiteral("Standard reading (SAE J1979)"));
+    reading->setCheckable(true);
+    reading->setChecked(pictures.toolies.standard_reading());
+    connect(reading, &QAction::triggered, this, &thumbnail::reading_chosen);
     menu->popup(at);
 }
 

@@ -32,13 +32,11 @@ struct run_pictures {
     bool has_gauges = true; // a PID can be put on the second gauge
 };
 
-// The smallest and the largest value of a row: "min 0  max 6500", "" while there is none.
-QString extremes_of(const sample_row& row);
-
 // The small chart of one PID, its smallest and largest value below, and a mark where the
 // other reading of the value says something else. A click makes it the chart, with Ctrl it
 // joins or leaves the chart's group, a right click puts it on the second gauge. The keys are Enter,
-// Ctrl+Enter and G; the menu key and the three dots open a menu of the same.
+// Ctrl+Enter and G; the menu key and the three dots open a menu of the same, with the
+// switch between the two readings.
 class thumbnail : public QAbstractButton {
     Q_OBJECT
 
@@ -61,6 +59,8 @@ Q_SIGNALS:
     void chart_chosen();
     void group_toggled();
     void gauge_chosen();
+    // The standard's reading is to be shown, or no more.
+    void reading_chosen(bool standard);
     // The arrow keys: -1 or 1.
     void neighbour_wanted(int direction);
 
@@ -76,6 +76,8 @@ private:
     void show_menu(const QPoint& at);
     void draw_chart(double ratio);
     void draw_foot(QPainter& painter);
+    // The smallest and the largest value that came: "min 0  max 6500", "" while there is none.
+    QString extremes() const;
     // "By SAE J1979: 15.000 V" where the two readings of the value differ, else "".
     QString other_reading() const;
     void tell_other_reading();

@@ -150,6 +150,8 @@ void prefs_view::setDefaultsClicked() {
     pids.show_vehicle();
     tell_unless(written);
     context.frame.settings_changed();
+    if (written)
+        context.window.show_toast(QStringLiteral("Every setting has its first value again."));
 }
 
 void prefs_view::handle_interface() {

@@ -13,6 +13,11 @@ bool operation_head::runs_here() const {
     return controller.is_running() && operations.contains(context.core.state.cur_op);
 }
 
+QString operation_head::waiting_words() const {
+    return context.delegate.is_connected() ? QStringLiteral("The car is being asked ...")
+                                           : QStringLiteral("The link is being opened ...");
+}
+
 QString operation_head::what_runs() const {
     switch (context.core.state.cur_op) {
     case op_read_codes: return QStringLiteral("The codes are being read");

@@ -25,6 +25,8 @@ public:
     // `summary`: the note while nothing runs elsewhere.
     void show(const QString& summary);
     void show_progress();
+    // What an empty page says while its operation runs.
+    QString waiting_words() const;
 
 private:
     QString what_runs() const;

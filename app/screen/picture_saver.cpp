@@ -14,7 +14,8 @@
 
 namespace {
 
-constexpr double least_ratio = 2; // pixels to a point
+constexpr double least_ratio = 2;  // pixels to a point
+constexpr double page_margin = 15; // mm
 const QString pdf = QStringLiteral(".pdf");
 
 } // namespace
@@ -89,6 +90,8 @@ void picture_saver::print() {
 
 void picture_saver::paint_page(QPagedPaintDevice& page) const {
     const QImage image = picture();
+    page.setPageMargins(QMarginsF(page_margin, page_margin, page_margin, page_margin),
+                        QPageLayout::Millimeter);
     page.setPageOrientation(image.width() > image.height() ? QPageLayout::Landscape : QPageLayout::Portrait);
     QPainter painter(&page);
     const QSizeF room(page.width(), page.height());

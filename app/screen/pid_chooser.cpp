@@ -147,8 +147,8 @@ void pid_chooser::lay_out() {
     auto* row = new QHBoxLayout(lists);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(2 * theme::step);
-    row->addWidget(left.frame, 1);
-    row->addWidget(right.frame, 1);
+    row->addWidget(left.frame, 5); // names stand beside their boxes there
+    row->addWidget(right.frame, 4);
     pages->addWidget(lists);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

@@ -64,6 +64,12 @@ TEST(logs_view, says_why_the_list_is_empty) {
     EXPECT_FALSE(program.part<QPushButton>("open_prefs").isVisible());
     program.click("kind_1");
     program.wait_for(1);
+
+    program.part<QPushButton>("kind_1").setFocus(); // by Tab as it is read: the kinds, how recent, the list
+    for (const char* next : {"recency", "logs_table", "preview"}) {
+        program.press(Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), QLatin1String(next));
+    }
 }
 
 TEST(logs_view, lists_and_previews) {
@@ -95,6 +101,7 @@ TEST(logs_view, lists_and_previews) {
     program.click("kind_2");
     program.wait_for(1);
     EXPECT_EQ(program.rows_of("logs_table").first().section(QLatin1Char('\t'), 0, 0), QString::number(run));
+    QTest::keyClick(&program.table(), Qt::Key_Down); // nothing is selected when the list was read
     auto& preview = program.part<QPlainTextEdit>("preview");
     ASSERT_TRUE(QTest::qWaitFor([&] { return preview.toPlainText().contains(QStringLiteral("1728.00")); }));
 
@@ -116,6 +123,7 @@ TEST(logs_view, exports_runs_and_shows_reports) {
     auto& view = program.part<logs_view>();
     program.click("kind_1");
     program.wait_for(1);
+    program.table().selectRow(0);
     view.handle_export(false);
     auto& report = program.part<QTextBrowser>("report_text");
     EXPECT_EQ(report.toPlainText(), QStringLiteral("sample points\nP0133 - <b>\nsecond"));
@@ -134,9 +142,8 @@ TEST(logs_view, exports_runs_and_shows_reports) {
 
     program.click("copy");
     EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->urls().size(), 1);
-    EXPECT_EQ(program.part<notice_banner>().count(), 2) << "one log has no file";
+    EXPECT_TRUE(program.told().contains(QStringLiteral("One of the selected logs has no file")));
     program.table().clearSelection();
-    program.part<notice_banner>().dismiss();
     program.part<notice_banner>().dismiss();
     program.click("copy");
     EXPECT_EQ(program.told(), QStringLiteral("Item(s) must be selected to proceed"));

@@ -1,5 +1,7 @@
 #include "tests/app/running_window.h"
 
+#include "base/string_table.h"
+
 #include <QDir>
 #include <QFile>
 #include <array>
@@ -82,6 +84,17 @@ TEST(main_window, keeps_notices_until_dismissed_or_superseded) {
     program.window->show_busy(true); // another operation begins
     EXPECT_EQ(banner.count(), 0);
     EXPECT_FALSE(banner.isVisible());
+
+    program.window->show_toast(localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"))); // it goes by itself
+    EXPECT_TRUE(banner.shown_text().startsWith(QStringLiteral("No link")));
+    banner.dismiss();
+
+    program.press(Qt::Key_4, Qt::ControlModifier); // what the logs told is of no use elsewhere
+    for (const char* text : {"of the logs", "of the next attempt"})
+        program.window->show_message(QString(), QLatin1String(text));
+    EXPECT_EQ(banner.shown_text(), QStringLiteral("of the next attempt"));
+    program.press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(banner.count(), 0);
 }
 
 TEST(main_window, shows_texts_of_the_car_as_plain_text_in_one_line) {

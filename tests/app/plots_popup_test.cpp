@@ -23,6 +23,7 @@ struct plotted_log : running_window {
         press(Qt::Key_4, Qt::ControlModifier);
         auto& table = part<QTableView>("logs_table");
         EXPECT_TRUE(QTest::qWaitFor([&] { return table.model()->rowCount() == 1; }));
+        table.selectRow(0);
         click("plot");
     }
     plots_popup& plot() { return part<plots_popup>(); }

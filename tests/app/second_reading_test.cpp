@@ -1,9 +1,11 @@
 #include "tests/app/running_window.h"
 
 #include "app/diagnostics/reading_bar.h"
+#include "app/pictures/thumbnail.h"
 
 #include <QCheckBox>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QRegularExpression>
 
 // The reading by SAE J1979 on the screen, and the switch between the two.
@@ -87,4 +89,41 @@ TEST(second_reading_view, marks_the_values_that_differ) {
     EXPECT_EQ(standard.captured(3), own.captured(1));
     EXPECT_GT(standard.captured(1).section(u' ', 0, 0).toDouble(), 9) << "volts of a running engine";
     EXPECT_TRUE(car.standard_reading().isChecked()) << "one switch for all pages";
+}
+
+// The menu of a thumbnail switches the reading while the run goes on, and for what it stored.
+TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
+    running_window car(launch_options::link_choice::demo);
+    car.core.defaults.set(sample_set_key(car.core.state.cur_veh_id), QStringList{"42", "0D"});
+    car.core.defaults.set(QStringLiteral("BV_log_runs"), true);
+    car.press(Qt::Key_2, Qt::ControlModifier);
+    car.press(Qt::Key_F5);
+    const live_results& results = car.core.live;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return results.sample_cnt >= 3; }, 20000));
+    auto& voltage = car.part<thumbnail>("thumb_42");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return voltage.toolTip().contains(QLatin1String("By SAE J1979: ")); }));
+    const QRect mark = voltage.rect().adjusted(voltage.width() - 70, voltage.height() - 24, -28, 0);
+    const QRect no_mark = car.part<thumbnail>("thumb_0D").rect().adjusted(mark.left(), mark.top(), -28, 0);
+    EXPECT_NE(voltage.grab(mark).toImage(), car.part<thumbnail>("thumb_0D").grab(no_mark).toImage());
+    EXPECT_LT(results.these_samples.at(0).latest, 1) << "the program's own reading";
+
+    Q_EMIT voltage.reading_chosen(true);
+    EXPECT_GT(results.these_samples.at(0).latest, 9);
+    const qint64 sweeps = results.sample_cnt;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return results.sample_cnt > sweeps; }, 20000)) << "the run goes on";
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return voltage.toolTip().contains(QLatin1String("The program's own reading: 0.0")); }));
+    car.press(Qt::Key_Escape);
+
+    car.press(Qt::Key_4, Qt::ControlModifier);
+    auto& logs = car.part<QTableView>("logs_table");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return logs.model()->rowCount() == 1; }, 20000));
+    logs.selectRow(0);
+    const auto preview = [&] { return car.part<QPlainTextEdit>("preview").toPlainText(); };
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return preview().contains(QLatin1String("(V by SAE J1979)")); }, 20000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return car.window->findChild<thumbnail*>("thumb_42"); }, 20000));
+    Q_EMIT car.part<thumbnail>("thumb_42").reading_chosen(false);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return preview().contains(QLatin1String("SAE J1979 says otherwise of: ")); }));
 }

@@ -49,6 +49,16 @@ TEST(launch_options, choose_the_link_for_this_run) {
     }
 }
 
+TEST(launch_options, the_standard_reading_holds_for_this_run) {
+    QTemporaryDir folder;
+    for (const bool standard : {true, false}) {
+        QStringList words{"--profile", folder.path()};
+        if (standard)
+            words += "--standard-reading";
+        EXPECT_EQ(program_core(asked_for(words)).toolies.standard_reading(), standard);
+    }
+}
+
 TEST(program_core, units_and_folders) {
     QTemporaryDir folder;
     {

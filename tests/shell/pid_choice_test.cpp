@@ -12,7 +12,9 @@ struct choosing : testing::Test {
     process_state state;
     mac_toolies toolies{state, profile.defaults, profile.db};
     const obd_groups two_ecus{{"7E8", {"01", "05", "0C", "0D", "11", "20", "0C"}},
-                              {"7E9", {"0C", "0D", "no", "GG"}}};
+                              {"7E9", {"0C", "0D", "no", "GG"}},
+                              {QString(17, '7'), {"05"}},
+                              {"7E|A", {"05"}}};
 
     pid_choice of(const QStringList& samples) { return pid_choice(two_ecus, samples, toolies); }
 };
@@ -27,7 +29,8 @@ QString words(const QList<pid_entry>& entries) {
 } // namespace
 
 TEST_F(choosing, lists_what_the_ecus_report_and_takes_the_stored_set) {
-    const pid_choice choice = of({"0D", "0C|7E9", "0D|7E8", "nonsense", "2F|7E8", "0C|7E9"});
+    const pid_choice choice =
+        of({"0D", "0C|7E9", "0D|7E8", "nonsense", "2F|7E8", "0C|7E9", "0D|" + QString(17, '7')});
     EXPECT_EQ(words(choice.available()), "01|7E8 05|7E8 0C|7E8 0D|7E8 11|7E8 0C|7E9 0D|7E9");
     EXPECT_EQ(choice.available()[2].name, "Engine RPM");
     EXPECT_EQ(choice.available()[2].ecu, "Engine");

@@ -145,10 +145,13 @@ TEST_F(photo_files, of_any_common_kind_are_read_upright_and_reduced) {
     }
     write("one.gif", QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
     EXPECT_EQ(read_photo_file(path("one.gif")).photo.size(), QSize(1, 1));
-    QImageWriter turned(path("turned.jpg"));
+    ASSERT_TRUE(picture(16000, 1).save(path("thin.png")));
+    EXPECT_EQ(read_photo_file(path("thin.png")).photo.size(), QSize(1080, 1));
+    QImageWriter turned(
+        path("turned.tiff")); // the one kind that Qt writes lying, with its orientation beside it
     turned.setTransformation(QImageIOHandler::TransformationRotate90);
     ASSERT_TRUE(turned.write(picture(40, 20)));
-    EXPECT_EQ(read_photo_file(path("turned.jpg")).photo.size(), QSize(20, 40));
+    EXPECT_EQ(read_photo_file(path("turned.tiff")).photo.size(), QSize(20, 40));
 }
 
 TEST_F(photo_files, that_cannot_be_shown_are_refused_with_a_sentence) {

@@ -1,0 +1,12 @@
+#include "app/screen/reading_choice.h"
+
+void choose_reading(const view_context& context, bool standard) {
+    context.core.toolies.set_standard_reading(standard);
+    if (!context.core.defaults.synchronise())
+        context.frame.tell(
+            {QStringLiteral("The choice cannot be kept"),
+             QStringLiteral("The settings cannot be written; it holds until the program ends."),
+             {},
+             nullptr});
+    context.window.reload(QStringLiteral("reading"));
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "app/screen/screen_view.h"
+
+// The person chooses which of the two readings is shown, wherever it is asked: the choice is kept, and the
+// screen is told by reload("reading").
+void choose_reading(const view_context& context, bool standard);
