@@ -1,5 +1,5 @@
-// How fast stored sampling runs are written to files, and with how much memory: three logs, each ten times the one
-// before. The processor time a line must stay the same, and the peak of the memory where it was.
+// How fast stored sampling runs are written to files, and with how much memory: three logs, each ten times
+// the one before. The processor time a line must stay the same, and the peak of the memory where it was.
 
 #include "base/console_log.h"
 #include "persistence/log_export.h"
@@ -71,7 +71,8 @@ int main() {
     if (!store.init_DB())
         give_up(qPrintable(store.problem()));
     const text_resources lists;
-    std::printf("%9s  %9s  %9s  %11s  %11s  %8s\n", "lines", "ms", "lines/s", "cpu us/line", "slice (max)", "peak KiB");
+    std::printf("%9s  %9s  %9s  %11s  %11s  %8s\n", "lines", "ms", "lines/s", "cpu us/line", "slice (max)",
+                "peak KiB");
     for (const int lines : lines_of_log) {
         const int log_id = store.add_2_LOG_DB(QStringLiteral("Log"), 1, QStringLiteral("sample points"));
         store_lines(store, log_id, lines);
@@ -95,7 +96,7 @@ int main() {
         const double cpu_us = 1e6 * static_cast<double>(std::clock() - cpu) / CLOCKS_PER_SEC;
         if (!exporting.succeeded() || exporting.lines_written() != lines)
             give_up(qPrintable(exporting.problem()));
-        std::printf("%9d  %9.1f  %9.0f  %11.2f  %8.1f ms  %8ld\n", lines, ms, lines / ms * 1000, cpu_us / lines,
-                    static_cast<double>(longest) / 1e6, peak_memory_kib());
+        std::printf("%9d  %9.1f  %9.0f  %11.2f  %8.1f ms  %8ld\n", lines, ms, lines / ms * 1000,
+                    cpu_us / lines, static_cast<double>(longest) / 1e6, peak_memory_kib());
     }
 }

@@ -13,7 +13,8 @@ constexpr int last_words_ms = 700;
 
 cli_run::cli_run(program_core& its_core, const cli_command& its_command)
     : core(its_core), command(its_command), view(core.options.yes),
-      delegate(core.state, core.defaults, core.db, core.clock, view), toolies(core.state, core.defaults, core.db),
+      delegate(core.state, core.defaults, core.db, core.clock, view),
+      toolies(core.state, core.defaults, core.db),
       controller(core.state, delegate, toolies, view, core.diagnostics, core.paths) {}
 
 cli_run::~cli_run() {

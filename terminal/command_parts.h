@@ -2,6 +2,7 @@
 
 #include "diagnostics/readCodes.h"
 #include "diagnostics/second_reading.h"
+#include "diagnostics/second_status.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -15,10 +16,16 @@ second_reading both_readings(readCodes& controller, result_list list);
 // `object` with "standard": what the replies hold by SAE J1979, in the shape of the program's own result;
 // "differs"; "reading": which of the two the plain text shows, "program" or "standard".
 QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings);
-// The shown rows, made texts by `as_text`, each with its note below it; at the end the line about all of them.
+// The shown rows, made texts by `as_text`, each with its note below it; at the end the line about all of
+// them.
 QString shown_as_text(const second_reading& reading, QString (*as_text)(const QString& row));
 // That line, "" without one.
 QString line_as_text(const second_reading& reading);
+
+second_status both_statuses(readCodes& controller);
+// The lamp and the announced codes in the reading that is shown, and what the other one says.
+QString status_as_text(readCodes& controller, const second_status& status);
+QJsonArray readiness_as_json(const QList<readiness_row>& rows);
 
 // The permanent codes and the monitors of the drive cycle.
 QJsonObject permanent_json(readCodes& controller);

@@ -20,7 +20,8 @@ QString ecu_name(readCodes& controller, const QString& header) {
     return name.isEmpty() ? header : name;
 }
 
-// --- link-info -----------------------------------------------------------------------------------------------
+// --- link-info
+// -----------------------------------------------------------------------------------------------
 
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
@@ -34,8 +35,9 @@ QJsonObject link_info_json(readCodes& controller) {
 }
 
 QString link_info_text(readCodes& controller) {
-    QString text = QStringLiteral("Interface: %1\nProtocol: %2\n")
-                       .arg(state_of(controller).interface_description, state_of(controller).protocol_description);
+    QString text =
+        QStringLiteral("Interface: %1\nProtocol: %2\n")
+            .arg(state_of(controller).interface_description, state_of(controller).protocol_description);
     for (const obd_group& ecu : state_of(controller).available_pids)
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
                     .arg(ecu.header, ecu_name(controller, ecu.header))
@@ -44,7 +46,8 @@ QString link_info_text(readCodes& controller) {
     return text;
 }
 
-// --- read-codes ----------------------------------------------------------------------------------------------
+// --- read-codes
+// ----------------------------------------------------------------------------------------------
 
 struct code_row {
     QString code;
@@ -58,48 +61,58 @@ QList<code_row> code_rows(readCodes& controller, const QStringList& texts) {
     for (const QString& row : texts) {
         const qsizetype bar = row.indexOf(QLatin1Char('|'));
         if (bar > 0)
-            rows += {row.first(bar), row.sliced(bar + 1), controller.description_of(row.first(bar)).trimmed()};
+            rows +=
+                {row.first(bar), row.sliced(bar + 1), controller.description_of(row.first(bar)).trimmed()};
     }
     return rows;
 }
 
 QJsonObject read_codes_json(readCodes& controller) {
     const diagnostic_results& results = controller.results();
-    QJsonArray readiness;
-    for (const readiness_row& row : results.readinessFlagsArray)
-        readiness += QJsonObject{{"state", row.state}, {"label", row.label}, {"group", row.group}};
     QJsonObject object{{"interface", state_of(controller).interface_description},
                        {"protocol", state_of(controller).protocol_description},
                        {"ecus", results.no_of_ecus},
                        {"mil", results.milLamp},
                        {"expected_codes", results.no_of_codes},
                        {"codes", codes_as_json(controller, results.codesReadArray)},
-                       {"readiness", readiness}};
+                       {"readiness", readiness_as_json(results.readinessFlagsArray)}};
     if (results.kept.contains(result_list::permanent)) {
         const QJsonObject permanent = permanent_json(controller);
         for (auto part = permanent.begin(); part != permanent.end(); ++part)
             object.insert(part.key(), part.value());
     }
     const second_reading codes = both_readings(controller, result_list::codes);
-    return with_standard(object, {{"codes", codes_as_json(controller, codes.standard_rows())}}, {codes});
+    const second_status status = both_statuses(controller);
+    QJsonObject standard{{"codes", codes_as_json(controller, codes.standard_rows())}};
+    if (status.standard.is_known) {
+        standard.insert("mil", status.standard.mil);
+        standard.insert("expected_codes", status.standard.codes);
+        standard.insert("readiness", readiness_as_json(status.standard.monitors));
+    }
+    object = with_standard(object, standard, {codes});
+    if (status.differs)
+        object.insert("differs", true);
+    return object;
 }
 
 QString read_codes_text(readCodes& controller) {
     const diagnostic_results& results = controller.results();
-    QString text = results.xtraInfoArray.join(QLatin1Char('\n')) +
-                   QStringLiteral("\nMIL: %1\nCodes announced: %2\n\n").arg(results.mil_label, results.code_count_label);
+    const second_status status = both_statuses(controller);
+    QString text =
+        results.xtraInfoArray.join(QLatin1Char('\n')) + u'\n' + status_as_text(controller, status) + u'\n';
     const second_reading codes = both_readings(controller, result_list::codes);
     text += codes_as_text(controller, codes.shown()) + line_as_text(codes);
-    if (!results.readinessFlagsArray.isEmpty())
+    if (!status.shown().monitors.isEmpty())
         text += QStringLiteral("\nReadiness:\n");
-    for (const readiness_row& row : results.readinessFlagsArray)
+    for (const readiness_row& row : status.shown().monitors)
         text += QStringLiteral("%1  %2 (%3)\n").arg(row.state, -4).arg(row.label, row.group);
     if (results.kept.contains(result_list::permanent))
         text += u'\n' + permanent_text(controller);
     return text;
 }
 
-// --- clear-codes ---------------------------------------------------------------------------------------------
+// --- clear-codes
+// ---------------------------------------------------------------------------------------------
 
 QJsonObject clear_codes_json(readCodes& controller) {
     return {{"interface", state_of(controller).interface_description},
@@ -152,7 +165,8 @@ std::span<const cli_command> cli_commands() {
 
 const cli_command* find_command(const QString& name) {
     const auto commands = cli_commands();
-    const auto found = std::find_if(commands.begin(), commands.end(),
-                                    [&](const cli_command& command) { return QLatin1String(command.name) == name; });
+    const auto found = std::find_if(commands.begin(), commands.end(), [&](const cli_command& command) {
+        return QLatin1String(command.name) == name;
+    });
     return found == commands.end() ? nullptr : &*found;
 }

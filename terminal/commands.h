@@ -16,4 +16,3 @@ struct cli_command {
 
 std::span<const cli_command> cli_commands();
 const cli_command* find_command(const QString& name);
-

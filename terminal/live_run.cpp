@@ -44,7 +44,7 @@ void live_run::quiet_screen::show_status(const QString& text) {
 live_run::live_run(program_core& its_core, const live_words& its_words)
     : core(its_core), words(its_words), view(core.options.yes),
       delegate(core.state, core.defaults, core.db, core.clock, view),
-      results([this](const QString& body) { return number_of_value(body, core.toolies); }, matrix_bytes) {
+      results([this](const QString& body) { return core.toolies.shown_number(body); }, matrix_bytes) {
     if (words.store)
         core.defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
@@ -88,9 +88,11 @@ void live_run::sample_arrived(int index) {
         if (words.seconds > 0)
             time_limit = core.clock.one_shot(words.seconds * 1000, [this] { stop(true); });
     }
-    const double value = number_of(results.these_samples.at(index));
-    if (std::isfinite(value))
-        seen[static_cast<size_t>(index)].append(value);
+    const sample_row& row = results.these_samples.at(index);
+    seen_column& column = seen[static_cast<size_t>(index)];
+    column.answered |= row.value != no_reply;
+    if (const double value = number_of(row); std::isfinite(value))
+        column.numbers.append(value);
 }
 
 void live_run::sweep_completed() {
@@ -120,7 +122,7 @@ void live_run::end() {
 }
 
 bool live_run::every_asked_pid_answered() const {
-    const auto has_value = [](const series_summary& column) { return !column.empty(); };
+    const auto has_value = [](const seen_column& column) { return column.answered; };
     return words.pids.isEmpty() ? std::any_of(seen.begin(), seen.end(), has_value)
                                 : std::all_of(seen.begin(), seen.end(), has_value);
 }
@@ -135,8 +137,12 @@ void live_run::print(const QByteArray& line) {
 
 QByteArray live_run::header() const {
     QByteArray line = "time";
-    for (const sample_row& row : results.these_samples)
-        line += ',' + quoted(label_of(row));
+    const bool by_standard = core.toolies.standard_reading();
+    for (const sample_row& row : results.these_samples) {
+        const bool is_computed = row.pid.startsWith(u'E');
+        line += ',' + quoted(label_of(row) +
+                             (by_standard && !is_computed ? QStringLiteral(", SAE J1979") : QString()));
+    }
     return line + '\n';
 }
 
@@ -148,17 +154,23 @@ QByteArray live_run::csv_line() const {
 }
 
 QByteArray live_run::json_line() const {
+    const bool by_standard = core.toolies.standard_reading();
     QJsonObject values;
     for (const sample_row& row : results.these_samples) {
         const double number = number_of(row);
-        const bool known = std::isfinite(number);
-        values.insert(row.pid,
-                      QJsonObject{{"value", known ? QJsonValue(number) : QJsonValue()},
-                                  {"text", known ? QJsonValue(row.value.simplified()) : QJsonValue()},
-                                  {"name", row.name},
-                                  {"unit", row.units.trimmed()}});
+        const bool answered = row.value != no_reply;
+        QJsonObject value{{"value", std::isfinite(number) ? QJsonValue(number) : QJsonValue()},
+                          {"text", answered ? QJsonValue(row.value.simplified()) : QJsonValue()},
+                          {"name", row.name},
+                          {"unit", row.units.trimmed()}};
+        if (!row.other_value.isEmpty())
+            value.insert(by_standard ? "program" : "standard", row.other_value.simplified());
+        values.insert(row.pid, value);
     }
-    const QJsonObject sweep{{"time", now_text()}, {"sweep", results.sample_cnt}, {"values", values}};
+    const QJsonObject sweep{{"time", now_text()},
+                            {"sweep", results.sample_cnt},
+                            {"reading", by_standard ? "standard" : "program"},
+                            {"values", values}};
     return QJsonDocument(sweep).toJson(QJsonDocument::Compact) + '\n';
 }
 
@@ -173,11 +185,12 @@ QString live_run::summary() const {
             QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
     text += u'\n';
     for (qsizetype i = 0; i < results.these_samples.size() && i < static_cast<qsizetype>(seen.size()); ++i) {
-        const series_summary& column = seen[static_cast<size_t>(i)];
+        const auto& [numbers, answered] = seen[static_cast<size_t>(i)];
         const QString range =
-            column.empty()
-                ? QStringLiteral("no value came")
-                : QStringLiteral("%1 to %2").arg(number_text(column.minimum), number_text(column.maximum));
+            !numbers.empty()
+                ? QStringLiteral("%1 to %2").arg(number_text(numbers.minimum), number_text(numbers.maximum))
+            : answered ? QStringLiteral("no number")
+                       : QStringLiteral("no value came");
         text += QStringLiteral("  %1: %2\n").arg(label_of(results.these_samples.at(i)), range);
     }
     return text;

@@ -63,7 +63,11 @@ private:
     timer_handle time_limit;
     timer_handle ending;
 
-    std::vector<series_summary> seen; // a column: the smallest and the largest value so far
-    bool as_asked = false;            // the run ended where it was to end
+    struct seen_column {
+        series_summary numbers; // the smallest and the largest so far
+        bool answered = false;
+    };
+    std::vector<seen_column> seen;
+    bool as_asked = false; // the run ended where it was to end
     bool output_lost = false;
 };

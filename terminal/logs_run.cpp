@@ -2,6 +2,8 @@
 
 #include "base/string_table.h"
 #include "logs/log_texts.h"
+#include "obd/pid_catalogue.h"
+#include "obd/reply_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 
@@ -9,12 +11,16 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <unistd.h>
 
 namespace {
 
 constexpr int lines_a_slice = 2000;
+constexpr int data_column = 1;
+constexpr int time_column = 3;
+constexpr int digits = 10;
 
 void print(FILE* stream, const QString& text) {
     std::fputs(text.toUtf8().constData(), stream);
@@ -43,8 +49,13 @@ QString quoted(const QString& text) {
     return QString::fromUtf8(list.sliced(1).chopped(1));
 }
 
+template <class json>
+QString compact(const json& value) {
+    return QString::fromUtf8(QJsonDocument(value).toJson(QJsonDocument::Compact));
+}
+
 void print_object(const QJsonObject& object) {
-    print(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+    print(stdout, compact(object) + u'\n');
 }
 
 QJsonObject as_json(const log_header& log) {
@@ -53,6 +64,46 @@ QJsonObject as_json(const log_header& log) {
             {"type", log.type},
             {"info", log.info},
             {"time", gmt_date_str_2_local_date_str(log.time_stamp)}};
+}
+
+// --- sampling runs -------------------------------------------------------------------------------------
+
+QStringList items_of(const QStringList& row) {
+    return Pull_line_into_array(row.value(data_column), QStringLiteral(","));
+}
+
+sample_reading by_standard(sample_reading reading) {
+    reading.by_standard = true;
+    return reading;
+}
+
+QJsonArray columns_as_json(const QStringList& pids, const sample_reading& own, const text_resources& lists) {
+    QJsonArray columns;
+    for (const QString& pid : pids)
+        columns += QJsonObject{{"pid", pid},
+                               {"name", pid.isEmpty() ? not_available : get_pid_name(pid, false, lists)},
+                               {"unit", sampled_unit(pid, own).trimmed()},
+                               {"standard_unit", sampled_unit(pid, by_standard(own))}};
+    return columns;
+}
+
+QJsonArray numbers_as_json(const QStringList& items, const sample_reading& reading,
+                           const text_resources& lists) {
+    QJsonArray numbers;
+    for (const QString& item : items) {
+        const double number = sampled_number(item, reading, lists);
+        numbers += std::isfinite(number) ? QJsonValue(number) : QJsonValue();
+    }
+    return numbers;
+}
+
+// "values" are the program's own; "standard" stands beside them where SAE J1979 says otherwise.
+QJsonObject sample_as_json(const QStringList& items, const sample_reading& own, const text_resources& lists) {
+    QJsonObject sample{{"values", numbers_as_json(items, own, lists)}};
+    if (std::any_of(items.begin(), items.end(),
+                    [&](const QString& item) { return readings_differ(item, own, lists); }))
+        sample.insert("standard", numbers_as_json(items, by_standard(own), lists));
+    return sample;
 }
 
 } // namespace
@@ -131,32 +182,76 @@ void logs_run::list() {
     end(read ? QString() : core.db.problem(), read);
 }
 
+// A chunk at a time: a run may be longer than the memory.
+bool logs_run::each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take) {
+    return core.db.for_each_row(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
+                                take);
+}
+
+QStringList logs_run::columns_of(int log_id) {
+    QStringList pids;
+    each_chunk(log_id, [&](const QStringList& row) { return !tell_columns(pids, items_of(row)); });
+    return pids;
+}
+
+void logs_run::show(const log_header& log) {
+    if (core.options.json)
+        return show_as_json(log);
+    return isSampledLog(log.type) ? show_samples(log.id) : show_text(log.id);
+}
+
 void logs_run::show_text(int log_id) {
-    const bool read =
-        core.db.for_each_row(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
-                             [&](const QStringList& row) {
-                                 print(stdout, printable(row.value(1)) + u'\n');
-                                 return true;
-                             });
+    const bool read = each_chunk(log_id, [&](const QStringList& row) {
+        print(stdout, printable(row.value(data_column)) + u'\n');
+        return true;
+    });
     end(read ? QString() : core.db.problem(), read);
 }
 
-// Printed as it is read: a run may be longer than the memory.
-void logs_run::show(const log_header& log) {
-    if (!core.options.json)
-        return show_text(log.id);
+void logs_run::show_samples(int log_id) {
+    const mac_toolies& toolies = core.toolies;
+    QString head = QStringLiteral("Time");
+    for (const QString& pid : columns_of(log_id))
+        head += u',' + sampled_heading(pid, toolies.shown_reading(), toolies.lists());
+    print(stdout, head + u'\n');
+    const bool read = each_chunk(log_id, [&](const QStringList& row) {
+        QString line = gmt_date_str_2_local_date_str(row.value(time_column));
+        for (const QString& item : items_of(row)) {
+            const double number = toolies.shown_number(item);
+            line += u',' + (std::isfinite(number) ? QString::number(number, 'g', digits) : QString());
+        }
+        print(stdout, line + u'\n');
+        return true;
+    });
+    end(read ? QString() : core.db.problem(), read);
+}
+
+void logs_run::show_as_json(const log_header& log) {
     QByteArray head = QJsonDocument(as_json(log)).toJson(QJsonDocument::Compact);
     head.chop(1);
     print(stdout, QString::fromUtf8(head) + QStringLiteral(",\"lines\":["));
     bool is_first = true;
-    const bool read = core.db.for_each_row(
-        QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log.id),
-        [&](const QStringList& row) {
-            print(stdout, (is_first ? QString() : QStringLiteral(",")) + quoted(row.value(1)));
-            is_first = false;
-            return true;
-        });
-    print(stdout, QStringLiteral("]}\n"));
+    bool read = each_chunk(log.id, [&](const QStringList& row) {
+        print(stdout, (is_first ? QString() : QStringLiteral(",")) + quoted(row.value(data_column)));
+        is_first = false;
+        return true;
+    });
+    print(stdout, QStringLiteral("]"));
+    if (isSampledLog(log.type)) {
+        const sample_reading own{core.toolies.units(), core.state.boost_reference_kpa, false};
+        print(stdout, QStringLiteral(",\"columns\":") +
+                          compact(columns_as_json(columns_of(log.id), own, lists)) +
+                          QStringLiteral(",\"samples\":["));
+        is_first = true;
+        read = read && each_chunk(log.id, [&](const QStringList& row) {
+                   const QJsonObject sample = sample_as_json(items_of(row), own, lists);
+                   print(stdout, (is_first ? QString() : QStringLiteral(",")) + compact(sample));
+                   is_first = false;
+                   return true;
+               });
+        print(stdout, QStringLiteral("]"));
+    }
+    print(stdout, QStringLiteral("}\n"));
     end(read ? QString() : core.db.problem(), read);
 }
 
@@ -191,12 +286,12 @@ void logs_run::next_deletion() {
 }
 
 void logs_run::begin_export(int log_id) {
-    const bool metric = core.defaults.boolean(QStringLiteral("BV_metric_units"), false);
     exporting = std::make_unique<log_export>(
         core.db, lists,
         export_settings{.documents = core.paths.documents,
                         .application_folder = core.paths.application_folder,
-                        .units = metric ? unit_system::metric : unit_system::imperial,
+                        .units = core.toolies.units(),
+                        .by_standard = core.toolies.standard_reading(),
                         .time_column = core.defaults.boolean(QStringLiteral("BV_log_timeStamp"), false)});
     if (!exporting->begin(log_id, core.options.as_text))
         return end(exporting->problem(), false);

@@ -6,6 +6,7 @@
 #include "terminal/cli_screen.h"
 #include "terminal/stop_signals.h"
 
+#include <functional>
 #include <memory>
 
 // The command "logs": "logs list" names the stored logs, "logs show ID" prints one, "logs export ID" writes a
@@ -28,6 +29,11 @@ private:
     void list();
     void show(const log_header& log);
     void show_text(int log_id);
+    void show_samples(int log_id);
+    void show_as_json(const log_header& log);
+    bool each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take);
+    // The PIDs of a run's columns.
+    QStringList columns_of(int log_id);
     void begin_export(int log_id);
     void next_slice();
     void ask_deletion(const QList<log_header>& logs);

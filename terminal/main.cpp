@@ -25,20 +25,25 @@ QString usage() {
         "                   [--profile DIR] [--json] [--metric | --imperial] COMMAND\n\n"
         "Commands:\n");
     for (const cli_command& command : cli_commands())
-        text += QStringLiteral("  %1%2\n").arg(QLatin1String(command.name), -22).arg(QLatin1String(command.help));
+        text +=
+            QStringLiteral("  %1%2\n").arg(QLatin1String(command.name), -22).arg(QLatin1String(command.help));
     text += live_commands_usage();
-    text += QStringLiteral("  send COMMAND...       raw commands, for the adapter (\"AT RV\") or the car (\"01 00\"), and their answers\n"
-                           "  script TEMPLATE FROM TO LOOPS\n"
-                           "                        one command with a byte that counts up: script \"01 {L}\" 01 05 1\n");
-    text += QStringLiteral("  bluetooth-scan        the Bluetooth devices around, with their addresses\n"
-                           "  logs list             the stored logs\n"
-                           "  logs show ID          what a log holds, as it is stored\n"
-                           "  logs export ID        a stored sampling run as a CSV file (with --txt as text); a report is shown\n"
-                           "  logs delete ID...     deletes logs, after a question\n"
-                           "  update-check          asks the update server for the newest version; with the word\n"
-                           "                        download it fetches the archive into Documents\n"
-                           "  vehicles list|add|edit|delete|use, settings get|set\n"
-                           "                        the vehicles and the preferences; the manual page tells their words\n");
+    text += QStringLiteral(
+        "  send COMMAND...       raw commands, for the adapter (\"AT RV\") or the car (\"01 00\"), and their "
+        "answers\n"
+        "  script TEMPLATE FROM TO LOOPS\n"
+        "                        one command with a byte that counts up: script \"01 {L}\" 01 05 1\n");
+    text += QStringLiteral(
+        "  bluetooth-scan        the Bluetooth devices around, with their addresses\n"
+        "  logs list             the stored logs\n"
+        "  logs show ID          what a log holds: a report as it is stored, a run as values\n"
+        "  logs export ID        a stored sampling run as a CSV file (with --txt as text); a report is "
+        "shown\n"
+        "  logs delete ID...     deletes logs, after a question\n"
+        "  update-check          asks the update server for the newest version; with the word\n"
+        "                        download it fetches the archive into Documents\n"
+        "  vehicles list|add|edit|delete|use, settings get|set\n"
+        "                        the vehicles and the preferences; the manual page tells their words\n");
     return text + QLatin1Char('\n') + launch_options_usage() +
            QStringLiteral("  --log                 store the results, whatever the preference says\n"
                           "  --json                one JSON object on standard output\n"
@@ -67,10 +72,14 @@ QString wrong_command(const launch_options& options) {
     if (options.command != QLatin1String("bluetooth-scan") && !find_command(options.command))
         return QStringLiteral("There is no command %1.").arg(options.command);
     if (!options.arguments.isEmpty())
-        return QStringLiteral("One command at a time: %1, or %2?").arg(options.command, options.arguments.first());
+        return options.arguments.first().startsWith(u'-')
+                   ? QStringLiteral("%1 takes no %2.").arg(options.command, options.arguments.first())
+                   : QStringLiteral("One command at a time: %1, or %2?")
+                         .arg(options.command, options.arguments.first());
     if (options.command == QLatin1String("clear-codes") && !options.yes)
-        return QStringLiteral("clear-codes deletes the trouble codes, the freeze frame and the test results in the "
-                              "car. Say that you want it: clear-codes --yes");
+        return QStringLiteral(
+            "clear-codes deletes the trouble codes, the freeze frame and the test results in the "
+            "car. Say that you want it: clear-codes --yes");
     return {};
 }
 
@@ -82,8 +91,9 @@ int refuse(const QString& problem) {
 template <typename command_run, typename... arguments>
 int run_to_its_end(arguments&&... its) {
     command_run command(std::forward<arguments>(its)...);
-    QObject::connect(&command, &command_run::finished, qApp, [](int status) { QCoreApplication::exit(status); },
-                     Qt::QueuedConnection);
+    QObject::connect(
+        &command, &command_run::finished, qApp, [](int status) { QCoreApplication::exit(status); },
+        Qt::QueuedConnection);
     QTimer::singleShot(0, &command, &command_run::start);
     return QCoreApplication::exec();
 }

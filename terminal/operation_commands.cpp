@@ -15,7 +15,8 @@ QJsonObject with_link(readCodes& controller, QJsonObject object) {
     return object;
 }
 
-// --- pending -------------------------------------------------------------------------------------------------
+// --- pending
+// -------------------------------------------------------------------------------------------------
 
 // "Engine RPM: 1726.00 RPM" taken apart at its first ": ".
 std::pair<QString, QString> label_and_value(const QString& row) {
@@ -45,20 +46,22 @@ QJsonObject pending_json(readCodes& controller) {
     object.insert("rows", QJsonObject{{"pending", QJsonArray::fromStringList(results.pendingArray)},
                                       {"freeze", QJsonArray::fromStringList(results.freezeArray)}});
     return with_link(controller,
-                     with_standard(object, pending_as_json(controller, codes.standard_rows(), frame.standard_rows()),
+                     with_standard(object,
+                                   pending_as_json(controller, codes.standard_rows(), frame.standard_rows()),
                                    {codes, frame}));
 }
 
 QString pending_text(readCodes& controller) {
     const second_reading codes = both_readings(controller, result_list::pending);
-    return QStringLiteral("Pending codes:\n") + codes_as_text(controller, codes.shown()) + line_as_text(codes) +
-           QStringLiteral("\nFreeze frame:\n") +
+    return QStringLiteral("Pending codes:\n") + codes_as_text(controller, codes.shown()) +
+           line_as_text(codes) + QStringLiteral("\nFreeze frame:\n") +
            shown_as_text(both_readings(controller, result_list::freeze), [](const QString& row) {
                return QString(row).replace(u'|', QLatin1String(" ")) + u'\n';
            });
 }
 
-// --- vehicle-info --------------------------------------------------------------------------------------------
+// --- vehicle-info
+// --------------------------------------------------------------------------------------------
 
 QJsonObject vehicle_rows_json(const QStringList& rows) {
     QJsonObject object;
@@ -104,7 +107,8 @@ QString vehicle_info_text(readCodes& controller) {
     });
 }
 
-// --- test results --------------------------------------------------------------------------------------------
+// --- test results
+// --------------------------------------------------------------------------------------------
 
 QJsonObject test_as_json(const QString& row) {
     const mode6_row test = split_mode6_row(row);
@@ -137,7 +141,8 @@ QJsonObject tests_json(readCodes& controller, result_list list) {
     const second_reading reading = both_readings(controller, list);
     const QJsonObject object{{"tests", tests_as_json(reading.own_rows())},
                              {"rows", QJsonArray::fromStringList(reading.own_rows())}};
-    return with_link(controller, with_standard(object, {{"tests", tests_as_json(reading.standard_rows())}}, {reading}));
+    return with_link(controller,
+                     with_standard(object, {{"tests", tests_as_json(reading.standard_rows())}}, {reading}));
 }
 
 QString tests_text(readCodes& controller, result_list list) {
@@ -148,15 +153,16 @@ QString tests_text(readCodes& controller, result_list list) {
     });
 }
 
-// --- extras and the report -----------------------------------------------------------------------------------
+// --- extras and the report
+// -----------------------------------------------------------------------------------
 
 QJsonObject extras_json(readCodes& controller) {
     QJsonArray extras;
     for (const QString& row : controller.results().xtrasArray)
         extras += QJsonObject{{"label", row.section(QLatin1String(":|"), 0, 0)},
                               {"value", row.section(QLatin1String(":|"), 1).section(u'|', 0, 0).trimmed()}};
-    return with_link(controller,
-                     {{"extras", extras}, {"rows", QJsonArray::fromStringList(controller.results().xtrasArray)}});
+    return with_link(controller, {{"extras", extras},
+                                  {"rows", QJsonArray::fromStringList(controller.results().xtrasArray)}});
 }
 
 QString extras_text(readCodes& controller) {
@@ -172,7 +178,8 @@ QString report_text(readCodes& controller) {
 
 QJsonObject report_json(readCodes& controller) {
     const diagnostic_report report = controller.report_of(op_read_codes);
-    return with_link(controller, {{"title", report.title}, {"description", report.description}, {"text", report.text}});
+    return with_link(controller,
+                     {{"title", report.title}, {"description", report.description}, {"text", report.text}});
 }
 
 // clang-format off

@@ -39,6 +39,32 @@ QString shown_as_text(const second_reading& reading, QString (*as_text)(const QS
     return text + line_as_text(reading);
 }
 
+second_status both_statuses(readCodes& controller) {
+    return read_status_again(controller.results(), controller.what_it_works_with().toolies);
+}
+
+QString status_as_text(readCodes& controller, const second_status& status) {
+    const diagnostic_results& results = controller.results();
+    QString mil = results.mil_label;
+    QString codes = results.code_count_label;
+    if (status.standard_shown && status.was_read) {
+        const car_status& shown = status.shown();
+        mil = !shown.is_known ? QStringLiteral("not known")
+              : shown.mil     ? QStringLiteral("ON")
+                              : QStringLiteral("OFF");
+        codes = shown.is_known ? QString::number(shown.codes) : QStringLiteral("not known");
+    }
+    const QString line = status.line.isEmpty() ? QString() : status.line + u'\n';
+    return QStringLiteral("MIL: %1\nCodes announced: %2\n").arg(mil, codes) + line;
+}
+
+QJsonArray readiness_as_json(const QList<readiness_row>& rows) {
+    QJsonArray monitors;
+    for (const readiness_row& row : rows)
+        monitors += QJsonObject{{"state", row.state}, {"label", row.label}, {"group", row.group}};
+    return monitors;
+}
+
 QJsonObject permanent_json(readCodes& controller) {
     const permanent_codes read =
         read_permanent_codes(controller.results(), controller.what_it_works_with().toolies);

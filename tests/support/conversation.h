@@ -3,6 +3,7 @@
 #include "tests/support/adapter_bench.h"
 #include "tests/support/print_qt.h"
 
+// clang-format off
 // A car's side of a talk, and what is expected of ours, as a text file of lines:
 //
 //   # a note
@@ -16,9 +17,11 @@
 //   ! close              the far end closes the link
 //   ! answer yes         to the question that is open
 //   ! include FILE       the lines of another file of the folder
-//   = shown status: ...  this event came, after the ones asked for before; a beginning is enough, {KEY} is
-//   looked up = never message      no event that begins so = codes P0133|7E8    a fact of the bench has this
-//   text
+//   = shown status: ...  this event came, after those asked for before; a beginning is enough;
+//                        {KEY} is looked up
+//   = never message      no event that begins so
+//   = codes P0133|7E8    a fact of the bench has this text
+// clang-format on
 struct conversation {
     struct step {
         QChar kind;

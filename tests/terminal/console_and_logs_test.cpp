@@ -30,10 +30,7 @@ TEST(send, prints_raw_answers) {
 
 TEST(send, fails_when_nothing_answers) {
     bench_adapter adapter("can11", {.reset_closes = true});
-    cli_process run(adapter.link() << "send"
-                                   << "AT RV"
-                                   << "AT Z"
-                                   << "AT I");
+    cli_process run(adapter.link() + QStringList{"send", "AT RV", "AT Z", "AT I"});
     EXPECT_EQ(run.status(), 1);
     EXPECT_FALSE(run.json()["done"].toBool(true));
     EXPECT_EQ(run.json()["answers"].toArray().size(), 2) << "the first was answered, the third not sent";

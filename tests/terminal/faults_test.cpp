@@ -47,45 +47,39 @@ TEST(faults_on_the_line, are_mended_or_told) {
     }
 }
 
-// In the initialisation, at the first request of the operation and in its middle. What is stored can be
-// shown, and the next run on the same profile is as any other.
+// Cut in the middle of the operation: what is stored can be shown, and the next run on the same profile is as
+// any other.
 TEST(faults_on_the_line, a_cut_ends_each_operation_and_leaves_no_half_log) {
-    const std::tuple<const char*, int, qsizetype> rows[] = {
-        // cut last after this answer; logs of one whole run, and of what came before the last cut
-        {"read-codes", 13, 1}, {"pending", 18, 1},  {"vehicle-info", 30, 1}, {"mode6", 25, 1},
-        {"misfire", 16, 1},    {"o2-tests", 15, 1}, {"extras", 20, 0},       {"report", 18, 3},
-    };
     struct cut_run {
-        QStringList command() const {
-            return adapter.link() << "--log"
-                                  << "--profile" << profile.path() << name;
-        }
         const char* name;
-        int cut;
-        qsizetype logs;
+        int cut;        // after this answer
+        qsizetype logs; // of what came before the cut, and of one whole run
         QTemporaryDir profile{};
         bench_adapter adapter{"can11", {.cut_after = cut}};
-        std::unique_ptr<cli_process> run = std::make_unique<cli_process>(command());
+        std::unique_ptr<cli_process> run = start();
+
+        std::unique_ptr<cli_process> start() const {
+            const QStringList words{"--log", "--profile", profile.path(), name};
+            return std::make_unique<cli_process>(adapter.link() + words);
+        }
     };
-    std::vector<std::unique_ptr<cut_run>> cuts;
-    for (const auto& [command, last, logs] : rows)
-        for (const int at : {6, 12, last})
-            cuts.emplace_back(new cut_run{command, at, at == last ? logs : std::min<qsizetype>(logs, 2)});
-    for (const auto& cut : cuts) {
-        EXPECT_EQ(cut->run->status(), 1) << cut->name << cut->cut;
-        EXPECT_TRUE(cut->run->said().contains("Disconnected")) << cut->run->said().toStdString();
-        EXPECT_FALSE(cut->run->json()["done"].toBool());
-        cut->adapter.server.set_faults({});
-        cut->run = std::make_unique<cli_process>(cut->command());
+    cut_run cuts[] = {{"read-codes", 13, 1}, {"pending", 18, 1},  {"vehicle-info", 30, 1}, {"mode6", 25, 1},
+                      {"misfire", 16, 1},    {"o2-tests", 15, 1}, {"extras", 20, 0},       {"report", 18, 3}};
+    for (cut_run& cut : cuts) {
+        EXPECT_EQ(cut.run->status(), 1) << cut.name;
+        EXPECT_TRUE(cut.run->said().contains("Disconnected")) << cut.run->said().toStdString();
+        EXPECT_FALSE(cut.run->json()["done"].toBool());
+        cut.adapter.server.set_faults({});
+        cut.run = cut.start();
     }
-    for (const auto& cut : cuts) {
-        SCOPED_TRACE(cut->name);
-        EXPECT_EQ(cut->run->status(), 0) << cut->cut;
-        const QStringList reading{"--json", "--profile", cut->profile.path(), "logs"};
+    for (cut_run& cut : cuts) {
+        SCOPED_TRACE(cut.name);
+        EXPECT_EQ(cut.run->status(), 0);
+        const QStringList reading{"--json", "--profile", cut.profile.path(), "logs"};
         cli_process list(reading + QStringList{"list"});
         EXPECT_EQ(list.status(), 0);
         const QJsonArray stored = list.json()["logs"].toArray();
-        EXPECT_EQ(stored.size(), cut->logs) << cut->cut;
+        EXPECT_EQ(stored.size(), cut.logs);
         for (const QJsonValue log : stored) {
             cli_process text(reading + QStringList{"export", QString::number(log["id"].toInt())});
             EXPECT_EQ(text.status(), 0);

@@ -1,3 +1,4 @@
+#include "tests/support/folder_in_memory.h"
 #include "tests/terminal/cli_process.h"
 
 #include <QRegularExpression>
@@ -29,7 +30,7 @@ QStringList rows_of(const QString& profile, const QByteArray& sql) {
 // A run on a test's adapter that goes on until somebody ends it.
 struct endless_run {
     bench_adapter adapter;
-    QTemporaryDir profile;
+    QTemporaryDir profile{folder_in_memory()};
     cli_process run;
 
     explicit endless_run(const QStringList& words)
@@ -109,7 +110,7 @@ TEST(live_trouble, an_interrupt_ends_the_run_in_order) {
 
 TEST(live_trouble, a_reader_that_goes_away_ends_the_run_in_order) {
     bench_adapter adapter;
-    QTemporaryDir profile;
+    QTemporaryDir profile{folder_in_memory()};
     const QStringList words =
         QStringList(BV_CLI) + adapter.link().first(2) +
         QStringList{"--profile", profile.path(), "log", "--pids", "0C", "--store", "| head -n 2"};
@@ -125,7 +126,7 @@ TEST(live_trouble, a_reader_that_goes_away_ends_the_run_in_order) {
 // BV_KILLS asks for another number than the usual one.
 TEST(live_trouble, a_sudden_end_costs_at_most_the_sweep_in_flight) {
     bench_adapter adapter;
-    QTemporaryDir profile;
+    QTemporaryDir profile{folder_in_memory()};
     std::mt19937 random(20);
     const int rounds = std::max(1, qEnvironmentVariable("BV_KILLS", "20").toInt());
     for (int round = 1; round <= rounds; ++round) {

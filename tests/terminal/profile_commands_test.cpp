@@ -92,33 +92,26 @@ TEST(settings_command, stores_what_the_preferences_would_store) {
 }
 
 TEST(update_check_command, asks_the_server_in_the_settings_alone) {
-    const QTemporaryDir folder;
+    kept_profile home;
     const QByteArray archive = QByteArray("new").repeated(1000);
     http_server server;
     server.answers[QStringLiteral("/lite/version.json")] = http_server::ok(
         "{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": 3000, \"sha256\": \"" +
         QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex() + "\"}");
     server.answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] = http_server::ok(archive);
-    const auto status_of = [&](const QStringList& words, QJsonObject* result = nullptr) {
-        cli_process run(QStringList{"--profile", folder.path(), "--json"} + words);
-        const int status = run.status();
-        if (result)
-            *result = run.json();
-        return status;
-    };
-    QJsonObject result;
-    EXPECT_EQ(status_of({"update-check"}, &result), 1);
-    EXPECT_EQ(result["problem"].toString(), "No update server is set, so none was asked.");
-    EXPECT_EQ(status_of({"update-check", "install"}), 2);
-    EXPECT_EQ(status_of({"settings", "set", "BV_update_server", "http://example.org"}), 2);
-    EXPECT_EQ(status_of({"settings", "set", "BV_update_server", server.address()}), 0);
-
-    EXPECT_EQ(status_of({"update-check"}, &result), 0);
-    EXPECT_EQ(result["newest"].toString(), "99.1");
-    EXPECT_TRUE(result["is_newer"].toBool());
-    EXPECT_EQ(result["file"].toString(), "");
-    EXPECT_EQ(status_of({"update-check", "download"}, &result), 0);
-    QFile file(result["file"].toString());
+    EXPECT_EQ(home.json({"update-check"})["problem"].toString(),
+              "No update server is set, so none was asked.");
+    for (const auto& [words, status] : {std::pair<QStringList, int>{{"update-check"}, 1},
+                                        {{"update-check", "install"}, 2},
+                                        {{"settings", "set", "BV_update_server", "http://example.org"}, 2},
+                                        {{"settings", "set", "BV_update_server", server.address()}, 0},
+                                        {{"update-check"}, 0}})
+        EXPECT_EQ(home.status(words), status) << words.join(' ').toStdString();
+    const QJsonObject asked = home.json({"update-check"});
+    EXPECT_EQ(asked["newest"].toString(), "99.1");
+    EXPECT_TRUE(asked["is_newer"].toBool());
+    EXPECT_EQ(asked["file"].toString(), "");
+    QFile file(home.json({"update-check", "download"})["file"].toString());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), archive);
 }

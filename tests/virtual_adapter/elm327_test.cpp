@@ -67,10 +67,10 @@ TEST(elm327, what_it_does_not_know_is_answered_with_a_question_mark) {
     for (const char* bad : {"AT H1", "AT", "AT H2", "AT SP D", "AT SP", "AT ST F", "AT CAF0", "HELLO", "0",
                             "01 0G", "01 02 03 04 05 06 07 08", "\xFF\x80"})
         EXPECT_EQ(adapter.receive(std::string(bad) + '\r'), "?\r\r>") << bad;
-    EXPECT_EQ(adapter.receive(std::string(5000, ' ') + "ATI\r"), "?\r\r>");
     for (const char* good :
          {"AT SP 6", "AT SP A6", "AT TP 3", "AT ST FF", "AT AT1", "AT M0", "AT CAF1", "AT AL", "AT PC"})
         EXPECT_EQ(adapter.receive(std::string(good) + '\r'), "OK\r\r>") << good;
+    EXPECT_EQ(adapter.receive(std::string(5000, ' ') + "ATI\r"), "?\r\r>");
     EXPECT_EQ(adapter.receive(std::string_view("\n\0ATRV\0\r\n01", 11)), "12.3V\r\r>");
     EXPECT_EQ(adapter.receive("05\r\r"), "BUS INIT: ...ERROR\r\r>BUS INIT: ...ERROR\r\r>");
 }
@@ -94,6 +94,8 @@ TEST(elm327, fixed_protocols_and_cars_that_do_not_answer) {
                          {"0105", "CAN ERROR\r\r>"},
                          {"AT Z", "\r\rELM327 v1.5\r\r>"}, // the tried protocol was not stored
                          {"AT DPN", "AT DPN\rA3\r\r>"},
+                         {"AT SP 0", "AT SP 0\rOK\r\r>"},
+                         {"AT DPN", "AT DPN\rA0\r\r>"},
                      });
     elm327 dark(car_of("protocol 5\nignition off\necu 12\npid 05 7B\n"));
     converse(dark, {

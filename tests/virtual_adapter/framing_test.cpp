@@ -20,9 +20,7 @@ std::string shown(bus kind, const std::vector<answer>& answers, frame_style styl
 }
 
 frame_style with_headers() {
-    frame_style style;
-    style.headers = true;
-    return style;
+    return {.headers = true};
 }
 
 } // namespace
@@ -76,8 +74,7 @@ TEST(framing, long_answers_of_two_ecus_interleave) {
 }
 
 TEST(framing, segments_hold_every_byte_and_the_sequence_wraps) {
-    for (const std::size_t length :
-         {std::size_t(8), std::size_t(13), std::size_t(14), std::size_t(118), std::size_t(4095)}) {
+    for (const std::size_t length : {8u, 13u, 14u, 118u, 4095u}) {
         bytes data(length);
         for (std::size_t i = 0; i < length; ++i)
             data[i] = std::uint8_t(i * 7);

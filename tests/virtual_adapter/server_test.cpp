@@ -1,11 +1,10 @@
+#include "tests/support/wait_until.h"
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/command_line.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QTcpSocket>
 
 #include <algorithm>
@@ -14,14 +13,6 @@
 using namespace virtual_adapter;
 
 namespace {
-
-void make_application() {
-    static int count = 1;
-    static char name[] = "tests";
-    static char* arguments[] = {name, nullptr};
-    if (QCoreApplication::instance() == nullptr)
-        new QCoreApplication(count, arguments);
-}
 
 // A client on the event loop of the test.
 struct client {
@@ -35,22 +26,18 @@ struct client {
             received += socket.readAll().toStdString();
         });
         socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-        EXPECT_TRUE(wait([this] { return socket.state() == QAbstractSocket::ConnectedState; }));
+        EXPECT_TRUE(wait_until([this] { return socket.state() == QAbstractSocket::ConnectedState; }));
     }
 
-    template <typename Done>
-    bool wait(Done done) {
-        const QDeadlineTimer deadline(5000);
-        while (!done() && !deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        return done();
+    bool is_cut() {
+        return wait_until([this] { return socket.state() == QAbstractSocket::UnconnectedState; });
     }
 
     void send(const char* text) { socket.write(text); }
 
     // Everything up to that many prompts since the last call.
     std::string replies(int prompts = 1) {
-        wait([&] { return std::count(received.begin(), received.end(), '>') >= prompts; });
+        wait_until([&] { return std::count(received.begin(), received.end(), '>') >= prompts; });
         return std::exchange(received, {});
     }
 
@@ -63,9 +50,8 @@ struct client {
 class server : public testing::Test {
 protected:
     void SetUp() override {
-        make_application();
         QString problem;
-        on = load_car(QStringLiteral("can11"), problem);
+        on = load_car("can11", problem);
         on->set_clock([] { return steady_moment_s; });
     }
     quint16 start(const faults& what = {}) {
@@ -84,7 +70,7 @@ TEST_F(server, connections_have_their_own_adapter_and_share_the_car) {
     EXPECT_EQ(one.ask("ATE0\r"), "ATE0\rOK\r\r>");
     EXPECT_EQ(one.ask("04\r"), "SEARCHING...\r44 \r44 \r\r>");
     client two(adapter.start(on)); // a new start closes the old connections
-    EXPECT_TRUE(one.wait([&] { return one.socket.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_TRUE(one.is_cut());
     client three(quint16(two.socket.peerPort()));
     EXPECT_EQ(two.ask("ATE0\r"), "ATE0\rOK\r\r>");
     EXPECT_EQ(three.ask("03\r"), "03\rSEARCHING...\r43 00 \r43 00 \r\r>");
@@ -119,10 +105,10 @@ TEST_F(server, the_link_is_cut) {
     client cut(start({.cut_after = 2}));
     cut.ask("ATE0\r");
     EXPECT_EQ(cut.ask("ATRV\r"), "14.1V\r\r>");
-    EXPECT_TRUE(cut.wait([&] { return cut.socket.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_TRUE(cut.is_cut());
     client again(start({.reset_closes = true}));
     again.send("at z\r");
-    EXPECT_TRUE(again.wait([&] { return again.socket.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_TRUE(again.is_cut());
     EXPECT_EQ(again.received, "");
 }
 
@@ -147,27 +133,29 @@ TEST(fault_line, what_becomes_of_four_exchanges) {
         for (const char* expected : row.sent)
             EXPECT_EQ(line.pass({"0100", "", "A\rB\r\r>"}).text, expected) << row.name;
     }
+    fault_line late({.late_reply = 2, .late_ms = 40});
+    for (const int wait_ms : {0, 40, 0})
+        EXPECT_EQ(late.pass({"0100", "", ">"}).wait_ms, wait_ms);
+    fault_line sparing({.garbage_before = "?", .garbage_spares_at = true});
+    EXPECT_EQ(sparing.pass({"ATZ", "", ">"}).text, ">");
+    EXPECT_EQ(sparing.pass({"0100", "", ">"}).text, "?>");
     fault_line linefeeds({.lose_line = 1});
     EXPECT_EQ(linefeeds.pass({"0100", "0100\r\n", "A\r\nB\r\n\r\n>"}).text, "0100\r\nB\r\n\r\n>");
 }
 
 TEST(command_line, is_checked) {
-    make_application();
-    const auto read = [](QStringList words) {
-        return read_command_line(words << QStringLiteral("--port=0"));
+    const auto read = [](const QString& words) {
+        return read_command_line(("program --port=0 " + words).split(' '));
     };
     for (const char* bad : {"--nonsense", "stray", "--delay=-1", "--delay=x", "--listen=nowhere", "--late=3",
                             "--late=1:2:3", "--protocol=D", "--port"})
-        EXPECT_FALSE(read({QStringLiteral("program"), QString::fromLatin1(bad)}).mistake.isEmpty()) << bad;
-    const wishes good =
-        read({QStringLiteral("program"), QStringLiteral("--late=3:250"), QStringLiteral("--protocol=A3"),
-              QStringLiteral("--refuse=at rv"), QStringLiteral("--still")});
+        EXPECT_FALSE(read(bad).mistake.isEmpty()) << bad;
+    const wishes good = read("--late=3:250 --protocol=A3 --refuse=atrv --still");
     EXPECT_EQ(good.mistake, QString());
     EXPECT_EQ(good.what.late_reply, 3);
     EXPECT_EQ(good.what.late_ms, 250);
     EXPECT_EQ(good.what.refused, std::vector<std::string>{"ATRV"});
     EXPECT_TRUE(good.still && good.options.stored_automatic);
     EXPECT_EQ(good.options.stored_protocol, 3);
-    EXPECT_TRUE(read({QStringLiteral("program"), QStringLiteral("--list-cars")})
-                    .print_and_leave.contains(QStringLiteral("can11")));
+    EXPECT_TRUE(read("--list-cars").print_and_leave.contains("can11"));
 }

@@ -57,7 +57,8 @@ motion motion_at(double time_in_round) {
         if (time_in_round > to.time_s)
             continue;
         // A steady speed is held to about a kilometre an hour.
-        const double held = slope == 0 && speed > 0 ? std::clamp(std::min(passed, span - passed) / 2, 0.0, 1.0) : 0;
+        const double held =
+            slope == 0 && speed > 0 ? std::clamp(std::min(passed, span - passed) / 2, 0.0, 1.0) : 0;
         return {speed + 0.9 * held * unevenness(time_in_round, 4), slope / 3.6, distance};
     }
     return {0, 0, distance};
@@ -98,7 +99,8 @@ drive_state drive_at(double seconds, const engine_model& engine) {
     s.load = load_of(now);
     if (s.speed_kmh >= 1 && s.load > 0.05) {
         const double in_round = t - rounds * round_s;
-        s.load = std::clamp(s.load + 0.035 * unevenness(in_round, 5) + 0.015 * unevenness(in_round, 23), 0.05, 1.0);
+        s.load = std::clamp(s.load + 0.035 * unevenness(in_round, 5) + 0.015 * unevenness(in_round, 23), 0.05,
+                            1.0);
     }
     s.pedal = std::clamp((s.load - 0.18) * 1.15, 0.0, 1.0);
     s.throttle = engine.diesel ? 0.9 : 0.12 + 0.8 * s.pedal;
