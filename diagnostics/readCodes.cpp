@@ -192,11 +192,19 @@ void readCodes::handleOBDRcvdMsg(const QString& reply) {
         context.view.beep();
         return leave_cur_op_gracefully(QStringLiteral("Cur op timed out... Please Check/retry"));
     }
+    if (is_adapter_lost())
+        return leave_cur_op_gracefully(adapter_was_reset);
     cur_reply_cp = reply;
     if (state.pid_loop_active == 16)
         pid_loop.l_inner_process_pid_support(reply);
     else
         work_current_task(QString());
+}
+
+// Without headers and with its echo on, its replies would be read as something else. Clearing has asked for
+// all it wants.
+bool readCodes::is_adapter_lost() const {
+    return !state.adapter_ready && state.cur_task != op_initialise && state.cur_task != op_clear_codes;
 }
 
 void readCodes::leave_cur_op_gracefully(const QString& status) {

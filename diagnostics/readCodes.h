@@ -90,6 +90,7 @@ private:
     // The freeze frame, and the replies to both.
     void forget_pending();
     step_machine* machine_of(int task);
+    bool is_adapter_lost() const;
 
     operation_context context;
     process_state& state;

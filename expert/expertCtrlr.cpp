@@ -151,23 +151,26 @@ void expertCtrlr::handleOBDRcvdMsg(const QString& reply) {
         print_cmd_highlighted(QString(context.link.current_command()).remove(u'\r'));
     own.lines.add_reply(reply);
     context.view.reload(QStringLiteral("transcript"));
-    if (!running)
-        return; // late, but said
-    if (!script.is_running()) {
-        done = true;
-        return leave_cur_op_gracefully(QStringLiteral(""));
-    }
+    if (!running) // late, but said
+        return;
     if (in_step) // a simulated reply: the steps must neither pile up nor keep the event loop
-        next_step = clock.one_shot(0, [this, reply] { run_script(QString(reply)); });
+        next_step = clock.one_shot(0, [this, reply] { go_on(QString(reply)); });
     else if (context.link.is_late_reply_due()) // it must not stand under the next command
-        next_step = clock.one_shot(late_reply_ms, [this, reply] { run_script(QString(reply)); });
+        next_step = clock.one_shot(late_reply_ms, [this, reply] { go_on(QString(reply)); });
     else
-        run_script(reply);
+        go_on(reply);
+}
+
+void expertCtrlr::go_on(const QString& reply) {
+    next_step.reset();
+    context.link.forget_late_replies();
+    if (script.is_running())
+        return run_script(reply);
+    done = true;
+    leave_cur_op_gracefully(QStringLiteral(""));
 }
 
 void expertCtrlr::run_script(const QString& reply) {
-    next_step.reset();
-    context.link.forget_late_replies();
     in_step = true;
     script.run(reply);
     in_step = false;

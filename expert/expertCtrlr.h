@@ -53,6 +53,8 @@ private:
     void warn_first(const QStringList& commands, std::function<void()> send);
     void start_operation();
     void run_script(const QString& reply);
+    // The command is answered, and so are its earlier tries.
+    void go_on(const QString& reply);
 
     operation_context context;
     process_state& state;

@@ -43,5 +43,9 @@ public:
     explicit step_failure(const QString& reason) : std::runtime_error(reason.toStdString()) {}
 };
 
+// Why an operation over an adapter that is no longer set up is left.
+inline const QString adapter_was_reset =
+    QStringLiteral("The adapter has reset itself, as it does when its voltage drops. Start again (F5)");
+
 // True for the reply "~", no data, or a "?" without any data: nothing that could be decoded.
 bool has_no_data(const QString& reply);

@@ -43,6 +43,7 @@ bool exchange::is_answer_coming() const {
 
 // It was lost for good.
 void exchange::stop_waiting() {
+    stop_timer();
     on_the_way.clear();
     sendOBDcmd(QString(cur_cmd));
 }
@@ -61,6 +62,13 @@ void exchange::keep_command(const QString& command, const QString& expectedReply
     }
 }
 
+// Every reply is passed on; what is expected only tells which command it answers.
+void exchange::keep_typed(const QString& command) {
+    cur_cmd = command;
+    cur_expectedReply = positive_reply_of(command);
+    cur_reply_has_hdr = false;
+}
+
 void exchange::take_as_unknown(const QString& command, const QString& expectedReply) {
     const QString unknown = QStringLiteral("?");
     keep_command(command, expectedReply, false);
@@ -74,7 +82,7 @@ void exchange::sendOBDcmd(const QString& command) {
     const QByteArray bytes = command.toUtf8();
     console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
     if (state.cur_op == op_expert) {
-        cur_cmd = command;
+        keep_typed(command);
         // Whatever was sent may have changed the adapter: the next operation starts from a reset.
         state.adapter_ready = false;
         state.adapter_known = false;
@@ -143,7 +151,10 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     state.reply_pending = 0;
     const QString raw = cut_reply(bytes, prompt);
     if (!in_flight && state.cur_op != op_expert) { // its operation is over
-        settle(prepReply(raw));
+        const QString reply = prepReply(raw);
+        if (tells_a_reset(reply, on_the_way))
+            owner.adapter_started_anew();
+        settle(reply);
         return true;
     }
 
@@ -170,7 +181,7 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         return owner.reply_refused(), false;
     case car_reply::accepted: break;
     }
-    if (tells_a_reset(reply, cur_cmd))
+    if (tells_a_reset(reply, on_the_way))
         owner.adapter_started_anew();
     const bool may_be_late = earlier_ones() > 0;
     settle(reply);

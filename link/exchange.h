@@ -63,6 +63,7 @@ public:
 
 private:
     void keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr);
+    void keep_typed(const QString& command);
     void obdTimedOutHandler();
     bool take_reply(QByteArrayView bytes, qsizetype prompt);
     QString cut_reply(QByteArrayView bytes, qsizetype prompt);

@@ -4,6 +4,8 @@
 #include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int retries = 3;
@@ -57,6 +59,13 @@ bool confirmed(const QString& reply, const sent_command& command, int protocol, 
     return string_has_Tokens(reply, command.expectedReply);
 }
 
+// "AT Z", "AT WS", "AT I" and "AT @1", as they may be typed.
+bool asks_for_greeting(const sent_command& command) {
+    const QString digits = digits_of_request(command.text).toUpper();
+    const auto begins = [&](const char* word) { return digits.startsWith(QLatin1String(word)); };
+    return begins("ATZ") || begins("ATWS") || begins("ATI") || begins("AT@");
+}
+
 } // namespace
 
 reply_verdict unconfirmed(int no_confirm_count) {
@@ -89,10 +98,11 @@ QString positive_reply_of(const QString& command) {
     return convertByte2HexStr((service + 0x40) & 0xFF) + request.mid(2, std::max<qsizetype>(0, echoed));
 }
 
-bool tells_a_reset(const QString& reply, const QString& command) {
+bool tells_a_reset(const QString& reply, const QList<sent_command>& unanswered) {
     if (reply.contains(u"LVRESET"))
         return true;
-    return reply.contains(u"ELM327v") && !command.contains(u"AT", Qt::CaseInsensitive);
+    return reply.contains(u"ELM327v") &&
+           std::none_of(unanswered.begin(), unanswered.end(), asks_for_greeting);
 }
 
 QString where_it_failed(const QString& reply) {

@@ -33,7 +33,8 @@ reply_verdict unconfirmed(int no_confirm_count);
 QString positive_reply_of(const QString& command);
 
 // Whether the reply is the adapter's greeting after a loss of its supply, or tells of one ("LV RESET").
-bool tells_a_reset(const QString& reply, const QString& command);
+// `unanswered`: the commands that it may answer; some ask for the greeting.
+bool tells_a_reset(const QString& reply, const QList<sent_command>& unanswered);
 
 // Which of adapter, car and the line between them a reply without an answer blames, a sentence; "" when it
 // says nothing about it.

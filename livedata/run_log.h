@@ -8,7 +8,7 @@
 #include <functional>
 
 // What a run leaves behind while the logging of runs is on: a row of LOGGIES with one row of LOGGIES_DATA a
-// stored sweep, and a session file, which stays only if something was written to it. A rate of N seconds
+// stored sweep, and a session file, which stays empty: the lines go to the database. A rate of N seconds
 // thins what is stored: the first complete sweep, then the first one after each N seconds.
 class run_log {
 public:

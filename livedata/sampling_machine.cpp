@@ -187,8 +187,7 @@ void sampling_machine::go_on(const QString& data) {
         run_.cur_log_set += u',';
     run_.cur_log_set += data;
     if (!state.adapter_ready)
-        return context.link.set_up_anew(QStringLiteral(
-            "The adapter has reset itself, as it does when its voltage drops. Start again (F5)"));
+        return context.link.set_up_anew(adapter_was_reset);
     const bool was_last = cur_log_idx() >= results.pid_logitems_list.size() - 1;
     if (was_last)
         end_of_sweep(run_.cur_log_set);

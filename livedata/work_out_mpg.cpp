@@ -40,6 +40,8 @@ void work_out_mpg::start() {
 }
 
 void work_out_mpg::value_arrived(const QString& reply) {
+    if (reply == no_reply && !state.adapter_ready)
+        return context.link.set_up_anew(adapter_was_reset);
     if (reply == no_reply) {
         show("Speed or air flow did not come: the run has ended. Is the ignition on? Start again (F5)");
         return leave();

@@ -51,8 +51,9 @@ TEST(console, sends_what_is_typed_and_shows_every_answer) {
     EXPECT_EQ(bench.written, QStringList({"01 00", "01 00"})) << "after three seconds, not the twelve before";
     bench.adapter->receive("7E8 06 41 00\r7E9 06");
     bench.adapter->receive(" 41 00\r\r>?\r\r>");
-    EXPECT_EQ(bench.ended, "done");
     EXPECT_EQ(bench.shown(), "> 01 00\n7E8064100\n7E9064100\n");
+    bench.clock.advance(3000);
+    EXPECT_EQ(bench.ended, "done");
     EXPECT_FALSE(bench.view.is_busy);
     EXPECT_EQ(bench.clock.running(), 0u);
 
@@ -67,6 +68,26 @@ TEST(console, sends_what_is_typed_and_shows_every_answer) {
     bench.controller.load(); // from another screen, whose last answer is still on its way
     bench.adapter->receive("7E8 03 41 0D 3C\r\r>");
     EXPECT_TRUE(bench.shown().endsWith("> AT ZZ\n?\n"));
+}
+
+TEST(console, a_late_answer_stands_under_its_own_command) {
+    console_bench bench;
+    bench.controller.handle_a_send("01 0C");
+    bench.connect();
+    bench.clock.advance(3000);
+    bench.adapter->receive("41 0C 1A F8\r\r>");
+    bench.controller.handle_a_send("01 05");
+    EXPECT_EQ(bench.written.size(), 2) << "the answer to the second try is on its way";
+    bench.adapter->receive("41 0C 1A F9\r\r>");
+    EXPECT_EQ(bench.ended, "done");
+    bench.controller.handle_a_send("01 05");
+    bench.controller.stop(); // and its answer still comes
+    bench.controller.handle_a_send("01 0D");
+    bench.adapter->receive("41 05 7B\r\r>");
+    EXPECT_TRUE(bench.controller.is_running());
+    bench.adapter->receive("41 0D 3C\r\r>");
+    EXPECT_FALSE(bench.controller.is_running());
+    EXPECT_EQ(bench.shown(), "> 01 0C\n410C1AF8\n410C1AF9\n> 01 05\n> 01 0D\n41057B\n410D3C\n");
 }
 
 TEST(console, refuses_what_cannot_be_sent) {

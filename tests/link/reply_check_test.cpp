@@ -121,10 +121,12 @@ TEST(reply_check, positive_replies) {
 
 TEST(reply_check, an_adapter_that_was_reset) {
     for (const char* reply : {"LVRESET", "010C\rLVRESET", "ELM327v1.5"})
-        EXPECT_TRUE(tells_a_reset(reply, "01 0C\r")) << reply;
-    for (const char* command : {"AT Z\r", "AT I\r", "atws\r"}) // asked for
-        EXPECT_FALSE(tells_a_reset("ELM327v1.5", command)) << command;
-    EXPECT_FALSE(tells_a_reset("STOPPED", "01 0C\r"));
+        for (const QList<sent_command>& unasked :
+             {QList<sent_command>(), {{"01 0C\r", {}}}, {{"AT H1\r", "OK"}, {"AT RV\r", {}}}})
+            EXPECT_TRUE(tells_a_reset(reply, unasked)) << reply;
+    for (const char* command : {"AT Z\r", "AT I\r", "atws\r", "AT @1\r"}) // asked for, and perhaps late
+        EXPECT_FALSE(tells_a_reset("ELM327v1.5", {{command, {}}, {"01 0C\r", {}}})) << command;
+    EXPECT_FALSE(tells_a_reset("STOPPED", {{"01 0C\r", {}}}));
 }
 
 TEST(reply_check, tells_adapter_from_car) {
