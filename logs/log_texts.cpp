@@ -51,7 +51,7 @@ QString report_statement(int log_id) {
 QString cell_of(const mac_toolies& toolies, const QString& item) {
     const bool is_reply = item.startsWith(QLatin1String("41")) && item.size() > 4;
     const double number = is_reply ? toolies.shown_number(item) : qQNaN();
-    return std::isnan(number) ? QStringLiteral("-") : with_decimals(number, preview_decimals);
+    return std::isfinite(number) ? with_decimals(number, preview_decimals) : QStringLiteral("-");
 }
 
 QString column_name(const mac_toolies& toolies, const QString& pid) {

@@ -8,7 +8,6 @@
 #include "obd/standard_reading/pid_values.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -26,11 +25,10 @@ QString standard_unit(const QString& pid, unit_system units) {
 }
 
 // Of the quantities that the car has, the first in the PID's unit: what is drawn keeps one unit.
-double standard_number(const pid_value& value, const QString& unit) {
-    for (const quantity& part : value.quantities)
-        if (part.unit == unit)
-            return part.value;
-    return std::numeric_limits<double>::quiet_NaN();
+const quantity* drawn_quantity(const pid_value& value, const QString& unit) {
+    const auto drawn = std::find_if(value.quantities.begin(), value.quantities.end(),
+                                    [&unit](const quantity& part) { return part.unit == unit; });
+    return drawn == value.quantities.end() ? nullptr : &*drawn;
 }
 
 } // namespace
@@ -39,7 +37,9 @@ double sampled_number(const QString& reply, const sample_reading& reading, const
     const QString pid = reading.by_standard ? sampled_pid(reply) : QString();
     if (!reading.by_standard || is_computed(pid))
         return get_OBDVal(reply, reading.units, reading.boost_reference_kpa, lists);
-    return standard_number(read_pid_value(reply.trimmed(), reading.units), standard_unit(pid, reading.units));
+    const pid_value value = read_pid_value(reply.trimmed(), reading.units);
+    const quantity* drawn = drawn_quantity(value, standard_unit(pid, reading.units));
+    return drawn ? drawn->value : std::numeric_limits<double>::quiet_NaN();
 }
 
 QString sampled_unit(const QString& pid, const sample_reading& reading) {
@@ -63,9 +63,9 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
         return false;
     const QString unit = standard_unit(pid, reading.units);
     const pid_value value = read_pid_value(reply.trimmed(), reading.units);
-    const double number = standard_number(value, unit);
+    const quantity* number = drawn_quantity(value, unit);
     const sample_reading own{reading.units, reading.boost_reference_kpa, false};
-    if (std::isnan(number)) // one that lacks data, or a state, whose number says nothing in either reading
+    if (!number) // one that lacks data, or a state, whose number says nothing in either reading
         return value.states.isEmpty() && !value.is_undefined;
     QString own_unit = sampled_unit(pid, own).trimmed();
     if (own_unit == not_available)
@@ -73,7 +73,7 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
     else if (own_unit == QLatin1String("kph"))
         own_unit = QStringLiteral("km/h");
     const QString shown = with_decimals(sampled_number(reply, own, lists), 6) + u' ' + own_unit;
-    return !says_the_same(shown, pid_value{{{QString(), number, 6, unit}}, {}, {}, false});
+    return !says_the_same(shown, pid_value{{*number}, {}, {}, false});
 }
 
 QString sampled_pid(const QString& item) {

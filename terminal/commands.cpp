@@ -20,8 +20,7 @@ QString ecu_name(readCodes& controller, const QString& header) {
     return name.isEmpty() ? header : name;
 }
 
-// --- link-info
-// -----------------------------------------------------------------------------------------------
+// --- link-info ----------------------------------------------------------------------------------------
 
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
@@ -46,8 +45,7 @@ QString link_info_text(readCodes& controller) {
     return text;
 }
 
-// --- read-codes
-// ----------------------------------------------------------------------------------------------
+// --- read-codes ---------------------------------------------------------------------------------------
 
 struct code_row {
     QString code;
@@ -111,8 +109,7 @@ QString read_codes_text(readCodes& controller) {
     return text;
 }
 
-// --- clear-codes
-// ---------------------------------------------------------------------------------------------
+// --- clear-codes --------------------------------------------------------------------------------------
 
 QJsonObject clear_codes_json(readCodes& controller) {
     return {{"interface", state_of(controller).interface_description},

@@ -24,7 +24,6 @@ constexpr int digits = 10;
 
 void print(FILE* stream, const QString& text) {
     std::fputs(text.toUtf8().constData(), stream);
-    std::fflush(stream);
 }
 
 // What a database from elsewhere holds must not steer the terminal.
@@ -131,15 +130,6 @@ QString logs_run::wrong_words(const QStringList& words, bool yes) {
 }
 
 void logs_run::start() {
-    signals_ = std::make_unique<stop_signals>([this] {
-        if (exporting)
-            exporting->stop();
-        end(deletion ? QStringLiteral("Stopped: %1 of %2 logs are deleted")
-                           .arg(deletion->deleted())
-                           .arg(deletion->asked())
-                     : QStringLiteral("Stopped"),
-            false);
-    });
     if (!core.db.init_DB())
         return end(core.db.problem(), false);
     const QString& what = core.options.arguments.first();
@@ -182,10 +172,24 @@ void logs_run::list() {
     end(read ? QString() : core.db.problem(), read);
 }
 
+// For what changes something, and goes on in slices. A log that is only shown may be broken off anywhere.
+void logs_run::end_in_order() {
+    signals_ = std::make_unique<stop_signals>([this] {
+        if (exporting)
+            exporting->stop();
+        end(deletion ? QStringLiteral("Stopped: %1 of %2 logs are deleted")
+                           .arg(deletion->deleted())
+                           .arg(deletion->asked())
+                     : QStringLiteral("Stopped"),
+            false);
+    });
+}
+
 // A chunk at a time: a run may be longer than the memory.
 bool logs_run::each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take) {
-    return core.db.for_each_row(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
-                                take);
+    return core.db.for_each_row(
+        QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
+        [&take](const QStringList& row) { return take(row) && std::ferror(stdout) == 0; });
 }
 
 QStringList logs_run::columns_of(int log_id) {
@@ -256,6 +260,7 @@ void logs_run::show_as_json(const log_header& log) {
 }
 
 void logs_run::ask_deletion(const QList<log_header>& logs) {
+    end_in_order();
     QList<int> ids;
     QString names;
     for (const log_header& log : logs) {
@@ -286,6 +291,7 @@ void logs_run::next_deletion() {
 }
 
 void logs_run::begin_export(int log_id) {
+    end_in_order();
     exporting = std::make_unique<log_export>(
         core.db, lists,
         export_settings{.documents = core.paths.documents,
@@ -324,7 +330,10 @@ void logs_run::next_slice() {
 
 void logs_run::end(const QString& sentence, bool done) {
     slice.reset();
+    const bool is_printed = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     if (!sentence.isEmpty())
         print(stderr, sentence + u'\n');
-    Q_EMIT finished(done ? 0 : 1);
+    if (!is_printed)
+        print(stderr, QStringLiteral("The output cannot be written.\n"));
+    Q_EMIT finished(done && is_printed ? 0 : 1);
 }

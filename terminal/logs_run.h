@@ -31,6 +31,7 @@ private:
     void show_text(int log_id);
     void show_samples(int log_id);
     void show_as_json(const log_header& log);
+    void end_in_order();
     bool each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take);
     // The PIDs of a run's columns.
     QStringList columns_of(int log_id);

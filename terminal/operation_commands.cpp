@@ -15,8 +15,7 @@ QJsonObject with_link(readCodes& controller, QJsonObject object) {
     return object;
 }
 
-// --- pending
-// -------------------------------------------------------------------------------------------------
+// --- pending ------------------------------------------------------------------------------------------
 
 // "Engine RPM: 1726.00 RPM" taken apart at its first ": ".
 std::pair<QString, QString> label_and_value(const QString& row) {
@@ -60,8 +59,7 @@ QString pending_text(readCodes& controller) {
            });
 }
 
-// --- vehicle-info
-// --------------------------------------------------------------------------------------------
+// --- vehicle-info -------------------------------------------------------------------------------------
 
 QJsonObject vehicle_rows_json(const QStringList& rows) {
     QJsonObject object;
@@ -107,8 +105,7 @@ QString vehicle_info_text(readCodes& controller) {
     });
 }
 
-// --- test results
-// --------------------------------------------------------------------------------------------
+// --- test results -------------------------------------------------------------------------------------
 
 QJsonObject test_as_json(const QString& row) {
     const mode6_row test = split_mode6_row(row);
@@ -153,8 +150,7 @@ QString tests_text(readCodes& controller, result_list list) {
     });
 }
 
-// --- extras and the report
-// -----------------------------------------------------------------------------------
+// --- extras and the report ----------------------------------------------------------------------------
 
 QJsonObject extras_json(readCodes& controller) {
     QJsonArray extras;

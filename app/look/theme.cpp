@@ -133,6 +133,7 @@ QTabBar::tab { background: transparent; color: {muted}; border: none; border-bot
 QTabBar::tab:selected { color: {text}; border-bottom-color: {accent}; font-weight: 600; }
 QTabBar::tab:focus { color: {accent}; border-bottom-color: {text}; }
 
+QAbstractScrollArea::corner { background: transparent; border: none; }
 QScrollBar:vertical { background: transparent; width: 12px; margin: 2px; }
 QScrollBar:horizontal { background: transparent; height: 12px; margin: 2px; }
 QScrollBar::handle { background: {field_edge}; border-radius: 4px; min-height: 32px; min-width: 32px; }

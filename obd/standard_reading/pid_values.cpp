@@ -140,7 +140,8 @@ void take_monitors(int pid, const QByteArray& data, pid_value& value) {
     }
     if (pid == since_cleared) {
         value.states.append(status.mil ? QStringLiteral("MIL on") : QStringLiteral("MIL off"));
-        value.states.append(QStringLiteral("%1 codes").arg(status.codes));
+        value.states.append(status.codes == 1 ? QStringLiteral("1 code")
+                                              : QStringLiteral("%1 codes").arg(status.codes));
     }
     for (const monitor& m : status.monitors)
         if (m.supported)

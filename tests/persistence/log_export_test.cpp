@@ -164,6 +164,7 @@ TEST(sampled_value, tells_where_the_readings_differ) {
         {"410D3C", false, false}, {"410C1AF8", false, false}, {"41142080", false, false},
         {"41057B", false, false}, {"41101234", false, false}, {"410B40", false, false},
         {"41422E7C", true, true}, {"41310599", true, true},   {"411F0E8D", true, true}, // whole hours alone
+        {"414506", false, false}, {"410B06", false, false},   {"414206A4", true, true}, // 2.4 % is 2.353 %
         {"413364", false, true}, // "in.Hg" beside a number in psi
         {"410C1A", true, true},   {"411C06", false, false},   {"41E565", false, false},
         {"~", false, false},      {"NODATA", false, false},   {"", false, false}};

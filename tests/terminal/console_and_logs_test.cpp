@@ -78,6 +78,11 @@ TEST(logs, are_shown_and_deleted) {
     EXPECT_EQ(as_json.status(), 0);
     EXPECT_EQ(as_json.json()["type"].toString(), "Misfire");
     EXPECT_EQ(as_json.json()["lines"].toArray().size(), 2);
+    QProcess to_full_disk;
+    to_full_disk.setStandardOutputFile("/dev/full");
+    to_full_disk.start(BV_CLI, {"--profile", folder.path(), "logs", "show", "1"});
+    ASSERT_TRUE(to_full_disk.waitForFinished());
+    EXPECT_EQ(to_full_disk.exitCode(), 1) << "what was not printed was not shown";
 
     EXPECT_EQ(cli_process(in_folder({"--yes", "logs", "delete", "1", "9"})).status(), 1);
     EXPECT_EQ(cli_process(in_folder({"logs", "show", "1"})).status(), 0) << "nothing was deleted";
