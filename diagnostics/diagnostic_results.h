@@ -27,10 +27,11 @@ struct diagnostic_results {
     QStringList xtraInfoArray;                // facts about the read
     QString cur_err_msg;                      // "Read on: ..." of the last read
 
-    QStringList pendingArray; // "P0133|7E8"
-    QStringList freezeArray;  // "Freezed by: P0133| ...", then "Engine RPM: 1726.00 RPM" ...
-    QStringList vehInfoArray; // see work_out_vehicle_info
-    QStringList mode6Array;   // test results: see mode6_records.h
+    QStringList pendingArray;     // "P0133|7E8"
+    bool pending_received = true; // false: some or all ECUs' pending codes did not come
+    QStringList freezeArray;      // "Freezed by: P0133| ...", then "Engine RPM: 1726.00 RPM" ...
+    QStringList vehInfoArray;     // see work_out_vehicle_info
+    QStringList mode6Array;       // test results: see mode6_records.h
     QStringList misfireArray;
     QStringList o2XtraArray;
     QStringList xtrasArray;       // "label:| value |"

@@ -68,6 +68,7 @@ void readCodes::start_with_empty_list(operation code, const QString& status, QSt
 void readCodes::forget_pending() {
     results_.kept.remove(result_list::freeze);
     results_.kept.remove(result_list::pending);
+    results_.pending_received = true;
     results_.freezeArray.clear();
     context.view.reload(QStringLiteral("freeze"));
 }

@@ -71,6 +71,8 @@ QString trouble_codes(const diagnostic_results& results, const describer& descri
         const QString code = row.section(u'|', 0, 0);
         pending += fill(QStringLiteral("%@ - %@"), {code, describe(code)});
     }
+    if (!results.pending_received)
+        pending += QStringLiteral("Failed to receive the Pending error codes");
     text += pending.join(u'\n');
     text += QStringLiteral("\n\n....... Freeze Data .......\n");
     for (const QString& row : results.freezeArray)

@@ -63,9 +63,9 @@ void work_out_pending_freeze::monitor_status_answered(const QString& reply) {
 }
 
 void work_out_pending_freeze::pending_codes_answered(const QString& reply) {
-    pending_received = reply != no_reply && list_pending(reply);
+    results.pending_received = reply != no_reply && list_pending(reply);
     car_answered |= !has_no_data(reply);
-    show(pending_received ? "Codes read!. Scroll for full description" : pending_not_received);
+    show(results.pending_received ? "Codes read!. Scroll for full description" : pending_not_received);
     results.kept[result_list::pending] = {{QStringLiteral("07"), reply_to_keep(reply, context.link),
                                            form_of(state), QString(), 0, results.pendingArray.size()}};
     context.view.reload(QStringLiteral("pending"));
@@ -223,12 +223,13 @@ void work_out_pending_freeze::add_freeze_item(const QString& reply, const QStrin
 void work_out_pending_freeze::finish() {
     context.view.reload(QStringLiteral("pending"));
     context.view.reload(QStringLiteral("freeze"));
+    if (car_answered)
+        host.write_report();
     // Neither says that there are no codes.
-    if (!pending_received)
+    if (!results.pending_received)
         return leave(QLatin1String(pending_not_received));
     if (!car_answered)
         throw step_failure(no_ecu_answers);
-    host.write_report();
     context.view.play_sound(sound_done);
     host.task_done();
 }

@@ -36,7 +36,6 @@ private:
     diagnostic_results& results;
     int no_data_retries = 0;
     bool car_answered = false;
-    bool pending_received = false;
     QString freezing_code;
     unsigned group = 0;    // the map of parameters asked for: 00, 20, 40 ...
     obd_groups parameters; // the frame's parameters by ECU
