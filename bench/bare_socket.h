@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bench/round_counter.h"
+#include "shell/launch_options.h"
 
 #include <QByteArrayList>
 #include <QProcess>
@@ -47,6 +48,16 @@ private:
     qsizetype place = 0;
     round_counter counter;
 };
+
+// What a program is started with that talks to the adapter at `port` and keeps its files below `profile`.
+inline launch_options options_for(quint16 port, const QString& profile) {
+    launch_options options;
+    options.link = launch_options::link_choice::wifi;
+    options.wifi_host = QStringLiteral("127.0.0.1");
+    options.wifi_port = QString::number(port);
+    options.profile = profile;
+    return options;
+}
 
 // Its port. `adapter` is killed by its owner.
 inline quint16 start_adapter(QProcess& adapter) {

@@ -5,6 +5,7 @@
 #include "app/logs/plots_popup.h"
 #include "app/main_window.h"
 #include "base/console_log.h"
+#include "bench/round_counter.h"
 #include "logs/log_texts.h"
 
 #include <QApplication>
@@ -24,17 +25,20 @@ constexpr std::array logs_in_list{100, 100'000};
 constexpr int lines_of_run = 10;
 constexpr std::array sweeps_in_run{1'000, 100'000, 1'000'000};
 
-[[noreturn]] void give_up(const char* what) {
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
+void run_sql(const database& store, const QString& sql) {
+    sqlite3* db = nullptr;
+    if (sqlite3_open(store.path().toUtf8().constData(), &db) != SQLITE_OK)
+        give_up("the database cannot be opened");
+    char* why = nullptr;
+    if (sqlite3_exec(db, sql.toUtf8().constData(), nullptr, nullptr, &why) != SQLITE_OK)
+        give_up(why);
+    sqlite3_close(db);
 }
 
 // Logs of every kind in turn, a second apart, each with a few lines.
 void store_logs(const database& store, int count) {
-    sqlite3* db = nullptr;
-    if (sqlite3_open(store.path().toUtf8().constData(), &db) != SQLITE_OK)
-        give_up("the database cannot be opened");
-    const QByteArray sql =
+    run_sql(
+        store,
         QStringLiteral(
             "BEGIN; DELETE FROM LOGGIES; DELETE FROM LOGGIES_DATA;"
             "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) INSERT INTO "
@@ -44,12 +48,7 @@ void store_logs(const database& store, int count) {
             "LOGGIES_DATA SELECT i / %2, '410D30,411180,410C1AF8,41057B', i % %2, "
             "datetime(1360000000 + i, 'unixepoch'), '' FROM n; COMMIT")
             .arg(count)
-            .arg(lines_of_run)
-            .toUtf8();
-    char* why = nullptr;
-    if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &why) != SQLITE_OK)
-        give_up(why);
-    sqlite3_close(db);
+            .arg(lines_of_run));
 }
 
 double ms_of(const QElapsedTimer& timer) {
@@ -82,10 +81,8 @@ void open_list(main_window& window, int count, const char* which) {
 
 // A drive of four PIDs with noise, so that no two neighbours are alike.
 void store_run(const database& store, int sweeps) {
-    sqlite3* db = nullptr;
-    if (sqlite3_open(store.path().toUtf8().constData(), &db) != SQLITE_OK)
-        give_up("the database cannot be opened");
-    const QByteArray sql =
+    run_sql(
+        store,
         QStringLiteral(
             "BEGIN; DELETE FROM LOGGIES; DELETE FROM LOGGIES_DATA;"
             "INSERT INTO LOGGIES VALUES (1, 1, 'Log', '%1 Sample points', datetime(1360000000, 'unixepoch'));"
@@ -95,12 +92,7 @@ void store_run(const database& store, int sweeps) {
             "(i / 50 + random() % 40) & 255, (i / 3 + random() % 900) & 16383, 60 + (i / 5000) % 80), i, "
             "datetime(1360000000 + i / 14, 'unixepoch'), '' FROM n; COMMIT")
             .arg(sweeps)
-            .replace(QLatin1String("%%"), QLatin1String("%"))
-            .toUtf8();
-    char* why = nullptr;
-    if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &why) != SQLITE_OK)
-        give_up(why);
-    sqlite3_close(db);
+            .replace(QLatin1String("%%"), QLatin1String("%")));
 }
 
 double processor_ms() {

@@ -83,13 +83,8 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QTemporaryDir profile;
     QProcess adapter;
-    launch_options options;
-    options.link = launch_options::link_choice::wifi;
-    options.wifi_host = QStringLiteral("127.0.0.1");
     const quint16 port = start_adapter(adapter);
-    options.wifi_port = QString::number(port);
-    options.profile = profile.path();
-    program_core core(options);
+    program_core core(options_for(port, profile.path()));
     core.choose_link();
     redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
 

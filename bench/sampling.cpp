@@ -162,13 +162,8 @@ int main(int argc, char** argv) {
     // Beside the program, since /tmp may be in memory: what storing waits for is the disk.
     const QTemporaryDir profile(QCoreApplication::applicationDirPath() + QStringLiteral("/profile-XXXXXX"));
     QProcess adapter;
-    launch_options options;
-    options.link = launch_options::link_choice::wifi;
-    options.wifi_host = QStringLiteral("127.0.0.1");
     const quint16 port = start_adapter(adapter);
-    options.wifi_port = QString::number(port);
-    options.profile = profile.path();
-    program_core core(options);
+    program_core core(options_for(port, profile.path()));
     core.choose_link();
     redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
     if (!core.db.init_DB())
@@ -191,8 +186,7 @@ int main(int argc, char** argv) {
     }
     bare_socket bare(port, asked_for);
     const QTemporaryDir window_profile;
-    options.profile = window_profile.path();
-    window_program in_window(options);
+    window_program in_window(options_for(port, window_profile.path()));
     std::vector<double> with_program, with_window, with_storing, without, ratios, window_ratios,
         storing_ratios;
     run.run(), in_window.run(), bare.run(); // warm

@@ -134,10 +134,7 @@ void readCodes::start_operation(operation code, const QString& status, next_oper
     results_.car_offers_none = false;
     context.view.reload(QStringLiteral("progress"));
     cur_reply_cp.clear();
-    state.cur_op = code;
-    state.cur_task = code;
-    state.cur_step = 0;
-    state.no_confirm_count = 0;
+    context.begin(code);
     if (code == op_read_codes) {
         results_.codesReadArray.clear();
         context.view.reload(QStringLiteral("codes"));
@@ -146,8 +143,7 @@ void readCodes::start_operation(operation code, const QString& status, next_oper
         log.work_out_log_file(code, state.log_runs, context.toolies.units() == unit_system::metric);
     set_status_msg(status);
     context.view.show_busy(true);
-    if (context.link.openInterfaceConnection())
-        context.link.l_work_current_task(QString()); // else the link starts it when it is open
+    context.start();
 }
 
 void readCodes::stop() {

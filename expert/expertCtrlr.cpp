@@ -99,10 +99,7 @@ void expertCtrlr::start_operation() {
     has_asked = true;
     running = true;
     done = false;
-    state.cur_op = op_expert;
-    state.cur_task = op_expert;
-    state.cur_step = 0;
-    state.no_confirm_count = 0;
+    context.begin(op_expert);
     context.view.show_busy(true);
     context.view.reload(QStringLiteral("operation"));
     if (!context.link.openInterfaceConnection())

@@ -209,17 +209,13 @@ void actions::run_a_log() {
     sampling = sampling_run();
     sampling.keep_logging = true;
     cur_reply_cp.clear();
-    state.cur_op = results_.mode;
-    state.cur_task = results_.mode;
-    state.cur_step = 0;
-    state.no_confirm_count = 0;
+    context.begin(results_.mode);
     results_.times.run_begins();
     watching->run_started();
     set_status_msg(QStringLiteral("Starting run log"));
     busy = true;
     context.view.show_busy(true);
-    if (context.link.openInterfaceConnection())
-        context.link.l_work_current_task(QString()); // else the link starts it when it is open
+    context.start();
 }
 
 void actions::stop() {
