@@ -1,7 +1,6 @@
 #include "base/string_table.h"
 #include "tests/diagnostics/diagnostic_bench.h"
 
-#include <QDir>
 #include <gtest/gtest.h>
 
 // Whole operations: the commands sent, what the screen showed, the rows and what was stored, checked
@@ -11,10 +10,6 @@
 namespace {
 
 const QString folder = QStringLiteral(BV_TEST_DATA "/conversations/");
-
-QStringList files_in(const QString& path) {
-    return QDir(path).entryList({"*.txt"}, QDir::Files, QDir::Name);
-}
 
 QString played(const conversation& talk, delivery pace = delivery::whole) {
     diagnostic_bench bench;
@@ -45,8 +40,8 @@ conversation cut(const conversation& talk, qsizetype command, const QString& end
 } // namespace
 
 TEST(conversations, happen_as_written_however_the_text_is_cut) {
-    const QStringList clean = files_in(folder);
-    const QStringList refusals = files_in(folder + "refusals");
+    const QStringList clean = conversations_in(folder);
+    const QStringList refusals = conversations_in(folder + "refusals");
     ASSERT_GT(clean.size(), 20);
     ASSERT_GT(refusals.size(), 15);
     QStringList files = clean;
@@ -67,7 +62,7 @@ TEST(conversations, survive_trouble_at_every_command) {
         {disturbance::late_glued, "late reply glued to the next"},
         {disturbance::noise, "noise"},
     }};
-    for (const QString& file : files_in(folder)) {
+    for (const QString& file : conversations_in(folder)) {
         const conversation talk = conversation::load(folder + file);
         for (const qsizetype command : talk.commands()) {
             for (const auto& [trouble, name] : troubles) {
@@ -83,7 +78,7 @@ TEST(conversations, survive_trouble_at_every_command) {
 }
 
 TEST(conversations, end_quietly_when_the_person_stops) {
-    for (const QString& file : files_in(folder)) {
+    for (const QString& file : conversations_in(folder)) {
         const conversation talk = conversation::load(folder + file);
         for (const qsizetype command : talk.commands()) {
             diagnostic_bench bench;
@@ -99,7 +94,7 @@ TEST(conversations, end_quietly_when_the_person_stops) {
 
 // Whatever was stored can be shown, and the same controller starts again from the reset.
 TEST(conversations, begin_anew_after_the_link_was_lost_at_any_command) {
-    for (const QString& file : files_in(folder)) {
+    for (const QString& file : conversations_in(folder)) {
         const conversation talk = conversation::load(folder + file);
         for (const qsizetype command : talk.commands()) {
             diagnostic_bench bench;
@@ -118,7 +113,7 @@ TEST(conversations, begin_anew_after_the_link_was_lost_at_any_command) {
 }
 
 TEST(conversations, end_at_the_fifth_time_out_and_tell_why) {
-    for (const QString& file : files_in(folder)) {
+    for (const QString& file : conversations_in(folder)) {
         const conversation talk = conversation::load(folder + file);
         diagnostic_bench bench;
         conversation silent;

@@ -1,6 +1,5 @@
 #include "tests/livedata/live_bench.h"
 
-#include <QDir>
 #include <gtest/gtest.h>
 
 // Whole sampling runs: the commands sent, what the screen showed, the matrix and the stored lines, checked
@@ -10,10 +9,6 @@ namespace {
 
 const QString folder = QStringLiteral(BV_TEST_DATA "/conversations/");
 
-QStringList files_in(const QString& path) {
-    return QDir(path).entryList({"*.txt"}, QDir::Files, QDir::Name);
-}
-
 QString played(const conversation& talk, delivery pace = delivery::whole) {
     live_bench bench;
     return play(talk, bench, pace);
@@ -22,8 +17,8 @@ QString played(const conversation& talk, delivery pace = delivery::whole) {
 } // namespace
 
 TEST(live_conversations, happen_as_written_however_the_text_is_cut) {
-    QStringList files = files_in(folder);
-    const QStringList refusals = files_in(folder + "refusals");
+    QStringList files = conversations_in(folder);
+    const QStringList refusals = conversations_in(folder + "refusals");
     ASSERT_GT(files.size(), 7);
     ASSERT_GT(refusals.size(), 3);
     for (const QString& file : refusals)

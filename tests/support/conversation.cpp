@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -138,6 +139,10 @@ private:
 };
 
 } // namespace
+
+QStringList conversations_in(const QString& folder) {
+    return QDir(folder).entryList({"*.txt"}, QDir::Files, QDir::Name);
+}
 
 conversation conversation::load(const QString& file) {
     QFile opened(file);

@@ -39,6 +39,9 @@ struct conversation {
     QList<step> reply_to(qsizetype command) const;
 };
 
+// The names of the conversations in a folder, in order.
+QStringList conversations_in(const QString& folder);
+
 enum class delivery { whole, byte_by_byte };
 
 // Plays the conversation. The first thing that differs, with its place; "" when nothing does.
