@@ -20,22 +20,25 @@ if(BV_FUZZ)
     target_link_options(bv_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
-# bv_library(name DEPS...): the static library of the current folder.
+# bv_library(name SOURCES files... LINKS libraries...): the static library of the current folder. A header stands in the
+# list only when it has Q_OBJECT and no .cpp of its name. tools/check_floors tells of a .cpp that no list names.
 function(bv_library name)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
-    add_library(${name} STATIC ${sources})
-    target_link_libraries(${name} PUBLIC bv_flags ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS")
+    add_library(${name} STATIC ${its_SOURCES})
+    target_link_libraries(${name} PUBLIC bv_flags ${its_LINKS})
 endfunction()
 
-# bv_test(folder DEPS...): the test program of tests/<folder>, which links only that folder's floor.
+# bv_test(folder SOURCES files... LINKS libraries...): the test program of tests/<folder>, which links only that
+# folder's floor.
 function(bv_test folder)
+    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS")
     if(NOT TARGET GTest::gtest_main)
         find_package(GTest REQUIRED)
     endif()
     string(REPLACE "/" "_" name ${folder})
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
-    add_executable(${name}_tests ${sources})
-    target_link_libraries(${name}_tests PRIVATE ${ARGN} bv_flags GTest::gtest_main)
+    list(TRANSFORM its_SOURCES PREPEND ${CMAKE_SOURCE_DIR}/tests/${folder}/)
+    add_executable(${name}_tests ${its_SOURCES})
+    target_link_libraries(${name}_tests PRIVATE ${its_LINKS} bv_flags GTest::gtest_main)
     target_compile_definitions(${name}_tests PRIVATE BV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/${folder}")
     add_test(NAME ${name} COMMAND ${name}_tests)
     set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
