@@ -34,7 +34,6 @@ struct process_state {
     int cmd_timeout_secs = 3;    // seconds allowed for the command in flight
     int timeout_retry_count = 0; // time-outs of the current command so far
     int no_confirm_count = 0;    // consecutive replies that failed the reply check
-    int reply_pending = 0;       // 1 while task code waits for a reply
     int warn_no_reply = 1;       // 1: the retries-exhausted box may be shown, -1: it was, or is suppressed
     obd_messages obd_msgs;       // the messages of the last reply, by ECU
 
@@ -64,11 +63,8 @@ struct process_state {
     obd_groups available_pids; // supported PIDs of each ECU
     QStringList sample_pids;   // the PIDs of a sampling run, "0C|7E8"
     int boost_reference_kpa = 101;
-    bool vehicles_changed = false; // a vehicle was deleted in this run
 
     // Settings that are asked for often
     bool metric_units = false;
     bool log_runs = false;
-
-    bool window_has_focus = false;
 };

@@ -40,7 +40,6 @@ void connect_2_interface::work_step(int step, const QString& reply) {
 }
 
 void connect_2_interface::reset_adapter() {
-    state.reply_pending = 1;
     state.cur_protocol = -1;
     protocol_was_refused = false;
     fixed_protocol_rounds = 0;
@@ -52,7 +51,6 @@ bool connect_2_interface::is_reset_wanted() const {
 
 void connect_2_interface::echo_is_off() {
     show("Got a ECHO off from ELM chip");
-    state.reply_pending = 1;
 }
 
 void connect_2_interface::keep_interface(const QString& reply) {

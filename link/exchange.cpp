@@ -109,7 +109,6 @@ void exchange::reset() {
     abandon();
     state.rx_accum.clear();
     state.rx_reply.clear();
-    state.reply_pending = 0;
     cur_cmd.clear();
     on_the_way.clear();
 }
@@ -148,7 +147,6 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     stop_timer();
     is_held_back = false;
     const int timeouts = std::exchange(state.timeout_retry_count, 0);
-    state.reply_pending = 0;
     const QString raw = cut_reply(bytes, prompt);
     if (!in_flight && state.cur_op != op_expert) { // its operation is over
         const QString reply = prepReply(raw);

@@ -84,7 +84,6 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
     pick_current_vehicle();
     if (area)
         area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));
-    state.reply_pending = 0;
     state.tcpConnectReady = false;
     if (area)
         do_actions();
@@ -156,7 +155,6 @@ void Bv_lite_delegate::handly() {
 
 void Bv_lite_delegate::handly3() {
     console_log(QStringLiteral("key 333 here called from handly"));
-    state.window_has_focus = true;
     if (area && shown == screen_kind::diagnostics)
         area->regain_focus();
 }
@@ -164,7 +162,6 @@ void Bv_lite_delegate::handly3() {
 void Bv_lite_delegate::handly2() {
     console_log(QStringLiteral("get it: NSWindowDidResignKeyNotification"));
     focus_check.reset();
-    state.window_has_focus = false;
 }
 
 void Bv_lite_delegate::handleQuitEvent() {

@@ -64,7 +64,6 @@ QString vehicle_list::deleteCar(int veh_id) {
     const QList<vehicle> left = load_vehicles();
     if (std::any_of(left.begin(), left.end(), has_id))
         return problem;
-    state.vehicles_changed = true;
     defaults.remove(sample_set_key(veh_id));
     const QString not_kept =
         is_current(veh_id) && !left.isEmpty() ? make_current(left.first().id) : QString();

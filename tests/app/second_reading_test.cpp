@@ -52,7 +52,6 @@ TEST(second_reading_view, swaps_the_codes_without_asking_the_car) {
     EXPECT_EQ(car.codes(), all_codes);
     EXPECT_TRUE(car.line().endsWith(own.join(QStringLiteral(", "))));
     EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
-    EXPECT_EQ(car.core.state.reply_pending, 0);
     EXPECT_EQ(car.core.state.rx_reply.size(), sent);
     EXPECT_TRUE(car.core.defaults.boolean(QStringLiteral("BV_standard_reading"), false));
     car.standard_reading().click();
