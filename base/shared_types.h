@@ -25,6 +25,13 @@ struct obd_group {
 using obd_messages = QList<obd_message>;
 using obd_groups = QList<obd_group>;
 
+// A reply as it came and how the adapter showed it: what either reading takes apart in its own way.
+struct raw_reply {
+    QString text;
+    int protocol = -1; // the adapter's number from "AT DPN", -1 while unknown
+    bool headers_shown = false;
+};
+
 enum class unit_system { metric, imperial };
 
 // The reply that stands for the absence of a usable reply, and the text of a value that is not available.

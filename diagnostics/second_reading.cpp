@@ -70,7 +70,7 @@ std::optional<pid_value> value_in(const kept_reply& kept, int service, const mac
     constexpr int freeze_frame = 2;
     const int pid = kept.request.mid(2, 2).toInt(nullptr, 16);
     const qsizetype data_at = service == freeze_frame ? 3 : 2; // behind the frame's number
-    const auto answers = answers_to(service, kept.reply, kept.form);
+    const auto answers = answers_to(service, kept.raw());
     const auto is_it = [&](const QByteArray& data) {
         return data.size() >= 2 && static_cast<unsigned char>(data.at(1)) == pid;
     };
@@ -158,7 +158,7 @@ void second_reading::read(const kept_reply& kept) {
 
 void second_reading::read_codes(const kept_reply& kept) {
     const int service = kept.request.toInt(nullptr, 16);
-    const QList<ecu_codes> answers = read_trouble_codes(service, kept.reply, kept.form);
+    const QList<ecu_codes> answers = read_trouble_codes(service, kept.raw());
     QStringList rows;
     for (const ecu_codes& ecu : answers) {
         for (const QString& code : ecu.codes)
@@ -178,7 +178,7 @@ void second_reading::read_codes(const kept_reply& kept) {
 }
 
 void second_reading::read_vin(const kept_reply& kept) {
-    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, kept.reply, kept.form);
+    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, kept.raw());
     const ecu_info* info =
         answer_of(answers, kept, toolies, [](const ecu_info& one) { return !one.items.isEmpty(); });
     const QString own_vin = own.at(kept.row).section(u':', 1).trimmed();

@@ -1,6 +1,7 @@
 #include "diagnostics/second_status.h"
 
 #include "base/string_table.h"
+#include "obd/standard_reading/ecu_answers.h"
 #include "obd/toolkit/mac_toolies.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ template <class function>
 void for_each_status(const kept_reply& kept, int pid, function take) {
     constexpr int current_data = 0x01;
     constexpr qsizetype data_at = 2; // behind service and PID
-    for (const ecu_answer& answer : answers_to(current_data, kept.reply, kept.form))
+    for (const ecu_answer& answer : answers_to(current_data, kept.raw()))
         for (const QByteArray& data : answer.messages)
             if (data.size() > data_at && data.at(1) == static_cast<char>(pid))
                 take(answer.ecu, read_monitor_status(data.mid(data_at)));

@@ -131,13 +131,13 @@ QString trouble_code_name(int first_byte, int second_byte) {
         .toUpper();
 }
 
-QList<ecu_codes> read_trouble_codes(int service, const QString& reply, reply_form form) {
+QList<ecu_codes> read_trouble_codes(int service, const raw_reply& reply) {
     QList<ecu_codes> result;
-    for (const ecu_answer& answer : answers_to(service, reply, form)) {
+    for (const ecu_answer& answer : answers_to(service, reply)) {
         ecu_codes codes{answer.ecu, {}, answer.fault};
         for (const QByteArray& data : answer.messages) {
-            const QString fault = is_iso_15765(form.protocol) ? take_counted_codes(data, codes.codes)
-                                                              : take_uncounted_codes(data, codes.codes);
+            const QString fault = is_iso_15765(reply.protocol) ? take_counted_codes(data, codes.codes)
+                                                               : take_uncounted_codes(data, codes.codes);
             if (!fault.isEmpty())
                 codes.fault = fault;
         }
@@ -146,9 +146,9 @@ QList<ecu_codes> read_trouble_codes(int service, const QString& reply, reply_for
     return result;
 }
 
-QList<ecu_info> read_vehicle_info(info_type type, const QString& reply, reply_form form) {
+QList<ecu_info> read_vehicle_info(info_type type, const raw_reply& reply) {
     QList<ecu_info> result;
-    for (const ecu_answer& answer : answers_to(0x09, reply, form)) {
+    for (const ecu_answer& answer : answers_to(0x09, reply)) {
         ecu_info info{answer.ecu, {}, answer.fault};
         QList<QByteArray> messages = answer.messages;
         messages.removeIf([type](const QByteArray& data) {
@@ -156,7 +156,7 @@ QList<ecu_info> read_vehicle_info(info_type type, const QString& reply, reply_fo
         });
         if (messages.isEmpty() && info.fault.isEmpty())
             continue;
-        if (!is_iso_15765(form.protocol))
+        if (!is_iso_15765(reply.protocol))
             items_of_messages(messages, type, info);
         else // several ones without headers
             for (const QByteArray& message : messages)

@@ -13,7 +13,7 @@ struct ecu_codes {
     bool operator==(const ecu_codes&) const = default;
 };
 // The codes of services 03 (confirmed), 07 (pending) and 0A (permanent), one element an ECU that answered.
-QList<ecu_codes> read_trouble_codes(int service, const QString& reply, reply_form form);
+QList<ecu_codes> read_trouble_codes(int service, const raw_reply& reply);
 
 // The two bytes of a code as its name.
 QString trouble_code_name(int first_byte, int second_byte);
@@ -28,4 +28,4 @@ struct ecu_info {
 };
 // The texts of service 09, one element an ECU that answered. An item that was never programmed (all FF) or
 // holds bytes that are no text is a fault.
-QList<ecu_info> read_vehicle_info(info_type type, const QString& reply, reply_form form);
+QList<ecu_info> read_vehicle_info(info_type type, const raw_reply& reply);

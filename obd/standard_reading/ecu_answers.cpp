@@ -250,16 +250,16 @@ ecu_message legacy_message(const QString& header, const QByteArray& bytes, int p
     return {header, bytes.mid(from, length), {}};
 }
 
-QList<ecu_message> legacy(const QList<line>& lines, reply_form form) {
+QList<ecu_message> legacy(const QList<line>& lines, const raw_reply& reply) {
     QList<ecu_message> messages;
     for (const line& l : lines) {
-        const QString header = form.headers_shown ? l.text.left(6).toUpper() : QString();
+        const QString header = reply.headers_shown ? l.text.left(6).toUpper() : QString();
         if (!l.fault.isEmpty())
             messages.append({header, {}, l.fault});
         else if (l.text.size() % 2 != 0 || l.text.contains(u':'))
             messages.append({header, {}, cut_short});
-        else if (form.headers_shown)
-            messages.append(legacy_message(header, QByteArray::fromHex(l.text.toLatin1()), form.protocol));
+        else if (reply.headers_shown)
+            messages.append(legacy_message(header, QByteArray::fromHex(l.text.toLatin1()), reply.protocol));
         else
             messages.append({header, QByteArray::fromHex(l.text.toLatin1()), {}});
     }
@@ -301,22 +301,22 @@ QString ecu_identity(const QString& header, int protocol) {
     return QString::number(header.left(2).toInt(nullptr, 16) & address_mode, 16) + header.mid(2);
 }
 
-QList<ecu_message> ecu_messages(const QString& reply, reply_form form) {
-    const qsizetype header = header_characters(form.protocol);
+QList<ecu_message> ecu_messages(const raw_reply& reply) {
+    const qsizetype header = header_characters(reply.protocol);
     if (header == 0)
         return {};
-    const QList<line> lines = lines_of(reply);
-    if (!is_iso_15765(form.protocol))
-        return legacy(lines, form);
-    return form.headers_shown ? can_with_headers(lines, header) : can_without_headers(lines);
+    const QList<line> lines = lines_of(reply.text);
+    if (!is_iso_15765(reply.protocol))
+        return legacy(lines, reply);
+    return reply.headers_shown ? can_with_headers(lines, header) : can_without_headers(lines);
 }
 
-QList<ecu_answer> answers_to(int service, const QString& reply, reply_form form) {
+QList<ecu_answer> answers_to(int service, const raw_reply& reply) {
     constexpr int negative = 0x7F;
     constexpr int pending = 0x78;
     constexpr int positive_offset = 0x40;
     QList<ecu_answer> answers;
-    for (const ecu_message& message : ecu_messages(reply, form)) {
+    for (const ecu_message& message : ecu_messages(reply)) {
         const bool has_data = !message.data.isEmpty();
         const int first = has_data ? byte_at(message.data, 0) : -1;
         const bool refused =
@@ -326,7 +326,7 @@ QList<ecu_answer> answers_to(int service, const QString& reply, reply_form form)
         if (has_data && !refused && first != service + positive_offset)
             continue;
         auto same = [&](const ecu_answer& a) {
-            return ecu_identity(a.ecu, form.protocol) == ecu_identity(message.ecu, form.protocol);
+            return ecu_identity(a.ecu, reply.protocol) == ecu_identity(message.ecu, reply.protocol);
         };
         auto answer = std::find_if(answers.begin(), answers.end(), same);
         if (answer == answers.end())

@@ -1,17 +1,11 @@
 #pragma once
 
+#include "base/shared_types.h"
+
 #include <QByteArray>
-#include <QList>
-#include <QString>
 
 // The bytes that each ECU sent, taken from the adapter's text by ISO 15765-2 (CAN), ISO 14230-2 (KWP) and
 // SAE J1979 (the older protocols). Nothing is guessed: what is not whole carries its fault.
-
-// How the adapter showed a reply. `protocol`: its number from "AT DPN", -1 while unknown.
-struct reply_form {
-    int protocol = -1;
-    bool headers_shown = false;
-};
 
 // One message, its frames joined.
 struct ecu_message {
@@ -25,7 +19,7 @@ struct ecu_message {
 // message with a fault, and so is the rest of an answer that it broke off. The check byte of the older
 // protocols is left to the adapter, which marks a wrong one. Replies of SAE J1939 (10) hold no messages of
 // this kind.
-QList<ecu_message> ecu_messages(const QString& reply, reply_form form);
+QList<ecu_message> ecu_messages(const raw_reply& reply);
 
 // What one ECU answered to a service.
 struct ecu_answer {
@@ -36,7 +30,7 @@ struct ecu_answer {
 
 // The answers to a service (01 to 0A) by ECU, in order of arrival. Messages of other services, which belong
 // to earlier requests, and "response pending" are left out.
-QList<ecu_answer> answers_to(int service, const QString& reply, reply_form form);
+QList<ecu_answer> answers_to(int service, const raw_reply& reply);
 
 // True for protocols 6 to 12.
 bool is_iso_15765(int protocol);

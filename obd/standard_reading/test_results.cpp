@@ -177,13 +177,13 @@ void legacy_record(const QString& ecu, const QByteArray& data, ecu_tests& result
 
 } // namespace
 
-ecu_tests read_tests(const QString& reply, reply_form form) {
+ecu_tests read_tests(const raw_reply& reply) {
     ecu_tests result;
-    for (const ecu_answer& answer : answers_to(0x06, reply, form)) {
+    for (const ecu_answer& answer : answers_to(0x06, reply)) {
         if (!answer.fault.isEmpty())
             result.fault = answer.fault;
         for (const QByteArray& data : answer.messages) {
-            if (is_iso_15765(form.protocol))
+            if (is_iso_15765(reply.protocol))
                 can_records(answer.ecu, data, result);
             else
                 legacy_record(answer.ecu, data, result);

@@ -24,6 +24,6 @@ struct ecu_tests {
     QString fault; // why there may be more; "" when all is well
 };
 // The records of every ECU. A record whose scaling identifier the standard does not define is a fault.
-ecu_tests read_tests(const QString& reply, reply_form form);
+ecu_tests read_tests(const raw_reply& reply);
 // "61.000 mV"
 QString test_value_text(const ecu_test& test, double value);

@@ -20,17 +20,19 @@ constexpr qsizetype longest_text = 800; // of one value: eleven monitors, or 32 
 constexpr int services = 10;
 constexpr int pids = 0x100;
 
-void joining(const QString& text, reply_form form) {
-    const QList<ecu_message> messages = ecu_messages(text, form);
+void joining(const raw_reply& reply) {
+    const QList<ecu_message> messages = ecu_messages(reply);
     qsizetype bytes = 0;
     for (const ecu_message& message : messages) {
         must_hold(!message.data.isEmpty() || !message.fault.isEmpty(),
                   "a message holds data or says why not");
-        must_hold(form.headers_shown == !message.ecu.isEmpty(), "a message has a header where one is shown");
+        must_hold(reply.headers_shown == !message.ecu.isEmpty(), "a message has a header where one is shown");
         bytes += message.data.size();
     }
-    must_hold(2 * bytes <= text.size(), "no more bytes than two digits each");
-    const QList<ecu_message> packed = ecu_messages(QString(text).remove(u' '), form);
+    must_hold(2 * bytes <= reply.text.size(), "no more bytes than two digits each");
+    raw_reply without_blanks = reply;
+    without_blanks.text.remove(u' ');
+    const QList<ecu_message> packed = ecu_messages(without_blanks);
     must_hold(std::equal(messages.begin(), messages.end(), packed.begin(), packed.end(),
                          [](const ecu_message& a, const ecu_message& b) {
                              return a.ecu == b.ecu && a.data == b.data && a.fault == b.fault;
@@ -38,9 +40,9 @@ void joining(const QString& text, reply_form form) {
               "blanks say nothing");
 }
 
-void answering(const QString& text, reply_form form) {
+void answering(const raw_reply& reply) {
     for (int service = 1; service <= services; ++service) {
-        const QList<ecu_answer> answers = answers_to(service, text, form);
+        const QList<ecu_answer> answers = answers_to(service, reply);
         for (qsizetype i = 0; i < answers.size(); ++i) {
             must_hold(!answers[i].messages.isEmpty() || !answers[i].fault.isEmpty(),
                       "an ECU answered or says why not");
@@ -49,8 +51,8 @@ void answering(const QString& text, reply_form form) {
                               answers[i].messages.count(message) == 1,
                           "an answer is one to its service, and stands once");
             for (qsizetype other = 0; other < i; ++other)
-                must_hold(ecu_identity(answers[i].ecu, form.protocol) !=
-                              ecu_identity(answers[other].ecu, form.protocol),
+                must_hold(ecu_identity(answers[i].ecu, reply.protocol) !=
+                              ecu_identity(answers[other].ecu, reply.protocol),
                           "an ECU stands once");
         }
     }
@@ -61,19 +63,19 @@ bool is_code(const QString& code) {
            is_hex(QStringView(code).sliced(1)) && code != QLatin1String("P0000");
 }
 
-void reading_codes_and_texts(const QString& text, reply_form form) {
+void reading_codes_and_texts(const raw_reply& reply) {
     for (const int service : {0x03, 0x07, 0x0A}) {
         qsizetype codes = 0;
-        for (const ecu_codes& ecu : read_trouble_codes(service, text, form)) {
+        for (const ecu_codes& ecu : read_trouble_codes(service, reply)) {
             codes += ecu.codes.size();
             must_hold(std::all_of(ecu.codes.begin(), ecu.codes.end(), is_code),
                       "what is listed are trouble codes, and none is padding");
         }
-        must_hold(4 * codes <= text.size(), "a code has four digits");
+        must_hold(4 * codes <= reply.text.size(), "a code has four digits");
     }
     for (const info_type type :
          {info_type::vin, info_type::calibration_id, info_type::calibration_number, info_type::ecu_name}) {
-        for (const ecu_info& info : read_vehicle_info(type, text, form)) {
+        for (const ecu_info& info : read_vehicle_info(type, reply)) {
             must_hold(!info.items.isEmpty() || !info.fault.isEmpty(), "there is a text or a reason");
             for (const QString& item : info.items)
                 must_hold(item.size() <= 20 && std::all_of(item.begin(), item.end(),
@@ -83,9 +85,9 @@ void reading_codes_and_texts(const QString& text, reply_form form) {
     }
 }
 
-void reading_tests(const QString& text, reply_form form) {
-    const ecu_tests read = read_tests(text, form);
-    must_hold(14 * read.tests.size() <= text.size(), "a test has seven bytes at least");
+void reading_tests(const raw_reply& reply) {
+    const ecu_tests read = read_tests(reply);
+    must_hold(14 * read.tests.size() <= reply.text.size(), "a test has seven bytes at least");
     for (const ecu_test& test : read.tests) {
         must_hold(std::isfinite(test.value) && std::isfinite(test.minimum.value_or(0)) &&
                       std::isfinite(test.maximum.value_or(0)),
@@ -123,12 +125,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     if (input.size() < 2)
         return 0;
-    const reply_form form{hex_digit(input.at(input.size() - 2)), input.back() == u'h'};
-    const QString text = input.chopped(2);
-    joining(text, form);
-    answering(text, form);
-    reading_codes_and_texts(text, form);
-    reading_tests(text, form);
-    reading_values(text);
+    const raw_reply reply{input.chopped(2), hex_digit(input.at(input.size() - 2)), input.back() == u'h'};
+    joining(reply);
+    answering(reply);
+    reading_codes_and_texts(reply);
+    reading_tests(reply);
+    reading_values(reply.text);
     return 0;
 }

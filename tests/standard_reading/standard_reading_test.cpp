@@ -16,9 +16,9 @@ QString said(const QString& ecu, const QString& text, const QString& fault) {
     return words.join(u' ');
 }
 
-QStringList pid_lines(int pid, const QString& reply, reply_form form) {
+QStringList pid_lines(int pid, const raw_reply& reply) {
     QStringList lines;
-    for (const ecu_answer& answer : answers_to(1, reply, form)) {
+    for (const ecu_answer& answer : answers_to(1, reply)) {
         for (const QByteArray& data : answer.messages) {
             QString text = pid_value_text(decode_pid(pid, data.mid(2), unit_system::metric));
             lines.append(said(answer.ecu, pid % 0x20 == 0 ? text.remove(u',') : text, {}));
@@ -29,9 +29,9 @@ QStringList pid_lines(int pid, const QString& reply, reply_form form) {
     return lines;
 }
 
-QStringList test_lines(const QString& reply, reply_form form) {
+QStringList test_lines(const raw_reply& reply) {
     QStringList lines;
-    const ecu_tests tests = read_tests(reply, form);
+    const ecu_tests tests = read_tests(reply);
     const auto limit = [](const ecu_test& t, std::optional<double> l) {
         return l ? QString::number(*l, 'f', t.decimals) : QString();
     };
@@ -47,19 +47,19 @@ QStringList test_lines(const QString& reply, reply_form form) {
     return lines;
 }
 
-QStringList lines_for(const QString& request, const QString& reply, reply_form form) {
+QStringList lines_for(const QString& request, const raw_reply& reply) {
     const int service = request.left(2).toInt(nullptr, 16);
     const int which = request.mid(3, 2).toInt(nullptr, 16);
     QStringList lines;
     switch (service) {
-    case 0x01: return pid_lines(which, reply, form);
-    case 0x06: return test_lines(reply, form);
+    case 0x01: return pid_lines(which, reply);
+    case 0x06: return test_lines(reply);
     case 0x09:
-        for (const ecu_info& info : read_vehicle_info(static_cast<info_type>(which), reply, form))
+        for (const ecu_info& info : read_vehicle_info(static_cast<info_type>(which), reply))
             lines.append(said(info.ecu, info.items.join(u' '), info.fault));
         return lines;
     default:
-        for (const ecu_codes& codes : read_trouble_codes(service, reply, form))
+        for (const ecu_codes& codes : read_trouble_codes(service, reply))
             lines.append(said(codes.ecu, codes.codes.join(u' '), codes.fault));
         return lines;
     }
@@ -70,20 +70,22 @@ QStringList lines_for(const QString& request, const QString& reply, reply_form f
 TEST(standard_reading, says_what_real_cars_said) {
     QFile file(QStringLiteral(BV_TEST_DATA "/captures.txt"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    reply_form form;
-    QString request, reply;
+    raw_reply reply;
+    QString request;
     QStringList expected;
     int blocks = 0;
     const auto check = [&] {
         if (request.isEmpty())
             return;
         ++blocks;
-        for (const QString& text : {reply, QString(reply).remove(u' ')})
-            EXPECT_EQ(lines_for(request, text, form).join(u'\n').toUpper(), expected.join(u'\n').toUpper())
+        raw_reply packed = reply;
+        packed.text.remove(u' ');
+        for (const raw_reply& shown : {reply, packed})
+            EXPECT_EQ(lines_for(request, shown).join(u'\n').toUpper(), expected.join(u'\n').toUpper())
                 << request.toStdString() << "\n"
-                << reply.toStdString();
+                << reply.text.toStdString();
         request.clear();
-        reply.clear();
+        reply.text.clear();
         expected.clear();
     };
     for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
@@ -91,13 +93,13 @@ TEST(standard_reading, says_what_real_cars_said) {
         if (line.startsWith(u"protocol") || line.startsWith(u"headers") || line.startsWith(u'>'))
             check();
         if (line.startsWith(u"protocol "))
-            form.protocol = line.mid(9).toInt();
+            reply.protocol = line.mid(9).toInt();
         else if (line.startsWith(u"headers "))
-            form.headers_shown = line.endsWith(u"on");
+            reply.headers_shown = line.endsWith(u"on");
         else if (line.startsWith(u'>'))
             request = rest;
         else if (line.startsWith(u'<'))
-            reply += rest + u'\r';
+            reply.text += rest + u'\r';
         else if (line.startsWith(u'='))
             expected.append(rest);
     }
@@ -112,7 +114,7 @@ TEST(standard_reading, sequence_of_frames_wraps) {
         reply += QStringLiteral("7E8 2%1 %2\r")
                      .arg(frame % 16, 1, 16)
                      .arg(QStringLiteral("01 11 ").repeated(4).left(frame == 17 ? 12 : 21).trimmed());
-    const auto whole = read_trouble_codes(3, reply, {6, true});
+    const auto whole = read_trouble_codes(3, {reply, 6, true});
     ASSERT_EQ(whole.size(), 1);
     EXPECT_EQ(whole.first().fault, QString());
     EXPECT_EQ(whole.first().codes.size(), 60);
@@ -120,9 +122,9 @@ TEST(standard_reading, sequence_of_frames_wraps) {
     for (int sequence = 0; sequence < 16; ++sequence)
         segments.replace(QStringLiteral("7E8 2%1 ").arg(sequence, 1, 16),
                          QStringLiteral("%1:").arg(sequence, 1, 16));
-    EXPECT_EQ(read_trouble_codes(3, segments, {6, false}).value(0).codes, whole.first().codes);
+    EXPECT_EQ(read_trouble_codes(3, {segments, 6, false}).value(0).codes, whole.first().codes);
     const auto torn =
-        read_trouble_codes(3, reply.replace(QStringLiteral("7E8 20"), QStringLiteral("7E8 21")), {6, true});
+        read_trouble_codes(3, {reply.replace(QStringLiteral("7E8 20"), QStringLiteral("7E8 21")), 6, true});
     EXPECT_EQ(torn.first().codes, QStringList());
     EXPECT_FALSE(torn.first().fault.isEmpty());
 }
