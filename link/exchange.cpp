@@ -26,6 +26,10 @@ int seconds_of_suffix(const QString& suffix) {
 exchange::exchange(process_state& process, timers& time_source, exchange_owner& its_owner)
     : state(process), clock(time_source), owner(its_owner) {}
 
+reply exchange::taken_apart(const QString& text) const {
+    return reply({text, state.cur_protocol, state.headers_shown});
+}
+
 void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
     keep_command(command, expectedReply, msg_has_hdr);
     if (!is_answer_coming())
@@ -74,7 +78,7 @@ void exchange::take_as_unknown(const QString& command, const QString& expectedRe
     keep_command(command, expectedReply, false);
     stop_timer();
     state.obd_msgs.clear();
-    const reply_verdict verdict = work_a_rcvdOBD_cmd(unknown, in_force(), state.cur_protocol, 0);
+    const reply_verdict verdict = work_a_rcvdOBD_cmd(taken_apart(unknown), in_force(), 0);
     hand_on(verdict.result == reply_accepted ? unknown : no_reply);
 }
 
@@ -187,10 +191,9 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         return hand_on(reply), false;
 
     // Some commands take any answer, an empty one too, but none that was cut.
-    reply_verdict verdict =
-        state.rx_reply.is_cut()
-            ? unconfirmed(state.no_confirm_count)
-            : work_a_rcvdOBD_cmd(reply, in_force(), state.cur_protocol, state.no_confirm_count);
+    reply_verdict verdict = state.rx_reply.is_cut()
+                                ? unconfirmed(state.no_confirm_count)
+                                : work_a_rcvdOBD_cmd(taken_apart(reply), in_force(), state.no_confirm_count);
     state.obd_msgs = std::move(verdict.obd_msgs);
     if (verdict.result == reply_retry && may_be_late) {
         // Sending once more would leave the exchange one reply behind for good.
@@ -219,8 +222,9 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
 // Adapters answer in order: what was written before the command that this answers is not answered any more. A
 // reply that answers several is taken for the first one's, and so is one that answers none.
 void exchange::settle(const QString& reply) {
+    const ::reply what_came = taken_apart(reply);
     const auto answered = [&](const sent_command& sent) {
-        return work_a_rcvdOBD_cmd(reply, sent, state.cur_protocol, 0).result == reply_accepted;
+        return work_a_rcvdOBD_cmd(what_came, sent, 0).result == reply_accepted;
     };
     qsizetype settled = 1;
     if (on_the_way.size() > 1) {

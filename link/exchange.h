@@ -62,6 +62,7 @@ public:
     const QString& last_raw_reply() const { return given_up; }
 
 private:
+    reply taken_apart(const QString& text) const;
     void keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr);
     void keep_typed(const QString& command);
     void obdTimedOutHandler();

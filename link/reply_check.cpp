@@ -1,7 +1,6 @@
 #include "link/reply_check.h"
 
 #include "base/console_log.h"
-#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 
 #include <algorithm>
@@ -33,30 +32,27 @@ QString digits_of_request(const QString& command) {
 
 // A request answered with headers shown: the first ECU's data must begin with the answer to this very
 // request.
-bool message_confirmed(const QString& reply, const sent_command& command, int protocol,
-                       obd_messages& messages) {
-    if (protocol == -1 || reply == QLatin1String("?"))
+bool message_confirmed(const reply& what_came, const sent_command& command) {
+    if (what_came.protocol() == -1 || what_came.text() == QLatin1String("?"))
         return true;
-    messages = pullObdMsgs(reply, protocol);
-    // Without a group (protocol 0, before the car was found) the reply itself is tested.
-    const obd_groups groups = pullObdMsgsGrouped(messages, protocol);
-    const QString tested =
-        groups.isEmpty() ? reply : l_pullOBDFromSingleGroupedMsg(groups.first().pidSet, protocol);
+    // Without an ECU (protocol 0, before the car was found) the reply itself is tested.
+    const QList<ecu_said>& ecus = what_came.ecus();
+    const QString& tested = ecus.isEmpty() ? what_came.text() : ecus.first().data;
     const QString request = digits_of_request(command.text);
     return tested.size() >= request.size() && tested.startsWith(QLatin1Char('4')) &&
            QStringView(tested).mid(1).startsWith(QStringView(request).mid(1));
 }
 
-bool confirmed(const QString& reply, const sent_command& command, int protocol, obd_messages& messages) {
-    if (reply.contains(u"NODATA")) {
+bool confirmed(const reply& what_came, const sent_command& command) {
+    if (what_came.no_data()) {
         console_log(QStringLiteral("work_a_rcvdOBD_cmd:No data"));
         return true; // the controller decides what no data means
     }
     if (command.text.contains(u"AT"))
-        return at_command_confirmed(reply, command);
+        return at_command_confirmed(what_came.text(), command);
     if (command.has_header)
-        return message_confirmed(reply, command, protocol, messages);
-    return string_has_Tokens(reply, command.expectedReply);
+        return message_confirmed(what_came, command);
+    return string_has_Tokens(what_came.text(), command.expectedReply);
 }
 
 // "AT Z", "AT WS", "AT I" and "AT @1", as they may be typed.
@@ -74,14 +70,14 @@ reply_verdict unconfirmed(int no_confirm_count) {
     return {.result = reply_retry, .no_confirm_count = no_confirm_count + 1, .obd_msgs = {}};
 }
 
-reply_verdict work_a_rcvdOBD_cmd(const QString& reply, const sent_command& command, int protocol,
-                                 int no_confirm_count) {
-    obd_messages messages;
+reply_verdict work_a_rcvdOBD_cmd(const reply& what_came, const sent_command& command, int no_confirm_count) {
     reply_verdict verdict = unconfirmed(no_confirm_count);
-    if (confirmed(reply, command, protocol, messages))
+    if (confirmed(what_came, command))
         verdict = {.result = reply_accepted, .no_confirm_count = 0, .obd_msgs = {}};
-    if (verdict.result != reply_given_up)
-        verdict.obd_msgs = std::move(messages);
+    const bool by_message = command.has_header && !command.text.contains(u"AT") && !what_came.no_data() &&
+                            what_came.protocol() != -1 && what_came.text() != QLatin1String("?");
+    if (by_message && verdict.result != reply_given_up)
+        verdict.obd_msgs = pullObdMsgs(what_came.text(), what_came.protocol());
     return verdict;
 }
 

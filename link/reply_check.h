@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/shared_types.h"
+#include "obd/reply.h"
 
 // Whether a reply answers the command it was sent for.
 
@@ -20,10 +20,8 @@ struct reply_verdict {
     obd_messages obd_msgs;    // the reply by ECU, when it was checked by message
 };
 
-// `reply`: normalised. `protocol`: the adapter's protocol number, -1 while unknown. A command is tried three
-// times more after its first unconfirmed reply; the fourth gives up.
-reply_verdict work_a_rcvdOBD_cmd(const QString& reply, const sent_command& command, int protocol,
-                                 int no_confirm_count);
+// A command is tried three times more after its first unconfirmed reply; the fourth gives up.
+reply_verdict work_a_rcvdOBD_cmd(const reply& what_came, const sent_command& command, int no_confirm_count);
 // The verdict on a reply that is no answer whatever it says: asked again, or given up on.
 reply_verdict unconfirmed(int no_confirm_count);
 

@@ -2,6 +2,7 @@
 
 #include "base/console_log.h"
 #include "obd/ecu_names.h"
+#include "obd/number_text.h"
 #include "obd/reply_text.h"
 #include <algorithm>
 #include <cmath>
@@ -51,18 +52,10 @@ void sort_lines(QList<QStringView>& lines, int protocol) {
         restore_long_answers(lines, header_width(protocol));
 }
 
-// "7F ss 78": the ECU has understood the request of service ss and will answer later.
-bool is_response_pending(const QString& body, int protocol) {
-    const QStringView text(body);
-    if (is_can(protocol))
-        return text.size() >= 8 && text.startsWith(u"037F") && text.sliced(6, 2) == u"78";
-    const bool holds_one_answer = text.size() == 6 || text.size() == 8; // without and with check byte
-    return holds_one_answer && text.startsWith(u"7F") && text.sliced(4, 2) == u"78";
-}
-
 void drop_pending_notices(obd_messages& messages, int protocol) {
     const auto is_notice = [protocol](const obd_message& message) {
-        return is_response_pending(message.body, protocol);
+        const auto refused = negative_response_in(message.body, protocol);
+        return refused && refused->is_pending();
     };
     if (std::none_of(messages.cbegin(), messages.cend(), is_notice))
         return;
@@ -85,36 +78,29 @@ QString no_data_for(qsizetype size, qsizetype needed) {
     return not_available;
 }
 
-// The bodies from their character `from` on, joined after `start`; "N/A" when one is shorter.
-QString join_bodies(const QString& start, const QStringList& bodies, qsizetype first, qsizetype from) {
-    QString joined = start;
-    for (qsizetype i = first; i < bodies.size(); ++i) {
-        if (bodies[i].size() < from)
-            return no_data_for(bodies[i].size(), from);
-        joined += QStringView(bodies[i]).sliced(from);
-    }
-    return joined;
-}
-
 QString data_of_can_answer(const QStringList& bodies) {
-    const QString& first = bodies.first();
-    const bool is_multi_frame = bodies.size() > 1 && first.startsWith(u'1');
+    const bool is_multi_frame = bodies.size() > 1 && bodies.first().startsWith(u'1');
     if (!is_multi_frame)
-        return first.size() < 2 ? no_data_for(first.size(), 2) : first.sliced(2);
-    if (first.size() < 4)
-        return no_data_for(first.size(), 4);
+        return bodies.first().size() < 2 ? no_data_for(bodies.first().size(), 2) : bodies.first().sliced(2);
+    for (qsizetype i = 0; i < bodies.size(); ++i)
+        if (const qsizetype needed = i == 0 ? 4 : 2; bodies[i].size() < needed)
+            return no_data_for(bodies[i].size(), needed);
     // The length is read from its low byte only.
-    const auto length = static_cast<qsizetype>(convertStr2Byte(QStringView(first).sliced(2, 2)));
-    const QString joined = join_bodies(first.sliced(4), bodies, 1, 2);
-    return joined == not_available ? joined : joined.leftJustified(2 * length, u'0', true);
+    const QString joined = joined_frames(bodies);
+    const auto length = static_cast<qsizetype>(convertStr2Byte(QStringView(joined).first(2)));
+    return joined.sliced(2).leftJustified(2 * length, u'0', true);
 }
 
 QString data_of_legacy_answer(const QStringList& bodies) {
     if (bodies.size() == 1)
         return bodies.first();
-    if (bodies.first().size() < 6)
-        return no_data_for(bodies.first().size(), 6);
-    return join_bodies(bodies.first().first(4), bodies, 0, 6);
+    QString joined = bodies.first().left(4);
+    for (const QString& body : bodies) {
+        if (body.size() < 6)
+            return no_data_for(body.size(), 6);
+        joined += QStringView(body).sliced(6);
+    }
+    return joined;
 }
 
 } // namespace
@@ -147,6 +133,15 @@ QStringList reply_lines(const QString& reply) {
     for (const QStringView line : message_lines(text))
         lines.append(line.toString());
     return lines;
+}
+
+std::optional<negative_response> negative_response_in(const QString& body, int protocol) {
+    const QLatin1String refused(is_can(protocol) ? "037F" : "7F");
+    // On the older protocols one of its own, without and with its check byte.
+    const bool holds_one = is_can(protocol) ? body.size() >= 8 : body.size() == 6 || body.size() == 8;
+    if (!holds_one || !body.startsWith(refused))
+        return std::nullopt;
+    return negative_response{hex_byte(body, refused.size()), hex_byte(body, refused.size() + 2)};
 }
 
 obd_messages pullObdMsgs(const QString& reply, int protocol) {
@@ -188,6 +183,13 @@ QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies, int protocol) {
     if (bodies.isEmpty() || class_of_protocol(protocol) == protocol_class::unknown)
         return {};
     return is_can(protocol) ? data_of_can_answer(bodies) : data_of_legacy_answer(bodies);
+}
+
+QString joined_frames(const QStringList& bodies) {
+    QString joined;
+    for (const QString& body : bodies)
+        joined += QStringView(body).mid(2);
+    return joined;
 }
 
 QString grab_CAN_msg(const QString& reply) {
@@ -239,12 +241,10 @@ QString encode_to_OBD(const QString& this_pid, double value, unit_system units) 
     return QStringLiteral("41") + this_pid + QString::number(whole, 16).toUpper().rightJustified(4, u'0');
 }
 
-QString data_of_single_message(const QString& body, int protocol, bool headers_shown) {
+QString data_of_single_message(const QString& body, int protocol) {
     const protocol_class kind = class_of_protocol(protocol);
     if (kind == protocol_class::unknown)
         return {};
-    if (!headers_shown)
-        return body;
     if (kind == protocol_class::legacy)
         return body.left(std::max<qsizetype>(0, body.size() - 2));
     if (body.size() < 2 || !body.startsWith(u'0'))

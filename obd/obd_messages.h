@@ -16,6 +16,15 @@ int header_width(int protocol);
 // lines, lines that the adapter marks as damaged ("<DATA ERROR", "<RX ERROR"), and when at least one line is
 // all hex digits, the others ("BUS INIT: OK").
 QStringList reply_lines(const QString& reply);
+// A refusal: "7F", the service, and why (ISO 14229-1 response codes).
+struct negative_response {
+    int service = 0;
+    int code = 0;
+    bool operator==(const negative_response&) const = default;
+    // Not refused: the request is understood, and will be answered later.
+    bool is_pending() const { return code == 0x78; }
+};
+std::optional<negative_response> negative_response_in(const QString& body, int protocol);
 // One record for each of these lines, sorted by line without regard to case; an ECU's answer of more than 16
 // frames on CAN stays in order of arrival. A record is empty while the protocol is unknown. The notice
 // "response pending" (7F ss 78) is left out when the ECU's answer is there too.
@@ -29,6 +38,9 @@ QString l_pullOBDFromSingleMsg(const QString& body, int protocol);
 // its frame kind needs, "" while the protocol is unknown. Several bodies on CAN of which the first is no
 // first frame are one answer given more than once: the first body counts.
 QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies, int protocol);
+// The frames of a long answer on CAN in a row, each without its control byte: the low byte of its length,
+// then its data.
+QString joined_frames(const QStringList& bodies);
 // The data of a multi-frame answer shown without headers: a byte count, then lines "0:...", "1:...".
 // Lines beyond the byte count are left out. "" when the first line is no hexadecimal number.
 QString grab_CAN_msg(const QString& reply);
@@ -41,8 +53,7 @@ std::optional<QString> pull_PID_msg(const QString& line, const QString& this_PID
 // can hold, counts as 0.
 QString encode_to_OBD(const QString& this_pid, double value, unit_system units);
 
-// The data of a single message without what hangs on behind it: on CAN the single frame cut to the length
-// that its control byte gives (adapters show frames padded to eight bytes), on the older protocols without
-// the check byte. With headers off the adapter shows neither control byte nor check byte, and the body is the
-// data.
-QString data_of_single_message(const QString& body, int protocol, bool headers_shown);
+// The data of a single message, shown with headers, without what hangs on behind it: on CAN the single frame
+// cut to the length that its control byte gives (adapters show frames padded to eight bytes), on the older
+// protocols without the check byte.
+QString data_of_single_message(const QString& body, int protocol);

@@ -5,6 +5,7 @@
 #include "obd/ecu_names.h"
 #include "obd/number_text.h"
 #include "obd/obd_messages.h"
+#include "obd/reply.h"
 #include "obd/reply_text.h"
 
 #include <algorithm>
@@ -67,10 +68,7 @@ QStringList codes_of_single_message(const QString& message) {
 
 QStringList codes_of_frames(const QStringList& messages) {
     QStringList codes;
-    QString joined;
-    for (const QString& message : messages)
-        joined += QStringView(message).mid(2); // without the frame index
-    const auto text = codes_text_on_CAN(joined);
+    const auto text = codes_text_on_CAN(joined_frames(messages));
     if (!text) {
         log_failure();
         return codes;
@@ -144,11 +142,11 @@ QString pull_DTC_code(QStringView four) {
     return QLatin1Char("PCBU"[first / 4]) + QString::number(first % 4) + four.sliced(1).toString();
 }
 
-obd_groups l_workoutReadCodes(const QString& reply, int protocol) {
-    obd_groups groups = pullObdMsgsGrouped(pullObdMsgs(reply, protocol), protocol);
-    for (obd_group& group : groups)
-        group.pidSet = l_pullErrorsFromSingleMsg(group.pidSet, protocol);
-    return groups;
+obd_groups l_workoutReadCodes(const reply& answers) {
+    obd_groups codes;
+    for (const ecu_said& ecu : answers.ecus())
+        codes.append({ecu.header, l_pullErrorsFromSingleMsg(ecu.bodies, ecu.protocol)});
+    return codes;
 }
 
 QStringList l_pullErrorsFromSingleMsg(const QStringList& messages, int protocol) {

@@ -4,14 +4,16 @@
 #include <QMap>
 #include <optional>
 
+class reply;
+
 // Trouble codes (DTCs) from the replies to "03" (confirmed) and "07" (pending), SAE J1979 and J2012.
 // `protocol`: the adapter's protocol number, -1 while unknown.
 
 // "0133" gives "P0133", "C1A4" gives "U01A4"; the digits stay as written. "" for other than four hex digits.
 QString pull_DTC_code(QStringView four);
 
-// The codes of each ECU that answered, in the order of the ECUs. `reply`: with headers.
-obd_groups l_workoutReadCodes(const QString& reply, int protocol);
+// The codes of each ECU that answered, in the order of the ECUs. `answers`: with headers.
+obd_groups l_workoutReadCodes(const reply& answers);
 
 // The codes of one ECU. `messages`: its message bodies, on CAN with the control byte. Groups "0000" are
 // padding and left out. An answer that ends too early gives the codes read so far; an unknown protocol none.

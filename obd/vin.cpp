@@ -1,32 +1,35 @@
 #include "obd/vin.h"
 
 #include "base/console_log.h"
-#include "base/shared_types.h"
 #include "base/string_table.h"
+#include "obd/ecu_names.h"
 #include "obd/number_text.h"
-#include "obd/obd_messages.h"
+#include "obd/reply.h"
+#include "obd/reply_text.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr qsizetype most_characters = 39;
+constexpr qsizetype answer_digits = 40; // of a VIN of 17 characters on CAN
+constexpr qsizetype vin_messages = 5;
+constexpr QLatin1String info_answer("4902");
 
 // Unprogrammed memory (00, FF) and what is left of an error word do not make a VIN.
-bool is_readable(const QString& text) {
-    return std::any_of(text.begin(), text.end(), [](QChar c) { return c > u' ' && c < u'\x7F'; });
+QString readable(const QString& text) {
+    const bool is_readable =
+        std::any_of(text.begin(), text.end(), [](QChar c) { return c > u' ' && c < u'\x7F'; });
+    return is_readable ? text : not_available;
 }
 
-QString vin_of_frames(const QString& reply) {
-    if (!reply.contains(QLatin1String("49")))
-        return {};
-    // Mode, info type and item count come first.
-    return pullAsciiStr(QStringView(grab_CAN_msg(reply)).mid(6));
+// The data of an answer on CAN.
+QString vin_of_data(QStringView data) {
+    return readable(pullAsciiStr(data.mid(6))); // mode, info type and item count come first
 }
 
-QString vin_of_lines(QString reply) {
-    const QStringList lines =
-        reply.remove(QLatin1Char('\n')).remove(QLatin1Char('>')).split(QLatin1Char('\r'));
+// The messages of the older protocols.
+QString vin_of_lines(const QStringList& lines) {
     QString vin;
     const auto append = [&vin](const QString& line, qsizetype at) {
         const int code = hex_byte(line, at);
@@ -38,16 +41,55 @@ QString vin_of_lines(QString reply) {
     for (qsizetype i = 0; i < lines.size() && !lines[i].isEmpty(); i += i == 0 ? 2 : 1)
         for (const qsizetype at : {6, 8, 10, 12})
             append(lines[i], at);
-    return vin;
+    return readable(vin);
+}
+
+QString vin_without_headers(const reply& answer) {
+    if (is_whole_legacy_vin(answer.lines()))
+        return vin_of_lines(answer.lines());
+    const bool is_whole = !answer.data_without_headers(info_answer).isEmpty();
+    return is_whole ? work_out_vin(answer.text()) : not_available;
+}
+
+QString vin_of_ecu(const ecu_said& ecu) {
+    if (!is_can(ecu.protocol))
+        return is_whole_legacy_vin(ecu.bodies) ? vin_of_lines(ecu.bodies) : not_available;
+    return ecu.is_whole() ? vin_of_data(QStringView(ecu.data).left(answer_digits)) : not_available;
 }
 
 } // namespace
 
+QString vin_of(const reply& answer) {
+    if (answer.holds_nothing())
+        return not_available;
+    if (!answer.headers_shown())
+        return vin_without_headers(answer);
+    const QList<ecu_said>& ecus = answer.ecus();
+    const auto tells = [](const ecu_said& ecu) { return ecu.data.startsWith(info_answer); };
+    auto chosen = std::find_if(ecus.begin(), ecus.end(), [&](const ecu_said& ecu) {
+        return tells(ecu) && isThisEngineHeader(ecu.header, ecu.protocol);
+    });
+    if (chosen == ecus.end())
+        chosen = std::find_if(ecus.begin(), ecus.end(), tells);
+    return chosen == ecus.end() ? not_available : vin_of_ecu(*chosen);
+}
+
 QString work_out_vin(const QString& reply) {
     QString text = reply;
     text.remove(QLatin1Char(' '));
-    const QString vin = text.contains(QLatin1Char(':')) ? vin_of_frames(text) : vin_of_lines(text);
-    return is_readable(vin) ? vin : not_available;
+    if (text.contains(QLatin1Char(':')))
+        return text.contains(QLatin1String("49")) ? vin_of_data(grab_CAN_msg(text)) : not_available;
+    return vin_of_lines(text.remove(QLatin1Char('\n')).remove(QLatin1Char('>')).split(QLatin1Char('\r')));
+}
+
+bool is_whole_legacy_vin(const QStringList& messages) {
+    for (qsizetype i = 0; i < messages.size(); ++i) {
+        const QString& message = messages[i];
+        if (message.size() < 14 || !is_hex(message) || !message.startsWith(info_answer) ||
+            hex_byte(message, 4) != i + 1)
+            return false;
+    }
+    return messages.size() == vin_messages;
 }
 
 QString pullAsciiStr(QStringView hex) {

@@ -11,8 +11,6 @@ bool is_whole_can_answer(const QStringList& bodies);
 // How many digits of an answer of several frames have come behind its length, up to the first that is
 // missing.
 qsizetype digits_received(const QStringList& bodies);
-// The five messages in which the older protocols give a VIN, each "4902", its number from 01 and four bytes.
-bool is_whole_legacy_vin(const QStringList& messages);
 // The data in a reply without headers that begin with `answer` ("4105"): the first such line of whole bytes,
 // or the frames of a long answer joined. "" when there is none, or not all of it.
 QString whole_data_without_headers(const QString& reply, const QString& answer);

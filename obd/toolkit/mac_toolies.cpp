@@ -6,6 +6,7 @@
 #include "obd/obd_messages.h"
 #include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
+#include "obd/reply.h"
 #include "obd/trouble_codes.h"
 #include "obd/vin.h"
 #include "obd/whole_answer.h"
@@ -37,7 +38,7 @@ QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) co
 }
 
 QString mac_toolies::data_of_single_message(const QString& body) const {
-    return ::data_of_single_message(body, state.cur_protocol, state.headers_shown);
+    return state.headers_shown ? ::data_of_single_message(body, state.cur_protocol) : body;
 }
 
 QString mac_toolies::data_of_answer(const QStringList& bodies) const {
@@ -176,7 +177,7 @@ void mac_toolies::fixArrayForMode6(QStringList& obdmids) const {
 // --- trouble codes and readiness ---------------------------------------------------------------------------
 
 obd_groups mac_toolies::l_workoutReadCodes(const QString& reply) const {
-    return ::l_workoutReadCodes(reply, state.cur_protocol);
+    return ::l_workoutReadCodes(::reply({reply, state.cur_protocol, state.headers_shown}));
 }
 
 QStringList mac_toolies::work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const {

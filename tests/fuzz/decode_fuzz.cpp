@@ -14,6 +14,7 @@
 #include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
 #include "obd/readiness.h"
+#include "obd/reply.h"
 #include "obd/reply_text.h"
 #include "obd/supported_pids.h"
 #include "obd/trouble_codes.h"
@@ -74,9 +75,8 @@ void splitting_lines(const QString& text, int protocol) {
             must_hold(!data || line.endsWith(*data), "the data of a line is its end");
         }
         must_hold(!pull_ECU(line).isEmpty(), "every line has the name of an ECU");
-        for (const bool headers_shown : {false, true})
-            must_hold(line.contains(data_of_single_message(line, protocol, headers_shown)),
-                      "the data of a single message stands in it");
+        must_hold(line.contains(data_of_single_message(line, protocol)),
+                  "the data of a single message stands in it");
     }
     const QString frames = grab_CAN_msg(text);
     const QString count = prepReply(text).remove(u'\n').section(u'\r', 0, 0, QString::SectionSkipEmpty);
@@ -179,7 +179,7 @@ bool is_trouble_code(const QString& code) {
 void reading_codes(const QString& text, int protocol) {
     // An announced length pads what is missing, by 99 bytes at most.
     const qsizetype most = text.size() / 4 + 50;
-    for (const obd_group& ecu : l_workoutReadCodes(text, protocol))
+    for (const obd_group& ecu : l_workoutReadCodes(reply({text, protocol, true})))
         must_hold(ecu.pidSet.size() <= most &&
                       std::all_of(ecu.pidSet.begin(), ecu.pidSet.end(), is_trouble_code),
                   "what an ECU stored are trouble codes, no more than fit into the reply");
@@ -196,6 +196,27 @@ void reading_codes(const QString& text, int protocol) {
     const QList<readiness_row> monitors = handle_readiness_codes(text, lists());
     must_hold(monitors.size() == 11, "there are eleven monitors");
     readiness_summary(monitors);
+}
+
+void taking_a_reply_apart(const QString& text, int protocol) {
+    for (const bool headers_shown : {false, true}) {
+        const reply it({prepReply(text), protocol, headers_shown});
+        const QString data = it.data_without_headers(QStringLiteral("41"));
+        must_hold(data.isEmpty() || (data.size() % 2 == 0 && data.startsWith(QLatin1String("41"))),
+                  "data begin as they were asked for and are whole bytes");
+        for (const ecu_said& ecu : it.ecus()) {
+            must_hold(it.ecu(ecu.header) && it.engine(), "who answered is found");
+            must_hold(ecu.value() == not_available || ecu.value().size() <= ecu.data.size(),
+                      "a value is part of the data");
+            must_hold(ecu.value_of_first_line().isEmpty() ||
+                          ecu.value_of_first_line().size() <=
+                              std::max(ecu.bodies.first().size(), ecu.data.size()),
+                      "so is that of a line");
+            must_hold(!ecu.refused() || ecu.bodies.first().contains(QLatin1String("7F")),
+                      "a refusal says so");
+        }
+        must_hold(!vin_of(it).isEmpty() && vin_of(it).size() <= 39, "a VIN fits its place");
+    }
 }
 
 void reading_the_vin(const QString& text) {
@@ -242,11 +263,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     splitting_messages(text, protocol);
     reading_pid_maps(text, protocol);
     reading_codes(text, protocol);
+    taking_a_reply_apart(text, protocol);
     reading_the_vin(text);
     scaling_test_results(text);
     translating(text);
     for (const QString& line :
          reply_lines(text)) // as the controllers do it: one ECU's data without its header
-        translating(data_of_single_message(line.mid(header_width(protocol)), protocol, true));
+        translating(data_of_single_message(line.mid(header_width(protocol)), protocol));
     return 0;
 }

@@ -77,7 +77,7 @@ sent_command of(const row& from) {
 
 TEST(reply_check, accepts_and_refuses) {
     for (const row& row : rows) {
-        const reply_verdict verdict = work_a_rcvdOBD_cmd(row.reply, of(row), row.protocol, 2);
+        const reply_verdict verdict = work_a_rcvdOBD_cmd(reply({row.reply, row.protocol}), of(row), 2);
         EXPECT_EQ(verdict.result, row.accepted ? 671 : 673) << row.why << ": " << row.command << row.reply;
         EXPECT_EQ(verdict.no_confirm_count, row.accepted ? 0 : 3) << row.why;
     }
@@ -85,16 +85,18 @@ TEST(reply_check, accepts_and_refuses) {
 
 TEST(reply_check, keeps_the_messages_by_ecu) {
     const sent_command sent{"01 0C\r", QString(), true};
-    const obd_messages kept = work_a_rcvdOBD_cmd("7E904410C0AF0\r7E804410C1AF8", sent, 6, 0).obd_msgs;
+    const obd_messages kept =
+        work_a_rcvdOBD_cmd(reply({"7E904410C0AF0\r7E804410C1AF8", 6}), sent, 0).obd_msgs;
     EXPECT_EQ(kept, (obd_messages{{"7E8", "04410C1AF8"}, {"7E9", "04410C0AF0"}}));
-    EXPECT_TRUE(work_a_rcvdOBD_cmd("NODATA", sent, 6, 0).obd_msgs.isEmpty()); // not those of the reply before
+    EXPECT_TRUE(work_a_rcvdOBD_cmd(reply({"NODATA", 6}), sent, 0)
+                    .obd_msgs.isEmpty()); // not those of the reply before
 }
 
 TEST(reply_check, gives_up_at_the_fourth) {
     int count = 0;
     for (const int expected : {673, 673, 673, 672}) {
         const reply_verdict verdict =
-            work_a_rcvdOBD_cmd("7E803410D3C", {"01 0C\r", QString(), true}, 6, count);
+            work_a_rcvdOBD_cmd(reply({"7E803410D3C", 6}), {"01 0C\r", QString(), true}, count);
         EXPECT_EQ(verdict.result, expected);
         count = verdict.no_confirm_count;
         EXPECT_EQ(verdict.obd_msgs.isEmpty(), expected == 672);

@@ -121,13 +121,11 @@ TEST(messages, that_are_single_lose_what_hangs_on_behind) {
     EXPECT_EQ(l_pullOBDFromSingleMsg("410D3CA5", -1), "");
     EXPECT_EQ(l_pullOBDFromSingleMsg("?", 6), "");
 
-    EXPECT_EQ(data_of_single_message("03410D3C000000", 6, true), "410D3C");
-    EXPECT_EQ(data_of_single_message("07410D", 7, true), "410D");
-    EXPECT_EQ(data_of_single_message("1014490201", 6, true), "14490201");
-    EXPECT_EQ(data_of_single_message("410D3CA5", 3, true), "410D3C");
-    EXPECT_EQ(data_of_single_message("410D3C", 3, false), "410D3C");
-    EXPECT_EQ(data_of_single_message("410D3C", 6, false), "410D3C");
-    EXPECT_EQ(data_of_single_message("0", 6, true) + data_of_single_message("4", 5, true), "");
+    EXPECT_EQ(data_of_single_message("03410D3C000000", 6), "410D3C");
+    EXPECT_EQ(data_of_single_message("07410D", 7), "410D");
+    EXPECT_EQ(data_of_single_message("1014490201", 6), "14490201");
+    EXPECT_EQ(data_of_single_message("410D3CA5", 3), "410D3C");
+    EXPECT_EQ(data_of_single_message("0", 6) + data_of_single_message("4", 5), "");
 }
 
 TEST(messages, of_one_line_are_filtered_by_ecu) {

@@ -1,6 +1,7 @@
 #include "base/string_table.h"
 #include "base/text_resources.h"
 #include "obd/readiness.h"
+#include "obd/reply.h"
 #include "obd/trouble_codes.h"
 
 #include <gtest/gtest.h>
@@ -68,13 +69,16 @@ TEST(trouble_codes, of_one_ECU) {
 
 TEST(trouble_codes, of_every_ECU_of_a_reply) {
     const obd_groups two_ecus{{"7E8", {"P0133", "P0220"}}, {"7E9", {}}};
-    EXPECT_EQ(l_workoutReadCodes("7E9 02 43 00 \r7E8 06 43 02 01 33 02 20 \r\r>", can_11_bit), two_ecus);
-    EXPECT_EQ(l_workoutReadCodes("18 DA F1 40 02 47 00 \r18 DA F1 11 06 47 02 22 6D 22 6E \r\r>", can_29_bit),
+    const auto codes_of = [](const char* text, int protocol) {
+        return l_workoutReadCodes(reply({text, protocol, true}));
+    };
+    EXPECT_EQ(codes_of("7E9 02 43 00 \r7E8 06 43 02 01 33 02 20 \r\r>", can_11_bit), two_ecus);
+    EXPECT_EQ(codes_of("18 DA F1 40 02 47 00 \r18 DA F1 11 06 47 02 22 6D 22 6E \r\r>", can_29_bit),
               (obd_groups{{"18DAF111", {"P226D", "P226E"}}, {"18DAF140", {}}}));
     // Without headers nothing is invented.
-    for (const obd_group& group : l_workoutReadCodes("4300\r4300\r\r>", can_11_bit))
+    for (const obd_group& group : codes_of("4300\r4300\r\r>", can_11_bit))
         EXPECT_EQ(group.pidSet, QStringList());
-    EXPECT_TRUE(l_workoutReadCodes("7E8 06 43 02 01 33 02 20", -1).isEmpty());
+    EXPECT_TRUE(codes_of("7E8 06 43 02 01 33 02 20", -1).isEmpty());
 
     EXPECT_EQ(pull_dtc_body_by_ECU(two_ecus, "7E8", can_11_bit), (QStringList{"P0133", "P0220"}));
     EXPECT_EQ(pull_dtc_body_by_ECU(two_ecus, "7EA", can_11_bit), QStringList{"N/A"});

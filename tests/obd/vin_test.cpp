@@ -1,4 +1,6 @@
+#include "obd/reply.h"
 #include "obd/vin.h"
+#include "tests/support/print_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +28,40 @@ TEST(vin, in_the_reply) {
     };
     for (const auto& [reply, vin] : examples)
         EXPECT_EQ(work_out_vin(reply), vin) << reply.toStdString();
+}
+
+// The same VIN as it comes with headers and without, and with one of its lines lost.
+TEST(vin, of_a_whole_answer) {
+    const QString can = "7E81014490201314731\r7E8214A433534343452\r7E82237323532333637";
+    const QString transmission = "7E91014490201584731\r7E9214A433534343452\r7E92237323532333637\r";
+    QString lines, headed;
+    for (const char* message :
+         {"49020100000031", "49020247314A43", "49020335343434", "49020452373235", "49020532333637"}) {
+        lines += QString(message) + '\r';
+        headed += QString("486B10%1AA\r").arg(message);
+    }
+    const std::tuple<QString, int, bool, const char*> examples[] = {
+        {can, 6, true, "1G1JC5444R7252367"},
+        {transmission + can, 6, true, "1G1JC5444R7252367"}, // the engine's
+        {transmission + "7E8037F0912", 6, true, "XG1JC5444R7252367"},
+        {"014\r0:490201314731\r1:4A433534343452\r2:37323532333637", 6, false, "1G1JC5444R7252367"},
+        {headed, 3, true, "115444R7252367"}, // the second line is left out, on purpose
+        {lines, 3, false, "115444R7252367"},
+        {can, -1, true, "N/A"},
+        {"7E8037F0912", 6, true, "N/A"},
+        {"NODATA", 6, true, "N/A"},
+        {"~", 6, false, "N/A"},
+    };
+    for (const auto& [text, protocol, headers, vin] : examples) {
+        EXPECT_EQ(vin_of(reply({text, protocol, headers})), vin) << text.toStdString();
+        QStringList rest = text.split('\r', Qt::SkipEmptyParts);
+        if (text.contains("7E9") || text == lines || rest.size() < 3)
+            continue;
+        rest.removeAt(rest.size() - 2);
+        EXPECT_EQ(vin_of(reply({rest.join('\r'), protocol, headers})), "N/A") << "one line is missing";
+    }
+    headed.replace("49020335343434AA", "49020335AA");
+    EXPECT_EQ(vin_of(reply({headed, 3, true})), "N/A");
 }
 
 TEST(vin, characters_of_hex_text) {
