@@ -188,12 +188,8 @@ private:
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silence_console_log();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    silence_console_log();
     const QByteArray input(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     session().play(input);
     for (const QByteArray& line : input.split('\r')) {
