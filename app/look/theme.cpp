@@ -105,7 +105,7 @@ QLineEdit, QComboBox { background: {field}; color: {text}; border: 1px solid {fi
     padding: 5px 9px; min-height: 20px; selection-background-color: {accent}; selection-color: {on_accent}; }
 QLineEdit:focus, QComboBox:focus { border: 2px solid {accent}; padding: 4px 8px; }
 QComboBox::drop-down { border: none; width: 28px; }
-QComboBox::down-arrow { image: url(:/views/chevron.png); width: 12px; height: 12px; }
+QComboBox::down-arrow { image: url(:/artwork/chevron.png); width: 12px; height: 12px; }
 
 QLineEdit[large="true"] { min-height: 22px; }
 
@@ -212,8 +212,7 @@ QString theme::style_sheet(const QFont& body) const {
     fill_in("amber", amber.name());
     fill_in("amber_soft", amber_soft.name());
     fill_in("red", red.name());
-    fill_in("check",
-            dark ? QStringLiteral(":/views/check_dark.png") : QStringLiteral(":/views/check_light.png"));
+    fill_in("check", picture(QStringLiteral("check.png")));
     fill_in("toast",
             dark ? QStringLiteral("rgba(227, 232, 237, 238)") : QStringLiteral("rgba(36, 48, 59, 235)"));
     fill_in("on_toast", dark ? ground.name() : card.name());
