@@ -206,6 +206,20 @@ TEST_F(exchange_of, the_same_command_waits_for_the_reply_to_its_earlier_try) {
     }
 }
 
+// The command asked for at the first reply is answered by the second, which came in the same read.
+TEST_F(exchange_of, a_command_held_back_is_answered_by_what_came_at_once) {
+    ask("01 0C", "410C");
+    clock.advance(3000);
+    sent();
+    controller.on_reply = [this] { ask("01 0C", "410C"); };
+    adapter->receive("410C1AF8>410C0AF0>410C");
+    EXPECT_EQ(heard(), "reply 410C1AF8, reply 410C0AF0");
+    EXPECT_EQ(sent(), "");
+    EXPECT_EQ(clock.running(), 0u);
+    ask("01 0C", "410C");
+    EXPECT_EQ(sent(), "01 0C"); // in step
+}
+
 TEST_F(exchange_of, replies_are_dropped_when_nobody_waits) {
     ask("AT I", "ELM");
     link.l_leave_cur_op_gracefully("");

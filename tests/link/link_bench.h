@@ -12,7 +12,8 @@ public:
     recording_controller(adapter_link& its_link, screen& its_view) : link(its_link), view(its_view) {}
 
     QStringList heard;
-    std::function<void()> on_work; // what it sends when its task is to start
+    std::function<void()> on_work;  // what it sends when its task is to start
+    std::function<void()> on_reply; // what it sends when a reply came
     link_loss when_lost = link_loss::ends;
 
     void work_current_task(const QString&) override {
@@ -22,7 +23,11 @@ public:
         if (on_work)
             on_work();
     }
-    void handleOBDRcvdMsg(const QString& reply) override { heard += "reply " + reply; }
+    void handleOBDRcvdMsg(const QString& reply) override {
+        heard += "reply " + reply;
+        if (const auto send = std::exchange(on_reply, {}))
+            send();
+    }
     void leave_cur_op_gracefully(const QString&) override { heard += "leave"; }
     link_loss on_link_lost() override { return when_lost; }
     void set_status_msg(const QString& status) override { view.show_status(status); }
