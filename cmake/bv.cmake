@@ -32,14 +32,17 @@ endfunction()
 # folder's floor.
 function(bv_test folder)
     cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS")
-    if(NOT TARGET GTest::gtest_main)
-        find_package(GTest REQUIRED)
-    endif()
     string(REPLACE "/" "_" name ${folder})
     list(TRANSFORM its_SOURCES PREPEND ${CMAKE_SOURCE_DIR}/tests/${folder}/)
     add_executable(${name}_tests ${its_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${its_LINKS} bv_flags GTest::gtest_main)
     target_compile_definitions(${name}_tests PRIVATE BV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/${folder}")
-    add_test(NAME ${name} COMMAND ${name}_tests)
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    bv_cases(${name} ${name}. *)
+endfunction()
+
+# bv_cases(name prefix filter properties...): each case of a test program that the filter lets through is a test of its
+# own, with the prefix before its name.
+function(bv_cases name prefix filter)
+    gtest_discover_tests(${name}_tests TEST_PREFIX ${prefix} TEST_FILTER ${filter} DISCOVERY_TIMEOUT 120
+                         PROPERTIES TIMEOUT 300 ${ARGN})
 endfunction()

@@ -7,6 +7,7 @@
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    ask_for_the_wanted_locale();
     QGuiApplication application(argc, argv);
     if (!has_the_wanted_locale())
         return 1;

@@ -5,6 +5,7 @@
 
 // An application takes the locale of its surroundings, as the programs do.
 int main(int argc, char** argv) {
+    ask_for_the_wanted_locale();
     QCoreApplication application(argc, argv);
     if (!has_the_wanted_locale())
         return 1;
