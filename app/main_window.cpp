@@ -29,9 +29,9 @@ QFrame* thin_line() {
 
 } // namespace
 
-main_window::main_window(program_core& its_core, const QString& views)
+main_window::main_window(program_core& its_core)
     : core(its_core), delegate(core.state, core.defaults, core.db, core.clock, *this),
-      toolies(core.state, core.defaults, core.db), loader(views), toast(&area), help(&area), sheet(this) {
+      toolies(core.state, core.defaults, core.db), toast(&area), help(&area), sheet(this) {
     lay_out();
     add_keys();
     apply_look();
@@ -103,7 +103,7 @@ void main_window::go_to(screen_kind kind) {
 }
 
 std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
-    const view_context context{core, delegate, *this, *this, loader};
+    const view_context context{core, delegate, *this, *this};
     switch (kind) {
     case screen_kind::diagnostics: return std::make_unique<read_codes_view>(context);
     case screen_kind::preferences: return std::make_unique<prefs_view>(context);
@@ -113,15 +113,9 @@ std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
     }
 }
 
-bool main_window::open_screen(screen_kind kind) {
+void main_window::open_screen(screen_kind kind) {
     refuse_questions();
-    std::unique_ptr<screen_view> next;
-    try {
-        next = make_view(kind);
-    } catch (const broken_view& problem) {
-        tell({QStringLiteral("This screen cannot be shown"), QString::fromUtf8(problem.what()), {}, nullptr});
-        return false;
-    }
+    std::unique_ptr<screen_view> next = make_view(kind);
     help.hide();
     toast.show_text(QString());
     banner.drop(notice::life::while_on_screen);
@@ -133,7 +127,6 @@ bool main_window::open_screen(screen_kind kind) {
     status.set_busy(false);
     toast.set_busy(false);
     status.set_status(QStringLiteral("Ready"));
-    return true;
 }
 
 void main_window::savePrefs() {

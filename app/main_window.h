@@ -20,8 +20,7 @@ class main_window : public QWidget, public ::screen, public main_area, private w
     Q_OBJECT
 
 public:
-    // `views`: the folder of the view descriptions.
-    explicit main_window(program_core& its_core, const QString& views = QStringLiteral(":/views"));
+    explicit main_window(program_core& its_core);
     ~main_window() override;
 
     // Opens the database, takes the link that was asked for, and shows the first screen.
@@ -42,7 +41,7 @@ public:
     void beep() override;
 
     // main_area
-    bool open_screen(screen_kind kind) override;
+    void open_screen(screen_kind kind) override;
     task_controller* current_controller() override { return view ? view->controller() : nullptr; }
     void savePrefs() override;
     void set_selected_button(screen_kind kind) override { tools.mark(kind); }
@@ -90,7 +89,6 @@ private:
     program_core& core;
     Bv_lite_delegate delegate;
     mac_toolies toolies;
-    view_loader loader;
     theme colours;
     sound_player sounds;
     link_in_force started_with;

@@ -125,10 +125,9 @@ void Bv_lite_delegate::switch_to(screen_kind kind) {
     if (shown == screen_kind::preferences)
         area->savePrefs();
     set_controller(nullptr); // the operation that runs is left before its controller goes
-    if (area->open_screen(kind)) {
-        shown = kind;
-        setSelectedButton(kind);
-    }
+    area->open_screen(kind);
+    shown = kind;
+    setSelectedButton(kind);
     set_controller(area->current_controller());
 }
 

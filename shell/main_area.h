@@ -12,9 +12,8 @@ class main_area {
 public:
     virtual ~main_area() = default;
 
-    // Releases the screen that is shown and shows the named one, made anew. False when it cannot be made; the
-    // screen before it then stays.
-    virtual bool open_screen(screen_kind kind) = 0;
+    // Releases the screen that is shown and shows the named one, made anew.
+    virtual void open_screen(screen_kind kind) = 0;
     // The controller of the shown screen that takes replies, or null.
     virtual task_controller* current_controller() = 0;
     // Stores what was edited on the preferences screen, when that is the one shown.

@@ -12,30 +12,25 @@ constexpr int text_page = 1;
 } // namespace
 
 expert_view::expert_view(const view_context& its_context)
-    : screen_view(its_context, QStringLiteral("expertView")),
+    : screen_view(its_context), ui(laid_out_in<Ui::expertView>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
       console(context.core.state, context.delegate, toolies, context.window, context.core.clock,
-              context.core.defaults, context.core.expert),
-      command(part<QLineEdit>("command")), replyTxt(part<QPlainTextEdit>("replyTxt")),
-      stack(part<QStackedWidget>("transcript_stack")), send_button(part<QPushButton>("send")),
-      stop_button(part<QPushButton>("stop")), script_button(part<QPushButton>("script")),
-      clear_button(part<QPushButton>("clear")), share_button(part<QPushButton>("share")),
-      note(part<QLabel>("note")), progress(part<busy_bar>("progress")) {
-    replyTxt.setMaximumBlockCount(transcript::most_lines);
-    replyTxt.setUndoRedoEnabled(false);
-    replyTxt.setFrameShape(QFrame::NoFrame);
-    command.installEventFilter(this);
-    connect(&command, &QLineEdit::returnPressed, this, &expert_view::clickSend);
-    connect(&send_button, &QPushButton::clicked, this, &expert_view::clickSend);
-    connect(&stop_button, &QPushButton::clicked, this, &expert_view::stop);
-    connect(&script_button, &QPushButton::clicked, this, &expert_view::clickScript);
+              context.core.defaults, context.core.expert) {
+    ui.replyTxt->setMaximumBlockCount(transcript::most_lines);
+    ui.replyTxt->setUndoRedoEnabled(false);
+    ui.replyTxt->setFrameShape(QFrame::NoFrame);
+    ui.command->installEventFilter(this);
+    connect(ui.command, &QLineEdit::returnPressed, this, &expert_view::clickSend);
+    connect(ui.send, &QPushButton::clicked, this, &expert_view::clickSend);
+    connect(ui.stop, &QPushButton::clicked, this, &expert_view::stop);
+    connect(ui.script, &QPushButton::clicked, this, &expert_view::clickScript);
     connect(&context.delegate, &adapter_link::condition_changed, this, &expert_view::show_operation);
-    connect(&clear_button, &QPushButton::clicked, this, [this] { console.clickClear(); });
-    add_share_menu(share_button, context.frame,
+    connect(ui.clear, &QPushButton::clicked, this, [this] { console.clickClear(); });
+    add_share_menu(*ui.share, context.frame,
                    {QStringLiteral("transcript"), QStringLiteral("transcript"),
                     [this] { return console.session().lines.as_text(); }});
-    begin_at(command);
-    console.load(); // last: a view that could not be made leaves the screen before it in force
+    begin_at(*ui.command);
+    console.load();
 }
 
 expert_view::~expert_view() {
@@ -43,8 +38,8 @@ expert_view::~expert_view() {
 }
 
 void expert_view::clickSend() {
-    command.setFocus(); // first: a question takes it
-    console.handle_a_send(command.text());
+    ui.command->setFocus(); // first: a question takes it
+    console.handle_a_send(ui.command->text());
 }
 
 void expert_view::clickScript() {
@@ -65,7 +60,7 @@ void expert_view::reload(const QString& list) {
     if (list == QLatin1String("transcript"))
         show_transcript();
     else if (list == QLatin1String("sent"))
-        command.clear();
+        ui.command->clear();
     else if (list == QLatin1String("operation"))
         show_operation();
 }
@@ -75,10 +70,10 @@ void expert_view::reload(const QString& list) {
 void expert_view::show_transcript() {
     const transcript& lines = console.session().lines;
     if (lines.is_empty()) {
-        replyTxt.clear();
+        ui.replyTxt->clear();
         shown = lines.end();
     }
-    QTextCursor end(replyTxt.document());
+    QTextCursor end(ui.replyTxt->document());
     end.movePosition(QTextCursor::End);
     end.beginEditBlock();
     bool is_first = shown <= lines.first();
@@ -95,59 +90,59 @@ void expert_view::show_transcript() {
     }
     end.endEditBlock();
     shown = lines.end();
-    replyTxt.moveCursor(QTextCursor::End);
-    replyTxt.moveCursor(QTextCursor::StartOfLine);
-    stack.setCurrentIndex(lines.is_empty() ? empty_page : text_page);
-    clear_button.setEnabled(!lines.is_empty());
-    share_button.setEnabled(!lines.is_empty());
+    ui.replyTxt->moveCursor(QTextCursor::End);
+    ui.replyTxt->moveCursor(QTextCursor::StartOfLine);
+    ui.transcript_stack->setCurrentIndex(lines.is_empty() ? empty_page : text_page);
+    ui.clear->setEnabled(!lines.is_empty());
+    ui.share->setEnabled(!lines.is_empty());
     show_operation();
 }
 
 void expert_view::show_anew() {
-    replyTxt.clear();
+    ui.replyTxt->clear();
     shown = console.session().lines.first();
     show_transcript();
 }
 
 void expert_view::show_operation() {
     const bool runs = console.is_running();
-    const bool had_focus = runs ? send_button.hasFocus() || script_button.hasFocus() : stop_button.hasFocus();
-    send_button.setVisible(!runs);
-    stop_button.setVisible(runs || context.delegate.is_reconnecting());
-    script_button.setEnabled(!runs);
+    const bool had_focus = runs ? ui.send->hasFocus() || ui.script->hasFocus() : ui.stop->hasFocus();
+    ui.send->setVisible(!runs);
+    ui.stop->setVisible(runs || context.delegate.is_reconnecting());
+    ui.script->setEnabled(!runs);
     if (had_focus)
-        (runs ? static_cast<QWidget&>(stop_button) : command).setFocus();
+        (runs ? static_cast<QWidget&>(*ui.stop) : *ui.command).setFocus();
     if (!runs)
-        note.clear();
+        ui.note->clear();
     else if (console.is_script_running())
-        note.setText(QStringLiteral("Script: %1 of %2 answered")
-                         .arg(console.commands_answered())
-                         .arg(console.commands_in_all()));
+        ui.note->setText(QStringLiteral("Script: %1 of %2 answered")
+                             .arg(console.commands_answered())
+                             .arg(console.commands_in_all()));
     else
-        note.setText(QStringLiteral("Waiting for the answer"));
-    progress.set_running(runs);
-    progress.set_progress(console.commands_answered(),
-                          runs && console.is_script_running() ? console.commands_in_all() : 0);
+        ui.note->setText(QStringLiteral("Waiting for the answer"));
+    ui.progress->set_running(runs);
+    ui.progress->set_progress(console.commands_answered(),
+                              runs && console.is_script_running() ? console.commands_in_all() : 0);
 }
 
 void expert_view::look_changed() {
     const theme& look = context.frame.look();
-    part<QLabel>("empty_icon")
-        .setPixmap(look.enlarged(QStringLiteral("obd_mode.png"), empty_icon_size, devicePixelRatioF()));
+    ui.empty_icon->setPixmap(
+        look.enlarged(QStringLiteral("obd_mode.png"), empty_icon_size, devicePixelRatioF()));
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     fixed.setPointSizeF(font().pointSizeF() > 0 ? font().pointSizeF() : fixed.pointSizeF());
-    replyTxt.setFont(fixed);
-    command.setFont(fixed);
+    ui.replyTxt->setFont(fixed);
+    ui.command->setFont(fixed);
     show_anew();
 }
 
 bool expert_view::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &command && event->type() == QEvent::KeyPress) {
+    if (watched == ui.command && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         command_history& history = console.session().history;
         if (key == Qt::Key_Up || key == Qt::Key_Down) {
-            command.setText(key == Qt::Key_Up ? history.older(command.text())
-                                              : history.newer(command.text()));
+            ui.command->setText(key == Qt::Key_Up ? history.older(ui.command->text())
+                                                  : history.newer(ui.command->text()));
             return true;
         }
     }

@@ -1,15 +1,9 @@
 #pragma once
 
 #include "app/console/script_dialog.h"
-#include "app/look/busy_marks.h"
 #include "app/screen/screen_view.h"
 #include "expert/expertCtrlr.h"
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QStackedWidget>
+#include "ui_expertView.h"
 
 // The expert console: the transcript, and the line in which commands are typed.
 class expert_view : public screen_view {
@@ -38,17 +32,8 @@ private:
     void show_transcript();
     void show_anew();
 
+    const Ui::expertView ui;
     mac_toolies toolies;
     expertCtrlr console;
-    QLineEdit& command;
-    QPlainTextEdit& replyTxt;
-    QStackedWidget& stack;
-    QPushButton& send_button;
-    QPushButton& stop_button;
-    QPushButton& script_button;
-    QPushButton& clear_button;
-    QPushButton& share_button;
-    QLabel& note;
-    busy_bar& progress;
     qint64 shown = 0; // the lines of the transcript up to this one are in the text
 };

@@ -16,7 +16,6 @@ constexpr int mil_size = 28;
 constexpr int code_row_height = 36;
 constexpr int readiness_row_height = 26;
 constexpr int most_permanent_rows = 4; // before they scroll
-constexpr int cards_place = 2;         // in the column: the head, the progress, the cards
 constexpr int empty_page = 0;
 constexpr int table_page = 1;
 const QString unknown = QStringLiteral("\u2013");
@@ -45,46 +44,33 @@ void set_up_codes(QTableView& table, codes_model& model) {
 
 } // namespace
 
-codes_page::codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller)
-    : context(its_context), controller(its_controller), results(its_controller.results()),
+codes_page::codes_page(const Ui::read_codes_view& its_ui, const view_context& its_context,
+                       readCodes& its_controller)
+    : ui(its_ui), context(its_context), controller(its_controller), results(its_controller.results()),
       reading(result_list::codes, results, its_controller.what_it_works_with().toolies),
       codes(its_controller, reading), permanent_rows(its_controller, permanent.rows),
-      readiness(monitors, nullptr),
-      head(view, its_context, its_controller, {op_read_codes, op_clear_codes, op_permanent}),
-      bar(*new reading_bar(part_of<QWidget>(view, "codes_page"), cards_place, its_context)),
-      stop_button(part_of<QPushButton>(view, "stop")), clear_button(part_of<QPushButton>(view, "clear")),
-      permanent_button(part_of<QPushButton>(view, "permanent")),
-      codes_stack(part_of<QStackedWidget>(view, "codes_stack")),
-      empty_icon(part_of<QLabel>(view, "empty_icon")), empty_text(part_of<QLabel>(view, "empty_text")),
-      codes_table(part_of<QTableView>(view, "codes_table")),
-      permanent_card(part_of<QFrame>(view, "permanent_card")),
-      permanent_table(part_of<QTableView>(view, "permanent_table")),
-      permanent_words(part_of<QLabel>(view, "permanent_words")), side(part_of<QWidget>(view, "side")),
-      mil_picture(part_of<QLabel>(view, "mil_picture")), mil_word(part_of<QLabel>(view, "mil_word")),
-      code_count(part_of<QLabel>(view, "code_count")),
-      readiness_stack(part_of<QStackedWidget>(view, "readiness_stack")),
-      readiness_table(part_of<QTableView>(view, "readiness_table")),
-      readiness_summary_label(part_of<QLabel>(view, "readiness_summary")),
-      facts(part_of<QLabel>(view, "facts")) {
+      readiness(monitors, nullptr), head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context,
+                                         its_controller, {op_read_codes, op_clear_codes, op_permanent}),
+      bar(*new reading_bar(*ui.codes_column, *ui.cards, its_context)) {
     set_up_tables();
-    connect(&part_of<QPushButton>(view, "read"), &QPushButton::clicked, this, &codes_page::start);
-    connect(&clear_button, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
-    connect(&permanent_button, &QPushButton::clicked, this,
+    connect(ui.read, &QPushButton::clicked, this, &codes_page::start);
+    connect(ui.clear, &QPushButton::clicked, this, [this] { controller.clearCodes(); });
+    connect(ui.permanent, &QPushButton::clicked, this,
             [this] { head.start([this] { controller.readPermanent(); }); });
 }
 
 void codes_page::set_up_tables() {
-    set_up_codes(codes_table, codes);
-    set_up_codes(permanent_table, permanent_rows);
-    permanent_table.horizontalHeader()->hide();
+    set_up_codes(*ui.codes_table, codes);
+    set_up_codes(*ui.permanent_table, permanent_rows);
+    ui.permanent_table->horizontalHeader()->hide();
 
-    readiness_table.setModel(&readiness);
-    readiness_table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    readiness_table.horizontalHeader()->setSectionResizeMode(readiness_model::description_column,
-                                                             QHeaderView::Stretch);
-    readiness_table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    readiness_table.verticalHeader()->setDefaultSectionSize(readiness_row_height);
-    make_copyable(readiness_table);
+    ui.readiness_table->setModel(&readiness);
+    ui.readiness_table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    ui.readiness_table->horizontalHeader()->setSectionResizeMode(readiness_model::description_column,
+                                                                 QHeaderView::Stretch);
+    ui.readiness_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    ui.readiness_table->verticalHeader()->setDefaultSectionSize(readiness_row_height);
+    make_copyable(*ui.readiness_table);
 }
 
 void codes_page::start() {
@@ -110,12 +96,12 @@ void codes_page::reload(const QString& list) {
 }
 
 void codes_page::show_operation() {
-    const bool had_focus = clear_button.hasFocus() || permanent_button.hasFocus();
+    const bool had_focus = ui.clear->hasFocus() || ui.permanent->hasFocus();
     head.show(QString());
-    clear_button.setEnabled(!controller.is_running());
-    permanent_button.setEnabled(!controller.is_running());
+    ui.clear->setEnabled(!controller.is_running());
+    ui.permanent->setEnabled(!controller.is_running());
     if (had_focus && head.runs_here())
-        stop_button.setFocus();
+        ui.stop->setFocus();
     show_codes();
     show_permanent();
 }
@@ -130,39 +116,39 @@ void codes_page::show_permanent() {
     permanent = read_permanent_codes(results, controller.what_it_works_with().toolies);
     permanent_rows.reload();
     const int rows = permanent_rows.rowCount();
-    permanent_table.setVisible(rows > 0);
-    permanent_table.setMinimumHeight(code_row_height + theme::step);
-    permanent_table.setMaximumHeight(std::min(rows, most_permanent_rows) * code_row_height + theme::step);
+    ui.permanent_table->setVisible(rows > 0);
+    ui.permanent_table->setMinimumHeight(code_row_height + theme::step);
+    ui.permanent_table->setMaximumHeight(std::min(rows, most_permanent_rows) * code_row_height + theme::step);
     const bool doubt = !permanent.words.isEmpty() && !permanent.drive_cycle_words.isEmpty();
-    permanent_words.setText(permanent.words + (doubt ? QStringLiteral(" ") : QString()) +
-                            permanent.drive_cycle_words);
-    permanent_words.setVisible(!permanent_words.text().isEmpty());
-    permanent_card.setVisible(permanent.was_read);
+    ui.permanent_words->setText(permanent.words + (doubt ? QStringLiteral(" ") : QString()) +
+                                permanent.drive_cycle_words);
+    ui.permanent_words->setVisible(!ui.permanent_words->text().isEmpty());
+    ui.permanent_card->setVisible(permanent.was_read);
     show_readiness();
 }
 
 void codes_page::show_codes() {
     codes.reload();
     bar.show_lines({&reading}, status.line);
-    codes_stack.setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
+    ui.codes_stack->setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
     if (head.runs_here())
-        empty_text.setText(head.waiting_words());
+        ui.empty_text->setText(head.waiting_words());
     else if (results.read_on_label.isEmpty())
-        empty_text.setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));
+        ui.empty_text->setText(QStringLiteral("No codes read yet. Press Read (F5) with the ignition on."));
     else
-        empty_text.setText(QStringLiteral("Nothing to show now. Press Read (F5) with the ignition on."));
+        ui.empty_text->setText(QStringLiteral("Nothing to show now. Press Read (F5) with the ignition on."));
 }
 
 void codes_page::show_readiness() {
     monitors = status.shown().monitors + permanent.drive_cycle;
     readiness.reload();
-    readiness_table.clearSpans();
+    ui.readiness_table->clearSpans();
     for (int row = 0; row < readiness.rowCount(); ++row) {
         if (readiness.is_heading(row))
-            readiness_table.setSpan(row, 0, 1, readiness_model::column_count);
+            ui.readiness_table->setSpan(row, 0, 1, readiness_model::column_count);
     }
-    readiness_stack.setCurrentIndex(readiness.rowCount() > 0 ? table_page : empty_page);
-    readiness_summary_label.setText(readiness.summary());
+    ui.readiness_stack->setCurrentIndex(readiness.rowCount() > 0 ? table_page : empty_page);
+    ui.readiness_summary->setText(readiness.summary());
 }
 
 void codes_page::show_labels() {
@@ -173,26 +159,27 @@ void codes_page::show_labels() {
     const bool known = was_read && shown.is_known;
     const bool on = known && shown.mil;
 
-    mil_word.setText(!known ? unknown : on ? QStringLiteral("ON") : QStringLiteral("OFF"));
-    theme::mark(mil_word, "warning", on);
-    code_count.setText(known ? QString::number(shown.codes) : unknown);
+    ui.mil_word->setText(!known ? unknown : on ? QStringLiteral("ON") : QStringLiteral("OFF"));
+    theme::mark(*ui.mil_word, "warning", on);
+    ui.code_count->setText(known ? QString::number(shown.codes) : unknown);
     const QString picture = on ? QStringLiteral("mil_on.png") : QStringLiteral("mil_off.png");
-    mil_picture.setPixmap(look.icon(picture).pixmap(mil_size));
-    mil_picture.setAccessibleName(
-        QStringLiteral("MIL Lamp: %1").arg(known ? mil_word.text() : QStringLiteral("not known")));
+    ui.mil_picture->setPixmap(look.icon(picture).pixmap(mil_size));
+    ui.mil_picture->setAccessibleName(
+        QStringLiteral("MIL Lamp: %1").arg(known ? ui.mil_word->text() : QStringLiteral("not known")));
 
     QStringList told;
     for (const QString& fact : results.xtra_info_label.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         told += fact_as_html(fact, look.muted);
-    facts.setText(told.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
+    ui.facts->setText(told.join(QStringLiteral(" &nbsp;&nbsp;&nbsp; ")));
 }
 
 void codes_page::look_changed() {
     const theme& look = context.frame.look();
-    empty_icon.setPixmap(look.icon(QStringLiteral("diags.png")).pixmap(empty_icon_size));
-    side.setFixedWidth(std::clamp(side.fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters,
-                                  narrowest_side, widest_side));
-    code_count.setFont(theme::figures(code_count.font()));
+    ui.empty_icon->setPixmap(look.icon(QStringLiteral("diags.png")).pixmap(empty_icon_size));
+    ui.side->setFixedWidth(
+        std::clamp(ui.side->fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters, narrowest_side,
+                   widest_side));
+    ui.code_count->setFont(theme::figures(ui.code_count->font()));
     reload(QStringLiteral("labels"));
     show_operation();
 }

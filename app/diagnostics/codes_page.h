@@ -6,9 +6,7 @@
 #include "app/screen/operation_head.h"
 #include "diagnostics/permanent_codes.h"
 #include "diagnostics/second_status.h"
-
-#include <QStackedWidget>
-#include <QTableView>
+#include "ui_read_codes_view.h"
 
 // The page of the trouble codes: the codes, the permanent ones below them once they were read, the MIL, the
 // readiness of the monitors, and facts about the read.
@@ -16,8 +14,7 @@ class codes_page : public QObject {
     Q_OBJECT
 
 public:
-    // `view` holds the widgets of the page. Throws broken_view when one is missing.
-    codes_page(QWidget& view, const view_context& its_context, readCodes& its_controller);
+    codes_page(const Ui::read_codes_view& its_ui, const view_context& its_context, readCodes& its_controller);
 
     void start();
     // The names of base/screen.h: "codes", "permanent", "readiness", "labels", "progress", "operation";
@@ -34,6 +31,7 @@ private:
     void show_readiness();
     void show_labels();
 
+    const Ui::read_codes_view& ui;
     view_context context;
     readCodes& controller;
     diagnostic_results& results;
@@ -47,22 +45,4 @@ private:
 
     operation_head head;
     reading_bar& bar;
-    QPushButton& stop_button;
-    QPushButton& clear_button;
-    QPushButton& permanent_button;
-    QStackedWidget& codes_stack;
-    QLabel& empty_icon;
-    QLabel& empty_text;
-    QTableView& codes_table;
-    QFrame& permanent_card;
-    QTableView& permanent_table;
-    QLabel& permanent_words;
-    QWidget& side;
-    QLabel& mil_picture;
-    QLabel& mil_word;
-    QLabel& code_count;
-    QStackedWidget& readiness_stack;
-    QTableView& readiness_table;
-    QLabel& readiness_summary_label;
-    QLabel& facts;
 };

@@ -72,24 +72,22 @@ constexpr int rail_icon_size = 20;
 } // namespace
 
 read_codes_view::read_codes_view(const view_context& its_context)
-    : screen_view(its_context, QStringLiteral("read_codes_view")),
+    : screen_view(its_context), ui(laid_out_in<Ui::read_codes_view>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
       codes_controller(context.core.state, context.delegate, toolies, context.window,
                        context.core.diagnostics, context.core.paths),
-      rail(part<QListWidget>("rail")), pages(part<QStackedWidget>("pages")),
-      codes(*this, context, codes_controller),
-      report(part<QPushButton>("report"), context, codes_controller) {
+      codes(ui, context, codes_controller), report(*ui.report, context, codes_controller) {
     add_pages();
     for (const rail_page& page : rail_pages)
-        rail.addItem(QLatin1String(page.title));
-    rail.setIconSize({rail_icon_size, rail_icon_size});
-    connect(&rail, &QListWidget::currentRowChanged, &pages, &QStackedWidget::setCurrentIndex);
-    connect(&pages, &QStackedWidget::currentChanged, this, [this](int row) {
+        ui.rail->addItem(QLatin1String(page.title));
+    ui.rail->setIconSize({rail_icon_size, rail_icon_size});
+    connect(ui.rail, &QListWidget::currentRowChanged, ui.pages, &QStackedWidget::setCurrentIndex);
+    connect(ui.pages, &QStackedWidget::currentChanged, this, [this](int row) {
         report.show_page(row > codes_at ? others.at(static_cast<size_t>(row) - 1)->operation()
                                         : op_read_codes);
     });
-    rail.setCurrentRow(codes_at);
-    begin_at(part<QPushButton>("read"));
+    ui.rail->setCurrentRow(codes_at);
+    begin_at(*ui.read);
     connect(&context.delegate, &adapter_link::condition_changed, this, [this] {
         if (codes_controller.is_running())
             show_busy(true); // the link opened, or was lost
@@ -102,15 +100,15 @@ read_codes_view::read_codes_view(const view_context& its_context)
 
 // The widgets go last, and must not ask a controller that is gone.
 read_codes_view::~read_codes_view() {
-    rail.disconnect(&pages);
-    pages.disconnect(this);
+    ui.rail->disconnect(ui.pages);
+    ui.pages->disconnect(this);
     codes_controller.operation_ended = nullptr;
 }
 
 template <class page, class... rows>
 void read_codes_view::add_page(const result_words& words, rows&&... its_rows) {
     others.push_back(
-        std::make_unique<page>(pages, context, codes_controller, words, std::forward<rows>(its_rows)...));
+        std::make_unique<page>(*ui.pages, context, codes_controller, words, std::forward<rows>(its_rows)...));
 }
 
 void read_codes_view::add_pages() {
@@ -126,7 +124,7 @@ void read_codes_view::add_pages() {
 }
 
 void read_codes_view::start() {
-    const int row = pages.currentIndex();
+    const int row = ui.pages->currentIndex();
     if (row == codes_at)
         codes.start();
     else if (row > codes_at)
@@ -153,10 +151,11 @@ void read_codes_view::show_busy(bool) {
 }
 
 void read_codes_view::look_changed() {
-    for (int row = 0; row < rail.count(); ++row)
-        rail.item(row)->setIcon(
+    for (int row = 0; row < ui.rail->count(); ++row)
+        ui.rail->item(row)->setIcon(
             context.frame.look().icon(QLatin1String(rail_pages.at(static_cast<size_t>(row)).icon)));
-    rail.setFixedWidth(std::clamp(rail.sizeHintForColumn(0) + 2 * theme::step, narrowest_rail, widest_rail));
+    ui.rail->setFixedWidth(
+        std::clamp(ui.rail->sizeHintForColumn(0) + 2 * theme::step, narrowest_rail, widest_rail));
     codes.look_changed();
     for (const auto& page : others)
         page->look_changed();

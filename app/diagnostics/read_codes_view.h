@@ -4,7 +4,6 @@
 #include "app/diagnostics/report_button.h"
 #include "app/diagnostics/result_page.h"
 
-#include <QListWidget>
 #include <memory>
 #include <vector>
 
@@ -29,10 +28,9 @@ private:
     void add_page(const result_words& words, rows&&... its_rows);
     void add_pages();
 
+    const Ui::read_codes_view ui;
     mac_toolies toolies;
     readCodes codes_controller;
-    QListWidget& rail;
-    QStackedWidget& pages;
     codes_page codes;
     std::vector<std::unique_ptr<result_page>> others; // in the order of the rail, below the codes
     report_button report;

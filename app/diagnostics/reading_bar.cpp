@@ -2,12 +2,11 @@
 
 #include "app/screen/reading_choice.h"
 
-#include <QBoxLayout>
 #include <QSignalBlocker>
 #include <algorithm>
 
-reading_bar::reading_bar(QWidget& page, int place, const view_context& its_context)
-    : QWidget(&page), context(its_context), line(*new QLabel(this)),
+reading_bar::reading_bar(QVBoxLayout& column, const QLayout& cards, const view_context& its_context)
+    : context(its_context), line(*new QLabel(this)),
       standard_reading(*new QCheckBox(QStringLiteral("Standard reading"), this)) {
     setObjectName(QStringLiteral("reading_bar"));
     line.setObjectName(QStringLiteral("reading_line"));
@@ -25,10 +24,7 @@ reading_bar::reading_bar(QWidget& page, int place, const view_context& its_conte
     row->setSpacing(2 * theme::step);
     row->addWidget(&line, 1);
     row->addWidget(&standard_reading, 0, Qt::AlignTop);
-    auto* column = qobject_cast<QBoxLayout*>(page.layout());
-    if (!column)
-        throw broken_view("the column of the page");
-    column->insertWidget(place + 1, this);
+    column.insertWidget(column.indexOf(&cards) + 1, this);
     hide();
     connect(&standard_reading, &QCheckBox::toggled, this,
             [this](bool standard) { choose_reading(context, standard); });

@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QVBoxLayout>
 
 // The line below results that are read otherwise by SAE J1979, and the switch that shows that reading in
 // their place. Out of sight while both readings are the same and the program's own is shown.
@@ -12,8 +13,8 @@ class reading_bar : public QWidget {
     Q_OBJECT
 
 public:
-    // Goes into the column of `page`, behind the widget or layout at `place`.
-    reading_bar(QWidget& page, int place, const view_context& its_context);
+    // Goes into the column of a page, behind its cards.
+    reading_bar(QVBoxLayout& column, const QLayout& cards, const view_context& its_context);
 
     // What stands beside each list, a line each; `more`: what is said beside them, "" for nothing.
     void show_lines(const QList<const second_reading*>& readings, const QString& more = QString());

@@ -11,17 +11,9 @@ constexpr int empty_icon_size = 32;
 constexpr int row_height = 34;
 constexpr int empty_page = 0;
 constexpr int table_page = 1;
-constexpr int cards_place = 2; // in the column: the head, the progress, the cards
 
-QWidget& add_page(QStackedWidget& pages, view_loader& loader) {
-    QWidget* view = loader.load_view(QStringLiteral("result_page"), &pages);
-    pages.addWidget(view);
-    return *view;
-}
-
-template <class T>
-T& part_with(QWidget& view, const char* prefix, const char* name) {
-    return part_of<T>(view, QByteArray(prefix).append('_').append(name).constData());
+QWidget& add_page(QStackedWidget& pages) {
+    return *pages.widget(pages.addWidget(new QWidget));
 }
 
 // The parts of several pages from one description are told apart by the page's name in front of theirs.
@@ -34,14 +26,6 @@ void name_after(const char* page, QWidget& view) {
 }
 
 } // namespace
-
-result_card::result_card(QWidget& view, const char* prefix)
-    : frame(part_with<QFrame>(view, prefix, "card")), caption(part_with<QLabel>(view, prefix, "caption")),
-      stack(part_with<QStackedWidget>(view, prefix, "stack")), icon(part_with<QLabel>(view, prefix, "icon")),
-      empty_text(part_with<QLabel>(view, prefix, "empty_text")),
-      table(part_with<QTableView>(view, prefix, "table")) {
-    caption.hide();
-}
 
 void result_card::set_up(results_model& model, const QString& accessible_name, const theme& look) {
     table.setModel(&model);
@@ -70,15 +54,18 @@ void result_card::show_rows(results_model& model, const QString& words) {
 result_page::result_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                          const result_words& its_words)
     : context(its_context), controller(its_controller), results(its_controller.results()), words(its_words),
-      view(add_page(pages, context.loader)), head(view, its_context, its_controller, {words.operation}),
-      card(view, "main"), side(view, "side"), detail_card(part_of<QFrame>(view, "detail_card")),
-      bar(*new reading_bar(view, cards_place, its_context)) {
-    part_of<QLabel>(view, "heading").setText(QLatin1String(words.title));
-    auto& read_button = part_of<QPushButton>(view, "read");
-    read_button.setAccessibleName(QStringLiteral("Read: %1").arg(QLatin1String(words.title)));
-    connect(&read_button, &QPushButton::clicked, this, &result_page::start);
-    side.frame.hide();
-    detail_card.hide();
+      view(add_page(pages)), ui(laid_out_in<Ui::result_page>(view)),
+      head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context, its_controller, {words.operation}),
+      card{*ui.main_card, *ui.main_caption,    *ui.main_stack,
+           *ui.main_icon, *ui.main_empty_text, *ui.main_table},
+      side{*ui.side_card, *ui.side_caption,    *ui.side_stack,
+           *ui.side_icon, *ui.side_empty_text, *ui.side_table},
+      bar(*new reading_bar(*ui.column, *ui.cards, its_context)) {
+    ui.heading->setText(QLatin1String(words.title));
+    ui.read->setAccessibleName(QStringLiteral("Read: %1").arg(QLatin1String(words.title)));
+    connect(ui.read, &QPushButton::clicked, this, &result_page::start);
+    for (QWidget* part : QWidgetList{ui.main_caption, ui.side_caption, ui.side_card, ui.detail_card})
+        part->hide();
     name_after(words.name, view);
 }
 

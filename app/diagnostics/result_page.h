@@ -3,9 +3,8 @@
 #include "app/diagnostics/reading_bar.h"
 #include "app/diagnostics/results_model.h"
 #include "app/screen/operation_head.h"
+#include "ui_result_page.h"
 
-#include <QStackedWidget>
-#include <QTableView>
 #include <optional>
 
 // What tells the pages of results apart.
@@ -28,9 +27,6 @@ struct result_card {
     QLabel& empty_text;
     QTableView& table;
 
-    // `prefix`: "main" or "side". Throws broken_view when a part is missing.
-    result_card(QWidget& view, const char* prefix);
-
     // Rows as high as their texts need; the last column takes the room.
     void set_up(results_model& model, const QString& accessible_name, const theme& look);
     // The table when it has rows, otherwise `words`.
@@ -42,7 +38,7 @@ class result_page : public QObject {
     Q_OBJECT
 
 public:
-    // The widgets go to the end of `pages`, their names led by the page's ("mode6_read"). Throws broken_view.
+    // The widgets go to the end of `pages`, their names led by the page's ("mode6_read").
     result_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                 const result_words& its_words);
 
@@ -73,10 +69,10 @@ protected:
     diagnostic_results& results;
     const result_words words;
     QWidget& view;
+    const Ui::result_page ui;
     operation_head head;
     result_card card;
     result_card side;
-    QFrame& detail_card;
 
 private:
     void show_all();

@@ -6,8 +6,7 @@ tests_page::tests_page(QStackedWidget& pages, const view_context& its_context, r
                        const result_words& its_words, result_list list)
     : result_page(pages, its_context, its_controller, its_words),
       reading(list, results, its_controller.what_it_works_with().toolies),
-      model(reading, context.frame.look()), delegate(context.frame.look()),
-      detail(*detail_card.findChild<QTextBrowser*>()) {
+      model(reading, context.frame.look()), delegate(context.frame.look()) {
     card.set_up(model, QLatin1String(words.title), context.frame.look());
     card.table.setItemDelegate(&delegate);
     card.table.setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -26,7 +25,7 @@ tests_page::~tests_page() {
 void tests_page::show_rows() {
     card.show_rows(model, empty_words(nothing_words()));
     const bool filled = model.rowCount() > 0;
-    detail_card.setVisible(filled);
+    ui.detail_card->setVisible(filled);
     if (filled && !head.runs_here() && !card.table.currentIndex().isValid()) {
         const QList<int> failed = model.failed();
         card.table.selectRow(failed.isEmpty() ? 0 : failed.first());
@@ -48,22 +47,22 @@ void tests_page::show_detail() {
     const theme& look = context.frame.look();
     const int shown = card.table.currentIndex().isValid() ? card.table.currentIndex().row() : -1;
     if (shown < 0 || shown >= model.rowCount()) {
-        detail.setHtml(QStringLiteral("<p style=\"color:%1\">Select a test to see its limits.</p>")
-                           .arg(look.muted.name()));
+        ui.detail->setHtml(QStringLiteral("<p style=\"color:%1\">Select a test to see its limits.</p>")
+                               .arg(look.muted.name()));
         return;
     }
     const mode6_row row = model.row_of(shown);
-    detail.setHtml(QStringLiteral("<p style=\"margin:4px 0 0 0; font-weight:600\">%1</p>"
-                                  "<p style=\"margin:2px 0 6px 0; color:%4\">%2</p>%3"
-                                  "<p style=\"margin:6px 0 0 0; color:%4\">%5</p>")
-                       .arg(tests_model::title_of(row).toHtmlEscaped(),
-                            tests_model::subject_of(row).toHtmlEscaped(),
-                            work_out_result_html(row.limits, row.unit, !row.passed), look.muted.name(),
-                            QStringList{row.text, model.other_reading_of(shown)}
-                                .join(u'\n')
-                                .trimmed()
-                                .toHtmlEscaped()
-                                .replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
+    ui.detail->setHtml(QStringLiteral("<p style=\"margin:4px 0 0 0; font-weight:600\">%1</p>"
+                                      "<p style=\"margin:2px 0 6px 0; color:%4\">%2</p>%3"
+                                      "<p style=\"margin:6px 0 0 0; color:%4\">%5</p>")
+                           .arg(tests_model::title_of(row).toHtmlEscaped(),
+                                tests_model::subject_of(row).toHtmlEscaped(),
+                                work_out_result_html(row.limits, row.unit, !row.passed), look.muted.name(),
+                                QStringList{row.text, model.other_reading_of(shown)}
+                                    .join(u'\n')
+                                    .trimmed()
+                                    .toHtmlEscaped()
+                                    .replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
 }
 
 void tests_page::look_changed() {

@@ -28,5 +28,4 @@ private:
     second_reading reading;
     tests_model model;
     test_delegate delegate;
-    QTextBrowser& detail;
 };

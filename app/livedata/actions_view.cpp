@@ -58,32 +58,25 @@ void keep_room(QWidget& widget, bool also_hidden) {
 } // namespace
 
 actions_view::actions_view(const view_context& its_context)
-    : screen_view(its_context, QStringLiteral("actions_view")),
+    : screen_view(its_context), ui(laid_out_in<Ui::actions_view>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db), results(context.core.live),
       run_controller(context.core.state, context.delegate, toolies, context.window, context.core.defaults,
                      context.core.clock, results, context.core.paths),
-      pictures{results, toolies, {}, {}}, head(*this, context, run_controller, toolies),
-      gauges(part<QWidget>("gauges")), pages(part<QStackedWidget>("chart_stack")),
-      empty_icon(part<QLabel>("empty_icon")), empty_text(part<QLabel>("empty_text")),
-      chart_name(part<elided_label>("chart_name")), swap(part<QToolButton>("swap")),
-      copy_picture(part<QToolButton>("copy_picture")), save_picture(part<QToolButton>("save_picture")),
-      chart(part<chart_picture>("chart")), o2(part<o2_picture>("o2")), zoom_row(part<QWidget>("zoom_row")),
-      zoom_slider(part<QSlider>("zoom")), gauge_1(part<gauge_picture>("gauge_1")),
-      gauge_2(part<gauge_picture>("gauge_2")), thumbs(part<thumb_strip>("thumbs")),
-      saver(*this, context, QStringLiteral("live_data"), [this] { return pages.currentWidget(); }),
+      pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller, toolies),
+      saver(*this, context, QStringLiteral("live_data"), [this] { return ui.chart_stack->currentWidget(); }),
       pace([this] {
           if (isVisible())
               draw();
       }) {
-    chart.set_up(pictures);
-    gauge_1.set_up(toolies);
-    gauge_2.set_up(toolies);
-    gauges.installEventFilter(this);
-    keep_room(gauge_2, true);
-    zoom_slider.setValue(zoom_slider.maximum());
+    ui.chart->set_up(pictures);
+    ui.gauge_1->set_up(toolies);
+    ui.gauge_2->set_up(toolies);
+    ui.gauges->installEventFilter(this);
+    keep_room(*ui.gauge_2, true);
+    ui.zoom->setValue(ui.zoom->maximum());
     connect_parts();
     add_keys();
-    begin_at(part<QPushButton>("run"));
+    begin_at(*ui.run);
     run_controller.set_observer(this);
     if (results.o2_mask != 0)
         restore_o2_picture();
@@ -105,43 +98,43 @@ void actions_view::restore_o2_picture() {
 }
 
 void actions_view::connect_parts() {
-    connect(&thumbs, &thumb_strip::chart_chosen, this, &actions_view::choose_chart);
-    connect(&thumbs, &thumb_strip::group_toggled, this, &actions_view::toggle_group);
-    connect(&thumbs, &thumb_strip::gauge_chosen, this, &actions_view::choose_gauge);
-    connect(&thumbs, &thumb_strip::reading_chosen, this,
+    connect(ui.thumbs, &thumb_strip::chart_chosen, this, &actions_view::choose_chart);
+    connect(ui.thumbs, &thumb_strip::group_toggled, this, &actions_view::toggle_group);
+    connect(ui.thumbs, &thumb_strip::gauge_chosen, this, &actions_view::choose_gauge);
+    connect(ui.thumbs, &thumb_strip::reading_chosen, this,
             [this](bool standard) { choose_reading(context, standard); });
-    connect(&o2, &o2_picture::sensor_chosen, this, &actions_view::choose_chart);
-    connect(&swap, &QToolButton::clicked, this, &actions_view::swap_picture);
-    connect(&copy_picture, &QToolButton::clicked, &saver, &picture_saver::copy);
-    connect(&save_picture, &QToolButton::clicked, &saver, &picture_saver::save);
+    connect(ui.o2, &o2_picture::sensor_chosen, this, &actions_view::choose_chart);
+    connect(ui.swap, &QToolButton::clicked, this, &actions_view::swap_picture);
+    connect(ui.copy_picture, &QToolButton::clicked, &saver, &picture_saver::copy);
+    connect(ui.save_picture, &QToolButton::clicked, &saver, &picture_saver::save);
     connect(&saver, &picture_saver::done, this,
             [this](const QString& what) { context.window.show_toast(what); });
     connect(&saver, &picture_saver::failed, this, [this](const QString& sentence) {
         context.frame.tell({QStringLiteral("The picture was not saved"), sentence, {}, nullptr});
     });
-    connect(&zoom_slider, &QSlider::valueChanged, this, [this] {
-        chart.set_stale();
+    connect(ui.zoom, &QSlider::valueChanged, this, [this] {
+        ui.chart->set_stale();
         pace.ask();
     });
 }
 
 void actions_view::add_keys() {
-    const auto on_key = [this](QKeySequence::StandardKey key, QToolButton& button) {
+    const auto on_key = [this](QKeySequence::StandardKey key, QToolButton* button) {
         auto* shortcut = new QShortcut(key, this);
         shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-        connect(shortcut, &QShortcut::activated, &button, &QToolButton::click);
+        connect(shortcut, &QShortcut::activated, button, &QToolButton::click);
     };
-    on_key(QKeySequence::Copy, copy_picture);
-    on_key(QKeySequence::Save, save_picture);
+    on_key(QKeySequence::Copy, ui.copy_picture);
+    on_key(QKeySequence::Save, ui.save_picture);
 }
 
 void actions_view::look_changed() {
     const theme& look = context.frame.look();
-    empty_icon.setPixmap(look.icon(QStringLiteral("actions.gif")).pixmap(empty_icon_size));
-    o2.set_look(look);
+    ui.empty_icon->setPixmap(look.icon(QStringLiteral("actions.gif")).pixmap(empty_icon_size));
+    ui.o2->set_look(look);
     head.show();
     set_changed();
-    thumbs.set_look(look);
+    ui.thumbs->set_look(look);
     draw();
 }
 
@@ -157,10 +150,10 @@ void actions_view::reload(const QString& list) {
 
 // The gauges are as wide as their height asks for; the chart takes the rest.
 bool actions_view::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &gauges && event->type() == QEvent::Resize) {
-        const int wanted =
-            (gauges.height() - theme::step) / 2 * gauge_picture::face.width() / gauge_picture::face.height();
-        gauges.setFixedWidth(std::clamp(wanted, narrowest_gauges, widest_gauges));
+    if (watched == ui.gauges && event->type() == QEvent::Resize) {
+        const int wanted = (ui.gauges->height() - theme::step) / 2 * gauge_picture::face.width() /
+                           gauge_picture::face.height();
+        ui.gauges->setFixedWidth(std::clamp(wanted, narrowest_gauges, widest_gauges));
     }
     return screen_view::eventFilter(watched, event);
 }
@@ -171,15 +164,15 @@ void actions_view::set_changed() {
     QStringList set;
     for (const sample_row& row : std::as_const(results.these_samples))
         set += row.pid;
-    o2.picture().set_switching(switching_sensors(set));
+    ui.o2->picture().set_switching(switching_sensors(set));
     if (set != shown_set) {
         if (!shown_set.isEmpty()) // else it is that of a run that outlived the screen
             results.gauge_2_idx = 1;
         shown_set = set;
         shown = {};
         ran = false;
-        thumbs.rebuild(pictures);
-        thumbs.set_look(context.frame.look());
+        ui.thumbs->rebuild(pictures);
+        ui.thumbs->set_look(context.frame.look());
     }
     if (results.mode != op_o2_layout)
         o2_as_picture = true;
@@ -200,23 +193,23 @@ void actions_view::run_ended() {
 
 void actions_view::sample_arrived(int index) {
     const sample_row& row = results.these_samples.at(index);
-    thumbs.sample_arrived(index);
+    ui.thumbs->sample_arrived(index);
     if (shown.in_chart(index))
-        chart.set_stale();
+        ui.chart->set_stale();
     if (index == shown.chart)
-        gauge_1.set_value(row);
+        ui.gauge_1->set_value(row);
     if (index == shown.gauge_2)
-        gauge_2.set_value(row);
+        ui.gauge_2->set_value(row);
     pace.ask();
 }
 
 void actions_view::o2_layout_known(int mask, const QString&) {
-    o2.picture().work_out_sensor_lay_out(mask, shown.chart);
+    ui.o2->picture().work_out_sensor_lay_out(mask, shown.chart);
 }
 
 void actions_view::set_sensor_value(int sensor, const QString& this_value) {
     constexpr int selected_by_run = 1;
-    o2.picture().set_sensor_value(sensor, selected_by_run, this_value);
+    ui.o2->picture().set_sensor_value(sensor, selected_by_run, this_value);
 }
 
 // --- what the person chooses -------------------------------------------------------------------------------
@@ -240,29 +233,29 @@ void actions_view::choose_gauge(int index) {
 
 void actions_view::swap_picture() {
     o2_as_picture = !o2_as_picture;
-    chart.set_stale();
+    ui.chart->set_stale();
     pace.ask();
 }
 
 void actions_view::mark() {
     const bool has_second = results.gauge_2_idx >= 0 && results.gauge_2_idx < results.these_samples.size();
     shown.gauge_2 = has_second ? results.gauge_2_idx : -1;
-    thumbs.mark(shown);
-    chart.mark(shown);
+    ui.thumbs->mark(shown);
+    ui.chart->mark(shown);
     renew_pictures();
-    o2.picture().select(shown.chart);
+    ui.o2->picture().select(shown.chart);
     fill_gauges();
     pace.ask();
 }
 
 void actions_view::fill_gauges() {
     const bool has_first = shown.chart < results.these_samples.size();
-    gauge_1.setVisible(has_first);
-    gauge_2.setVisible(shown.gauge_2 >= 0);
+    ui.gauge_1->setVisible(has_first);
+    ui.gauge_2->setVisible(shown.gauge_2 >= 0);
     if (has_first)
-        gauge_1.show_sample(results.these_samples.at(shown.chart));
+        ui.gauge_1->show_sample(results.these_samples.at(shown.chart));
     if (shown.gauge_2 >= 0)
-        gauge_2.show_sample(results.these_samples.at(shown.gauge_2));
+        ui.gauge_2->show_sample(results.these_samples.at(shown.gauge_2));
 }
 
 // --- one frame ---------------------------------------------------------------------------------------------
@@ -273,27 +266,28 @@ void actions_view::draw() {
     zoom();
     show_chart_name();
     head.show_figures();
-    thumbs.draw_new();
-    chart.draw_new();
-    gauge_1.draw_new();
-    gauge_2.draw_new();
-    if (pages.currentIndex() == o2_page)
-        o2.update();
+    ui.thumbs->draw_new();
+    ui.chart->draw_new();
+    ui.gauge_1->draw_new();
+    ui.gauge_2->draw_new();
+    if (ui.chart_stack->currentIndex() == o2_page)
+        ui.o2->update();
 }
 
 void actions_view::renew_pictures() {
-    pictures.labels = chart.work_out_labels();
+    pictures.labels = ui.chart->work_out_labels();
     pictures.value_texts.clear();
     for (const sample_row& row : std::as_const(results.these_samples))
         pictures.value_texts += row.value;
 }
 
 void actions_view::zoom() {
-    keep_room(zoom_row, pages.currentIndex() == chart_page);
-    zoom_row.setVisible(run_controller.zoom_slider_shown() && pages.currentIndex() == chart_page);
-    const double slider = static_cast<double>(zoom_slider.value()) / zoom_slider.maximum();
+    keep_room(*ui.zoom_row, ui.chart_stack->currentIndex() == chart_page);
+    ui.zoom_row->setVisible(run_controller.zoom_slider_shown() &&
+                            ui.chart_stack->currentIndex() == chart_page);
+    const double slider = static_cast<double>(ui.zoom->value()) / ui.zoom->maximum();
     const ::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
-    chart.zoom(now.points, now.title);
+    ui.chart->zoom(now.points, now.title);
 }
 
 bool actions_view::has_samples() const {
@@ -304,24 +298,26 @@ bool actions_view::has_samples() const {
 void actions_view::show_page() {
     const bool filled = has_samples();
     const bool has_picture = results.mode == op_o2_layout && results.o2_mask != 0;
-    pages.setCurrentIndex(has_picture && o2_as_picture ? o2_page : filled ? chart_page : empty_page);
-    if (pages.currentIndex() == empty_page)
-        empty_text.setText(empty_words());
-    swap.setVisible(results.mode == op_o2_layout);
-    swap.setEnabled(has_picture);
-    swap.setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
-    copy_picture.setEnabled(pages.currentIndex() != empty_page);
-    save_picture.setEnabled(pages.currentIndex() != empty_page);
+    ui.chart_stack->setCurrentIndex(has_picture && o2_as_picture ? o2_page
+                                    : filled                     ? chart_page
+                                                                 : empty_page);
+    if (ui.chart_stack->currentIndex() == empty_page)
+        ui.empty_text->setText(empty_words());
+    ui.swap->setVisible(results.mode == op_o2_layout);
+    ui.swap->setEnabled(has_picture);
+    ui.swap->setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
+    ui.copy_picture->setEnabled(ui.chart_stack->currentIndex() != empty_page);
+    ui.save_picture->setEnabled(ui.chart_stack->currentIndex() != empty_page);
 }
 
 void actions_view::show_chart_name() {
     QStringList names;
-    const bool is_empty = pages.currentIndex() == empty_page;
+    const bool is_empty = ui.chart_stack->currentIndex() == empty_page;
     for (int index = 0; !is_empty && index < results.these_samples.size(); ++index) {
         if (shown.in_chart(index))
             names += results.these_samples.at(index).name;
     }
-    chart_name.set_text(names.join(QStringLiteral(", ")));
+    ui.chart_name->set_text(names.join(QStringLiteral(", ")));
 }
 
 QString actions_view::empty_words() const {

@@ -1,18 +1,9 @@
 #pragma once
 
 #include "app/livedata/run_head.h"
-#include "app/look/elided_label.h"
 #include "app/look/frame_pace.h"
-#include "app/pictures/chart_picture.h"
-#include "app/pictures/gauge_picture.h"
-#include "app/pictures/o2_picture.h"
-#include "app/pictures/thumb_strip.h"
 #include "app/screen/picture_saver.h"
 #include "livedata/actions.h"
-
-#include <QSlider>
-#include <QStackedWidget>
-#include <QToolButton>
 
 // The live-data screen: a run's large chart, two gauges and a thumbnail a PID; for the oxygen sensors also
 // the picture of the exhaust. What a reply changes is noted as it comes, and drawn once a display frame.
@@ -64,6 +55,7 @@ private:
     QString empty_words() const;
     QString missing_pids() const;
 
+    const Ui::actions_view ui;
     mac_toolies toolies;
     live_results& results;
     ::actions run_controller; // a widget has actions too
@@ -74,21 +66,6 @@ private:
     bool ran = false; // since the mode was chosen
 
     run_head head;
-    QWidget& gauges;
-    QStackedWidget& pages;
-    QLabel& empty_icon;
-    QLabel& empty_text;
-    elided_label& chart_name;
-    QToolButton& swap;
-    QToolButton& copy_picture;
-    QToolButton& save_picture;
-    chart_picture& chart;
-    o2_picture& o2;
-    QWidget& zoom_row;
-    QSlider& zoom_slider;
-    gauge_picture& gauge_1;
-    gauge_picture& gauge_2;
-    thumb_strip& thumbs;
     picture_saver saver;
     frame_pace pace;
 };

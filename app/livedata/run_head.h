@@ -1,14 +1,10 @@
 #pragma once
 
-#include "app/look/busy_marks.h"
 #include "app/screen/screen_view.h"
 #include "livedata/actions.h"
 #include "shell/preferences.h"
+#include "ui_actions_view.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
 #include <QTimer>
 
 // The head of the live-data screen: the mode, the button that starts and stops a run, the choice of its PIDs,
@@ -17,9 +13,9 @@ class run_head : public QObject {
     Q_OBJECT
 
 public:
-    // `view` holds the parts; throws broken_view when one is missing. The controller outlives it.
-    run_head(QWidget& its_view, const view_context& its_context, actions& its_controller,
-             mac_toolies& toolies);
+    // The controller outlives it.
+    run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
+             actions& its_controller, mac_toolies& toolies);
 
     void start();
     void stop();
@@ -34,17 +30,10 @@ private:
     void show_stored();
 
     QWidget& view;
+    const Ui::actions_view& ui;
     view_context context;
     actions& controller;
     live_results& results;
     preferences settings;
-    QComboBox& mode;
-    QPushButton& run_button;
-    QPushButton& pids_button;
-    QLabel& run_time;
-    QLabel& rate;
-    QLabel& stored;
-    QCheckBox& store_runs;
-    busy_bar& progress;
     QTimer second; // the time goes on while nothing arrives
 };

@@ -11,8 +11,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QSplitter>
-#include <QVBoxLayout>
 #include <algorithm>
 
 namespace {
@@ -28,52 +26,45 @@ constexpr int preview_delay_ms = 150;
 } // namespace
 
 logs_view::logs_view(const view_context& its_context)
-    : screen_view(its_context, QStringLiteral("logsDB_view")),
+    : screen_view(its_context), ui(laid_out_in<Ui::logsDB_view>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
       manager(context.core.state, context.core.db, context.core.paths, context.window), model(manager),
-      table(part<QTableView>("logs_table")), stack(part<QStackedWidget>("list_stack")),
-      count(part<QLabel>("count")), all_files(part<QCheckBox>("all_files")),
-      preview(part<QPlainTextEdit>("preview")), preview_plots(part<plot_preview>("preview_plots")),
-      stop_button(part<QPushButton>("stop")), progress(part<busy_bar>("progress")),
       actions(*this, context, manager) {
-    part<QVBoxLayout>("export_place").addWidget(&actions.exports());
-    auto& split = part<QSplitter>("split");
-    split.setStretchFactor(0, 3);
-    split.setStretchFactor(1, 1);
-    stop_button.hide();
-    preview.setFrameShape(QFrame::NoFrame);
+    ui.export_place->addWidget(&actions.exports());
+    ui.split->setStretchFactor(0, 3);
+    ui.split->setStretchFactor(1, 1);
+    ui.stop->hide();
+    ui.preview->setFrameShape(QFrame::NoFrame);
     set_up_filters();
     set_up_table();
     connect_buttons();
-    begin_at(table);
+    begin_at(*ui.logs_table);
     // A moment later: first the screen is shown.
     next_block = context.core.clock.one_shot(0, [this] { load(); });
 }
 
 // The widgets go last, and must not ask a manager that is gone.
 logs_view::~logs_view() {
-    table.setModel(nullptr);
+    ui.logs_table->setModel(nullptr);
 }
 
 void logs_view::set_up_filters() {
-    auto& row = part<QFrame>("kinds");
     for (int kind = 0; kind < log_filter::kinds; ++kind) {
         auto* button = new QPushButton(log_filter::name_of_kind(kind));
         button->setObjectName(QStringLiteral("kind_%1").arg(kind));
         button->setProperty("role", QStringLiteral("segment"));
         button->setCheckable(true);
         kinds.addButton(button, kind);
-        row.layout()->addWidget(button);
+        ui.kinds_row->addWidget(button);
     }
     kinds.button(log_filter::all_kinds)->setChecked(true);
     connect(&kinds, &QButtonGroup::idClicked, this, [this](int kind) {
         manager.choose_kind(kind);
         load();
     });
-    auto& recency = part<QComboBox>("recency");
     for (int place = 0; place < log_filter::recencies; ++place)
-        recency.addItem(log_filter::name_of_recency(place));
-    connect(&recency, &QComboBox::activated, this, [this](int place) {
+        ui.recency->addItem(log_filter::name_of_recency(place));
+    connect(ui.recency, &QComboBox::activated, this, [this](int place) {
         manager.choose_recency(place);
         load();
     });
@@ -85,60 +76,55 @@ void logs_view::order_for_tab() {
     QWidgetList order;
     for (QAbstractButton* kind : kinds.buttons())
         order += kind;
-    for (const char* name : {"recency", "stop", "logs_table", "preview", "all_files", "view", "plot",
-                             "export", "copy", "delete", "output_folder"})
-        order += &part<QWidget>(name);
+    order += QWidgetList{ui.recency, ui.stop,        ui.logs_table, ui.preview,     ui.all_files,    ui.view,
+                         ui.plot,    ui.export_logs, ui.copy,       ui.delete_logs, ui.output_folder};
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order.at(i - 1), order.at(i));
 }
 
 void logs_view::set_up_table() {
-    table.setModel(&model);
-    table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table.verticalHeader()->setDefaultSectionSize(row_height);
-    table.horizontalHeader()->setStretchLastSection(true);
-    make_copyable(table);
-    table.installEventFilter(this);
-    connect(&table, &QTableView::doubleClicked, this, &logs_view::viewLog);
-    connect(table.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+    ui.logs_table->setModel(&model);
+    ui.logs_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    ui.logs_table->verticalHeader()->setDefaultSectionSize(row_height);
+    ui.logs_table->horizontalHeader()->setStretchLastSection(true);
+    make_copyable(*ui.logs_table);
+    ui.logs_table->installEventFilter(this);
+    connect(ui.logs_table, &QTableView::doubleClicked, this, &logs_view::viewLog);
+    connect(ui.logs_table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &logs_view::selection_changed);
-    connect(&all_files, &QCheckBox::clicked, this, [this](bool all) {
+    connect(ui.all_files, &QCheckBox::clicked, this, [this](bool all) {
         if (all)
-            table.selectAll();
+            ui.logs_table->selectAll();
         else
-            table.clearSelection();
+            ui.logs_table->clearSelection();
     });
 }
 
 void logs_view::connect_buttons() {
-    const auto on_click = [this](const char* name, void (logs_view::*what)()) {
-        connect(&part<QPushButton>(name), &QPushButton::clicked, this, what);
-    };
-    on_click("view", &logs_view::viewLog);
-    on_click("plot", &logs_view::plotClicked);
-    on_click("copy", &logs_view::copyClicked);
-    connect(&preview_plots, &plot_preview::chosen, this, [this](int column) {
+    connect(ui.view, &QPushButton::clicked, this, &logs_view::viewLog);
+    connect(ui.plot, &QPushButton::clicked, this, &logs_view::plotClicked);
+    connect(ui.copy, &QPushButton::clicked, this, &logs_view::copyClicked);
+    connect(ui.preview_plots, &plot_preview::chosen, this, [this](int column) {
         for (const log_header& log : selected())
             plot_this_log(*this, context, log, column);
     });
-    connect(&preview_plots, &plot_preview::reading_chosen, this,
+    connect(ui.preview_plots, &plot_preview::reading_chosen, this,
             [this](bool standard) { choose_reading(context, standard); });
-    on_click("delete", &logs_view::deleteClicked);
-    on_click("stop", &logs_view::stop);
-    connect(&part<QPushButton>("output_folder"), &QPushButton::clicked, &actions,
-            &log_actions::show_output_folder);
+    connect(ui.delete_logs, &QPushButton::clicked, this, &logs_view::deleteClicked);
+    connect(ui.stop, &QPushButton::clicked, this, &logs_view::stop);
+    connect(ui.output_folder, &QPushButton::clicked, &actions, &log_actions::show_output_folder);
     connect(&actions, &log_actions::deletion_changed, this, &logs_view::show_deletion);
-    connect(&part<QPushButton>("open_prefs"), &QPushButton::clicked, this,
+    connect(ui.open_prefs, &QPushButton::clicked, this,
             [this] { context.frame.go_to(screen_kind::preferences); });
 
-    auto& button = part<QPushButton>("export");
-    auto* menu = new QMenu(&button);
+    auto* menu = new QMenu(ui.export_logs);
     connect(menu->addAction(QStringLiteral("As CSV")), &QAction::triggered, this,
             [this] { handle_export(false); });
     connect(menu->addAction(QStringLiteral("As text")), &QAction::triggered, this,
             [this] { handle_export(true); });
-    connect(&button, &QPushButton::clicked, menu,
-            [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, -menu->sizeHint().height()))); });
+    connect(ui.export_logs, &QPushButton::clicked, menu, [this, menu] {
+        menu->popup(ui.export_logs->mapToGlobal(QPoint(0, -menu->sizeHint().height())));
+    });
 }
 
 // --- the list ----------------------------------------------------------------------------------------------
@@ -166,15 +152,14 @@ void logs_view::read_block() {
 
 void logs_view::show_list() {
     const bool is_empty = model.rowCount() == 0;
-    stack.setCurrentIndex(is_empty ? empty_page : table_page);
-    count.setText(manager.count_text());
-    for (const char* button : {"view", "plot", "export", "copy", "delete"})
-        part<QPushButton>(button).setEnabled(!is_empty);
-    all_files.setEnabled(!is_empty);
-    part<QFrame>("preview_card").setVisible(!is_empty);
-    part<QLabel>("empty_text").setText(empty_words());
-    part<QPushButton>("open_prefs")
-        .setVisible(manager.total_no_of_logs() == 0 && !context.core.state.log_runs);
+    ui.list_stack->setCurrentIndex(is_empty ? empty_page : table_page);
+    ui.count->setText(manager.count_text());
+    for (QPushButton* button : {ui.view, ui.plot, ui.export_logs, ui.copy, ui.delete_logs})
+        button->setEnabled(!is_empty);
+    ui.all_files->setEnabled(!is_empty);
+    ui.preview_card->setVisible(!is_empty);
+    ui.empty_text->setText(empty_words());
+    ui.open_prefs->setVisible(manager.total_no_of_logs() == 0 && !context.core.state.log_runs);
     selection_changed();
 }
 
@@ -196,7 +181,7 @@ QString logs_view::empty_words() const {
 }
 
 QList<log_header> logs_view::selected() const {
-    QModelIndexList rows = table.selectionModel()->selectedRows();
+    QModelIndexList rows = ui.logs_table->selectionModel()->selectedRows();
     std::sort(rows.begin(), rows.end());
     QList<log_header> logs;
     logs.reserve(rows.size());
@@ -215,28 +200,27 @@ QList<log_header> logs_view::selected_or_told() const {
 void logs_view::selection_changed() {
     // Counted by ranges: all rows are one.
     qsizetype rows = 0;
-    for (const QItemSelectionRange& range : table.selectionModel()->selection())
+    for (const QItemSelectionRange& range : ui.logs_table->selectionModel()->selection())
         rows += range.height();
-    all_files.setChecked(rows > 0 && rows == model.rowCount());
+    ui.all_files->setChecked(rows > 0 && rows == model.rowCount());
     next_preview = context.core.clock.one_shot(preview_delay_ms, [this] { show_preview(); });
 }
 
 void logs_view::show_preview() {
-    const QItemSelection selection = table.selectionModel()->selection();
+    const QItemSelection selection = ui.logs_table->selectionModel()->selection();
     const bool is_one = selection.size() == 1 && selection.first().height() == 1;
-    auto& caption = part<QLabel>("preview_caption");
-    preview_plots.show_log(context.core, std::nullopt);
+    ui.preview_plots->show_log(context.core, std::nullopt);
     if (!is_one) {
-        caption.setText(selection.isEmpty() ? QStringLiteral("Select a log to see what is in it.")
-                                            : QStringLiteral("Several logs are selected."));
-        return preview.clear();
+        ui.preview_caption->setText(selection.isEmpty() ? QStringLiteral("Select a log to see what is in it.")
+                                                        : QStringLiteral("Several logs are selected."));
+        return ui.preview->clear();
     }
     const log_header log = manager.log_at(selection.first().top());
-    caption.setText(QStringLiteral("%1: %2").arg(log_actions::title_of(log), log.info.trimmed()));
+    ui.preview_caption->setText(QStringLiteral("%1: %2").arg(log_actions::title_of(log), log.info.trimmed()));
     const QString text = preview_of(toolies, log);
-    preview.setPlainText(text.isEmpty() ? QStringLiteral("This log holds no data.") : text);
+    ui.preview->setPlainText(text.isEmpty() ? QStringLiteral("This log holds no data.") : text);
     if (isSampledLog(log.type))
-        preview_plots.show_log(context.core, log);
+        ui.preview_plots->show_log(context.core, log);
 }
 
 // The other of the two readings is shown from now on.
@@ -265,17 +249,17 @@ void logs_view::handle_export(bool as_txt) {
 
 void logs_view::show_deletion() {
     const bool runs = actions.is_deleting();
-    progress.set_running(runs);
-    progress.set_progress(actions.deleted(), actions.to_delete());
-    stop_button.setVisible(runs);
+    ui.progress->set_running(runs);
+    ui.progress->set_progress(actions.deleted(), actions.to_delete());
+    ui.stop->setVisible(runs);
     if (runs)
         return;
     load();
-    table.setFocus();
+    ui.logs_table->setFocus();
 }
 
 bool logs_view::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &table && event->type() == QEvent::KeyPress) {
+    if (watched == ui.logs_table && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter)
             return viewLog(), true;
@@ -288,15 +272,15 @@ bool logs_view::eventFilter(QObject* watched, QEvent* event) {
 void logs_view::look_changed() {
     const theme& look = context.frame.look();
     order_for_tab();
-    part<QLabel>("empty_icon")
-        .setPixmap(look.enlarged(QStringLiteral("logs.png"), empty_icon_size, devicePixelRatioF()));
+    ui.empty_icon->setPixmap(look.enlarged(QStringLiteral("logs.png"), empty_icon_size, devicePixelRatioF()));
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     fixed.setPointSizeF(font().pointSizeF() > 0 ? font().pointSizeF() : fixed.pointSizeF());
-    preview.setFont(fixed);
-    preview_plots.set_look(look);
-    const QFontMetrics metrics(table.font());
+    ui.preview->setFont(fixed);
+    ui.preview_plots->set_look(look);
+    const QFontMetrics metrics(ui.logs_table->font());
     const auto wide_enough = [&](int column, const char* text) {
-        table.setColumnWidth(column, metrics.horizontalAdvance(QLatin1String(text)) + 4 * theme::step);
+        ui.logs_table->setColumnWidth(column,
+                                      metrics.horizontalAdvance(QLatin1String(text)) + 4 * theme::step);
     };
     wide_enough(logs_model::number_column, "1000000");
     wide_enough(logs_model::date_column, "30 Sep 2026 00:00");

@@ -2,18 +2,10 @@
 
 #include "app/logs/log_actions.h"
 #include "app/logs/logs_model.h"
-#include "app/look/busy_marks.h"
-#include "app/pictures/plot_preview.h"
 #include "app/screen/screen_view.h"
+#include "ui_logsDB_view.h"
 
 #include <QButtonGroup>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QStackedWidget>
-#include <QTableView>
 
 // The log browser: the list with its two filters, a preview of the selected log, and what can be done with
 // the selected ones.
@@ -54,17 +46,10 @@ private:
     void show_preview();
     void show_deletion();
 
+    const Ui::logsDB_view ui;
     mac_toolies toolies;
     manage_logsDB manager;
     logs_model model;
-    QTableView& table;
-    QStackedWidget& stack;
-    QLabel& count;
-    QCheckBox& all_files;
-    QPlainTextEdit& preview;
-    plot_preview& preview_plots;
-    QPushButton& stop_button;
-    busy_bar& progress;
     QButtonGroup kinds;
     log_actions actions;
 

@@ -27,20 +27,14 @@ plots_popup::plots_popup(QWidget& asked_by, const view_context& its_context, con
                          int column)
     : QWidget(asked_by.window(), Qt::Window), context(its_context), run(context.core, log),
       heading(fill(QStringLiteral("Plot - %@ : %@"), {log.type, format_date_str(log.time_stamp)})),
-      shown{column, {}, -1}, root(context.loader.load_view(QStringLiteral("plotsPopup"), this)),
-      chart(part<plot_chart>("chart")), thumbs(part<thumb_strip>("thumbs")), pan(part<QScrollBar>("pan")),
-      zoom(part<QSlider>("zoom")), caption(part<elided_label>("caption")), times(part<QLabel>("times")),
-      saver(*this, context, export_file_name(log, false).section(u'.', 0, -2),
-            [this] { return &part<QWidget>("picture"); }),
+      shown{column, {}, -1}, ui(laid_out_in<Ui::plotsPopup>(*this)),
+      saver(*this, context, export_file_name(log, false).section(u'.', 0, -2), [this] { return ui.picture; }),
       progress(this, true), toast(this), pace([this] { draw(); }) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(heading);
     setMinimumSize(smallest_size);
-    auto* room = new QVBoxLayout(this);
-    room->setContentsMargins(0, 0, 0, 0);
-    room->addWidget(root);
     setPalette(context.frame.look().palette());
-    chart.set_up(run.pictures());
+    ui.chart->set_up(run.pictures());
     connect_parts();
     add_share();
     add_keys();
@@ -51,33 +45,32 @@ plots_popup::plots_popup(QWidget& asked_by, const view_context& its_context, con
 }
 
 void plots_popup::connect_parts() {
-    connect(&chart, &plot_chart::changed, &pace, &frame_pace::ask);
+    connect(ui.chart, &plot_chart::changed, &pace, &frame_pace::ask);
     connect(&progress, &progress_overlay::stop_wanted, this, &plots_popup::escape);
-    connect(&pan, &QScrollBar::valueChanged, this, [this](int first) {
+    connect(ui.pan, &QScrollBar::valueChanged, this, [this](int first) {
         if (!filling)
-            chart.set_span(chart.span().moved(first - chart.span().first));
+            ui.chart->set_span(ui.chart->span().moved(first - ui.chart->span().first));
     });
-    connect(&zoom, &QSlider::valueChanged, this, [this](int place) {
+    connect(ui.zoom, &QSlider::valueChanged, this, [this](int place) {
         if (filling)
             return;
-        const auto count = chart.span().count_at(static_cast<double>(place) / zoom.maximum());
-        chart.zoom_by(static_cast<double>(chart.span().count) / static_cast<double>(count));
+        const auto count = ui.chart->span().count_at(static_cast<double>(place) / ui.zoom->maximum());
+        ui.chart->zoom_by(static_cast<double>(ui.chart->span().count) / static_cast<double>(count));
     });
     constexpr double factor = 2;
-    connect(&part<QToolButton>("zoom_in"), &QToolButton::clicked, this, [this] { chart.zoom_by(factor); });
-    connect(&part<QToolButton>("zoom_out"), &QToolButton::clicked, this,
-            [this] { chart.zoom_by(1 / factor); });
-    connect(&part<QToolButton>("show_all"), &QToolButton::clicked, this,
-            [this] { chart.set_span(plot_span::all_of(run.rows())); });
-    connect(&thumbs, &thumb_strip::chart_chosen, this, [this](int index) {
+    connect(ui.zoom_in, &QToolButton::clicked, this, [this] { ui.chart->zoom_by(factor); });
+    connect(ui.zoom_out, &QToolButton::clicked, this, [this] { ui.chart->zoom_by(1 / factor); });
+    connect(ui.show_all, &QToolButton::clicked, this,
+            [this] { ui.chart->set_span(plot_span::all_of(run.rows())); });
+    connect(ui.thumbs, &thumb_strip::chart_chosen, this, [this](int index) {
         shown.choose(index);
         mark();
     });
-    connect(&thumbs, &thumb_strip::group_toggled, this, [this](int index) {
+    connect(ui.thumbs, &thumb_strip::group_toggled, this, [this](int index) {
         shown.toggle(index);
         mark();
     });
-    connect(&thumbs, &thumb_strip::reading_chosen, this, [this](bool standard) {
+    connect(ui.thumbs, &thumb_strip::reading_chosen, this, [this](bool standard) {
         choose_reading(context, standard);
         run.take_over_units();
         mark();
@@ -87,8 +80,7 @@ void plots_popup::connect_parts() {
 }
 
 void plots_popup::add_share() {
-    auto& button = part<QPushButton>("share");
-    auto* menu = new QMenu(&button);
+    auto* menu = new QMenu(ui.share);
     const auto add = [&](const QString& text, QKeySequence::StandardKey key, void (picture_saver::*what)()) {
         QAction* action = menu->addAction(text);
         action->setShortcut(key);
@@ -98,8 +90,8 @@ void plots_popup::add_share() {
     add(QStringLiteral("Copy"), QKeySequence::Copy, &picture_saver::copy);
     add(QStringLiteral("Save as PNG or PDF..."), QKeySequence::Save, &picture_saver::save);
     add(QStringLiteral("Print..."), QKeySequence::Print, &picture_saver::print);
-    connect(&button, &QPushButton::clicked, menu,
-            [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, button.height()))); });
+    connect(ui.share, &QPushButton::clicked, menu,
+            [this, menu] { menu->popup(ui.share->mapToGlobal(QPoint(0, ui.share->height()))); });
 }
 
 void plots_popup::add_keys() {
@@ -137,11 +129,11 @@ void plots_popup::run_is_read() {
         return progress.show_end(series.problem().isEmpty() ? QStringLiteral("This log holds no data.")
                                                             : series.problem());
     progress.hide();
-    thumbs.rebuild(run.pictures());
-    thumbs.set_look(context.frame.look());
-    chart.show_rows(run.rows());
+    ui.thumbs->rebuild(run.pictures());
+    ui.thumbs->set_look(context.frame.look());
+    ui.chart->show_rows(run.rows());
     mark();
-    chart.setFocus();
+    ui.chart->setFocus();
     if (!series.problem().isEmpty())
         toast.show_text(series.problem());
     else if (series.is_cut())
@@ -153,56 +145,57 @@ void plots_popup::run_is_read() {
 // --- one frame ---------------------------------------------------------------------------------------------
 
 void plots_popup::mark() {
-    thumbs.mark(shown);
-    chart.mark(shown);
+    ui.thumbs->mark(shown);
+    ui.chart->mark(shown);
     pace.ask();
 }
 
 void plots_popup::draw() {
     if (is_reading() || run.is_empty())
         return;
-    const plot_span& span = chart.span();
-    const bool reads_moment = span.contains(chart.cursor());
+    const plot_span& span = ui.chart->span();
+    const bool reads_moment = span.contains(ui.chart->cursor());
     if (reads_moment)
-        run.show_row(chart.cursor());
+        run.show_row(ui.chart->cursor());
     else
         run.show_averages(span);
     show_controls();
     show_words();
-    chart.zoom(span.count, heading, span.end());
-    chart.set_stale();
-    chart.draw_new();
+    ui.chart->zoom(span.count, heading, span.end());
+    ui.chart->set_stale();
+    ui.chart->draw_new();
     for (int index = 0; index < run.series().pids().size(); ++index)
-        thumbs.sample_arrived(index);
-    thumbs.draw_new();
+        ui.thumbs->sample_arrived(index);
+    ui.thumbs->draw_new();
 }
 
 void plots_popup::show_controls() {
     filling = true;
-    const plot_span& span = chart.span();
-    pan.setRange(0, static_cast<int>(span.rows - span.count));
-    pan.setPageStep(static_cast<int>(span.count));
-    pan.setSingleStep(std::max(1, static_cast<int>(span.count / 20)));
-    pan.setValue(static_cast<int>(span.first));
-    zoom.setValue(qRound(span.slider() * zoom.maximum()));
-    part<QToolButton>("show_all").setEnabled(!span.is_all());
+    const plot_span& span = ui.chart->span();
+    ui.pan->setRange(0, static_cast<int>(span.rows - span.count));
+    ui.pan->setPageStep(static_cast<int>(span.count));
+    ui.pan->setSingleStep(std::max(1, static_cast<int>(span.count / 20)));
+    ui.pan->setValue(static_cast<int>(span.first));
+    ui.zoom->setValue(qRound(span.slider() * ui.zoom->maximum()));
+    ui.show_all->setEnabled(!span.is_all());
     filling = false;
 }
 
 void plots_popup::show_words() {
-    const plot_span& span = chart.span();
-    const qsizetype row = chart.cursor();
+    const plot_span& span = ui.chart->span();
+    const qsizetype row = ui.chart->cursor();
     if (span.contains(row)) {
         const QString since = run.elapsed(0, row);
-        caption.set_text(QStringLiteral("Values of sweep %1").arg(grouped(row + 1)) +
-                         (since.isEmpty() ? QString() : QStringLiteral(", %1 after the start").arg(since)));
-        times.setText(run.time_of(row, true));
+        ui.caption->set_text(
+            QStringLiteral("Values of sweep %1").arg(grouped(row + 1)) +
+            (since.isEmpty() ? QString() : QStringLiteral(", %1 after the start").arg(since)));
+        ui.times->setText(run.time_of(row, true));
     } else {
-        caption.set_text(
+        ui.caption->set_text(
             fill(QStringLiteral("Averages displayed - %d data points"), {QString::number(span.count)}));
         const QString from = run.time_of(span.first, true);
         const QString to = run.time_of(span.end() - 1, false);
-        times.setText(
+        ui.times->setText(
             from.isEmpty() || to.isEmpty()
                 ? QString()
                 : QStringLiteral("%1 to %2 (%3)").arg(from, to, run.elapsed(span.first, span.end() - 1)));
@@ -215,7 +208,7 @@ void plots_popup::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::StyleChange) { // the window it belongs to has other colours now
         setPalette(context.frame.look().palette());
-        thumbs.set_look(context.frame.look());
+        ui.thumbs->set_look(context.frame.look());
     } else if (event->type() == QEvent::ActivationChange && isActiveWindow() && !is_reading() &&
                run.take_over_units()) {
         mark();
@@ -245,11 +238,6 @@ void plots_popup::restore_place() {
 }
 
 void plot_this_log(QWidget& asked_by, const view_context& context, const log_header& log, int column) {
-    try {
-        auto* window = new plots_popup(asked_by, context, log, column);
-        window->show();
-    } catch (const broken_view& problem) {
-        context.frame.tell(
-            {QStringLiteral("The plot cannot be shown"), QString::fromUtf8(problem.what()), {}, nullptr});
-    }
+    auto* window = new plots_popup(asked_by, context, log, column);
+    window->show();
 }

@@ -1,18 +1,13 @@
 #pragma once
 
-#include "app/look/elided_label.h"
 #include "app/look/frame_pace.h"
 #include "app/look/progress_overlay.h"
 #include "app/look/toast_overlay.h"
-#include "app/pictures/plot_chart.h"
 #include "app/pictures/plotted_run.h"
-#include "app/pictures/thumb_strip.h"
 #include "app/screen/picture_saver.h"
+#include "ui_plotsPopup.h"
 
-#include <QPushButton>
-#include <QScrollBar>
-#include <QSlider>
-#include <QToolButton>
+#include <QTimer>
 
 // The window that draws a stored sampling run: the chart with a moment that can be read, and a thumbnail for
 // each PID. It reads the run while it is open already, goes with the window it was asked for from, and is
@@ -21,7 +16,6 @@ class plots_popup : public QWidget {
     Q_OBJECT
 
 public:
-    // Throws broken_view.
     plots_popup(QWidget& asked_by, const view_context& its_context, const log_header& log, int column);
 
     bool is_reading() const { return reading.isActive(); }
@@ -31,11 +25,6 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    template <class T>
-    T& part(const char* name) {
-        return part_of<T>(*root, name);
-    }
-
     void connect_parts();
     void add_share();
     void add_keys();
@@ -55,13 +44,7 @@ private:
     plotted_run run;
     const QString heading;
     shown_samples shown;
-    QWidget* root;
-    plot_chart& chart;
-    thumb_strip& thumbs;
-    QScrollBar& pan;
-    QSlider& zoom;
-    elided_label& caption;
-    QLabel& times;
+    const Ui::plotsPopup ui;
     picture_saver saver;
     progress_overlay progress;
     toast_overlay toast;
@@ -70,6 +53,5 @@ private:
     bool filling = false; // the controls follow the chart
 };
 
-// Opens the window for a log, with that column of it as the chart; a window that cannot be shown is told on
-// the banner. It belongs to the window of `asked_by`.
+// Opens the window for a log, with that column of it as the chart. It belongs to the window of `asked_by`.
 void plot_this_log(QWidget& asked_by, const view_context& context, const log_header& log, int column = 0);

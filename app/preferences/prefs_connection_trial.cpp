@@ -6,21 +6,16 @@ namespace {
 constexpr int mark_size = 20;
 }
 
-prefs_connection_trial::prefs_connection_trial(QWidget& view, const view_context& its_context,
+prefs_connection_trial::prefs_connection_trial(const Ui::prefs& its_ui, const view_context& its_context,
                                                mac_toolies& its_toolies)
-    : context(its_context), toolies(its_toolies),
+    : ui(its_ui), context(its_context), toolies(its_toolies),
       controller_(context.core.state, context.delegate, toolies, *this, context.core.diagnostics,
-                  context.core.paths),
-      start_button(part_of<QPushButton>(view, "test_start")),
-      stop_button(part_of<QPushButton>(view, "test_stop")),
-      progress(part_of<busy_bar>(view, "test_progress")), result(part_of<QWidget>(view, "test_result")),
-      mark(part_of<QLabel>(view, "test_mark")), title_label(part_of<QLabel>(view, "test_title")),
-      text_label(part_of<QLabel>(view, "test_text")) {
-    for (QLabel* label : {&title_label, &text_label})
+                  context.core.paths) {
+    for (QLabel* label : {ui.test_title, ui.test_text})
         label->setTextFormat(Qt::PlainText); // texts of the adapter and the car
-    stop_button.hide();
-    result.hide();
-    connect(&stop_button, &QPushButton::clicked, this, &prefs_connection_trial::stop);
+    ui.test_stop->hide();
+    ui.test_result->hide();
+    connect(ui.test_stop, &QPushButton::clicked, this, &prefs_connection_trial::stop);
     connect(&context.delegate, &adapter_link::condition_changed, this,
             &prefs_connection_trial::note_progress);
     controller_.operation_ended = [this](bool done) { ended(done); };
@@ -58,12 +53,12 @@ void prefs_connection_trial::forget() {
     if (is_running())
         stop();
     else
-        result.hide();
+        ui.test_result->hide();
 }
 
 void prefs_connection_trial::look_changed() {
     const QString file = is_good ? QStringLiteral("ok_pic.png") : QStringLiteral("not_ok.png");
-    mark.setPixmap(context.frame.look().icon(file).pixmap(mark_size));
+    ui.test_mark->setPixmap(context.frame.look().icon(file).pixmap(mark_size));
 }
 
 void prefs_connection_trial::note_progress() {
@@ -86,7 +81,7 @@ void prefs_connection_trial::ended(bool done) {
         show_result(QStringLiteral("Stopped"), QStringLiteral("The test did not reach its end."));
     else
         show_failure();
-    context.window.show_status(title_label.text());
+    context.window.show_status(ui.test_title->text());
     Q_EMIT finished();
 }
 
@@ -124,16 +119,16 @@ bool prefs_connection_trial::has_no_device() const {
 
 void prefs_connection_trial::show_running(const QString& text) {
     show_result(QStringLiteral("Testing"), text);
-    mark.hide();
+    ui.test_mark->hide();
 }
 
 void prefs_connection_trial::show_result(const QString& title, const QString& text) {
-    title_label.setText(title);
-    text_label.setText(text);
-    text_label.setVisible(!text.isEmpty());
-    mark.setVisible(true);
+    ui.test_title->setText(title);
+    ui.test_text->setText(text);
+    ui.test_text->setVisible(!text.isEmpty());
+    ui.test_mark->setVisible(true);
     look_changed();
-    result.show();
+    ui.test_result->show();
 }
 
 // --- what the controller tells -----------------------------------------------------------------------------
@@ -153,16 +148,16 @@ void prefs_connection_trial::show_toast(const QString& text) {
     if (is_running())
         show_running(text.simplified());
     else if (far == reached::nothing)
-        text_label.setText(text);
+        ui.test_text->setText(text);
 }
 
 void prefs_connection_trial::show_busy(bool busy) {
-    const bool had_focus = busy ? start_button.hasFocus() : stop_button.hasFocus();
-    start_button.setVisible(!busy);
-    stop_button.setVisible(busy);
+    const bool had_focus = busy ? ui.test_start->hasFocus() : ui.test_stop->hasFocus();
+    ui.test_start->setVisible(!busy);
+    ui.test_stop->setVisible(busy);
     if (had_focus)
-        (busy ? stop_button : start_button).setFocus();
-    progress.set_running(busy);
+        (busy ? ui.test_stop : ui.test_start)->setFocus();
+    ui.test_progress->set_running(busy);
     context.window.show_busy(busy);
 }
 

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "app/look/busy_marks.h"
 #include "app/screen/screen_view.h"
 #include "diagnostics/readCodes.h"
-
-#include <QLabel>
-#include <QPushButton>
+#include "ui_prefs.h"
 
 // "Test connection": sets the adapter up on the chosen link, and says what answered, or which of link,
 // adapter and car did not. What the controller tells meanwhile stands beside the button instead of on the
@@ -14,9 +11,9 @@ class prefs_connection_trial : public QObject, private ::screen {
     Q_OBJECT
 
 public:
-    // `view` holds the parts "test_start", "test_stop", "test_progress", "test_result", "test_mark",
-    // "test_title" and "test_text"; throws broken_view when one is missing.
-    prefs_connection_trial(QWidget& view, const view_context& its_context, mac_toolies& its_toolies);
+    // `ui` outlives it; its widgets are those whose names begin with "test_".
+    prefs_connection_trial(const Ui::prefs& its_ui, const view_context& its_context,
+                           mac_toolies& its_toolies);
     ~prefs_connection_trial() override;
 
     void start();
@@ -51,6 +48,7 @@ private:
     bool has_no_device() const;
     void show_running(const QString& text);
 
+    const Ui::prefs& ui;
     view_context context;
     mac_toolies& toolies;
     readCodes controller_;
@@ -60,12 +58,4 @@ private:
     bool is_good = false;
     QString told; // by the controller, last
     obd_groups known_before;
-
-    QPushButton& start_button;
-    QPushButton& stop_button;
-    busy_bar& progress;
-    QWidget& result;
-    QLabel& mark;
-    QLabel& title_label;
-    QLabel& text_label;
 };

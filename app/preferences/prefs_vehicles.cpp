@@ -11,43 +11,37 @@ namespace {
 constexpr QSize photo_size{270, 152};
 }
 
-prefs_vehicles::prefs_vehicles(QWidget& its_view, const view_context& its_context, mac_toolies& its_toolies)
+prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context,
+                               mac_toolies& its_toolies)
     : context(its_context), list(context.core.state, context.core.defaults, its_toolies),
-      rows(list, context.core.db), delegate(context.frame.look()), view(its_view),
-      table(part_of<QTableView>(view, "vehicle_table")), photo(part_of<QLabel>(view, "vehicle_photo")),
-      name(part_of<QLabel>(view, "vehicle_shown_name")), facts(part_of<QLabel>(view, "vehicle_facts")),
-      knowledge(part_of<QLabel>(view, "vehicle_knowledge")),
-      use_button(part_of<QPushButton>(view, "vehicle_use")),
-      edit_button(part_of<QPushButton>(view, "vehicle_edit")),
-      delete_button(part_of<QPushButton>(view, "vehicle_delete")) {
-    table.setModel(&rows);
-    table.setItemDelegate(&delegate);
-    table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    table.verticalHeader()->setDefaultSectionSize(vehicle_delegate::row_height);
-    photo.setFixedSize(photo_size);
-    for (QLabel* label : {&name, &facts, &knowledge})
+      rows(list, context.core.db), delegate(context.frame.look()), view(its_view), ui(its_ui) {
+    ui.vehicle_table->setModel(&rows);
+    ui.vehicle_table->setItemDelegate(&delegate);
+    ui.vehicle_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    ui.vehicle_table->verticalHeader()->setDefaultSectionSize(vehicle_delegate::row_height);
+    ui.vehicle_photo->setFixedSize(photo_size);
+    for (QLabel* label : {ui.vehicle_shown_name, ui.vehicle_facts, ui.vehicle_knowledge})
         label->setTextFormat(Qt::PlainText);
-    use_button.setText(localised(QStringLiteral("LBL_SET_AS_CUR_VEH")));
-    connect(table.selectionModel(), &QItemSelectionModel::selectionChanged, this,
+    ui.vehicle_use->setText(localised(QStringLiteral("LBL_SET_AS_CUR_VEH")));
+    connect(ui.vehicle_table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &prefs_vehicles::show_selected);
-    connect(&table, &QTableView::activated, this, [this] { edit_button.click(); });
-    connect(&part_of<QPushButton>(view, "vehicle_add"), &QPushButton::clicked, this,
-            [this] { pop_4_car_data(vehicle()); });
-    connect(&edit_button, &QPushButton::clicked, this, [this] {
+    connect(ui.vehicle_table, &QTableView::activated, this, [this] { ui.vehicle_edit->click(); });
+    connect(ui.vehicle_add, &QPushButton::clicked, this, [this] { pop_4_car_data(vehicle()); });
+    connect(ui.vehicle_edit, &QPushButton::clicked, this, [this] {
         if (const vehicle* one = selected())
             pop_4_car_data(*one);
     });
-    connect(&delete_button, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
-    connect(&use_button, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
+    connect(ui.vehicle_delete, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
+    connect(ui.vehicle_use, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
     load_vehicles();
     select(context.core.state.cur_veh_id);
 }
 
 // The table outlives the model and the delegate.
 prefs_vehicles::~prefs_vehicles() {
-    table.selectionModel()->disconnect(this);
-    table.disconnect(this);
-    table.setItemDelegate(nullptr);
+    ui.vehicle_table->selectionModel()->disconnect(this);
+    ui.vehicle_table->disconnect(this);
+    ui.vehicle_table->setItemDelegate(nullptr);
 }
 
 void prefs_vehicles::load_vehicles() {
@@ -58,15 +52,15 @@ void prefs_vehicles::load_vehicles() {
 }
 
 const vehicle* prefs_vehicles::selected() const {
-    const QModelIndexList chosen = table.selectionModel()->selectedRows();
+    const QModelIndexList chosen = ui.vehicle_table->selectionModel()->selectedRows();
     return chosen.isEmpty() ? nullptr : rows.at(chosen.first());
 }
 
 void prefs_vehicles::select(int veh_id) {
-    table.clearSelection();
+    ui.vehicle_table->clearSelection();
     for (int row = 0; row < rows.rowCount(); ++row) {
         if (rows.at(rows.index(row))->id == veh_id)
-            table.selectRow(row);
+            ui.vehicle_table->selectRow(row);
     }
     show_selected();
 }
@@ -152,29 +146,30 @@ QString prefs_vehicles::knowledge_of(const vehicle& one) const {
 
 void prefs_vehicles::show_selected() {
     const vehicle* one = selected();
-    for (QPushButton* button : {&edit_button, &delete_button})
+    for (QPushButton* button : {ui.vehicle_edit, ui.vehicle_delete})
         button->setEnabled(one);
-    use_button.setEnabled(one && !list.is_current(one->id));
-    use_button.setToolTip(one && list.is_current(one->id) ? QStringLiteral("This is the current vehicle")
-                                                          : QString());
-    for (QWidget* part :
-         {static_cast<QWidget*>(&photo), static_cast<QWidget*>(&facts), static_cast<QWidget*>(&knowledge)})
+    ui.vehicle_use->setEnabled(one && !list.is_current(one->id));
+    ui.vehicle_use->setToolTip(one && list.is_current(one->id) ? QStringLiteral("This is the current vehicle")
+                                                               : QString());
+    for (QLabel* part : {ui.vehicle_photo, ui.vehicle_facts, ui.vehicle_knowledge})
         part->setVisible(one);
     if (!one) {
         const QString problem = context.core.db.problem();
-        name.setText(rows.rowCount() > 0 ? QStringLiteral("Select a vehicle to change it.")
-                                         : QStringLiteral("No vehicles can be read. %1").arg(problem));
-        theme::mark(name, "role", QStringLiteral("muted"));
+        ui.vehicle_shown_name->setText(rows.rowCount() > 0
+                                           ? QStringLiteral("Select a vehicle to change it.")
+                                           : QStringLiteral("No vehicles can be read. %1").arg(problem));
+        theme::mark(*ui.vehicle_shown_name, "role", QStringLiteral("muted"));
         return;
     }
-    theme::mark(name, "role", QStringLiteral("heading"));
-    name.setText(one->name);
-    facts.setText(vehicle_rows::facts_of(*one));
-    knowledge.setText(knowledge_of(*one));
-    photo.setPixmap(rounded_picture(rows.photo_of(one->id), photo_size, photo.devicePixelRatioF()));
+    theme::mark(*ui.vehicle_shown_name, "role", QStringLiteral("heading"));
+    ui.vehicle_shown_name->setText(one->name);
+    ui.vehicle_facts->setText(vehicle_rows::facts_of(*one));
+    ui.vehicle_knowledge->setText(knowledge_of(*one));
+    ui.vehicle_photo->setPixmap(
+        rounded_picture(rows.photo_of(one->id), photo_size, ui.vehicle_photo->devicePixelRatioF()));
 }
 
 void prefs_vehicles::look_changed() {
-    table.viewport()->update();
+    ui.vehicle_table->viewport()->update();
     show_selected();
 }

@@ -2,16 +2,16 @@
 
 #include "app/preferences/prefs_vehicle_rows.h"
 #include "app/preferences/vehicle_dialog.h"
-
-#include <QTableView>
+#include "ui_prefs.h"
 
 // The Vehicles tab: the list of them, the selected one with its photo, and what can be done with it.
 class prefs_vehicles : public QObject {
     Q_OBJECT
 
 public:
-    // `view` holds the parts whose names begin with "vehicle_"; throws broken_view when one is missing.
-    prefs_vehicles(QWidget& view, const view_context& its_context, mac_toolies& its_toolies);
+    // `ui` outlives it; its widgets are those whose names begin with "vehicle_".
+    prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context,
+                   mac_toolies& its_toolies);
     ~prefs_vehicles() override;
 
     // Reads the vehicles anew.
@@ -42,12 +42,5 @@ private:
     vehicle_delegate delegate;
 
     QWidget& view;
-    QTableView& table;
-    QLabel& photo;
-    QLabel& name;
-    QLabel& facts;
-    QLabel& knowledge;
-    QPushButton& use_button;
-    QPushButton& edit_button;
-    QPushButton& delete_button;
+    const Ui::prefs& ui;
 };

@@ -2,8 +2,6 @@
 
 #include "persistence/log_files.h"
 
-#include <QPushButton>
-
 namespace {
 
 constexpr int rate_count = 6;
@@ -31,48 +29,41 @@ void show_problem(QLabel& beside, QLabel& help, const QString& problem) {
 } // namespace
 
 prefs_view::prefs_view(const view_context& its_context)
-    : screen_view(its_context, QStringLiteral("prefs")),
+    : screen_view(its_context), ui(laid_out_in<Ui::prefs>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
       settings(context.core.defaults, context.core.state, context.delegate, toolies),
-      tabs(part<QTabWidget>("tabs")), bluetooth(part<QRadioButton>("bluetooth")),
-      wifi(part<QRadioButton>("wifi")), wifi_pane(part<QWidget>("wifi_pane")),
-      bluetooth_pane(part<QWidget>("bluetooth_pane")), run_note(part<QLabel>("run_note")),
-      address(part<QLineEdit>("address")), address_problem(part<QLabel>("address_problem")),
-      port(part<QLineEdit>("port")), port_problem(part<QLabel>("port_problem")),
-      metric_units(part<QCheckBox>("metric_units")), log_runs(part<QCheckBox>("log_runs")),
-      time_stamps(part<QCheckBox>("time_stamps")), sample_rate(part<QComboBox>("sample_rate")),
-      standard_reading(part<QCheckBox>("reading_by_standard")), connection(*this, context, toolies),
-      pids(*new pid_chooser(context, &part<QWidget>("pids"))), vehicles(*this, context, toolies) {
-    part<QWidget>("pids").layout()->addWidget(&pids);
-    run_note.setText(
+      connection(ui, context, toolies), pids(*new pid_chooser(context, ui.pids)),
+      vehicles(*this, ui, context, toolies) {
+    ui.pids_column->addWidget(&pids);
+    ui.run_note->setText(
         QStringLiteral("This run was started with %1, which stays in use until you change the link here.")
             .arg(link_of_this_run(context.core.options)));
     for (int i = 0; i < rate_count; ++i)
-        sample_rate.addItem(text_4_sampling(secs_4_sampling(i)), secs_4_sampling(i));
+        ui.sample_rate->addItem(text_4_sampling(secs_4_sampling(i)), secs_4_sampling(i));
     setPrefsScreen();
     connect_fields();
     connect_tabs();
-    begin_at(tabs);
+    begin_at(*ui.tabs);
 }
 
 void prefs_view::connect_fields() {
-    connect(&wifi, &QRadioButton::toggled, this, &prefs_view::savePrefs);
-    for (QLineEdit* field : {&address, &port}) {
+    connect(ui.wifi, &QRadioButton::toggled, this, &prefs_view::savePrefs);
+    for (QLineEdit* field : {ui.address, ui.port}) {
         connect(field, &QLineEdit::textChanged, this, &prefs_view::show_problems);
         connect(field, &QLineEdit::editingFinished, this, &prefs_view::savePrefs);
     }
-    for (QCheckBox* box : {&metric_units, &log_runs, &time_stamps, &standard_reading})
+    for (QCheckBox* box : {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard})
         connect(box, &QCheckBox::toggled, this, &prefs_view::savePrefs);
-    connect(&sample_rate, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
-    connect(&part<QPushButton>("set_defaults"), &QPushButton::clicked, this, &prefs_view::setDefaultsClicked);
+    connect(ui.sample_rate, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
+    connect(ui.set_defaults, &QPushButton::clicked, this, &prefs_view::setDefaultsClicked);
 }
 
 void prefs_view::connect_tabs() {
-    part<QLabel>("device_name").setTextFormat(Qt::PlainText);
-    connect(&part<QPushButton>("device_change"), &QPushButton::clicked, &context.delegate,
+    ui.device_name->setTextFormat(Qt::PlainText);
+    connect(ui.device_change, &QPushButton::clicked, &context.delegate,
             &adapter_link::choose_bluetooth_device);
     connect(&context.delegate, &adapter_link::condition_changed, this, &prefs_view::show_device);
-    connect(&part<QPushButton>("test_start"), &QPushButton::clicked, this, &prefs_view::test_connection);
+    connect(ui.test_start, &QPushButton::clicked, this, &prefs_view::test_connection);
     // The first answer of a vehicle lists what it reports.
     connect(&connection, &prefs_connection_trial::finished, this, [this] {
         pids.show_vehicle();
@@ -83,12 +74,12 @@ void prefs_view::connect_tabs() {
 }
 
 void prefs_view::test_connection() {
-    tabs.setCurrentIndex(0);
+    ui.tabs->setCurrentIndex(0);
     savePrefs();
-    if (wifi.isChecked() && !preferences::address_problem(address.text()).isEmpty())
-        return address.setFocus();
-    if (wifi.isChecked() && !preferences::port_problem(port.text()).isEmpty())
-        return port.setFocus();
+    if (ui.wifi->isChecked() && !preferences::address_problem(ui.address->text()).isEmpty())
+        return ui.address->setFocus();
+    if (ui.wifi->isChecked() && !preferences::port_problem(ui.port->text()).isEmpty())
+        return ui.port->setFocus();
     connection.start();
 }
 
@@ -106,14 +97,14 @@ void prefs_view::look_changed() {
 void prefs_view::setPrefsScreen() {
     filling = true;
     const general_settings now = settings.stored();
-    (now.interface_kind == interface_wifi ? wifi : bluetooth).setChecked(true);
-    address.setText(now.wifi_ip);
-    port.setText(now.wifi_port);
-    metric_units.setChecked(now.metric_units);
-    log_runs.setChecked(now.log_runs);
-    time_stamps.setChecked(now.time_stamps);
-    standard_reading.setChecked(now.standard_reading);
-    sample_rate.setCurrentIndex(std::max(0, sample_rate.findData(now.sample_rate)));
+    (now.interface_kind == interface_wifi ? ui.wifi : ui.bluetooth)->setChecked(true);
+    ui.address->setText(now.wifi_ip);
+    ui.port->setText(now.wifi_port);
+    ui.metric_units->setChecked(now.metric_units);
+    ui.log_runs->setChecked(now.log_runs);
+    ui.time_stamps->setChecked(now.time_stamps);
+    ui.reading_by_standard->setChecked(now.standard_reading);
+    ui.sample_rate->setCurrentIndex(std::max(0, ui.sample_rate->findData(now.sample_rate)));
     filling = false;
     handle_interface();
     show_problems();
@@ -121,14 +112,14 @@ void prefs_view::setPrefsScreen() {
 
 general_settings prefs_view::chosen() const {
     general_settings what;
-    what.interface_kind = wifi.isChecked() ? interface_wifi : interface_bluetooth;
-    what.wifi_ip = address.text();
-    what.wifi_port = port.text();
-    what.metric_units = metric_units.isChecked();
-    what.log_runs = log_runs.isChecked();
-    what.time_stamps = time_stamps.isChecked();
-    what.sample_rate = sample_rate.currentData().toInt();
-    what.standard_reading = standard_reading.isChecked();
+    what.interface_kind = ui.wifi->isChecked() ? interface_wifi : interface_bluetooth;
+    what.wifi_ip = ui.address->text();
+    what.wifi_port = ui.port->text();
+    what.metric_units = ui.metric_units->isChecked();
+    what.log_runs = ui.log_runs->isChecked();
+    what.time_stamps = ui.time_stamps->isChecked();
+    what.sample_rate = ui.sample_rate->currentData().toInt();
+    what.standard_reading = ui.reading_by_standard->isChecked();
     return what;
 }
 
@@ -155,25 +146,24 @@ void prefs_view::setDefaultsClicked() {
 }
 
 void prefs_view::handle_interface() {
-    wifi_pane.setVisible(wifi.isChecked());
+    ui.wifi_pane->setVisible(ui.wifi->isChecked());
     show_device();
-    run_note.setVisible(!link_of_this_run(context.core.options).isEmpty() &&
-                        context.frame.link_is_as_started());
+    ui.run_note->setVisible(!link_of_this_run(context.core.options).isEmpty() &&
+                            context.frame.link_is_as_started());
 }
 
 void prefs_view::show_device() {
     const process_state& state = context.core.state;
-    bluetooth_pane.setVisible(bluetooth.isChecked() && state.interface_kind == interface_bluetooth);
+    ui.bluetooth_pane->setVisible(ui.bluetooth->isChecked() && state.interface_kind == interface_bluetooth);
     const QString named = state.last_BT_Device == state.bt_address
                               ? state.bt_address
                               : QStringLiteral("%1 (%2)").arg(state.last_BT_Device, state.bt_address);
-    part<QLabel>("device_name")
-        .setText(state.bt_address.isEmpty() ? QStringLiteral("None chosen yet.") : named);
+    ui.device_name->setText(state.bt_address.isEmpty() ? QStringLiteral("None chosen yet.") : named);
 }
 
 void prefs_view::show_problems() {
-    show_problem(address_problem, part<QLabel>("address_help"), preferences::address_problem(address.text()));
-    show_problem(port_problem, part<QLabel>("port_help"), preferences::port_problem(port.text()));
+    show_problem(*ui.address_problem, *ui.address_help, preferences::address_problem(ui.address->text()));
+    show_problem(*ui.port_problem, *ui.port_help, preferences::port_problem(ui.port->text()));
 }
 
 void prefs_view::tell_unless(bool written) {

@@ -5,13 +5,6 @@
 #include "app/screen/pid_chooser.h"
 #include "shell/preferences.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QTabWidget>
-
 // The preferences screen. What is changed is stored at once; what is typed wrongly is told beside the field,
 // and the value before it stays.
 class prefs_view : public screen_view {
@@ -40,25 +33,10 @@ private:
     void tell_unless(bool written);
     general_settings chosen() const;
 
+    const Ui::prefs ui;
     mac_toolies toolies;
     preferences settings;
     bool filling = false;
-
-    QTabWidget& tabs;
-    QRadioButton& bluetooth;
-    QRadioButton& wifi;
-    QWidget& wifi_pane;
-    QWidget& bluetooth_pane;
-    QLabel& run_note;
-    QLineEdit& address;
-    QLabel& address_problem;
-    QLineEdit& port;
-    QLabel& port_problem;
-    QCheckBox& metric_units;
-    QCheckBox& log_runs;
-    QCheckBox& time_stamps;
-    QComboBox& sample_rate;
-    QCheckBox& standard_reading;
 
     prefs_connection_trial connection;
     pid_chooser& pids;

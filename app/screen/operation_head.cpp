@@ -1,12 +1,10 @@
 #include "app/screen/operation_head.h"
 
-operation_head::operation_head(QWidget& view, const view_context& its_context, readCodes& its_controller,
-                               const QList<int>& its_operations)
-    : context(its_context), controller(its_controller), operations(its_operations),
-      read_button(part_of<QPushButton>(view, "read")), stop_button(part_of<QPushButton>(view, "stop")),
-      note(part_of<QLabel>(view, "note")), progress(part_of<busy_bar>(view, "progress")) {
-    connect(&stop_button, &QPushButton::clicked, this, [this] { controller.stop(); });
-    stop_button.hide();
+operation_head::operation_head(const parts& its_parts, const view_context& its_context,
+                               readCodes& its_controller, const QList<int>& its_operations)
+    : ui(its_parts), context(its_context), controller(its_controller), operations(its_operations) {
+    connect(&ui.stop, &QPushButton::clicked, this, [this] { controller.stop(); });
+    ui.stop.hide();
 }
 
 bool operation_head::runs_here() const {
@@ -42,21 +40,21 @@ void operation_head::start(const std::function<void()>& run) {
 void operation_head::show(const QString& summary) {
     const bool here = runs_here();
     const bool elsewhere = runs_elsewhere();
-    const bool had_focus = here ? read_button.hasFocus() : stop_button.hasFocus();
-    read_button.setVisible(!here);
-    read_button.setEnabled(!elsewhere);
-    stop_button.setVisible(here);
+    const bool had_focus = here ? ui.read.hasFocus() : ui.stop.hasFocus();
+    ui.read.setVisible(!here);
+    ui.read.setEnabled(!elsewhere);
+    ui.stop.setVisible(here);
     if (had_focus)
-        (here ? stop_button : read_button).setFocus();
+        (here ? ui.stop : ui.read).setFocus();
     const QString other = elsewhere ? what_runs() + QStringLiteral("; Esc stops it.") : QString();
-    read_button.setToolTip(other);
-    note.setText(elsewhere ? other : summary);
-    progress.set_running(here);
+    ui.read.setToolTip(other);
+    ui.note.setText(elsewhere ? other : summary);
+    ui.progress.set_running(here);
     show_progress();
 }
 
 void operation_head::show_progress() {
     const diagnostic_results& results = controller.results();
     if (runs_here())
-        progress.set_progress(results.progress_done, results.progress_total);
+        ui.progress.set_progress(results.progress_done, results.progress_total);
 }

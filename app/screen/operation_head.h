@@ -13,9 +13,15 @@ class operation_head : public QObject {
     Q_OBJECT
 
 public:
-    // `view` holds the parts "read", "stop", "note" and "progress"; throws broken_view when one is missing.
+    struct parts {
+        QPushButton& read;
+        QPushButton& stop;
+        QLabel& note;
+        busy_bar& progress;
+    };
+
     // `its_operations`: the codes of the operations that the page shows.
-    operation_head(QWidget& view, const view_context& its_context, readCodes& its_controller,
+    operation_head(const parts& its_parts, const view_context& its_context, readCodes& its_controller,
                    const QList<int>& its_operations);
 
     // Starts the operation by `run`, or says why not.
@@ -31,11 +37,8 @@ public:
 private:
     QString what_runs() const;
 
+    const parts ui;
     view_context context;
     readCodes& controller;
     QList<int> operations;
-    QPushButton& read_button;
-    QPushButton& stop_button;
-    QLabel& note;
-    busy_bar& progress;
 };

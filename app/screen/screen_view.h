@@ -3,7 +3,6 @@
 #include "app/look/notice_banner.h"
 #include "app/look/question_sheet.h"
 #include "app/look/theme.h"
-#include "app/screen/view_loader.h"
 #include "shell/Bv_lite_delegate.h"
 #include "shell/program_core.h"
 
@@ -35,16 +34,22 @@ struct view_context {
     Bv_lite_delegate& delegate;
     screen& window;
     window_frame& frame;
-    view_loader& loader;
 };
+
+// Makes the widgets of a view description in `place`: Ui::NAME is that of resources/views/NAME.ui.
+template <class description>
+description laid_out_in(QWidget& place) {
+    description its;
+    its.setupUi(&place);
+    return its;
+}
 
 // One of the five screens: the widgets of its description, and the controller behind them.
 class screen_view : public QWidget {
     Q_OBJECT
 
 public:
-    // Throws broken_view when the description `name` cannot be shown.
-    screen_view(const view_context& its_context, const QString& name);
+    explicit screen_view(const view_context& its_context) : context(its_context) {}
 
     // Null when nothing on the screen takes replies.
     virtual task_controller* controller() { return nullptr; }
@@ -66,14 +71,8 @@ protected:
     // No focus proxy: from one, the Tab key skips what stands before it.
     void begin_at(QWidget& widget) { first = &widget; }
 
-    template <class T>
-    T& part(const char* name) {
-        return part_of<T>(*root, name);
-    }
-
     view_context context;
 
 private:
-    QWidget* root = nullptr;
     QWidget* first = nullptr;
 };

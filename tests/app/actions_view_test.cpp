@@ -13,8 +13,7 @@ enum mode_index { log_run, fuel, o2_sampling, boost };
 
 struct live_car : running_window {
     explicit live_car(const QString& car = QStringLiteral("can11"))
-        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"), car),
-          results(core.live) {}
+        : running_window(launch_options::link_choice::demo, car), results(core.live) {}
 
     void choose(mode_index index) {
         auto& mode = part<QComboBox>("mode");

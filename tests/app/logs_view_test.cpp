@@ -163,7 +163,7 @@ TEST(logs_view, deletes_what_was_selected_after_a_yes) {
     const QString kept = program.table().model()->index(0, 0).data().toString();
     program.table().selectRow(1);
     QTest::keyClick(&program.table(), Qt::Key_Down, Qt::ShiftModifier);
-    program.click("delete");
+    program.click("delete_logs");
     for (QPushButton* button : program.part<question_sheet>().findChildren<QPushButton*>()) {
         if (button->text() == localised(QStringLiteral("LBL_YES")))
             button->click();

@@ -2,51 +2,7 @@
 
 #include "base/string_table.h"
 
-#include <QDir>
 #include <QFile>
-#include <array>
-
-namespace {
-
-QByteArray content_of(const QString& name) {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString& name, const QByteArray& content) {
-    QFile file(name);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(content), content.size());
-}
-
-} // namespace
-
-TEST(main_window, keeps_its_screen_when_another_is_broken) {
-    QTemporaryDir views;
-    view_loader compiled_in(QStringLiteral(":/views")); // brings them in
-    for (const QString& name : QDir(QStringLiteral(":/views")).entryList({QStringLiteral("*.ui")})) {
-        QByteArray content = content_of(QStringLiteral(":/views/") + name);
-        if (name == QLatin1String("expertView.ui"))
-            content.truncate(content.size() / 2);
-        if (name == QLatin1String("read_codes_view.ui"))
-            content.replace("name=\"codes_table\"", "name=\"another_table\"");
-        if (name != QLatin1String("logsDB_view.ui"))
-            write(views.filePath(name), content);
-    }
-
-    running_window program(launch_options::link_choice::as_stored, views.path());
-    QLabel* marker = program.window->findChild<QLabel*>(QStringLiteral("667"));
-    const QWidget* shown = &program.part<screen_view>();
-    for (const screen_kind broken : {screen_kind::expert, screen_kind::diagnostics, screen_kind::logs}) {
-        program.window->choose_screen(broken);
-        EXPECT_EQ(program.window->current_screen(), screen_kind::live_data);
-        EXPECT_EQ(&program.part<screen_view>(), shown);
-        EXPECT_EQ(program.window->findChild<QLabel*>(QStringLiteral("667")), marker);
-    }
-    EXPECT_EQ(program.part<notice_banner>().count(), 3);
-    program.window->choose_screen(screen_kind::preferences);
-    EXPECT_EQ(program.window->current_screen(), screen_kind::preferences);
-}
 
 TEST(main_window, asks_once_and_is_answered_once) {
     running_window program;

@@ -12,7 +12,7 @@ enum rail_row { codes_row, pending_row, vehicle_row, mode6_row_of_rail, misfire_
 
 struct opened_car : running_window {
     explicit opened_car(const QString& car = QStringLiteral("can11"))
-        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"), car) {
+        : running_window(launch_options::link_choice::demo, car) {
         press(Qt::Key_1, Qt::ControlModifier);
     }
 

@@ -25,12 +25,11 @@ struct running_window {
     std::optional<main_window> window;
 
     explicit running_window(launch_options::link_choice link = launch_options::link_choice::as_stored,
-                            const QString& views = QStringLiteral(":/views"),
                             const QString& car = QStringLiteral("can11"))
         : core(with(link, folder.path(), car)) {
         QString problem;
         EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();
-        window.emplace(core, views);
+        window.emplace(core);
         window->start();
         window->show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&*window));

@@ -14,8 +14,7 @@ namespace {
 
 struct car_with_many_codes : running_window {
     car_with_many_codes()
-        : running_window(launch_options::link_choice::demo, QStringLiteral(":/views"),
-                         QStringLiteral("can11-many-codes")) {
+        : running_window(launch_options::link_choice::demo, QStringLiteral("can11-many-codes")) {
         press(Qt::Key_1, Qt::ControlModifier);
     }
     QString line() { return part<QLabel>("reading_line").text(); }
