@@ -29,7 +29,6 @@ public:
         : state(process), link(its_link), toolies(its_toolies) {}
 
     double run() {
-        state.cur_op = op_log_run;
         return counter.run([this] { send(); });
     }
     const QString& last_value() const { return value; }
@@ -45,6 +44,7 @@ public:
             send();
     }
     void leave_cur_op_gracefully(const QString&) override {}
+    void handle_link_loss(const link_lost&) override { give_up(QStringLiteral("the link was lost")); }
     void set_status_msg(const QString& status) override { give_up(status); }
     void handleOBDToast(const QString&) override {}
 

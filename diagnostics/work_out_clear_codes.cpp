@@ -1,73 +1,59 @@
-#include "diagnostics/work_out_clear_codes.h"
-
 #include "base/string_table.h"
+#include "diagnostics/diagnostic_talk.h"
 #include "obd/obd_messages.h"
+#include "obd/reply_text.h"
 
 #include <algorithm>
 
-work_out_clear_codes::work_out_clear_codes(operation_context& its_context, diagnostic_host& its_host)
-    : step_machine(its_context, its_host), host(its_host), results(its_host.results()) {}
+namespace {
 
-QString work_out_clear_codes::failure_text() const {
-    return QStringLiteral("work_out_clear_codes::Did not fully complete [ %@ ]");
-}
-
-void work_out_clear_codes::work_step(int step, const QString& reply) {
-    switch (step) {
-    case 0:
-        show("Starting Clear codes");
-        if (!host.connect_first())
-            // Sent once: any real answer ends it.
-            send(1, "04", positive_reply_of(QStringLiteral("04")) + QStringLiteral("|7F|?"));
-        return;
-    case 1: return clear_answered(reply);
-    default: return; // idle
-    }
-}
-
-// Whatever the reply, the codes count as cleared; the person is told when the car did not say so.
-void work_out_clear_codes::clear_answered(const QString& reply) {
-    show(results.cur_err_msg);
-    context.view.show_busy(false);
-    results.codesReadArray.clear();
-    results.readinessFlagsArray.clear();
+void forget_what_was_read(diagnostic_talk& car) {
+    car.show(car.results.cur_err_msg);
+    car.view.show_busy(false);
+    car.results.codesReadArray.clear();
+    car.results.readinessFlagsArray.clear();
     for (const result_list list : {result_list::codes, result_list::status, result_list::permanent})
-        results.kept.remove(list);
-    context.view.reload(QStringLiteral("codes"));
-    context.view.reload(QStringLiteral("readiness"));
-    results.code_count_label = QStringLiteral("No of DTC Codes:");
-    results.mil_label = QStringLiteral("MIL Lamp:");
-    results.read_on_label = QStringLiteral("Read on");
-    results.xtra_info_label.clear();
-    context.view.reload(QStringLiteral("labels"));
-
-    const QString cleared = QStringLiteral("Codes cleared sucessfully!!");
-    show(cleared);
-    const bool confirmed = is_positive(reply);
-    if (confirmed)
-        host.task_done();
-    else
-        leave();
-    if (!confirmed)
-        context.view.show_message(
-            QString(),
-            fill(QStringLiteral("The car did not confirm the clearing (its answer: %@). Switch the "
-                                "ignition on with the engine off, then read the codes again to see "
-                                "whether they are gone."),
-                 {QString(reply).replace(QLatin1Char('\r'), QStringLiteral(", "))}));
-    context.view.show_toast(cleared);
+        car.results.kept.remove(list);
+    car.view.reload(QStringLiteral("codes"));
+    car.view.reload(QStringLiteral("readiness"));
+    car.results.code_count_label = QStringLiteral("No of DTC Codes:");
+    car.results.mil_label = QStringLiteral("MIL Lamp:");
+    car.results.read_on_label = QStringLiteral("Read on");
+    car.results.xtra_info_label.clear();
+    car.view.reload(QStringLiteral("labels"));
 }
 
 // One ECU that refuses keeps its codes, whatever the others say.
-bool work_out_clear_codes::is_positive(const QString& reply) const {
+bool is_positive(diagnostic_talk& car, const QString& reply) {
     QStringList answers;
-    if (!state.headers_shown)
+    if (!car.state.headers_shown)
         answers = reply_lines(reply);
     else
-        for (const obd_group& ecu : context.toolies.pullObdMsgsGrouped(context.toolies.pullObdMsgs(reply)))
-            answers += context.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);
+        for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply)))
+            answers += car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);
     const QString positive = positive_reply_of(QStringLiteral("04"));
     return !answers.isEmpty() && std::all_of(answers.begin(), answers.end(), [&](const QString& answer) {
         return answer.startsWith(positive);
     });
+}
+
+} // namespace
+
+// Whatever the reply, the codes count as cleared; the person is told when the car did not say so.
+talk work_out_clear_codes(diagnostic_talk& car) {
+    co_await car.ready("Starting Clear codes");
+    sent_command clear = command_of(QStringLiteral("04\r"), QStringLiteral("44|7F|?"), false);
+    clear.why = sent_command::purpose::on_its_own; // sent once: any real answer ends it
+    const QString reply = co_await car.send(clear);
+    forget_what_was_read(car);
+    const QString cleared = QStringLiteral("Codes cleared sucessfully!!");
+    car.show(cleared);
+    if (is_positive(car, reply))
+        co_return car.part_with(QString(), cleared);
+    car.part_with(fill(QStringLiteral("The car did not confirm the clearing (its answer: %@). Switch the "
+                                      "ignition on with the engine off, then read the codes again to see "
+                                      "whether they are gone."),
+                       {QString(reply).replace(u'\r', QStringLiteral(", "))}),
+                  cleared);
+    throw left{};
 }

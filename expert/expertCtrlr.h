@@ -1,19 +1,17 @@
 #pragma once
 
+#include "expert/expert_commands.h"
 #include "expert/expert_session.h"
-#include "expert/work_out_script_mode.h"
-
-#include <functional>
-#include <memory>
+#include "operations/car_talk.h"
 
 // The controller of the expert console: single commands as they are typed, and scripts. Replies are passed on
 // unchecked and go into the transcript of the session; the view is told by screen::reload("transcript"),
 // reload("sent") when a typed command was taken, and reload("operation").
-class expertCtrlr : public task_controller {
+class expertCtrlr : public car_talk {
 public:
     // Everything referred to outlives the controller.
     expertCtrlr(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
-                timers& time_source, user_defaults& settings, expert_session& its_session);
+                user_defaults& settings, expert_session& its_session);
     ~expertCtrlr() override;
 
     // The screen is the one shown: from now on replies are not checked.
@@ -25,50 +23,39 @@ public:
     // are wrong (see check_script) are told and start nothing.
     void start_script(const QStringList& values);
     void clickClear();
-    void stop();
 
-    bool is_running() const { return running; }
-    bool is_script_running() const { return script.is_running(); }
-    int commands_answered() const { return script.commands_answered(); }
+    bool is_script_running() const { return script_runs; }
+    int commands_answered() const { return answered; }
     int commands_in_all() const { return script.commands_in_all(); }
     expert_session& session() { return own; }
 
-    // Called when a command or a script ends: true when it was answered to its end. Also, with false, when
-    // the person does not agree to send it.
-    std::function<void(bool done)> operation_ended;
+    // Also called with false when the person does not agree to send it: operation_ended.
 
-    // task_controller
-    void work_current_task(const QString& status) override;
+    // Every reply goes into the transcript, a late one too.
     void handleOBDRcvdMsg(const QString& reply) override;
-    void leave_cur_op_gracefully(const QString& status) override;
-    // A script goes on with the command that was not answered. One that was typed is not sent again by
-    // itself: it may have reached the car.
-    link_loss on_link_lost() override;
-    void set_status_msg(const QString& status) override { context.view.show_status(status); }
-    void handleOBDToast(const QString& toast) override { context.view.show_toast(toast); }
 
 private:
     void print_cmd_highlighted(const QString& command);
     // Goes on with `send` at once, or when the person agrees to what `commands` change.
     void warn_first(const QStringList& commands, std::function<void()> send);
-    void start_operation();
-    void run_script(const QString& reply);
-    // The command is answered, and so are its earlier tries.
-    void go_on(const QString& reply);
+    void start_operation(talk (expertCtrlr::*what)(), const char* logged);
+    talk say_typed();
+    talk work_out_script_mode();
+    // One command and its reply; a lost link is written into the transcript.
+    talk exchange_one(QString command);
+    void check_words(const QString& reply);
+    void let_go() override { script_runs = false; }
+    bool wants_link_back() const override { return true; }
+    void started() override;
 
-    operation_context context;
-    process_state& state;
-    timers& clock;
     user_defaults& defaults;
     expert_session& own;
-    work_out_script_mode script;
+    expert_script script;
     QString typed_command; // the one that the current operation sends, without its "\r"
+    QString latest;        // the last reply
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
-    timer_handle next_step;
+    int answered = 0; // commands of the script
+    bool script_runs = false;
     bool has_asked = false; // a command was sent since the console was opened
-    bool running = false;
-    bool done = false;
-    bool in_step = false;
-    bool link_was_lost = false; // the script waits for a new link
 };

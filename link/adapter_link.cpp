@@ -81,7 +81,7 @@ bool adapter_link::openTCP_socky() {
             watchdog.start(); // the operation before stopped it
         return false;
     }
-    state.tcpConnectReady = false;
+    tcpConnectReady = false;
     late_toast_clearing.reset();
     forget_adapter();
     watchdog.start();
@@ -125,7 +125,7 @@ void adapter_link::link_opened() {
     again.opened();
     forget_adapter();
     if (state.interface_kind == interface_simulated) {
-        state.tcpConnectReady = true;
+        tcpConnectReady = true;
     } else if (state.interface_kind == interface_bluetooth) {
         channel_opened();
     } else {
@@ -155,9 +155,18 @@ void adapter_link::link_failed(const QString& reason) {
 void adapter_link::link_closed() {
     if (fell_at_reset())
         return;
-    if (state.interface_kind == interface_bluetooth)
-        return link_lost(QStringLiteral("Connection to BT lost"), QStringLiteral("is near this computer"));
-    link_lost(QStringLiteral("Disconnected"), QStringLiteral("that this computer is still in its network"));
+    const bool is_bluetooth = state.interface_kind == interface_bluetooth;
+    link_lost loss{.status = is_bluetooth ? QStringLiteral("Connection to BT lost")
+                                          : QStringLiteral("Disconnected"),
+                   .status_stays = !is_bluetooth,
+                   .by_far_end = true};
+    if (traffic.is_in_flight())
+        loss.message =
+            QStringLiteral("The adapter closed the connection before it had answered. Check that it "
+                           "has power and %1, then start again.")
+                .arg(is_bluetooth ? QStringLiteral("is near this computer")
+                                  : QStringLiteral("that this computer is still in its network"));
+    tell_loss(loss);
 }
 
 void adapter_link::stop_opening() {
@@ -207,18 +216,23 @@ void adapter_link::never_opened() {
 // --- commands and replies ----------------------------------------------------------------------------------
 
 void adapter_link::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
-    if (quirks.falls_silent_at(command))
-        return traffic.take_as_unknown(command, expectedReply);
-    traffic.sendOBDcmd_n(command, expectedReply, msg_has_hdr);
+    send(command_of(command, expectedReply, msg_has_hdr));
 }
 
-void adapter_link::sendOBDcmd(const QString& command) {
-    traffic.sendOBDcmd(command);
+void adapter_link::send(const sent_command& command) {
+    if (command.why != sent_command::purpose::typed && quirks.falls_silent_at(command.text))
+        traffic.take_as_unknown(command);
+    else
+        traffic.send(command);
 }
 
 void adapter_link::transmit(const QByteArray& command) {
-    if (state.cur_op == op_expert)
-        far_end_changed(); // a command typed by hand may have changed anything
+    if (traffic.current_command().why == sent_command::purpose::typed) {
+        // It may have changed anything: the next operation starts from a reset.
+        state.adapter_ready = false;
+        state.adapter_known = false;
+        far_end_changed();
+    }
     if (command.startsWith("AT Z"))
         reset_under_way = clock.one_shot(reset_ms, [this] { reset_under_way.reset(); });
     if (link)
@@ -226,10 +240,10 @@ void adapter_link::transmit(const QByteArray& command) {
 }
 
 void adapter_link::reply_arrived(const QString& reply) {
-    const QString& command = traffic.current_command();
+    const QString& command = current_command();
     if (reply != no_reply && !quirks.falls_silent_at(command))
         quirks.answered(command);
-    if (state.cur_task != op_initialise && reply != no_reply)
+    if (traffic.current_command().why != sent_command::purpose::sets_up && reply != no_reply)
         again.stop(); // the new link holds
     if (command.startsWith(QLatin1String("AT H1")) && reply.contains(QLatin1String("OK")))
         state.headers_shown = true;
@@ -238,21 +252,15 @@ void adapter_link::reply_arrived(const QString& reply) {
     else if (command.startsWith(QLatin1String("AT Z")))
         state.headers_shown = false;
     reset_under_way.reset();
-    if (state.tcpConnectReady && controller)
+    if (tcpConnectReady && controller)
         controller->handleOBDRcvdMsg(reply);
-}
-
-void adapter_link::redo_current_step() {
-    redo = true;
-    l_work_current_task(QString());
-    redo = false;
 }
 
 void adapter_link::command_unanswered() {
     view.beep();
     if (state.adapter_known) // so it is alive, and did not answer this
-        quirks.unanswered(traffic.current_command());
-    set_up_anew(QStringLiteral(""));
+        quirks.unanswered(current_command());
+    tell_loss({});
     if (again.tries() <= 1) // once for a link that is tried for again and again
         late_message = clock.one_shot(message_delay_ms, [this] {
             view.show_message(QString(), localised(QStringLiteral("DLG_4_TIMEOUTS_CHECK")));
@@ -272,7 +280,7 @@ void adapter_link::l_set_toast_msg(const QString& toast) {
 }
 
 void adapter_link::l_work_current_task(const QString& status) {
-    state.tcpConnectReady = true;
+    tcpConnectReady = true;
     if (!status.isNull())
         l_set_status_msg(status);
     if (controller)

@@ -44,11 +44,10 @@ public:
     void stop_opening();
     // A lost link is opened again by itself, from its loss until an operation has an answer over it.
     bool is_reconnecting() const { return again.is_active(); }
-    // The adapter or its settings are lost: the operation goes on over a new link, or is left.
-    void set_up_anew(const QString& status_when_left);
-    // Over the new link the operation cannot go on yet: closes it and tries again after a pause. False when
-    // no lost link is being opened again: the operation is over.
-    bool try_again_later();
+    // The operation waits for a new link: this one is closed, and opened again after a pause.
+    void reopen(const QString& status);
+    // The operation does not go on without this link.
+    void left_by_loss(const link_lost& loss);
     bool is_connected() const { return link && link->state() == transport::condition::open; }
     // Also between two tries.
     bool is_opening() const {
@@ -56,21 +55,22 @@ public:
                                    watchdog.is_running() || reopening || again.is_active());
     }
 
-    // See exchange.
+    // Sends a command ("01 00\r") that may carry its own time-out in seconds ("01 00|12.0\r"; 3 without one).
+    // `expectedReply`: alternatives separated by "|", or null for a reply that is checked by message.
     void sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr);
-    void sendOBDcmd(const QString& command);
-    // Sends the command in flight again under its own time-out: what a step does when it is redone.
-    void send_again() { traffic.send_again(); }
     // See exchange.
+    void send(const sent_command& command);
+    void sendOBDcmd(const QString& command) { send(as_typed(command)); }
+    int timeouts() const { return traffic.timeouts(); }
+    void warn_no_more() { traffic.warn_no_more(); }
     bool is_late_reply_due() const { return traffic.is_late_reply_due(); }
     void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
-    const QString& current_command() const { return traffic.current_command(); }
+    const QString& current_command() const { return traffic.current_command().text; }
     const QString& last_raw_reply() const { return traffic.last_raw_reply(); }
     // The adapter was initialised, or has to be anew: tells those who show what stands at the far end.
     void far_end_changed() { Q_EMIT condition_changed(); }
-    // True inside work_current_task() when the current step is to be redone after a time-out.
-    bool is_redo() const { return redo; }
+    timers& time_source() const { return clock; }
     // False for an adapter whose link fell at "AT Z" before.
     bool may_be_reset() const { return quirks.may_be_reset(); }
 
@@ -95,7 +95,6 @@ private:
     void show_status(const QString& status) override { l_set_status_msg(status); }
     void reply_refused() override { l_leave_cur_op_gracefully(QStringLiteral("")); }
     void reply_arrived(const QString& reply) override;
-    void redo_current_step() override;
     void command_unanswered() override;
     void adapter_started_anew() override;
 
@@ -110,7 +109,7 @@ private:
     void channel_refused(const QString& reason, const QString& status_for_none);
     void close_link();
     void forget_adapter();
-    void link_lost(const QString& status, const QString& what_to_check);
+    void tell_loss(const link_lost& loss);
     bool fell_at_reset();
     void tell_pause(int seconds, int attempt);
     void open_again(int attempt);
@@ -131,9 +130,9 @@ private:
     std::unique_ptr<transport> link;
     int link_kind = 0;
     task_controller* controller = nullptr;
-    bool redo = false;
-    bool task_waits = false;    // an operation starts when the Bluetooth channel is open
-    std::shared_ptr<int> asked; // the question for a device that waits for its answer
+    bool tcpConnectReady = false; // the first task was started: replies reach the controller
+    bool task_waits = false;      // an operation starts when the Bluetooth channel is open
+    std::shared_ptr<int> asked;   // the question for a device that waits for its answer
 
     timer_handle reset_under_way; // for a second after "AT Z" was sent
     timer_handle reopening;       // an adapter that the reset took away is given time to come back

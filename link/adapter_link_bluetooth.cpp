@@ -59,7 +59,7 @@ void adapter_link::take_device(const QString& address, const QString& name) {
 
 void adapter_link::open_channel() {
     make_sure_of_transport();
-    state.tcpConnectReady = false;
+    tcpConnectReady = false;
     late_toast_clearing.reset();
     forget_adapter();
     const QString connecting = fill(QStringLiteral("Connecting to:%@"), {state.last_BT_Device});
@@ -79,7 +79,7 @@ void adapter_link::channel_opened() {
     Q_EMIT device_taken(); // one that never answered is not worth remembering
     l_set_status_msg(QStringLiteral("BT Connected!!"));
     l_set_toast_msg(QStringLiteral(""));
-    state.tcpConnectReady = true;
+    tcpConnectReady = true;
     if (std::exchange(task_waits, false))
         l_work_current_task(QString()); // no status: the one above stays
 }

@@ -7,35 +7,29 @@ namespace {
 constexpr int return_after_reset_ms = 1000;
 } // namespace
 
-void adapter_link::link_lost(const QString& status, const QString& what_to_check) {
-    const bool was_working = traffic.is_in_flight();
-    const auto then = controller ? controller->on_link_lost() : task_controller::link_loss::ends;
-    close_link();
-    if (then == task_controller::link_loss::goes_on) {
-        l_set_status_msg(status);
-        return again.next_try();
-    }
-    const bool is_bluetooth = state.interface_kind == interface_bluetooth;
-    l_leave_cur_op_gracefully(is_bluetooth ? status : QStringLiteral(""));
-    if (!is_bluetooth)
-        l_set_status_msg(status);
-    if (was_working)
-        pop_a_messy(
-            QStringLiteral("The adapter closed the connection before it had answered. Check that it has "
-                           "power and %1, then start again.")
-                .arg(what_to_check));
-    if (then == task_controller::link_loss::ends_reopens)
-        again.next_try();
+void adapter_link::tell_loss(const link_lost& loss) {
+    if (controller)
+        controller->handle_link_loss(loss);
+    else
+        left_by_loss(loss);
 }
 
-void adapter_link::set_up_anew(const QString& status_when_left) {
-    if (controller && controller->on_link_lost() == task_controller::link_loss::goes_on) {
-        close_link();
+void adapter_link::reopen(const QString& status) {
+    close_link();
+    if (!status.isEmpty())
+        l_set_status_msg(status);
+    again.next_try();
+}
+
+void adapter_link::left_by_loss(const link_lost& loss) {
+    close_link();
+    l_leave_cur_op_gracefully(loss.status_stays ? QStringLiteral("") : loss.status);
+    if (loss.status_stays)
+        l_set_status_msg(loss.status);
+    if (!loss.message.isEmpty())
+        pop_a_messy(loss.message);
+    if (loss.by_far_end && controller && controller->wants_link_back())
         again.next_try();
-    } else {
-        l_leave_cur_op_gracefully(status_when_left);
-        disconnect();
-    }
 }
 
 // Its supply dipped, as when the engine is started: echo is on again and headers are off.
@@ -49,12 +43,12 @@ void adapter_link::adapter_started_anew() {
 
 // Some adapters reset their link together with themselves: they are set up without a reset from then on.
 bool adapter_link::fell_at_reset() {
-    const bool at_reset = reset_under_way && traffic.is_in_flight() && state.cur_task == op_initialise &&
+    const bool at_reset = reset_under_way && traffic.is_in_flight() &&
+                          traffic.current_command().why == sent_command::purpose::sets_up &&
                           current_command().startsWith(QLatin1String("AT Z"));
     if (!at_reset || !quirks.link_fell_at_reset())
         return false;
     close_link();
-    state.cur_step = 0;
     l_set_status_msg(
         QStringLiteral("This adapter closes its connection when it is reset. It is opened again, and "
                        "set up without a reset."));
@@ -65,6 +59,8 @@ bool adapter_link::fell_at_reset() {
         task_waits = true;
         open_channel();
     });
+    if (controller)
+        controller->handle_link_loss({.at_reset = true});
     Q_EMIT condition_changed();
     return true;
 }
@@ -78,16 +74,8 @@ void adapter_link::tell_pause(int seconds, int attempt) {
 void adapter_link::open_again(int attempt) {
     l_set_status_msg(QStringLiteral("Connection lost. Trying again now (try %1)").arg(attempt));
     close_link(); // the try before may still be opening
-    state.tcpConnectReady = false;
+    tcpConnectReady = false;
     task_waits = true;
     link->open();
     Q_EMIT condition_changed();
-}
-
-bool adapter_link::try_again_later() {
-    if (!again.is_active())
-        return false;
-    close_link();
-    again.next_try();
-    return true;
 }

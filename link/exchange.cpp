@@ -8,18 +8,8 @@
 
 namespace {
 
-constexpr int default_timeout_secs = 3;
-constexpr int longest_timeout_secs = 600;
 constexpr int timeouts_before_giving_up = 4;
 constexpr qsizetype most_on_the_way = 8;
-
-// The whole seconds of a time-out suffix; 3 for one that is no positive number.
-int seconds_of_suffix(const QString& suffix) {
-    bool ok = false;
-    const double seconds = suffix.trimmed().toDouble(&ok);
-    return ok && seconds >= 1 && seconds <= longest_timeout_secs ? static_cast<int>(seconds)
-                                                                 : default_timeout_secs;
-}
 
 } // namespace
 
@@ -30,103 +20,84 @@ reply exchange::taken_apart(const QString& text) const {
     return reply({text, state.cur_protocol, state.headers_shown});
 }
 
-void exchange::sendOBDcmd_n(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
-    keep_command(command, expectedReply, msg_has_hdr);
-    if (!is_answer_coming())
-        return sendOBDcmd(QString(cur_cmd));
+void exchange::send(const sent_command& command) {
+    cur_cmd = command;
+    given_up.clear();
+    if (command.why == sent_command::purpose::sets_up)
+        warn_no_reply = true;
+    if (is_typed() || !is_answer_coming())
+        return write();
     in_flight = is_held_back = true;
-    obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { stop_waiting(); });
+    start_timer(&exchange::stop_waiting);
 }
 
-// What begins an operation or is redone after a time-out is sent in any case.
+// What begins an operation or follows a time-out is sent in any case.
 bool exchange::is_answer_coming() const {
-    return !is_first && state.timeout_retry_count == 0 &&
+    return !is_first && timeout_retry_count == 0 &&
            std::any_of(on_the_way.begin(), on_the_way.end(),
-                       [this](const sent_command& sent) { return sent.text == cur_cmd; });
+                       [this](const sent_command& sent) { return sent.text == cur_cmd.text; });
 }
 
 // It was lost for good.
 void exchange::stop_waiting() {
     stop_timer();
     on_the_way.clear();
-    sendOBDcmd(QString(cur_cmd));
+    write();
 }
 
-void exchange::keep_command(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
-    cur_expectedReply = expectedReply;
-    given_up.clear();
-    cur_reply_has_hdr = msg_has_hdr;
-    state.cmd_timeout_secs = default_timeout_secs;
-    const qsizetype bar = command.indexOf(QLatin1Char('|'));
-    if (bar < 0) {
-        cur_cmd = command;
-    } else {
-        cur_cmd = command.first(bar) + QLatin1Char('\r');
-        state.cmd_timeout_secs = seconds_of_suffix(command.sliced(bar + 1));
-    }
-}
-
-// Every reply is passed on; what is expected only tells which command it answers.
-void exchange::keep_typed(const QString& command) {
-    cur_cmd = command;
-    cur_expectedReply = positive_reply_of(command);
-    cur_reply_has_hdr = false;
-}
-
-void exchange::take_as_unknown(const QString& command, const QString& expectedReply) {
+void exchange::take_as_unknown(const sent_command& command) {
     const QString unknown = QStringLiteral("?");
-    keep_command(command, expectedReply, false);
+    cur_cmd = command;
+    given_up.clear();
     stop_timer();
     state.obd_msgs.clear();
-    const reply_verdict verdict = work_a_rcvdOBD_cmd(taken_apart(unknown), in_force(), 0);
+    const reply_verdict verdict = work_a_rcvdOBD_cmd(taken_apart(unknown), cur_cmd, 0);
     hand_on(verdict.result == reply_accepted ? unknown : no_reply);
 }
 
-void exchange::sendOBDcmd(const QString& command) {
-    const QByteArray bytes = command.toUtf8();
+void exchange::write() {
+    const QByteArray bytes = cur_cmd.text.toUtf8();
     console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
-    if (state.cur_op == op_expert) {
-        keep_typed(command);
-        // Whatever was sent may have changed the adapter: the next operation starts from a reset.
-        state.adapter_ready = false;
-        state.adapter_known = false;
-    }
-    state.rx_accum.clear(); // text that came before the command cannot answer it
+    rx_accum.clear(); // text that came before the command cannot answer it
     in_flight = true;
     is_first = is_held_back = false;
     if (on_the_way.size() >= most_on_the_way)
         on_the_way.removeFirst();
-    on_the_way += in_force();
-    // Armed before writing: a simulated reply arrives inside the write.
-    obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
+    on_the_way += cur_cmd;
+    start_timer(&exchange::obdTimedOutHandler); // before writing: a simulated reply arrives inside the write
     owner.transmit(bytes);
+}
+
+void exchange::start_timer(void (exchange::*then)()) {
+    obdTimeOutTimer = clock.one_shot(cur_cmd.seconds * 1000, [this, then] { (this->*then)(); });
 }
 
 void exchange::abandon() {
     stop_timer();
     in_flight = is_held_back = false;
     is_first = true;
-    state.timeout_retry_count = 0;
+    timeout_retry_count = no_confirm_count = 0;
+    state.obd_msgs.clear();
 }
 
 void exchange::reset() {
     abandon();
-    state.rx_accum.clear();
-    state.rx_reply.clear();
-    cur_cmd.clear();
+    rx_accum.clear();
+    rx_reply.clear();
+    cur_cmd = {};
     on_the_way.clear();
 }
 
 // The reply up to the first prompt; what follows it, up to the next prompt, stays in the buffer.
 QString exchange::cut_reply(QByteArrayView bytes, qsizetype prompt) {
-    state.rx_accum.append(bytes.first(prompt + 1));
-    state.rx_reply = state.rx_accum;
-    state.rx_accum.clear();
+    rx_accum.append(bytes.first(prompt + 1));
+    rx_reply = rx_accum;
+    rx_accum.clear();
 
     const QByteArrayView rest = bytes.sliced(prompt + 1);
     const qsizetype next_prompt = rest.indexOf('>');
-    state.rx_accum.append(next_prompt < 0 ? rest : rest.first(next_prompt));
-    return QString::fromUtf8(state.rx_reply.text());
+    rx_accum.append(next_prompt < 0 ? rest : rest.first(next_prompt));
+    return QString::fromUtf8(rx_reply.text());
 }
 
 void exchange::handleOBDRcvdNotification(const QString& text) {
@@ -136,12 +107,12 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
     for (;;) {
         const qsizetype prompt = rest.indexOf('>');
         if (prompt < 0)
-            return state.rx_accum.append(rest);
+            return rx_accum.append(rest);
         const bool looks_on = take_reply(rest, prompt);
         rest = rest.sliced(prompt + 1);
         if (!looks_on) // what else came at once was sent before the next command
             return drop_earlier(std::count(rest.begin(), rest.end(), '>'));
-        state.rx_accum.clear();
+        rx_accum.clear();
     }
 }
 
@@ -150,9 +121,9 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
 bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     stop_timer();
     is_held_back = false;
-    const int timeouts = std::exchange(state.timeout_retry_count, 0);
+    const int timeouts_before = std::exchange(timeout_retry_count, 0);
     const QString raw = cut_reply(bytes, prompt);
-    if (!in_flight && state.cur_op != op_expert) { // its operation is over
+    if (!in_flight && !is_typed()) { // its operation is over
         const QString reply = prepReply(raw);
         if (tells_a_reset(reply, on_the_way))
             owner.adapter_started_anew();
@@ -160,14 +131,14 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
         return true;
     }
 
-    const bool is_cut = state.rx_reply.is_cut();
+    const bool is_cut = rx_reply.is_cut();
     if (is_cut)
         console_log(QStringLiteral("handleOBDRcvdNotification: reply longer than %1 bytes, not decoded")
                         .arg(rx_buffer::limit));
     // A reply that was cut is never decoded: what follows sees an empty one.
     const bool is_late = check_reply(is_cut ? QString() : prepReply(raw), raw);
     if (is_late)
-        state.timeout_retry_count = timeouts; // what is being asked for has not been answered
+        timeout_retry_count = timeouts_before; // what is being asked for has not been answered
     return is_late || is_held_back;
 }
 
@@ -187,32 +158,32 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         owner.adapter_started_anew();
     const bool may_be_late = earlier_ones() > 0;
     settle(reply);
-    if (state.cur_op == op_expert || cur_cmd.isEmpty())
+    if (is_typed() || cur_cmd.text.isEmpty())
         return hand_on(reply), false;
 
     // Some commands take any answer, an empty one too, but none that was cut.
-    reply_verdict verdict = state.rx_reply.is_cut()
-                                ? unconfirmed(state.no_confirm_count)
-                                : work_a_rcvdOBD_cmd(taken_apart(reply), in_force(), state.no_confirm_count);
+    reply_verdict verdict = rx_reply.is_cut()
+                                ? unconfirmed(no_confirm_count)
+                                : work_a_rcvdOBD_cmd(taken_apart(reply), cur_cmd, no_confirm_count);
     state.obd_msgs = std::move(verdict.obd_msgs);
     if (verdict.result == reply_retry && may_be_late) {
         // Sending once more would leave the exchange one reply behind for good.
-        obdTimeOutTimer = clock.one_shot(state.cmd_timeout_secs * 1000, [this] { obdTimedOutHandler(); });
+        start_timer(&exchange::obdTimedOutHandler);
         return true;
     }
-    state.no_confirm_count = verdict.no_confirm_count;
+    no_confirm_count = verdict.no_confirm_count;
     switch (verdict.result) {
     case reply_accepted: hand_on(reply); break;
     case reply_retry:
         owner.show_status(QStringLiteral("Didn't get a confirmation from interface ... Trying again"));
-        send_again();
+        write();
         break;
     default:
-        if (state.warn_no_reply != -1 && !raw.contains(QLatin1Char('?')))
+        if (warn_no_reply && !raw.contains(QLatin1Char('?')))
             owner.pop_a_messy(QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
                                              "Check pairing/connections"),
                               where_it_failed(reply));
-        state.warn_no_reply = -1;
+        warn_no_reply = false;
         given_up = reply;
         hand_on(no_reply);
     }
@@ -246,12 +217,15 @@ void exchange::hand_on(const QString& reply) {
 void exchange::obdTimedOutHandler() {
     console_log(QStringLiteral("Timed out handler here"));
     stop_timer();
-    if (state.timeout_retry_count >= timeouts_before_giving_up) {
-        state.timeout_retry_count = 0;
+    if (timeout_retry_count >= timeouts_before_giving_up) {
+        timeout_retry_count = 0;
         return owner.command_unanswered();
     }
-    ++state.timeout_retry_count;
+    ++timeout_retry_count;
     owner.show_status(fill(QStringLiteral("OBD Cmd: (%s:%s) Timed out!! \n    Retrying...%d/4"),
-                           {state.wifi_ip, state.wifi_port, QString::number(state.timeout_retry_count)}));
-    owner.redo_current_step();
+                           {state.wifi_ip, state.wifi_port, QString::number(timeout_retry_count)}));
+    if (cur_cmd.is_asked_again)
+        return write();
+    state.obd_msgs.clear();
+    hand_on(no_reply);
 }

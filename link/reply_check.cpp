@@ -8,6 +8,7 @@
 namespace {
 
 constexpr int retries = 3;
+constexpr int longest_timeout_secs = 600;
 
 bool is_hex_digit(QChar c) {
     const ushort u = c.unicode();
@@ -63,6 +64,24 @@ bool asks_for_greeting(const sent_command& command) {
 }
 
 } // namespace
+
+sent_command command_of(const QString& command, const QString& expectedReply, bool msg_has_hdr) {
+    sent_command made{.text = command, .expectedReply = expectedReply, .has_header = msg_has_hdr};
+    const qsizetype bar = command.indexOf(u'|');
+    if (bar < 0)
+        return made;
+    made.text = command.first(bar) + u'\r';
+    bool ok = false;
+    const double seconds = command.sliced(bar + 1).trimmed().toDouble(&ok);
+    if (ok && seconds >= 1 && seconds <= longest_timeout_secs)
+        made.seconds = static_cast<int>(seconds);
+    return made;
+}
+
+sent_command as_typed(const QString& command) {
+    return {
+        .text = command, .expectedReply = positive_reply_of(command), .why = sent_command::purpose::typed};
+}
 
 reply_verdict unconfirmed(int no_confirm_count) {
     if (no_confirm_count >= retries)

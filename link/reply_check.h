@@ -8,11 +8,28 @@ constexpr int reply_accepted = 671;
 constexpr int reply_given_up = 672;
 constexpr int reply_retry = 673;
 
+// A command, what its reply is checked against, and what becomes of it when none comes in time.
 struct sent_command {
-    QString text;          // with its "\r"
-    QString expectedReply; // alternatives separated by "|"; null: checked by message, with headers only
+    QString text{};          // with its "\r"
+    QString expectedReply{}; // alternatives separated by "|"; null: checked by message, with headers only
     bool has_header = false;
+    int seconds = 3;            // until the time-out
+    bool is_asked_again = true; // after a time-out, four times; else its answer is "~" at once
+    enum class purpose {
+        ordinary,   // counts on the adapter as it was set up
+        sets_up,    // is part of that
+        on_its_own, // its reply counts, whatever has become of the adapter
+        typed,      // by hand: every reply is passed on unchecked
+    } why = purpose::ordinary;
+
+    bool operator==(const sent_command&) const = default;
 };
+
+// A command as it is noted: "01 00\r", or with its own time-out in seconds "01 00|12.0\r"; one that is no
+// number of seconds leaves the usual one.
+sent_command command_of(const QString& command, const QString& expectedReply, bool msg_has_hdr);
+// A command as it was typed, with its "\r". What is expected only tells which command a reply answers.
+sent_command as_typed(const QString& command);
 
 struct reply_verdict {
     int result = reply_retry;

@@ -1,22 +1,16 @@
 #pragma once
 
-#include "initialisation/connect_2_interface.h"
-#include "livedata/live_host.h"
-#include "livedata/run_log.h"
-#include "livedata/work_o2_layout.h"
-#include "livedata/work_out_boost.h"
-#include "livedata/work_out_log.h"
-#include "livedata/work_out_mpg.h"
+#include "livedata/sampling_talk.h"
 
-// The controller of the live-data screen: it chooses the sample set of a mode, starts and ends sampling runs,
-// and hands each reply to the step machine of the current task. What the runs have read stands in
-// live_results; the view hears of changes through its run_observer.
+// The controller of the live-data screen: it chooses the sample set of a mode, and starts and ends
+// sampling runs. What the runs have read stands in live_results; the view hears of changes through its
+// run_observer.
 //
 // A view needs: the choice of the mode (mode_names, selected_index, comboBoxSelectionDidChange), the button
 // (runLogs, is_running), sample_set_changed() after other PIDs were chosen, zoom(), results() and a
 // run_observer. Status lines come with every reply ("Got proper reply: ..."): show them at the next frame,
 // not each.
-class actions : public live_host {
+class actions : public sampling_talk {
 public:
     // Everything referred to outlives the controller. The results of the run before are kept when they still
     // fit the units and the sample set; otherwise the screen begins with an empty Log Run.
@@ -44,10 +38,6 @@ public:
 
     // The button: starts a run, or ends the one that is active.
     void runLogs();
-    // Ends it, and gives up a link that is opening.
-    void stop();
-    // From the start, while the link opens and the adapter is initialised, to the end.
-    bool is_running() const { return sampling.keep_logging; }
     // Why no line of the run can be stored, a sentence; "" while all is well.
     const QString& storing_problem() const { return storing.problem(); }
 
@@ -58,24 +48,10 @@ public:
         QString title;
     };
     zoomed zoom(double slider) const;
-    bool zoom_slider_shown() const { return results_.cur_log_points.rows() >= 21; }
+    bool zoom_slider_shown() const { return results.cur_log_points.rows() >= 21; }
 
-    // task_controller
-    void work_current_task(const QString& status) override;
-    void handleOBDRcvdMsg(const QString& reply) override;
-    void leave_cur_op_gracefully(const QString& status) override;
-    // A run that has stored or shown a sweep goes on in the same log, behind a line without values.
-    link_loss on_link_lost() override;
-    void set_status_msg(const QString& status) override { context.view.show_status(status); }
-    void handleOBDToast(const QString& toast) override { context.view.show_toast(toast); }
-
-    // live_host
-    bool connect_first() override;
-    live_results& results() override { return results_; }
-    sampling_run& run() override { return sampling; }
-    run_log& log() override { return storing; }
+    // sampling_talk
     run_observer& observer() override { return *watching; }
-    obd_group engine_ecu() override;
     void addEngECU_toPidList() override;
     void take_set(const QStringList& items) override;
 
@@ -85,29 +61,12 @@ private:
     bool results_still_fit();
     void rework_gui_objects();
     void begin_run();
-    void run_a_log();
     void end_run();
-    void begin_anew();
-    void mark_gap();
-    void run_machine();
-    sampling_machine* machine_of(int task);
-    void hide_busy();
+    void started() override;
+    void let_go() override;
+    void told_the_end(bool done) override;
 
-    operation_context context;
-    process_state& state;
     user_defaults& defaults;
-    live_results& results_;
-    sampling_run sampling;
-    run_log storing;
     run_observer* watching;
-    QString cur_reply_cp;
     bool own_pids = false; // the Log Run set is not the person's stored choice
-    bool busy = false;
-
-    inner_process_pid_support pid_loop;
-    connect_2_interface connector;
-    work_out_log log_run;
-    work_out_mpg fuel;
-    work_out_boost boost;
-    work_o2_layout o2_layout;
 };

@@ -48,7 +48,6 @@ Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settin
 
 void Bv_lite_delegate::read_defaults() {
     state.cur_veh_id = -1;
-    state.cmd_timeout_secs = 3;
     const int interface = defaults.integer(QStringLiteral("BV_interface"), 0);
     if (interface == 0) {
         defaults.set(QStringLiteral("BV_interface"), static_cast<int>(interface_bluetooth));
@@ -84,7 +83,6 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
     pick_current_vehicle();
     if (area)
         area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));
-    state.tcpConnectReady = false;
     if (area)
         do_actions();
 }

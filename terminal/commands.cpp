@@ -12,11 +12,11 @@
 namespace {
 
 const process_state& state_of(readCodes& controller) {
-    return controller.what_it_works_with().state;
+    return controller.state;
 }
 
 QString ecu_name(readCodes& controller, const QString& header) {
-    const QString name = controller.what_it_works_with().toolies.l_pull_ECU(header);
+    const QString name = controller.toolies.l_pull_ECU(header);
     return name.isEmpty() ? header : name;
 }
 
@@ -66,7 +66,7 @@ QList<code_row> code_rows(readCodes& controller, const QStringList& texts) {
 }
 
 QJsonObject read_codes_json(readCodes& controller) {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     QJsonObject object{{"interface", state_of(controller).interface_description},
                        {"protocol", state_of(controller).protocol_description},
                        {"ecus", results.no_of_ecus},
@@ -94,7 +94,7 @@ QJsonObject read_codes_json(readCodes& controller) {
 }
 
 QString read_codes_text(readCodes& controller) {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     const second_status status = both_statuses(controller);
     QString text =
         results.xtraInfoArray.join(QLatin1Char('\n')) + u'\n' + status_as_text(controller, status) + u'\n';

@@ -9,7 +9,7 @@
 namespace {
 
 QJsonObject with_link(readCodes& controller, QJsonObject object) {
-    const process_state& state = controller.what_it_works_with().state;
+    const process_state& state = controller.state;
     object.insert("interface", state.interface_description);
     object.insert("protocol", state.protocol_description);
     return object;
@@ -38,7 +38,7 @@ QJsonObject pending_as_json(readCodes& controller, const QStringList& pending, c
 }
 
 QJsonObject pending_json(readCodes& controller) {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     const second_reading codes = both_readings(controller, result_list::pending);
     const second_reading frame = both_readings(controller, result_list::freeze);
     QJsonObject object = pending_as_json(controller, results.pendingArray, results.freezeArray);
@@ -154,16 +154,16 @@ QString tests_text(readCodes& controller, result_list list) {
 
 QJsonObject extras_json(readCodes& controller) {
     QJsonArray extras;
-    for (const QString& row : controller.results().xtrasArray)
+    for (const QString& row : controller.results.xtrasArray)
         extras += QJsonObject{{"label", row.section(QLatin1String(":|"), 0, 0)},
                               {"value", row.section(QLatin1String(":|"), 1).section(u'|', 0, 0).trimmed()}};
     return with_link(controller, {{"extras", extras},
-                                  {"rows", QJsonArray::fromStringList(controller.results().xtrasArray)}});
+                                  {"rows", QJsonArray::fromStringList(controller.results.xtrasArray)}});
 }
 
 QString extras_text(readCodes& controller) {
     QString text;
-    for (const QString& row : controller.results().xtrasArray)
+    for (const QString& row : controller.results.xtrasArray)
         text += QString(row).remove(u'|') + u'\n';
     return text;
 }

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 second_reading both_readings(readCodes& controller, result_list list) {
-    return {list, controller.results(), controller.what_it_works_with().toolies};
+    return {list, controller.results, controller.toolies};
 }
 
 QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings) {
@@ -40,11 +40,11 @@ QString shown_as_text(const second_reading& reading, QString (*as_text)(const QS
 }
 
 second_status both_statuses(readCodes& controller) {
-    return read_status_again(controller.results(), controller.what_it_works_with().toolies);
+    return read_status_again(controller.results, controller.toolies);
 }
 
 QString status_as_text(readCodes& controller, const second_status& status) {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     QString mil = results.mil_label;
     QString codes = results.code_count_label;
     if (status.standard_shown && status.was_read) {
@@ -66,8 +66,7 @@ QJsonArray readiness_as_json(const QList<readiness_row>& rows) {
 }
 
 QJsonObject permanent_json(readCodes& controller) {
-    const permanent_codes read =
-        read_permanent_codes(controller.results(), controller.what_it_works_with().toolies);
+    const permanent_codes read = read_permanent_codes(controller.results, controller.toolies);
     QJsonArray monitors;
     for (const readiness_row& row : read.drive_cycle)
         monitors += QJsonObject{{"state", row.state}, {"label", row.label}};
@@ -79,8 +78,7 @@ QJsonObject permanent_json(readCodes& controller) {
 }
 
 QString permanent_text(readCodes& controller) {
-    const permanent_codes read =
-        read_permanent_codes(controller.results(), controller.what_it_works_with().toolies);
+    const permanent_codes read = read_permanent_codes(controller.results, controller.toolies);
     QString text = QStringLiteral("Permanent codes:\n");
     if (!read.rows.isEmpty())
         text += codes_as_text(controller, read.rows);

@@ -49,6 +49,6 @@ QString codes_model::cell(const QString& row, int at) const {
 }
 
 QString codes_model::ecu_name(const QString& header) const {
-    const QString name = controller.what_it_works_with().toolies.l_pull_ECU(header);
+    const QString name = controller.toolies.l_pull_ECU(header);
     return name.isEmpty() ? header : QStringLiteral("%1: %2").arg(header, name);
 }

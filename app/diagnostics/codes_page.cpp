@@ -46,11 +46,11 @@ void set_up_codes(QTableView& table, codes_model& model) {
 
 codes_page::codes_page(const Ui::read_codes_view& its_ui, const view_context& its_context,
                        readCodes& its_controller)
-    : ui(its_ui), context(its_context), controller(its_controller), results(its_controller.results()),
-      reading(result_list::codes, results, its_controller.what_it_works_with().toolies),
-      codes(its_controller, reading), permanent_rows(its_controller, permanent.rows),
-      readiness(monitors, nullptr), head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context,
-                                         its_controller, {op_read_codes, op_clear_codes, op_permanent}),
+    : ui(its_ui), context(its_context), controller(its_controller), results(its_controller.results),
+      reading(result_list::codes, results, its_controller.toolies), codes(its_controller, reading),
+      permanent_rows(its_controller, permanent.rows), readiness(monitors, nullptr),
+      head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context, its_controller,
+           {op_read_codes, op_clear_codes, op_permanent}),
       bar(*new reading_bar(*ui.codes_column, *ui.cards, its_context)) {
     set_up_tables();
     connect(ui.read, &QPushButton::clicked, this, &codes_page::start);
@@ -78,7 +78,7 @@ void codes_page::start() {
 }
 
 void codes_page::reload(const QString& list) {
-    status = read_status_again(results, controller.what_it_works_with().toolies);
+    status = read_status_again(results, controller.toolies);
     if (list == QLatin1String("reading"))
         show_reading();
     else if (list == QLatin1String("codes"))
@@ -113,7 +113,7 @@ void codes_page::show_reading() {
 }
 
 void codes_page::show_permanent() {
-    permanent = read_permanent_codes(results, controller.what_it_works_with().toolies);
+    permanent = read_permanent_codes(results, controller.toolies);
     permanent_rows.reload();
     const int rows = permanent_rows.rowCount();
     ui.permanent_table->setVisible(rows > 0);

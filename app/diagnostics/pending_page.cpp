@@ -5,8 +5,8 @@
 pending_page::pending_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                            const result_words& its_words)
     : result_page(pages, its_context, its_controller, its_words),
-      code_reading(result_list::pending, results, its_controller.what_it_works_with().toolies),
-      frame_reading(result_list::freeze, results, its_controller.what_it_works_with().toolies),
+      code_reading(result_list::pending, results, its_controller.toolies),
+      frame_reading(result_list::freeze, results, its_controller.toolies),
       codes(its_controller, code_reading),
       freeze(frame_reading, {QStringLiteral("Parameter"), QStringLiteral("Value")}, split_freeze_row) {
     card.set_up(codes, QStringLiteral("Pending codes"), context.frame.look());

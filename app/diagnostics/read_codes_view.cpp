@@ -94,7 +94,7 @@ read_codes_view::read_codes_view(const view_context& its_context)
     });
     codes_controller.operation_ended = [this](bool done) {
         for (const auto& page : others)
-            page->ended(context.core.state.cur_op, done);
+            page->ended(codes_controller.cur_op(), done);
     };
 }
 
@@ -119,7 +119,7 @@ void read_codes_view::add_pages() {
     add_page<tests_page>(mode6_words, result_list::mode6);
     add_page<tests_page>(misfire_words, result_list::misfire);
     add_page<tests_page>(o2_words, result_list::o2);
-    add_page<text_page>(extras_words, codes_controller.results().xtrasArray,
+    add_page<text_page>(extras_words, codes_controller.results.xtrasArray,
                         QStringList{text("Label"), text("Value")}, split_extras_row);
 }
 

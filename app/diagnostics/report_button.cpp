@@ -47,7 +47,7 @@ void report_button::show_page(int its_operation) {
 }
 
 bool report_button::has_results() const {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     switch (operation) {
     case op_vehicle_info: return !results.vehInfoArray.isEmpty();
     case op_mode6: return !results.mode6Array.isEmpty();

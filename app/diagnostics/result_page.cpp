@@ -53,7 +53,7 @@ void result_card::show_rows(results_model& model, const QString& words) {
 
 result_page::result_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                          const result_words& its_words)
-    : context(its_context), controller(its_controller), results(its_controller.results()), words(its_words),
+    : context(its_context), controller(its_controller), results(its_controller.results), words(its_words),
       view(add_page(pages)), ui(laid_out_in<Ui::result_page>(view)),
       head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context, its_controller, {words.operation}),
       card{*ui.main_card, *ui.main_caption,    *ui.main_stack,
@@ -132,7 +132,7 @@ text_page::text_page(QStackedWidget& pages, const view_context& its_context, rea
                      const result_words& its_words, result_list list, const QStringList& headings,
                      text_rows_model::split cells)
     : result_page(pages, its_context, its_controller, its_words),
-      reading(std::in_place, list, results, its_controller.what_it_works_with().toolies),
+      reading(std::in_place, list, results, its_controller.toolies),
       model(*reading, headings, std::move(cells)) {
     card.set_up(model, QLatin1String(words.title), context.frame.look());
 }

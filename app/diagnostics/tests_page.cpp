@@ -5,8 +5,8 @@
 tests_page::tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                        const result_words& its_words, result_list list)
     : result_page(pages, its_context, its_controller, its_words),
-      reading(list, results, its_controller.what_it_works_with().toolies),
-      model(reading, context.frame.look()), delegate(context.frame.look()) {
+      reading(list, results, its_controller.toolies), model(reading, context.frame.look()),
+      delegate(context.frame.look()) {
     card.set_up(model, QLatin1String(words.title), context.frame.look());
     card.table.setItemDelegate(&delegate);
     card.table.setSelectionMode(QAbstractItemView::ExtendedSelection);

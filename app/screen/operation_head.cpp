@@ -8,7 +8,7 @@ operation_head::operation_head(const parts& its_parts, const view_context& its_c
 }
 
 bool operation_head::runs_here() const {
-    return controller.is_running() && operations.contains(context.core.state.cur_op);
+    return controller.is_running() && operations.contains(controller.cur_op());
 }
 
 QString operation_head::waiting_words() const {
@@ -17,7 +17,7 @@ QString operation_head::waiting_words() const {
 }
 
 QString operation_head::what_runs() const {
-    switch (context.core.state.cur_op) {
+    switch (controller.cur_op()) {
     case op_read_codes: return QStringLiteral("The codes are being read");
     case op_clear_codes: return QStringLiteral("The codes are being cleared");
     case op_permanent: return QStringLiteral("The permanent codes are being read");
@@ -54,7 +54,7 @@ void operation_head::show(const QString& summary) {
 }
 
 void operation_head::show_progress() {
-    const diagnostic_results& results = controller.results();
+    const diagnostic_results& results = controller.results;
     if (runs_here())
         ui.progress.set_progress(results.progress_done, results.progress_total);
 }

@@ -44,12 +44,11 @@ TEST_F(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_se
     EXPECT_TRUE(wait_until([&] { return link.is_connected(); }));
     service.call("answer_late", {"org.bluez.Error.Failed"}); // to the first attempt
     link.sendOBDcmd("AT I\r");
-    EXPECT_TRUE(wait_until([&] { return !state.rx_reply.is_empty(); }));
-    EXPECT_TRUE(state.rx_reply.text().contains("ELM327")) << state.rx_reply.text().constData();
+    EXPECT_TRUE(wait_until([&] { return operation.heard.join(' ').contains("ELM327"); }));
 }
 
 TEST_F(bluetooth_channel, one_that_is_lost_is_opened_again_until_it_holds) {
-    operation.when_lost = task_controller::link_loss::goes_on;
+    operation.goes_on = true;
     operation.on_work = [&] { link.sendOBDcmd_n("AT I\r", "ELM", false); };
     state.bt_address = obd_address;
     state.last_BT_Device = "OBDII";

@@ -85,8 +85,7 @@ TEST(conversations, end_quietly_when_the_person_stops) {
             conversation short_talk = cut(talk, command, "do stop");
             short_talk.steps += talk.reply_to(command); // still comes
             EXPECT_EQ(play(short_talk, bench), "");
-            EXPECT_EQ(bench.state.pid_loop_active, -1);
-            EXPECT_EQ(bench.state.cur_step, -1);
+            EXPECT_FALSE(bench.controller.is_running());
             EXPECT_EQ(bench.view.last("status"), "Stopped");
         }
     }
@@ -102,7 +101,7 @@ TEST(conversations, begin_anew_after_the_link_was_lost_at_any_command) {
                 continue; // there it is the adapter's nature, and mended
             bench.state.log_runs = true;
             EXPECT_EQ(play(cut(talk, command, "close"), bench), "");
-            EXPECT_EQ(bench.state.cur_step, -1);
+            EXPECT_FALSE(bench.controller.is_running());
             EXPECT_EQ(bench.view.last("status"), "Disconnected");
             EXPECT_EQ(bench.logs_without_text(), 0) << talk.steps[command].where.toStdString();
             bench.forget();

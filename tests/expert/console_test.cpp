@@ -9,7 +9,7 @@ namespace {
 
 struct console_bench : adapter_bench {
     expert_session session{profile.defaults};
-    expertCtrlr controller{state, link, toolies, view, clock, profile.defaults, session};
+    expertCtrlr controller{state, link, toolies, view, profile.defaults, session};
     QString ended = "no";
 
     console_bench() {
@@ -36,7 +36,6 @@ struct console_bench : adapter_bench {
 
 TEST(console, sends_what_is_typed_and_shows_every_answer) {
     console_bench bench;
-    bench.state.cmd_timeout_secs = 12;
     bench.controller.load();
     bench.controller.handle_a_send("  01 00 ");
     EXPECT_EQ(bench.shown(), "> 01 00\n");
@@ -186,8 +185,7 @@ TEST(script, answers_inside_the_send_neither_pile_up_nor_keep_the_event_loop) {
     bench.state.interface_kind = interface_simulated;
     adapter_link link{bench.state, bench.clock, bench.view, make_transport};
     expert_session session{bench.profile.defaults};
-    expertCtrlr controller(bench.state, link, bench.toolies, bench.view, bench.clock, bench.profile.defaults,
-                           session);
+    expertCtrlr controller(bench.state, link, bench.toolies, bench.view, bench.profile.defaults, session);
     link.set_controller(&controller);
     controller.load();
     controller.start_script({"AT {L}", "00", "02", "1"});
@@ -275,8 +273,8 @@ TEST(warning, an_answer_after_the_screen_was_left_does_nothing) {
     adapter_bench bench;
     expert_session session{bench.profile.defaults};
     {
-        expertCtrlr controller(bench.state, bench.link, bench.toolies, bench.view, bench.clock,
-                               bench.profile.defaults, session);
+        expertCtrlr controller(bench.state, bench.link, bench.toolies, bench.view, bench.profile.defaults,
+                               session);
         bench.link.set_controller(&controller);
         controller.load();
         controller.handle_a_send("04");

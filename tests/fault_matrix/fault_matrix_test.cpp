@@ -153,9 +153,9 @@ QString left_behind(const matrix_bench& bench) {
         things += "busy";
     if (bench.clock.running() > (bench.adapter->is_waiting() ? 1u : 0u))
         things += QString("%1 timers").arg(bench.clock.running());
-    if (bench.state.cur_step > 0 || bench.state.pid_loop_active != -1)
-        things += QString("step %1, loop %2").arg(bench.state.cur_step).arg(bench.state.pid_loop_active);
-    if (bench.state.cur_op != op_expert && !bench.link.is_connected() && bench.state.adapter_ready)
+    if (bench.is_running())
+        things += "an operation";
+    if (!bench.link.is_connected() && bench.state.adapter_ready)
         things += "ready without a link";
     return things.join(", ");
 }

@@ -53,7 +53,7 @@ public:
     readCodes diagnostics{state, link, toolies, view, results, profile.paths};
     actions live_controller{state, link, toolies, view, profile.defaults, clock, live, profile.paths};
     expert_session session{profile.defaults};
-    expertCtrlr console{state, link, toolies, view, clock, profile.defaults, session};
+    expertCtrlr console{state, link, toolies, view, profile.defaults, session};
 
     QString ended;                      // how the last operation ended; "" while it runs
     std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix

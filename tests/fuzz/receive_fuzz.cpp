@@ -94,7 +94,7 @@ public:
                 break;
             case 7:
                 leave();
-                state.cur_op = state.cur_op == op_expert ? op_read_codes : op_expert;
+                is_console = !is_console;
                 break;
             case 8: piece = piece.repeated(16).left(longest_piece); continue;
             case 9: is_eager = !is_eager; break;
@@ -110,11 +110,11 @@ private:
     void send(size_t place) {
         const command& sent = commands[place % std::size(commands)];
         place_sent = place;
-        state.no_confirm_count = 0;
-        state.warn_no_reply = 1;
-        traffic.sendOBDcmd_n(QLatin1String(sent.text),
-                             sent.expected ? QString(QLatin1String(sent.expected)) : QString(),
-                             sent.has_header);
+        sent_command what =
+            command_of(QLatin1String(sent.text),
+                       sent.expected ? QString(QLatin1String(sent.expected)) : QString(), sent.has_header);
+        what.why = is_console ? sent_command::purpose::typed : sent_command::purpose::ordinary;
+        traffic.send(what);
     }
 
     void leave() {
@@ -140,10 +140,7 @@ private:
     void at_rest() {
         must_hold(clock.is_running() == traffic.is_in_flight(),
                   "a command is timed as long as it is in flight");
-        must_hold(state.no_confirm_count >= 0 && state.no_confirm_count <= 3,
-                  "three unconfirmed replies at most");
-        must_hold(state.timeout_retry_count >= 0 && state.timeout_retry_count <= 4, "four time-outs at most");
-        must_hold(state.rx_accum.size() <= rx_buffer::limit, "what is kept of a reply is bounded");
+        must_hold(traffic.timeouts() >= 0 && traffic.timeouts() <= 4, "four time-outs at most");
     }
 
     void check(const QString& handed_on) {
@@ -165,18 +162,18 @@ private:
     void reply_refused() override { traffic.abandon(); }
     void reply_arrived(const QString& handed_on) override {
         must_hold(!traffic.is_in_flight(), "a reply ends the command");
-        if (state.cur_op != op_expert)
+        if (traffic.current_command().why != sent_command::purpose::typed)
             check(handed_on);
         if (is_eager)
             send(place_sent + 1);
     }
-    void redo_current_step() override { traffic.send_again(); }
     void command_unanswered() override {
         traffic.reset();
         held.clear();
     }
 
     process_state state;
+    bool is_console = false;
     still_timers clock;
     exchange traffic{state, clock, *this};
     QByteArray piece; // not yet received

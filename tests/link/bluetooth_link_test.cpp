@@ -43,7 +43,6 @@ TEST_F(bluetooth_link, asks_for_the_device_and_starts_the_task_when_its_channel_
     EXPECT_EQ(shown(), "status: BT Connected, status: BT Connected!!, toast: ");
     EXPECT_EQ(heard(), "work"); // at once, and once
     EXPECT_EQ(remembered.join(", "), "AA:BB:CC:DD:EE:01 OBDII");
-    EXPECT_TRUE(state.tcpConnectReady);
     EXPECT_FALSE(state.headers_shown);
     EXPECT_TRUE(link.openInterfaceConnection());
     EXPECT_EQ(adapter->attempts, 1);

@@ -13,10 +13,8 @@ TEST_F(link_test, the_first_task_starts_once_0_8_s_after_opening) {
     EXPECT_FALSE(link.openInterfaceConnection()); // open, but its task has not started
     clock.advance(799);
     EXPECT_EQ(heard(), "");
-    EXPECT_FALSE(state.tcpConnectReady);
     clock.advance(1);
     EXPECT_EQ(heard(), "work");
-    EXPECT_TRUE(state.tcpConnectReady);
     EXPECT_TRUE(link.openInterfaceConnection());
     clock.advance(60000);
     EXPECT_EQ(heard(), "");
@@ -117,7 +115,6 @@ TEST_F(link_test, a_link_lost_forgets_the_adapter) {
         EXPECT_FALSE(link.is_connected()) << how;
         EXPECT_FALSE(state.adapter_ready || state.adapter_known || state.headers_shown) << how;
         EXPECT_EQ(state.cur_protocol, -1) << how;
-        EXPECT_TRUE(state.rx_accum.is_empty()) << how;
         EXPECT_EQ(clock.running(), 0u) << how;
         if (*how == 'd')
             continue;

@@ -14,11 +14,10 @@ public:
     QStringList heard;
     std::function<void()> on_work;  // what it sends when its task is to start
     std::function<void()> on_reply; // what it sends when a reply came
-    link_loss when_lost = link_loss::ends;
+    bool goes_on = false;           // over a new link
+    bool wants_it_back = false;     // though it does not go on
 
     void work_current_task(const QString&) override {
-        if (link.is_redo())
-            return link.send_again();
         heard += "work";
         if (on_work)
             on_work();
@@ -29,7 +28,15 @@ public:
             send();
     }
     void leave_cur_op_gracefully(const QString&) override { heard += "leave"; }
-    link_loss on_link_lost() override { return when_lost; }
+    void handle_link_loss(const link_lost& loss) override {
+        if (loss.at_reset)
+            return;
+        if (goes_on)
+            link.reopen(loss.status);
+        else
+            link.left_by_loss(loss);
+    }
+    bool wants_link_back() const override { return wants_it_back; }
     void set_status_msg(const QString& status) override { view.show_status(status); }
     void handleOBDToast(const QString& toast) override { view.show_toast(toast); }
 
@@ -51,6 +58,11 @@ protected:
     }
     void ask(const QString& command, const QString& expected) {
         link.sendOBDcmd_n(command + "\r", expected, false);
+    }
+    void set_up(const QString& command) {
+        sent_command setting_up = command_of(command + "\r", "OK|ELM", false);
+        setting_up.why = sent_command::purpose::sets_up;
+        link.send(setting_up);
     }
     void forget() {
         controller.heard.clear();

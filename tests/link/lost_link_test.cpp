@@ -4,8 +4,6 @@
 
 namespace {
 
-using link_loss = task_controller::link_loss;
-
 class lost_link : public link_test {
 protected:
     lost_link() {
@@ -16,7 +14,7 @@ protected:
         state.interface_kind = kind;
         state.bt_address = "AA:BB:CC:DD:EE:01";
         open();
-        controller.when_lost = link_loss::goes_on;
+        controller.goes_on = true;
         opens_at_once = adapter->opens_at_once = false;
     }
     QString trying(int seconds, int attempt) {
@@ -93,19 +91,20 @@ TEST_F(lost_link, five_time_outs_are_a_loss_told_once) {
 
 TEST_F(lost_link, a_new_operation_does_not_wait_for_the_pause) {
     begin();
-    controller.when_lost = link_loss::ends_reopens;
+    controller.goes_on = false;
+    controller.wants_it_back = true;
     adapter->break_off();
     EXPECT_EQ(heard(), "leave");
     EXPECT_EQ(view.last("status"), trying(1, 1));
     clock.advance(1000);
     adapter->refuse("no");
-    EXPECT_TRUE(link.try_again_later());
+    EXPECT_TRUE(link.is_reconnecting());
     EXPECT_FALSE(link.openInterfaceConnection());
     EXPECT_FALSE(link.is_reconnecting());
     adapter->finish_opening();
     clock.advance(800);
     EXPECT_EQ(heard(), "work");
-    EXPECT_FALSE(link.try_again_later());
+    EXPECT_FALSE(link.is_reconnecting());
 }
 
 // It is opened again once, and set up without a reset from then on.
@@ -114,22 +113,19 @@ TEST_F(lost_link, an_adapter_that_closes_its_link_on_a_reset) {
         state.interface_kind = kind;
         state.bt_address = "AA:BB:CC:DD:EE:01";
         open();
-        state.cur_task = op_initialise;
-        state.cur_step = 1;
         EXPECT_TRUE(link.may_be_reset());
         ask("AT I", "ELM");
         adapter->break_off(); // at another command it is a loss as any
         EXPECT_EQ(heard(), "leave");
         open();
-        ask("AT Z", "OK|ELM");
+        set_up("AT Z");
         adapter->break_off();
         EXPECT_EQ(heard(), "");
         EXPECT_FALSE(link.may_be_reset());
-        EXPECT_EQ(state.cur_step, 0);
         clock.advance(1800);
         EXPECT_EQ(heard(), "work");
         EXPECT_EQ(view.events.filter("message: ").size(), 0);
-        ask("AT Z", "OK|ELM");
+        set_up("AT Z");
         adapter->break_off(); // not twice
         EXPECT_EQ(heard(), "leave");
         link.openInterfaceConnection();
@@ -142,7 +138,7 @@ TEST_F(lost_link, an_adapter_that_closes_its_link_on_a_reset) {
     state.wifi_ip = "192.168.0.11"; // nothing is known of another one
     open();
     EXPECT_TRUE(link.may_be_reset());
-    ask("AT Z", "OK|ELM");
+    set_up("AT Z");
     clock.advance(1100); // later than a reset takes
     adapter->break_off();
     EXPECT_TRUE(link.may_be_reset());

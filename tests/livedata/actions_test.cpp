@@ -41,7 +41,6 @@ TEST(actions, modes) {
     ::actions& screen = bench.opened();
     EXPECT_EQ(::actions::mode_names().join('/'), "Log Run/Fuel consumption/O2 Diags/Sampling/Boost");
     EXPECT_EQ(screen.selected_index(), 0);
-    EXPECT_EQ(bench.state.cur_op, op_log_run);
     EXPECT_EQ(bench.results.these_samples[2].name, "Engine RPM");
     EXPECT_EQ(bench.facts["matrix"](), "-1 -1 -1 -1");
 
@@ -56,7 +55,7 @@ TEST(actions, modes) {
     EXPECT_EQ(screen.selected_index(), 3);
     screen.comboBoxSelectionDidChange(2); // starts at once
     EXPECT_TRUE(screen.is_running());
-    EXPECT_EQ(bench.state.cur_op, op_o2_layout);
+    EXPECT_EQ(screen.cur_op(), op_o2_layout);
     EXPECT_EQ(set_of(bench), "");
 
     screen.comboBoxSelectionDidChange(0);

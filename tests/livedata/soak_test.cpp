@@ -188,8 +188,7 @@ public:
 private:
     // What the controller and what it works with keep.
     qsizetype bytes_held() const {
-        return results.cur_log_points.bytes() + state.obd_msgs.size() + state.rx_accum.size() +
-               results.pid_logitems_list.size();
+        return results.cur_log_points.bytes() + state.obd_msgs.size() + results.pid_logitems_list.size();
     }
 
     void set_changed() override {}
@@ -204,8 +203,7 @@ private:
         else if (adapter->was_sent(row.pid, body))
             ++values;
         else if (wrong.size() < 5)
-            wrong += row.pid + ": " + body + " of " +
-                     QString::fromLatin1(state.rx_reply.text().toPercentEncoding(" "));
+            wrong += row.pid + ": " + body;
     }
     void sweep_completed() override {}
     void o2_layout_known(int, const QString&) override {}

@@ -68,11 +68,10 @@ protected:
 } // namespace
 
 TEST_F(start_up, the_first_time) {
-    again.state.tcpConnectReady = true;
     again.start();
     EXPECT_EQ(again.area.seen(), "vehicle Cur Veh., title Brivant Lite " BV_VERSION ", open 1, button 1");
     EXPECT_EQ(again.state.interface_kind, interface_bluetooth);
-    EXPECT_FALSE(again.state.log_runs || again.state.metric_units || again.state.tcpConnectReady);
+    EXPECT_FALSE(again.state.log_runs || again.state.metric_units);
     EXPECT_EQ(again.state.sample_pids, QStringList({"0D", "11", "0C", "05"}));
     EXPECT_EQ(again.defaults.list(sample_set_key(again.state.cur_veh_id), {}), again.state.sample_pids);
     EXPECT_EQ(again.defaults.integer("BV_cur_veh_id", -1), again.state.cur_veh_id);

@@ -1,0 +1,59 @@
+#include "diagnostics/diagnostic_talk.h"
+
+#include "diagnostics/standard_report.h"
+#include "obd/trouble_codes.h"
+#include "persistence/log_files.h"
+
+diagnostic_talk::diagnostic_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+                                 screen& its_view, diagnostic_results& its_results,
+                                 const app_paths& its_paths)
+    : car_talk(process, its_link, its_toolies, its_view), results(its_results),
+      log(its_paths, its_toolies.store()) {}
+
+void diagnostic_talk::progress(qsizetype done, qsizetype total) {
+    results.progress_done = static_cast<int>(done);
+    results.progress_total = static_cast<int>(total);
+    view.reload(QStringLiteral("progress"));
+}
+
+QString diagnostic_talk::reply_to_keep(const QString& reply) const {
+    return reply == no_reply && !link.last_raw_reply().isEmpty() ? link.last_raw_reply() : reply;
+}
+
+void diagnostic_talk::keep(result_list list, const QString& request, const QString& reply, qsizetype row,
+                           qsizetype rows, const QString& ecu) {
+    results.kept[list] += {request, reply_to_keep(reply), form(), ecu, row, rows};
+}
+
+void diagnostic_talk::load_the_codes() {
+    if (results.P0_Codes.isEmpty())
+        results.P0_Codes = toolies.lists()
+                               .get_dictionary_from_resource(QStringLiteral("P0_Codes"),
+                                                             QStringLiteral("txt"), QStringLiteral(" "))
+                               .value_or(QMap<QString, QString>());
+}
+
+QString diagnostic_talk::description_of(const QString& code) {
+    load_the_codes();
+    return look_upCode(code, results.P0_Codes);
+}
+
+QString diagnostic_talk::todays_date() const {
+    return get_todays_date(true, toolies.units() == unit_system::metric, QDateTime::currentDateTime());
+}
+
+diagnostic_report diagnostic_talk::report_of(int operation_code) {
+    const auto describe = [this](const QString& code) { return description_of(code); };
+    if (toolies.standard_reading())
+        return standard_report(operation_code, results, toolies, todays_date(), describe);
+    return work_out_text_4_log(operation_code, results, todays_date(), describe)
+        .value_or(diagnostic_report());
+}
+
+void diagnostic_talk::write_report() {
+    if (!log.is_on())
+        return;
+    const QString problem = log.store(report_of(cur_op()), state.cur_veh_id);
+    if (!problem.isEmpty())
+        view.show_message(QString(), problem);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "diagnostics/diagnostic_results.h"
+#include "diagnostics/session_log.h"
+#include "operations/car_talk.h"
+
+// Why an operation failed to which the adapter passed on no answer at all.
+inline const QString no_ecu_answers =
+    QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on and read again");
+
+// What the diagnostic operations talk through: the car, and what they leave behind.
+class diagnostic_talk : public car_talk {
+public:
+    // Everything referred to outlives it.
+    diagnostic_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+                    screen& its_view, diagnostic_results& its_results, const app_paths& its_paths);
+
+    void progress(qsizetype done, qsizetype total);
+    // How the adapter shows its replies now.
+    reply_form form() const { return {state.cur_protocol, state.headers_shown}; }
+    // The reply as it came. One that was given up on, because its first ECU refuses, may hold another's
+    // answer.
+    QString reply_to_keep(const QString& reply) const;
+    // Keeps the reply beside the rows that were made from it.
+    void keep(result_list list, const QString& request, const QString& reply, qsizetype row = 0,
+              qsizetype rows = 0, const QString& ecu = {});
+
+    void load_the_codes();
+    // The code's description: see look_upCode of obd/trouble_codes.h.
+    QString description_of(const QString& code);
+    // While logging is on: writes the text to the session file; writes and stores the operation's report.
+    void append_to_log(const QString& text) { log.append_to_log(text); }
+    void write_report();
+    // The report of an operation from what was read last; empty for an operation that leaves none.
+    diagnostic_report report_of(int operation_code);
+    // The date of a heading.
+    QString todays_date() const;
+
+    diagnostic_results& results;
+
+protected:
+    session_log log;
+};
+
+// The operations.
+talk work_out_read_codes(diagnostic_talk& car);     // monitor status and confirmed codes (services 01, 03)
+talk work_out_clear_codes(diagnostic_talk& car);    // service 04
+talk work_out_pending_freeze(diagnostic_talk& car); // pending codes and the freeze frame (07, 02)
+talk work_out_permanent(diagnostic_talk& car);    // permanent codes and this drive cycle's monitors (0A, 41)
+talk work_out_vehicle_info(diagnostic_talk& car); // voltage, VIN, a value of every supported PID of every ECU
+talk work_out_xtras(diagnostic_talk& car);        // maker-specific values (22), headers off
+talk work_mode6_support(diagnostic_talk& car);    // every test result (06)
+talk work_misfire_reading(diagnostic_talk& car);  // the misfire counters (06 A1 to BE), CAN only
+talk work_O2_mode(diagnostic_talk& car);          // the oxygen-sensor monitors (06 01 to 10), CAN only

@@ -1,0 +1,290 @@
+#include "livedata/sampling_talk.h"
+
+#include "base/string_table.h"
+#include "charts/outward_rounding.h"
+#include "livedata/second_value.h"
+#include "obd/ecu_names.h"
+#include "obd/obd_messages.h"
+#include "obd/reply_text.h"
+#include "obd/supported_pids.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+const QString fuel_economy = QStringLiteral("E4");
+const QString boost_pressure = QStringLiteral("E5");
+const QString manifold_pressure = QStringLiteral("0B");
+
+} // namespace
+
+QString requested_pid(const QString& pid) {
+    return pid == boost_pressure ? manifold_pressure : pid;
+}
+
+void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val, int this_idx) {
+    if (this_idx == -1)
+        vector.add_row();
+    else
+        vector.set(this_idx, this_item_val);
+}
+
+sampling_talk::sampling_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+                             screen& its_view, timers& time_source, live_results& its_results,
+                             const app_paths& its_paths)
+    : car_talk(process, its_link, its_toolies, its_view), results(its_results),
+      storing(its_toolies.store(), time_source, its_paths) {}
+
+void sampling_talk::started() {
+    cur_log_set.clear();
+    car_is_silent = false;
+    is_first_reply = true;
+    headers_asked = false;
+}
+
+// --- before the first request ------------------------------------------------------------------------------
+
+talk sampling_talk::ready_to_ask(QString opening) {
+    co_await ready(opening);
+    if (!state.headers_shown && !std::exchange(headers_asked, true)) {
+        // One that refuses is not asked again; its replies are taken without.
+        sent_command headers_on = command_of(QStringLiteral("AT H1\r"), QStringLiteral("OK"), false);
+        headers_on.why = sent_command::purpose::on_its_own;
+        co_await send(headers_on);
+        view.show_busy(false);
+        co_await ready(opening);
+    }
+}
+
+talk sampling_talk::ready_to_sample(QString opening) {
+    co_await ready_to_ask(opening);
+    addEngECU_toPidList();
+}
+
+void sampling_talk::make_sure_all_are_supported() {
+    for (const QString& item : std::as_const(results.pid_logitems_list)) {
+        const std::optional<sample_item> entry = split_sample_item(item);
+        if (!entry || entry->pid == fuel_economy)
+            continue;
+        if (!isPID_in_avail_pid_list(state.available_pids, {requested_pid(entry->pid), entry->header},
+                                     state.cur_protocol)) {
+            show("One or more PIDs needed not available for this vehicle");
+            throw left{};
+        }
+    }
+}
+
+obd_group sampling_talk::engine_ecu() {
+    if (state.available_pids.isEmpty())
+        state.available_pids = toolies.grab_pids_available();
+    if (state.available_pids.isEmpty())
+        return {QStringLiteral("48xx10"), {}};
+    return state.available_pids.at(toolies.findEngineEcuIdx(state.available_pids));
+}
+
+car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again) {
+    const QString request = QStringLiteral("01 ") + pid;
+    const bool shown = state.headers_shown;
+    return send({.text = request + u'\r',
+                 .expectedReply = shown ? QString() : positive_reply_of(request),
+                 .has_header = shown,
+                 .is_asked_again = is_asked_again,
+                 .why = sent_command::purpose::on_its_own});
+}
+
+car_talk::asking sampling_talk::ask_row(int index) {
+    return ask_pid(requested_pid(row(index).pid), false);
+}
+
+// --- the reply ---------------------------------------------------------------------------------------------
+
+const obd_message* sampling_talk::message_of_ecu(const QString& header) const {
+    const auto found =
+        std::find_if(state.obd_msgs.begin(), state.obd_msgs.end(), [&](const obd_message& message) {
+            return same_ecu(message.header, header, state.cur_protocol);
+        });
+    if (found != state.obd_msgs.end())
+        return &*found;
+    return state.obd_msgs.isEmpty() ? nullptr : &state.obd_msgs.first();
+}
+
+// What a message holds, when it is whole: on CAN its second digit is its length, on ISO 14230-4 the lower six
+// bits of its header. A long answer on CAN comes in several frames (ISO 15765-2), of which the first begins
+// with a "1".
+QString sampling_talk::data_of_message(const obd_message& first) const {
+    const QString& body = first.body;
+    if (body.size() % 2 != 0 || !is_hex(body))
+        return no_reply; // noise on the link, perhaps in the check byte alone
+    if (!is_can(state.cur_protocol)) {
+        const QString data = toolies.data_of_single_message(body);
+        const unsigned format = convertStr2Byte(QStringView(first.header).left(2));
+        const bool has_length = state.cur_protocol >= 4 && (format & 0x80) != 0;
+        return has_length && data.size() < 2 * qsizetype(format & 0x3F) ? no_reply : data;
+    }
+    if (!body.startsWith(u'1'))
+        return body.size() < 2 + 2 * charToNibble(body.at(1)) ? no_reply
+                                                              : toolies.data_of_single_message(body);
+    QStringList frames;
+    for (const obd_message& message : std::as_const(state.obd_msgs)) {
+        if (message.header == first.header)
+            frames += message.body;
+    }
+    return toolies.l_pullOBDFromSingleGroupedMsg(frames);
+}
+
+QString sampling_talk::data_of_reply(const QString& reply, const QString& pid, const QString& header) {
+    if (reply.isEmpty() || has_no_data(reply))
+        return no_reply;
+    const obd_message* message = message_of_ecu(header);
+    const QString data = message ? data_of_message(*message) : reply_lines(reply).value(0);
+    const QString answer = QStringLiteral("41") + pid;
+    return data.size() >= answer.size() + 2 && data.startsWith(answer) && is_hex(data) ? data : no_reply;
+}
+
+QString sampling_talk::data_of_reply(const QString& reply, int index) {
+    if (std::exchange(is_first_reply, false))
+        view.show_busy(false);
+    if (reply.isEmpty()) {
+        state.adapter_ready = false; // the next run initialises it again
+        link.far_end_changed();
+        throw left{QStringLiteral("Timed out** .. Try again")};
+    }
+    const sample_row& its_row = results.these_samples.at(index);
+    const QString asked = requested_pid(its_row.pid);
+    QString data = data_of_reply(reply, asked, its_row.item.section(u'|', 1));
+    if (data != no_reply && asked != its_row.pid)
+        data.replace(2, 2, its_row.pid); // the PID alone: a data byte may be the same
+    show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
+    return data;
+}
+
+void sampling_talk::take(int index, const QString& data) {
+    sample_row& its_row = row(index);
+    const second_value read = read_value(data, toolies);
+    its_row.value = read.text;
+    its_row.other_value = read.other;
+    its_row.latest = toolies.shown_number(data);
+    note_extremes(its_row, its_row.latest);
+    output_item(index, data);
+}
+
+void sampling_talk::output_item(int index, const QString& data) {
+    add_item_to_log_vector(results.cur_log_points, data, index);
+    observer().sample_arrived(index);
+}
+
+// The first value is rounded outward, so that it does not lie on the edge.
+void sampling_talk::note_extremes(sample_row& its_row, double value) {
+    if (!std::isfinite(value))
+        return;
+    const auto text = [](double number) { return QString::number(number, 'f', 6); };
+    if (its_row.max == QLatin1String("max"))
+        its_row.max = text(round_outward(value, true));
+    else if (value > its_row.max.toDouble())
+        its_row.max = text(value);
+    if (its_row.min == QLatin1String("min"))
+        its_row.min = text(round_outward(value, false));
+    else if (value < its_row.min.toDouble())
+        its_row.min = text(value);
+}
+
+// --- the sweep ---------------------------------------------------------------------------------------------
+
+void sampling_talk::add_to_line(const QString& data) {
+    if (!cur_log_set.isEmpty())
+        cur_log_set += u',';
+    cur_log_set += data;
+}
+
+void sampling_talk::check_the_run() {
+    if (!is_running())
+        throw left{}; // the view has ended it
+    if (!state.adapter_ready)
+        throw link_lost{.status = results.sample_cnt == 0 ? adapter_was_reset : QString()};
+}
+
+void sampling_talk::end_of_sweep() {
+    const QString line = std::exchange(cur_log_set, QString());
+    add_item_to_log_vector(results.cur_log_points, QString(), -1);
+    ++results.sample_cnt;
+    results.times.sweep_complete();
+    tell_silence(line);
+    storing.sweep_complete(line);
+    results.log_sample_cnt = storing.sweeps_stored();
+    observer().sweep_completed();
+    check_the_run();
+}
+
+// A time-out tells of itself.
+void sampling_talk::tell_silence(const QString& line) {
+    const bool is_silent = link.timeouts() == 0 && std::all_of(line.begin(), line.end(), [](QChar c) {
+                               return c == u'~' || c == u',';
+                           });
+    if (std::exchange(car_is_silent, is_silent) == is_silent)
+        return;
+    handleOBDToast(
+        is_silent
+            ? QStringLiteral("The adapter answers, the car does not.\n\nIs the ignition on? The run goes on, "
+                             "and shows values as soon as they come.")
+            : QString());
+}
+
+void sampling_talk::begin_anew() {
+    cur_log_set.clear();
+    headers_asked = false;
+}
+
+void sampling_talk::mark_gap() {
+    for (int column = 0; column < columns(); ++column) {
+        row(column).value = no_reply;
+        row(column).latest = qQNaN();
+        output_item(column, no_reply);
+    }
+    add_item_to_log_vector(results.cur_log_points, QString(), -1);
+    storing.store_gap(QStringList(columns(), no_reply).join(u','));
+}
+
+talk sample_for_ever(sampling_talk& car) {
+    const bool are_sensors = car.cur_op() == op_o2_layout; // the values go into the picture too
+    for (;;) {
+        for (int index = 0; index < car.columns(); ++index) {
+            const QString data = car.data_of_reply(co_await car.ask_row(index), index);
+            car.take(index, data);
+            if (are_sensors)
+                car.observer().set_sensor_value(index, QString::number(car.row(index).latest, 'f', 3));
+            car.add_to_line(data);
+            car.check_the_run();
+        }
+        car.end_of_sweep();
+    }
+}
+
+talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&)) {
+    std::optional<link_lost> lost;
+    for (;;) {
+        try {
+            if (lost) {
+                car.begin_anew();
+                co_await car.again(*lost);
+            }
+            co_await run(car);
+            co_return;
+        } catch (const link_lost& loss) {
+            if (car.results.sample_cnt == 0)
+                throw;
+            if (!car.link.is_reconnecting()) // else it was marked
+                car.mark_gap();
+            lost = loss;
+        } catch (const left&) { // neither adapter nor car answers over the new link yet
+            if (!car.link.is_reconnecting())
+                throw;
+            lost = link_lost();
+        } catch (const failed& why) {
+            if (!car.link.is_reconnecting())
+                throw;
+            car.show(why.text);
+            lost = link_lost();
+        }
+    }
+}

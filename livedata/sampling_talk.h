@@ -1,0 +1,96 @@
+#pragma once
+
+#include "livedata/live_results.h"
+#include "livedata/run_log.h"
+#include "livedata/run_observer.h"
+#include "operations/car_talk.h"
+
+#include <optional>
+
+// What the sampling runs talk through: the car, where a value goes, and the sweep under way.
+//
+// A column never gets another PID's value: what is taken is "41", the PID and data bytes, or "~".
+class sampling_talk : public car_talk {
+public:
+    // Everything referred to outlives it.
+    sampling_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+                  timers& time_source, live_results& its_results, const app_paths& its_paths);
+
+    // The start that every run makes: the adapter initialised, headers on where it can.
+    talk ready_to_ask(QString opening);
+    // The same, and every entry of the set with the header of its ECU.
+    talk ready_to_sample(QString opening);
+    // Every entry but those of the program's own PIDs is answered by its ECU; else the run ends with a text.
+    void make_sure_all_are_supported();
+
+    // Asks for a PID, or for that of a row. In a run a time-out is a value that did not come.
+    asking ask_pid(const QString& pid, bool is_asked_again);
+    asking ask_row(int index);
+    // The data of the ECU that was meant ("410D3C"), "~" for none. When that ECU is not among those that
+    // answered, the reply is used as it arrived: its first message counts.
+    QString data_of_reply(const QString& reply, const QString& pid, const QString& header);
+    // The same for the PID of a row, under the row's own PID; tells it.
+    QString data_of_reply(const QString& reply, int index);
+
+    // The data goes into row `index` and its column, and the view is told.
+    void take(int index, const QString& data);
+    // The same for a row whose text and number are not those of the data.
+    void output_item(int index, const QString& data);
+    sample_row& row(int index) { return results.these_samples[index]; }
+    int columns() const { return static_cast<int>(results.these_samples.size()); }
+    // The largest and smallest number of the row.
+    void note_extremes(sample_row& its_row, double value);
+
+    // Puts data behind the others of the sweep under way.
+    void add_to_line(const QString& data);
+    // The run goes on: nobody has ended it, and the adapter is still set up.
+    void check_the_run();
+    // A complete sweep: its line is stored when it is its turn, and the next one begins.
+    void end_of_sweep();
+    // The link was lost: the sweep under way is dropped, its row and a line of the log are without values.
+    void mark_gap();
+    void begin_anew();
+
+    // The engine among the ECUs with their supported PIDs; the header "48xx10" and no PIDs while none is
+    // known.
+    obd_group engine_ecu();
+    // Every entry of the set carries the header of its ECU from now on.
+    virtual void addEngECU_toPidList() = 0;
+    // The set of the run as the car determines it; the rows and the matrix are made anew.
+    virtual void take_set(const QStringList& items) = 0;
+    // Never null.
+    virtual run_observer& observer() = 0;
+
+    live_results& results;
+
+protected:
+    void started() override;
+    run_log storing;
+
+private:
+    void tell_silence(const QString& line);
+    const obd_message* message_of_ecu(const QString& header) const;
+    QString data_of_message(const obd_message& first) const;
+
+    QString cur_log_set;        // the line of the sweep under way: its bodies in set order, separated by ","
+    bool car_is_silent = false; // the last sweep was answered without a single value
+    bool is_first_reply = true;
+    bool headers_asked = false; // "AT H1" was tried
+};
+
+// Puts a value into a column of the last row; index -1 begins a new row of "-1".
+void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val, int this_idx);
+
+// The PID that is asked for in the place of one of the program's own: boost is the manifold pressure.
+QString requested_pid(const QString& pid);
+
+// The runs. Each goes on over a new link, once it has a complete sweep.
+talk work_out_log(sampling_talk& car);    // every PID of the set in turn, sweep after sweep
+talk work_out_mpg(sampling_talk& car);    // speed and air flow, and from them the fuel economy ("E4")
+talk work_out_boost(sampling_talk& car);  // manifold pressure shown as boost ("E5"), trims, fuel pressure
+talk work_o2_layout(sampling_talk& car);  // the car's oxygen sensors (PID 13), and the log run of these
+talk sample_for_ever(sampling_talk& car); // what they have in common, once they are ready
+talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&));
+
+// Works out miles a US gallon from speed (km/h) and air flow (g/s); `by_density`: with the fuel's density.
+double compute_MPG(double speed, double air_flow, bool by_density);

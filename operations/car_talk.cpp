@@ -1,0 +1,258 @@
+#include "operations/car_talk.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "obd/obd_messages.h"
+#include "obd/reply_text.h"
+#include "operations/connect_2_interface.h"
+
+#include <algorithm>
+
+car_talk::car_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view)
+    : state(process), link(its_link), toolies(its_toolies), view(its_view),
+      held([this](std::exception_ptr failure) { talk_over(std::move(failure)); }) {}
+
+car_talk::~car_talk() {
+    operation_ended = nullptr;
+    held.drop();
+}
+
+// --- start and end -----------------------------------------------------------------------------------------
+
+void car_talk::start(operation_start what) {
+    current = std::move(what);
+    waits_for_link = std::move(current.begin);
+    running = true;
+    replies = 0;
+    parting = {};
+    started();
+    if (!current.status.isNull())
+        set_status_msg(current.status);
+    view.show_busy(true);
+    if (link.openInterfaceConnection())
+        link.l_work_current_task(QString());
+}
+
+void car_talk::work_current_task(const QString& status) {
+    if (!running)
+        return;
+    if (!status.isEmpty())
+        set_status_msg(status);
+    if (const auto begin = std::exchange(waits_for_link, nullptr))
+        held.begin(begin());
+    else if (held.waits_for() == held_talk::thing::link)
+        held.go_on();
+}
+
+void car_talk::stop() {
+    link.stop_opening();
+    leave_cur_op_gracefully(QStringLiteral("Stopped"));
+}
+
+void car_talk::leave_cur_op_gracefully(const QString& status) {
+    if (close(status))
+        told_the_end(false);
+}
+
+void car_talk::finish(bool done) {
+    if (close(QString()))
+        told_the_end(done);
+}
+
+bool car_talk::close(const QString& status) {
+    held.drop();
+    waits_for_link = nullptr;
+    open_question.reset();
+    pause_timer.reset();
+    link.stop_timers();
+    link.abandon_command();
+    if (!status.isEmpty())
+        set_status_msg(status);
+    view.show_busy(false);
+    view.show_toast(QStringLiteral(""));
+    let_go();
+    if (std::exchange(slowed, false)) {
+        state.adapter_ready = false;
+        state.adapter_known = false;
+        link.far_end_changed();
+    }
+    if (!std::exchange(running, false))
+        return false;
+    view.reload(QStringLiteral("operation"));
+    return true;
+}
+
+void car_talk::told_the_end(bool done) {
+    if (operation_ended)
+        operation_ended(done);
+}
+
+void car_talk::talk_over(std::exception_ptr failure) {
+    const auto [notice, toast] = std::exchange(parting, {});
+    if (failure)
+        ended_early(failure);
+    else
+        task_done();
+    if (!notice.isEmpty())
+        view.show_message(QString(), notice);
+    if (!toast.isEmpty())
+        view.show_toast(toast);
+}
+
+void car_talk::ended_early(const std::exception_ptr& failure) {
+    const auto fail = [this](const QString& text, bool has_box) {
+        link.warn_no_more();
+        leave_cur_op_gracefully(text);
+        set_status_msg(text);
+        if (has_box)
+            view.show_message(QString(), text);
+    };
+    try {
+        std::rethrow_exception(failure);
+    } catch (const left& early) {
+        leave_cur_op_gracefully(early.status);
+    } catch (const link_lost& loss) {
+        link.left_by_loss(loss);
+    } catch (const failed& end) {
+        fail(end.text, end.has_box);
+    } catch (const std::exception& reason) {
+        fail(fill(current.failure, {QString::fromUtf8(reason.what())}), true);
+    }
+}
+
+// --- what the link tells -----------------------------------------------------------------------------------
+
+void car_talk::handleOBDRcvdMsg(const QString& reply) {
+    if (!running)
+        return;
+    if (reply.contains(QLatin1String("Timeout"))) {
+        view.beep();
+        return leave_cur_op_gracefully(QStringLiteral("Cur op timed out... Please Check/retry"));
+    }
+    if (held.waits_for() != held_talk::thing::reply)
+        return;
+    came = reply;
+    held.go_on();
+}
+
+void car_talk::handle_link_loss(const link_lost& loss) {
+    if (held.waits_for() != held_talk::thing::nothing)
+        return held.go_on_with(loss);
+    if (!loss.at_reset)
+        link.left_by_loss(loss);
+}
+
+// Without headers and with its echo on, an adapter that has reset itself would be read as something else.
+QString car_talk::take_reply(const sent_command& command) {
+    held.tell_what_was_thrown();
+    ++replies;
+    if (current.logged)
+        console_log(QStringLiteral("%1:stepidx=%2 rcvd_msg=%3")
+                        .arg(QLatin1String(current.logged))
+                        .arg(replies)
+                        .arg(came));
+    if (command.why == sent_command::purpose::ordinary && !state.adapter_ready)
+        throw left{adapter_was_reset};
+    return came;
+}
+
+// --- what a talk asks --------------------------------------------------------------------------------------
+
+car_talk::asking car_talk::send(const sent_command& command) {
+    return {*this, command};
+}
+
+car_talk::asking car_talk::at(const QString& command, const QString& expected) {
+    return {*this, command_of(command + u'\r', expected, false)};
+}
+
+car_talk::asking car_talk::ask(const QString& request) {
+    return {*this, command_of(request + u'\r', QString(), true)};
+}
+
+car_talk::asking car_talk::ask_as_shown(const QString& request) {
+    return state.headers_shown ? ask(request) : at(request, positive_reply_of(request));
+}
+
+car_talk::asking car_talk::wait_longer() {
+    slowed = true;
+    return at(QStringLiteral("AT ST FF"), QStringLiteral("OK"));
+}
+
+car_talk::asking_person car_talk::ask_yes_no(const QString& title, const QString& text) {
+    return {*this, title, text};
+}
+
+bool car_talk::asking_person::await_suspend(talk::handle who) {
+    return car.held.wait(who, held_talk::thing::person, [this] {
+        car.open_question = std::make_shared<int>(0);
+        car.view.ask_yes_no(title, text,
+                            [&of = car, question = std::weak_ptr(car.open_question)](bool is_yes) {
+                                if (question.expired())
+                                    return; // the operation was left meanwhile
+                                of.open_question.reset();
+                                of.said_yes = is_yes;
+                                of.held.go_on();
+                            });
+    });
+}
+
+bool car_talk::asking_person::await_resume() {
+    car.open_question.reset();
+    car.held.tell_what_was_thrown();
+    return car.said_yes;
+}
+
+car_talk::pausing car_talk::pause(int milliseconds) {
+    return {*this, milliseconds};
+}
+
+bool car_talk::pausing::await_suspend(talk::handle who) {
+    return car.held.wait(who, held_talk::thing::time, [this] {
+        car.pause_timer = car.link.time_source().one_shot(milliseconds, [&of = car] {
+            of.pause_timer.reset();
+            of.hurry();
+        });
+    });
+}
+
+bool car_talk::pausing::await_resume() {
+    const bool was_hurried = std::exchange(car.pause_timer, nullptr) != nullptr;
+    car.held.tell_what_was_thrown();
+    return was_hurried;
+}
+
+void car_talk::hurry() {
+    if (is_paused())
+        held.go_on();
+}
+
+car_talk::reopening car_talk::again(const link_lost& loss) {
+    return {*this, loss};
+}
+
+bool car_talk::reopening::await_suspend(talk::handle who) {
+    return car.held.wait(who, held_talk::thing::link, [this] {
+        if (!loss.at_reset)
+            car.link.reopen(loss.status);
+    });
+}
+
+talk car_talk::ready(QString opening) {
+    if (!opening.isNull())
+        show(opening);
+    if (state.adapter_ready)
+        co_return;
+    co_await connect_2_interface(*this);
+    if (!opening.isNull())
+        show(opening);
+}
+
+bool has_no_data(const QString& reply) {
+    if (reply == no_reply || reply.contains(QLatin1String("NODATA")))
+        return true;
+    // A "?" of its own; beside data it is noise, which some adapters send after a reset.
+    const QStringList lines = reply_lines(reply);
+    return reply.contains(QLatin1Char('?')) &&
+           std::none_of(lines.begin(), lines.end(), [](const QString& line) { return is_hex(line); });
+}

@@ -1,0 +1,138 @@
+#include "operations/connect_2_interface.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "obd/reply_text.h"
+#include "operations/inner_process_pid_support.h"
+
+namespace {
+
+constexpr int most_fixed_protocol_rounds = 20;
+const QString ok = QStringLiteral("OK");
+const QString automatic = QStringLiteral("A");
+const QString protocol_names = QStringLiteral("AUTO|ISO|SAE");
+
+car_talk::asking say(car_talk& car, const char* command, const QString& expected) {
+    sent_command setting_up = command_of(QLatin1String(command) + u'\r', expected, false);
+    setting_up.why = sent_command::purpose::sets_up;
+    return car.send(setting_up);
+}
+
+// The number after the "A" of an automatically found protocol ("A6" gives 6); -1 when it was not told.
+int protocol_number(const QString& reply) {
+    if (reply.size() < 2 || reply.at(0).toUpper() != u'A' || !is_hex(QStringView(reply).sliced(1, 1)))
+        return -1; // given up, or no data
+    return static_cast<int>(convertStr2Byte(QStringView(reply).sliced(1).left(2)));
+}
+
+// While a lost link is opened again by itself the car may be off: that is waited for, and needs no notice.
+[[noreturn]] void give_up(car_talk& car, const QString& text) {
+    if (!car.link.is_reconnecting())
+        car.view.show_message(QString(), text);
+    throw left{};
+}
+
+void keep_interface(car_talk& car, const QString& reply) {
+    car.show(fill(QStringLiteral("Interface : %@"), {reply}));
+    if (reply != no_reply && !reply.contains(ok))
+        car.state.interface_description = reply.left(80);
+    car.view.reload(QStringLiteral("labels"));
+}
+
+void keep_protocol(car_talk& car, const QString& description) {
+    car.state.protocol_description = description;
+    car.view.reload(QStringLiteral("labels"));
+}
+
+// Asks for the protocol until it is one that the adapter looks for by itself.
+talk make_protocol_automatic(car_talk& car) {
+    bool was_refused = false;
+    for (int rounds = 0; rounds <= most_fixed_protocol_rounds; ++rounds) {
+        const QString reply = co_await say(car, "AT DP", protocol_names);
+        if (reply == no_reply && std::exchange(was_refused, true)) {
+            car.show("The adapter does not tell its protocol: unplug it, plug it in again and retry");
+            throw left{};
+        }
+        if (reply != no_reply && car.state.protocol_description.isEmpty()) {
+            car.show(fill(QStringLiteral(" %@"), {reply}));
+            keep_protocol(car, reply.left(80));
+        }
+        if (reply.toUpper().contains(QLatin1String("AUTO")))
+            co_return;
+        if (rounds < most_fixed_protocol_rounds) // ISO 9141-2 is tried first
+            co_await say(car, "AT SP A3", ok);
+    }
+    throw step_failure(
+        QStringLiteral("the adapter does not go back to automatic protocol search: unplug it, plug "
+                       "it in again and retry"));
+}
+
+// The first request makes the adapter look for the car's protocol, which it tells afterwards.
+talk find_the_car(car_talk& car) {
+    car.state.cur_protocol = protocol_number(co_await say(car, "AT DPN", automatic));
+    sent_command first = command_of(QStringLiteral("01 00|12.0"), QStringLiteral("4100"), false);
+    first.why = sent_command::purpose::sets_up;
+    const QString reply = co_await car.send(first);
+    if (reply == no_reply)
+        give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
+    if (has_no_data(reply)) {
+        car.show("No data for [01 00] .. trying next");
+    } else {
+        car.show(fill(QStringLiteral("Initial  reply: (%@)"), {reply}));
+        car.toolies.handle_00_replies(reply, 0);
+        const int ecus = count_items_in_Str(reply, QStringLiteral("\r"));
+        car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
+    }
+    const QString number = co_await say(car, "AT DPN", automatic);
+    car.state.cur_protocol = protocol_number(number);
+    if (car.state.cur_protocol == -1)
+        give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
+    const QString name =
+        car.toolies.lists().line(QStringLiteral("SUP_PROTOCOLS"), car.state.cur_protocol).value_or(number);
+    car.show(fill(QStringLiteral("Interface : %@"), {name}));
+    keep_protocol(car, name);
+}
+
+talk set_up(car_talk& car) {
+    car.state.cur_protocol = -1;
+    const bool is_reset = !car.state.adapter_known && car.link.may_be_reset();
+    const QString greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
+    car.state.adapter_known |= greeting != no_reply;
+    co_await say(car, "AT E0", ok);
+    car.show("Got a ECHO off from ELM chip");
+    keep_interface(car, co_await say(car, "AT I", QStringLiteral("ELM")));
+    co_await make_protocol_automatic(car);
+    const QString headers = co_await say(car, "AT H1", ok);
+    car.show(has_no_data(headers) ? "AT H1 not supported by current chip" : "AT H1 replied OK");
+    co_await find_the_car(car);
+
+    obd_groups found;
+    co_await inner_process_pid_support(car, QStringLiteral("01"), found);
+    car.show("Got the PIDs.. starting current task");
+    if (!car.state.available_pids.isEmpty() && !car.toolies.save_pids_available(car.state.available_pids))
+        console_log(QStringLiteral(
+            "reacCods>m::connect_2_interface >> Did not save avail pids to VEHICLES.XTRA_INFO"));
+    car.state.adapter_ready = true;
+    car.link.far_end_changed();
+}
+
+} // namespace
+
+talk connect_2_interface(car_talk& car) {
+    for (;;) {
+        link_lost fallen;
+        try {
+            co_await set_up(car);
+            co_return;
+        } catch (const link_lost& loss) {
+            if (!loss.at_reset)
+                throw;
+            fallen = loss;
+        } catch (const std::exception& reason) {
+            throw failed{fill(QStringLiteral("connect_2_interface::Did not fully complete [ %@ ]"),
+                              {QString::fromUtf8(reason.what())}),
+                         false};
+        }
+        co_await car.again(fallen); // it comes back by itself, and is not reset any more
+    }
+}

@@ -1,0 +1,112 @@
+#include "operations/inner_process_pid_support.h"
+
+#include "base/console_log.h"
+#include "base/string_table.h"
+#include "obd/ecu_names.h"
+#include "obd/obd_messages.h"
+#include "obd/reply_text.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+
+namespace {
+
+constexpr unsigned group_size = 0x20;
+constexpr unsigned last_group = 0xE0;
+constexpr qsizetype most_ecus = 16; // a reply that names more is no reply of a car
+
+bool is_the_car(const QString& service) {
+    return service == QLatin1String("01");
+}
+
+// With headers the check is by message. Some chips refuse to show headers.
+car_talk::asking ask_for_map(car_talk& car, const QString& service, unsigned group) {
+    const QString request = service + u' ' + convertByte2HexStr(group);
+    const bool shown = car.state.headers_shown;
+    sent_command command = command_of(request + u'\r', shown ? QString() : positive_reply_of(request), shown);
+    if (is_the_car(service))
+        command.why = sent_command::purpose::sets_up;
+    return car.send(command);
+}
+
+obd_group& entry_of(obd_groups& found, const QString& header, int protocol) {
+    for (obd_group& known : found) {
+        if (same_ecu(known.header, header, protocol))
+            return known;
+    }
+    found.append({header, {}});
+    return found.last();
+}
+
+void take_maps(car_talk& car, const QString& service, unsigned group, const QString& reply,
+               obd_groups& found) {
+    const QString answer = convertByte2HexStr(convertStr2Byte(service) + 0x40) + convertByte2HexStr(group);
+    // The older protocols put a byte of their own before the maps of service 06.
+    const qsizetype own_byte = service == QLatin1String("06") && !is_can(car.state.cur_protocol) ? 2 : 0;
+    const auto take = [&](const QString& header, const QString& data) {
+        if (data.startsWith(answer) && found.size() < most_ecus)
+            entry_of(found, header, car.state.cur_protocol).pidSet +=
+                pids_of_bitmap(data.mid(answer.size() + own_byte, 8), group);
+    };
+    if (!car.state.headers_shown) { // who answers cannot be told: the first answer stands for the car
+        const QStringList lines = reply_lines(reply).filter(QRegularExpression(u'^' + answer));
+        return take(QString(), lines.value(0));
+    }
+    for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply)))
+        take(ecu.header, car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet));
+}
+
+bool is_announced(const obd_groups& found, unsigned group) {
+    const QString map = convertByte2HexStr(group);
+    return std::any_of(found.begin(), found.end(),
+                       [&](const obd_group& ecu) { return ecu.pidSet.contains(map); });
+}
+
+// A car that is silent to the first request of another service just does not offer it.
+void check_given_up(car_talk& car, const QString& service, unsigned group) {
+    if (!is_the_car(service) && group == 0)
+        return;
+    const QString text = group == 0 ? localised(QStringLiteral("DLG_FAILED_RCV_PIDS"))
+                                    : QStringLiteral("Failed to receive available PIDs ");
+    if (!car.link.is_reconnecting()) // else the car may be off, and is waited for
+        car.view.show_message(QString(), text);
+    throw left{};
+}
+
+talk make_sure_it_is_the_car(car_talk& car, const obd_groups& found) {
+    if (!car.toolies.checkIfSameVehicle(found)) {
+        const QString title = localised(QStringLiteral("LBL_VEH_DIFF_CONTINUE"));
+        const QString text = localised(QStringLiteral("DLG_VEH_DIFF_CONTINUE"));
+        if (const bool yes = co_await car.ask_yes_no(title, text); !yes) {
+            car.link.stop_opening(); // nor is it tried again
+            throw left{};
+        }
+        car.toolies.fixSamplePidsFornewVehicle(found);
+    }
+    car.state.available_pids = found;
+}
+
+} // namespace
+
+talk inner_process_pid_support(car_talk& car, QString service, obd_groups& found) {
+    try {
+        for (unsigned group = 0; group <= last_group; group += group_size) {
+            if (group > 0 && !is_announced(found, group))
+                break;
+            const QString reply = myTrim(co_await ask_for_map(car, service, group));
+            if (reply == no_reply)
+                check_given_up(car, service, group);
+            if (has_no_data(reply)) {
+                car.show(fill(QStringLiteral("No data for [%@ %@] .. trying next"),
+                              {service, convertByte2HexStr(group)}));
+                break;
+            }
+            take_maps(car, service, group, reply, found);
+        }
+        if (is_the_car(service) && !found.isEmpty())
+            co_await make_sure_it_is_the_car(car, found);
+    } catch (const std::exception& failure) {
+        console_log(QStringLiteral("l_inner_process_pid_support: %1").arg(QString::fromUtf8(failure.what())));
+        throw left{};
+    }
+}
