@@ -39,8 +39,8 @@ main_window::main_window(program_core& its_core)
     connect(&tools, &tool_strip::chosen, this, &main_window::choose_screen);
     connect(&tools, &tool_strip::help_wanted, this, &main_window::toggle_help);
     connect(&tools, &tool_strip::updates_wanted, this, &main_window::open_updates);
-    connect(&status, &status_strip::choice_wanted, &delegate, &adapter_link::choose_bluetooth_device);
-    connect(&delegate, &adapter_link::condition_changed, this, &main_window::show_surroundings);
+    connect(&status, &status_strip::choice_wanted, &delegate.link, &adapter_link::choose_bluetooth_device);
+    connect(&delegate.link, &adapter_link::condition_changed, this, &main_window::show_surroundings);
     qApp->installEventFilter(this);
 }
 
@@ -103,7 +103,7 @@ void main_window::go_to(screen_kind kind) {
 }
 
 std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
-    const view_context context{core, delegate, *this, *this};
+    const view_context context{core, delegate, delegate.link, *this, *this};
     switch (kind) {
     case screen_kind::diagnostics: return std::make_unique<read_codes_view>(context);
     case screen_kind::preferences: return std::make_unique<prefs_view>(context);
@@ -191,7 +191,7 @@ void main_window::choose_device(const QString& why, device_chooser::answer answe
     help.hide();
     refuse_questions();
     const auto tell_choice = [this, answer = std::move(answer)](const QString& address, const QString& name) {
-        if (address.isEmpty() && !delegate.is_connected())
+        if (address.isEmpty() && !delegate.link.is_connected())
             status.set_status(QStringLiteral("Ready")); // what was starting does not start
         answer(address, name);
     };
@@ -215,7 +215,7 @@ void main_window::beep() {
 }
 
 void main_window::show_surroundings() {
-    status.set_link(report_link(delegate, core.state, toolies, is_demo()));
+    status.set_link(report_link(delegate.link, core.state, toolies, is_demo()));
     tools.set_vehicle_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
                            is_demo());
 }

@@ -34,11 +34,12 @@ constexpr std::array<help_of_screen, 5> help_panels{{
 } // namespace
 
 Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settings, database& store,
-                                   timers& time_source, screen& its_screen, transport_maker make)
-    : adapter_link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings),
-      db(store), clock(time_source), view(its_screen), toolies(process, settings, store) {
+                                   timers& time_source, screen& its_screen,
+                                   adapter_link::transport_maker make)
+    : link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings), db(store),
+      clock(time_source), view(its_screen), toolies(process, settings, store) {
     read_defaults();
-    connect(this, &adapter_link::device_taken, this, [this] {
+    QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
         defaults.set(QStringLiteral("BV_last_BT"), state.bt_address);
         defaults.set(QStringLiteral("Last_BT_device"), state.last_BT_Device);
         defaults.synchronise();
@@ -122,11 +123,11 @@ void Bv_lite_delegate::switch_to(screen_kind kind) {
         return;
     if (shown == screen_kind::preferences)
         area->savePrefs();
-    set_controller(nullptr); // the operation that runs is left before its controller goes
+    link.set_controller(nullptr); // the operation that runs is left before its controller goes
     area->open_screen(kind);
     shown = kind;
     setSelectedButton(kind);
-    set_controller(area->current_controller());
+    link.set_controller(area->current_controller());
 }
 
 void Bv_lite_delegate::setSelectedButton(screen_kind kind) {
@@ -170,9 +171,9 @@ void Bv_lite_delegate::applicationWillTerminate() {
 }
 
 void Bv_lite_delegate::wrap_leave() {
-    if (is_connected() || is_opening()) {
-        l_leave_cur_op_gracefully(QStringLiteral(""));
-        disconnect();
+    if (link.is_connected() || link.is_opening()) {
+        link.l_leave_cur_op_gracefully(QStringLiteral(""));
+        link.disconnect();
     }
 }
 

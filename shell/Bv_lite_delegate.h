@@ -6,15 +6,13 @@
 #include "shell/main_area.h"
 
 // The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and
-// switches between the screens. The link to the adapter is the part of it that adapter_link gives. Without a
-// main area (the terminal program) it only starts up. All that it is given outlives it.
-class Bv_lite_delegate : public adapter_link {
-    Q_OBJECT
-
+// switches between the screens. It owns the link to the adapter. Without a main area (the terminal program)
+// it only starts up. All that it is given outlives it.
+class Bv_lite_delegate {
 public:
     // Reads the defaults into the process state.
     Bv_lite_delegate(process_state& process, user_defaults& settings, database& store, timers& time_source,
-                     screen& its_screen, transport_maker make = make_transport);
+                     screen& its_screen, adapter_link::transport_maker make = make_transport);
 
     // Opens the database and shows the current vehicle; with a main area also the first screen.
     void applicationDidFinishLaunching(main_area* area);
@@ -42,6 +40,8 @@ public:
 
     // Shows the vehicle with the id in the process state.
     void show_current_vehicle();
+
+    adapter_link link;
 
 private:
     void read_defaults();

@@ -15,7 +15,7 @@ cli_run::cli_run(program_core& its_core, const cli_command& its_command)
     : core(its_core), command(its_command), view(core.options.yes),
       delegate(core.state, core.defaults, core.db, core.clock, view),
       toolies(core.state, core.defaults, core.db),
-      controller(core.state, delegate, toolies, view, core.diagnostics, core.paths) {}
+      controller(core.state, delegate.link, toolies, view, core.diagnostics, core.paths) {}
 
 cli_run::~cli_run() {
     delegate.applicationWillTerminate();
@@ -26,7 +26,7 @@ void cli_run::start() {
     signals_ = std::make_unique<stop_signals>([this] { controller.stop(); });
     core.choose_link();
     delegate.applicationDidFinishLaunching(nullptr);
-    delegate.set_controller(&controller);
+    delegate.link.set_controller(&controller);
     controller.operation_ended = [this](bool done) {
         ending = core.clock.one_shot(done ? 0 : last_words_ms, [this, done] { print_result(done); });
     };

@@ -53,7 +53,7 @@ expert_run::expert_run(program_core& its_core)
     : core(its_core), view(core.options.yes, [this] { print_new_lines(); }),
       delegate(core.state, core.defaults, core.db, core.clock, view),
       toolies(core.state, core.defaults, core.db),
-      controller(core.state, delegate, toolies, view, core.defaults, core.expert) {}
+      controller(core.state, delegate.link, toolies, view, core.defaults, core.expert) {}
 
 expert_run::~expert_run() {
     delegate.applicationWillTerminate();
@@ -84,7 +84,7 @@ void expert_run::start() {
     });
     core.choose_link();
     delegate.applicationDidFinishLaunching(nullptr);
-    delegate.set_controller(&controller);
+    delegate.link.set_controller(&controller);
     controller.load();
     controller.operation_ended = [this](bool done) {
         const bool ends = !done || waiting.isEmpty();

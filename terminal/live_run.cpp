@@ -61,10 +61,10 @@ void live_run::start() {
     });
     core.choose_link();
     delegate.applicationDidFinishLaunching(nullptr);
-    controller = std::make_unique<actions>(core.state, delegate, core.toolies, view, core.defaults,
+    controller = std::make_unique<actions>(core.state, delegate.link, core.toolies, view, core.defaults,
                                            core.clock, results, core.paths);
     controller->set_observer(this);
-    delegate.set_controller(controller.get());
+    delegate.link.set_controller(controller.get());
     if (words.rate)
         controller->set_sample_rate(*words.rate);
     if (!words.pids.isEmpty())

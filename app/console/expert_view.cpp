@@ -14,7 +14,7 @@ constexpr int text_page = 1;
 expert_view::expert_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::expertView>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
-      console(context.core.state, context.delegate, toolies, context.window, context.core.defaults,
+      console(context.core.state, context.link, toolies, context.window, context.core.defaults,
               context.core.expert) {
     ui.replyTxt->setMaximumBlockCount(transcript::most_lines);
     ui.replyTxt->setUndoRedoEnabled(false);
@@ -24,7 +24,7 @@ expert_view::expert_view(const view_context& its_context)
     connect(ui.send, &QPushButton::clicked, this, &expert_view::clickSend);
     connect(ui.stop, &QPushButton::clicked, this, &expert_view::stop);
     connect(ui.script, &QPushButton::clicked, this, &expert_view::clickScript);
-    connect(&context.delegate, &adapter_link::condition_changed, this, &expert_view::show_operation);
+    connect(&context.link, &adapter_link::condition_changed, this, &expert_view::show_operation);
     connect(ui.clear, &QPushButton::clicked, this, [this] { console.clickClear(); });
     add_share_menu(*ui.share, context.frame,
                    {QStringLiteral("transcript"), QStringLiteral("transcript"),
@@ -52,7 +52,7 @@ void expert_view::clickScript() {
 }
 
 void expert_view::stop() {
-    if (console.is_running() || context.delegate.is_reconnecting())
+    if (console.is_running() || context.link.is_reconnecting())
         console.stop();
 }
 
@@ -108,7 +108,7 @@ void expert_view::show_operation() {
     const bool runs = console.is_running();
     const bool had_focus = runs ? ui.send->hasFocus() || ui.script->hasFocus() : ui.stop->hasFocus();
     ui.send->setVisible(!runs);
-    ui.stop->setVisible(runs || context.delegate.is_reconnecting());
+    ui.stop->setVisible(runs || context.link.is_reconnecting());
     ui.script->setEnabled(!runs);
     if (had_focus)
         (runs ? static_cast<QWidget&>(*ui.stop) : *ui.command).setFocus();

@@ -60,7 +60,7 @@ void keep_room(QWidget& widget, bool also_hidden) {
 actions_view::actions_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::actions_view>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db), results(context.core.live),
-      run_controller(context.core.state, context.delegate, toolies, context.window, context.core.defaults,
+      run_controller(context.core.state, context.link, toolies, context.window, context.core.defaults,
                      context.core.clock, results, context.core.paths),
       pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller, toolies),
       saver(*this, context, QStringLiteral("live_data"), [this] { return ui.chart_stack->currentWidget(); }),

@@ -24,7 +24,7 @@ run_head::run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view
                    actions& its_controller, mac_toolies& toolies)
     : view(its_view), ui(its_ui), context(its_context), controller(its_controller),
       results(its_controller.results),
-      settings(context.core.defaults, context.core.state, context.delegate, toolies) {
+      settings(context.core.defaults, context.core.state, context.link, toolies) {
     ui.mode->addItems(actions::mode_names());
     ui.mode->setCurrentIndex(controller.selected_index());
     second.setInterval(tick_ms);

@@ -9,15 +9,14 @@ constexpr int mark_size = 20;
 prefs_connection_trial::prefs_connection_trial(const Ui::prefs& its_ui, const view_context& its_context,
                                                mac_toolies& its_toolies)
     : ui(its_ui), context(its_context), toolies(its_toolies),
-      controller_(context.core.state, context.delegate, toolies, *this, context.core.diagnostics,
+      controller_(context.core.state, context.link, toolies, *this, context.core.diagnostics,
                   context.core.paths) {
     for (QLabel* label : {ui.test_title, ui.test_text})
         label->setTextFormat(Qt::PlainText); // texts of the adapter and the car
     ui.test_stop->hide();
     ui.test_result->hide();
     connect(ui.test_stop, &QPushButton::clicked, this, &prefs_connection_trial::stop);
-    connect(&context.delegate, &adapter_link::condition_changed, this,
-            &prefs_connection_trial::note_progress);
+    connect(&context.link, &adapter_link::condition_changed, this, &prefs_connection_trial::note_progress);
     controller_.operation_ended = [this](bool done) { ended(done); };
 }
 
@@ -62,7 +61,7 @@ void prefs_connection_trial::look_changed() {
 }
 
 void prefs_connection_trial::note_progress() {
-    if (!context.delegate.is_connected())
+    if (!context.link.is_connected())
         return;
     far = std::max(far, context.core.state.adapter_known ? reached::adapter : reached::link);
 }
@@ -76,7 +75,7 @@ void prefs_connection_trial::ended(bool done) {
     is_good = far == reached::car;
     if (is_good)
         show_result(QStringLiteral("Adapter and car answer"),
-                    report_link(context.delegate, state, toolies, false).details);
+                    report_link(context.link, state, toolies, false).details);
     else if (was_stopped)
         show_result(QStringLiteral("Stopped"), QStringLiteral("The test did not reach its end."));
     else

@@ -31,7 +31,7 @@ void show_problem(QLabel& beside, QLabel& help, const QString& problem) {
 prefs_view::prefs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::prefs>(*this)),
       toolies(context.core.state, context.core.defaults, context.core.db),
-      settings(context.core.defaults, context.core.state, context.delegate, toolies),
+      settings(context.core.defaults, context.core.state, context.link, toolies),
       connection(ui, context, toolies), pids(*new pid_chooser(context, ui.pids)),
       vehicles(*this, ui, context, toolies) {
     ui.pids_column->addWidget(&pids);
@@ -60,9 +60,8 @@ void prefs_view::connect_fields() {
 
 void prefs_view::connect_tabs() {
     ui.device_name->setTextFormat(Qt::PlainText);
-    connect(ui.device_change, &QPushButton::clicked, &context.delegate,
-            &adapter_link::choose_bluetooth_device);
-    connect(&context.delegate, &adapter_link::condition_changed, this, &prefs_view::show_device);
+    connect(ui.device_change, &QPushButton::clicked, &context.link, &adapter_link::choose_bluetooth_device);
+    connect(&context.link, &adapter_link::condition_changed, this, &prefs_view::show_device);
     connect(ui.test_start, &QPushButton::clicked, this, &prefs_view::test_connection);
     // The first answer of a vehicle lists what it reports.
     connect(&connection, &prefs_connection_trial::finished, this, [this] {

@@ -12,8 +12,8 @@ bool operation_head::runs_here() const {
 }
 
 QString operation_head::waiting_words() const {
-    return context.delegate.is_connected() ? QStringLiteral("The car is being asked ...")
-                                           : QStringLiteral("The link is being opened ...");
+    return context.link.is_connected() ? QStringLiteral("The car is being asked ...")
+                                       : QStringLiteral("The link is being opened ...");
 }
 
 QString operation_head::what_runs() const {

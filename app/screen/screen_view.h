@@ -32,6 +32,7 @@ public:
 struct view_context {
     program_core& core;
     Bv_lite_delegate& delegate;
+    adapter_link& link;
     screen& window;
     window_frame& frame;
 };

@@ -127,7 +127,7 @@ TEST_F(start_up, the_bluetooth_device_used_last) {
     }
     again.state.bt_address = "00:1D:A5:68:98:8C";
     again.state.last_BT_Device = "Another";
-    Q_EMIT again.delegate->device_taken();
+    Q_EMIT again.delegate->link.device_taken();
     program next(profile);
     next.start();
     EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, "00:1D:A5:68:98:8C Another");
@@ -201,7 +201,7 @@ TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
     again.start();
     mac_toolies toolies(again.state, again.defaults, again.db);
     diagnostic_results results;
-    readCodes diagnostics(again.state, *again.delegate, toolies, again.view, results, profile.paths);
+    readCodes diagnostics(again.state, again.delegate->link, toolies, again.view, results, profile.paths);
     again.area.controller = &diagnostics;
     again.delegate->do_read_codes();
     diagnostics.l_readCodes();
@@ -211,12 +211,12 @@ TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
     again.area.on_open = [&] { EXPECT_FALSE(diagnostics.is_running()); }; // left before its controller goes
     again.delegate->do_logs();
     EXPECT_FALSE(diagnostics.is_running() || again.view.is_busy);
-    EXPECT_TRUE(again.delegate->is_connected()); // the link stays
+    EXPECT_TRUE(again.delegate->link.is_connected()); // the link stays
     again.clock.advance(60000);
     EXPECT_EQ(again.written.size(), 1);
-    EXPECT_EQ(again.delegate->mainViewController(), nullptr);
+    EXPECT_EQ(again.delegate->link.mainViewController(), nullptr);
     again.delegate->applicationWillTerminate();
-    EXPECT_FALSE(again.delegate->is_connected());
+    EXPECT_FALSE(again.delegate->link.is_connected());
 }
 
 TEST_F(start_up, focus_comes_back_after_a_moment) {
