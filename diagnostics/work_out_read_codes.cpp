@@ -51,7 +51,7 @@ void note_the_read(diagnostic_talk& car) {
     car.results.cur_err_msg = fill(QStringLiteral("Read on: %@"), {now});
     const qsizetype bar = car.state.protocol_description.indexOf(QLatin1Char('|'));
     if (bar >= 0)
-        car.state.protocol_description = car.state.protocol_description.sliced(bar + 1);
+        car.link.describe_protocol(car.state.protocol_description.sliced(bar + 1));
 
     car.results.xtraInfoArray = {
         car.results.cur_err_msg,

@@ -228,15 +228,23 @@ void adapter_link::send(const sent_command& command) {
 
 void adapter_link::transmit(const QByteArray& command) {
     if (traffic.current_command().why == sent_command::purpose::typed) {
-        // It may have changed anything: the next operation starts from a reset.
-        state.adapter_ready = false;
-        state.adapter_known = false;
-        far_end_changed();
+        set_up_next_time(true); // it may have changed anything
     }
     if (command.startsWith("AT Z"))
         reset_under_way = clock.one_shot(reset_ms, [this] { reset_under_way.reset(); });
     if (link)
         link->write(command);
+}
+
+void adapter_link::adapter_is_set_up() {
+    state.adapter_ready = true;
+    Q_EMIT condition_changed();
+}
+
+void adapter_link::set_up_next_time(bool from_a_reset) {
+    state.adapter_ready = false;
+    state.adapter_known = state.adapter_known && !from_a_reset;
+    Q_EMIT condition_changed();
 }
 
 void adapter_link::reply_arrived(const QString& reply) {

@@ -68,8 +68,14 @@ public:
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command().text; }
     const QString& last_raw_reply() const { return traffic.last_raw_reply(); }
-    // The adapter was initialised, or has to be anew: tells those who show what stands at the far end.
-    void far_end_changed() { Q_EMIT condition_changed(); }
+    // What is known of the adapter, which the link alone writes. The initialisation tells what it finds out:
+    void adapter_answered() { state.adapter_known = true; } // to a reset
+    void protocol_told(int number) { state.cur_protocol = number; }
+    void describe_interface(const QString& text) { state.interface_description = text; }
+    void describe_protocol(const QString& text) { state.protocol_description = text; }
+    void adapter_is_set_up();
+    // The next operation initialises it anew, `from_a_reset`: beginning with one.
+    void set_up_next_time(bool from_a_reset);
     timers& time_source() const { return clock; }
     // False for an adapter whose link fell at "AT Z" before.
     bool may_be_reset() const { return quirks.may_be_reset(); }

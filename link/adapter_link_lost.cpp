@@ -35,10 +35,8 @@ void adapter_link::left_by_loss(const link_lost& loss) {
 // Its supply dipped, as when the engine is started: echo is on again and headers are off.
 void adapter_link::adapter_started_anew() {
     console_log(QStringLiteral("The adapter has started anew"));
-    state.adapter_ready = false;
-    state.adapter_known = false;
     state.headers_shown = false;
-    far_end_changed();
+    set_up_next_time(true);
 }
 
 // Some adapters reset their link together with themselves: they are set up without a reset from then on.

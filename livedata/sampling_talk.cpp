@@ -146,8 +146,7 @@ QString sampling_talk::data_of_reply(const QString& reply, int index) {
     if (std::exchange(is_first_reply, false))
         view.show_busy(false);
     if (reply.isEmpty()) {
-        state.adapter_ready = false; // the next run initialises it again
-        link.far_end_changed();
+        link.set_up_next_time(false);
         throw left{QStringLiteral("Timed out** .. Try again")};
     }
     const sample_row& its_row = results.these_samples.at(index);

@@ -71,11 +71,8 @@ bool car_talk::close(const QString& status) {
     view.show_busy(false);
     view.show_toast(QStringLiteral(""));
     let_go();
-    if (std::exchange(slowed, false)) {
-        state.adapter_ready = false;
-        state.adapter_known = false;
-        link.far_end_changed();
-    }
+    if (std::exchange(slowed, false))
+        link.set_up_next_time(true);
     if (!std::exchange(running, false))
         return false;
     view.reload(QStringLiteral("operation"));

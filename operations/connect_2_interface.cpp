@@ -35,12 +35,12 @@ int protocol_number(const QString& reply) {
 void keep_interface(car_talk& car, const QString& reply) {
     car.show(fill(QStringLiteral("Interface : %@"), {reply}));
     if (reply != no_reply && !reply.contains(ok))
-        car.state.interface_description = reply.left(80);
+        car.link.describe_interface(reply.left(80));
     car.view.reload(QStringLiteral("labels"));
 }
 
 void keep_protocol(car_talk& car, const QString& description) {
-    car.state.protocol_description = description;
+    car.link.describe_protocol(description);
     car.view.reload(QStringLiteral("labels"));
 }
 
@@ -69,7 +69,7 @@ talk make_protocol_automatic(car_talk& car) {
 
 // The first request makes the adapter look for the car's protocol, which it tells afterwards.
 talk find_the_car(car_talk& car) {
-    car.state.cur_protocol = protocol_number(co_await say(car, "AT DPN", automatic));
+    car.link.protocol_told(protocol_number(co_await say(car, "AT DPN", automatic)));
     sent_command first = command_of(QStringLiteral("01 00|12.0"), QStringLiteral("4100"), false);
     first.why = sent_command::purpose::sets_up;
     const QString reply = co_await car.send(first);
@@ -84,7 +84,7 @@ talk find_the_car(car_talk& car) {
         car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
     }
     const QString number = co_await say(car, "AT DPN", automatic);
-    car.state.cur_protocol = protocol_number(number);
+    car.link.protocol_told(protocol_number(number));
     if (car.state.cur_protocol == -1)
         give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
     const QString name =
@@ -94,10 +94,11 @@ talk find_the_car(car_talk& car) {
 }
 
 talk set_up(car_talk& car) {
-    car.state.cur_protocol = -1;
+    car.link.protocol_told(-1);
     const bool is_reset = !car.state.adapter_known && car.link.may_be_reset();
     const QString greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
-    car.state.adapter_known |= greeting != no_reply;
+    if (greeting != no_reply)
+        car.link.adapter_answered();
     co_await say(car, "AT E0", ok);
     car.show("Got a ECHO off from ELM chip");
     keep_interface(car, co_await say(car, "AT I", QStringLiteral("ELM")));
@@ -112,8 +113,7 @@ talk set_up(car_talk& car) {
     if (!car.state.available_pids.isEmpty() && !car.toolies.save_pids_available(car.state.available_pids))
         console_log(QStringLiteral(
             "reacCods>m::connect_2_interface >> Did not save avail pids to VEHICLES.XTRA_INFO"));
-    car.state.adapter_ready = true;
-    car.link.far_end_changed();
+    car.link.adapter_is_set_up();
 }
 
 } // namespace

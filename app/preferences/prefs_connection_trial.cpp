@@ -36,8 +36,7 @@ void prefs_connection_trial::start() {
     show_running(
         QStringLiteral("Asking the adapter and the car who they are. Older cars may need half a minute."));
     // Also on a link that is open already the adapter and the car are to answer now.
-    state.adapter_ready = false;
-    state.adapter_known = false;
+    context.link.set_up_next_time(true);
     known_before = std::exchange(state.available_pids, {});
     note_progress();
     controller_.read_link_info();
