@@ -67,7 +67,6 @@ public:
     void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command().text; }
-    const QString& last_raw_reply() const { return traffic.last_raw_reply(); }
     // The adapter was initialised, or has to be anew: tells those who show what stands at the far end.
     void far_end_changed() { Q_EMIT condition_changed(); }
     timers& time_source() const { return clock; }
@@ -94,7 +93,7 @@ private:
     void transmit(const QByteArray& command) override;
     void show_status(const QString& status) override { l_set_status_msg(status); }
     void reply_refused() override { l_leave_cur_op_gracefully(QStringLiteral("")); }
-    void reply_arrived(const QString& reply) override;
+    void reply_arrived(const reply& what_came) override;
     void command_unanswered() override;
     void adapter_started_anew() override;
 
