@@ -26,7 +26,6 @@ enum interface_code : int { interface_bluetooth = 5, interface_wifi = 6, interfa
 // The process-wide values. Made once in main and handed on by reference; each test makes its own.
 // Touched on the main thread only.
 struct process_state {
-    obd_messages obd_msgs; // the messages of the last reply, by ECU
 
     // The link and what stands at its far end
     int interface_kind = interface_bluetooth;

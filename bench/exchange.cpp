@@ -34,12 +34,10 @@ public:
     const QString& last_value() const { return value; }
 
     void work_current_task(const QString&) override { give_up(QStringLiteral("a command timed out")); }
-    void handleOBDRcvdMsg(const QString& reply) override {
-        const obd_groups ecus = toolies.pullObdMsgsGrouped(state.obd_msgs);
-        if (ecus.isEmpty())
-            give_up(QStringLiteral("no value in \"%1\"").arg(reply));
-        const obd_group& engine = ecus.at(toolies.findEngineEcuIdx(ecus));
-        value = toolies.translateResponse(toolies.data_of_single_message(engine.pidSet.first()));
+    void handleOBDRcvdMsg(const reply& what_came) override {
+        if (!what_came.engine())
+            give_up(QStringLiteral("no value in \"%1\"").arg(what_came.text()));
+        value = toolies.translateResponse(what_came.engine()->value_of_first_line());
         if (counter.next())
             send();
     }

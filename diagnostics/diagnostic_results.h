@@ -1,27 +1,20 @@
 #pragma once
 
-#include "base/shared_types.h"
 #include "obd/readiness.h"
+#include "obd/reply.h"
 
 #include <QMap>
 
 // The lists whose replies are kept, to be read a second time: see second_reading.
 enum class result_list { codes, pending, freeze, vehicle, mode6, misfire, o2, permanent, status };
 
-struct reply_form {
-    int protocol = -1;
-    bool headers_shown = false;
-};
 // A reply as it came, and the rows that the program made from it. It is kept before they are told.
 struct kept_reply {
     QString request; // "03", "0902", "010C", "020C00"
-    QString reply;
-    reply_form form;
+    reply what_came;
     QString ecu;        // the header of the ECU whose answer the rows hold, "" for all of them
     qsizetype row = 0;  // the first of the rows in its list
     qsizetype rows = 0; // how many
-
-    raw_reply raw() const { return {reply, form.protocol, form.headers_shown}; }
 };
 
 // What the diagnostic operations have read, kept until each operation's next run, also while another screen

@@ -16,13 +16,9 @@ void diagnostic_talk::progress(qsizetype done, qsizetype total) {
     view.reload(QStringLiteral("progress"));
 }
 
-QString diagnostic_talk::reply_to_keep(const QString& reply) const {
-    return reply == no_reply && !link.last_raw_reply().isEmpty() ? link.last_raw_reply() : reply;
-}
-
-void diagnostic_talk::keep(result_list list, const QString& request, const QString& reply, qsizetype row,
+void diagnostic_talk::keep(result_list list, const QString& request, const reply& what_came, qsizetype row,
                            qsizetype rows, const QString& ecu) {
-    results.kept[list] += {request, reply_to_keep(reply), form(), ecu, row, rows};
+    results.kept[list] += {request, what_came, ecu, row, rows};
 }
 
 void diagnostic_talk::load_the_codes() {

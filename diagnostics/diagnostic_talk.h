@@ -16,13 +16,9 @@ public:
                     screen& its_view, diagnostic_results& its_results, const app_paths& its_paths);
 
     void progress(qsizetype done, qsizetype total);
-    // How the adapter shows its replies now.
-    reply_form form() const { return {state.cur_protocol, state.headers_shown}; }
-    // The reply as it came. One that was given up on, because its first ECU refuses, may hold another's
-    // answer.
-    QString reply_to_keep(const QString& reply) const;
-    // Keeps the reply beside the rows that were made from it.
-    void keep(result_list list, const QString& request, const QString& reply, qsizetype row = 0,
+    // Keeps the reply beside the rows that were made from it. One that was given up on, because its first ECU
+    // refuses, may hold another's answer.
+    void keep(result_list list, const QString& request, const reply& what_came, qsizetype row = 0,
               qsizetype rows = 0, const QString& ecu = {});
 
     void load_the_codes();

@@ -4,9 +4,7 @@
 #include "base/string_table.h"
 #include "obd/mode6_scaling.h"
 #include "obd/number_text.h"
-#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
-#include "obd/whole_answer.h"
 
 #include <algorithm>
 
@@ -39,15 +37,13 @@ can_test read_record(const QString& digits) {
     return record;
 }
 
-mode6_rows can_rows(const QStringList& bodies, int index, int protocol, const text_resources& lists) {
+mode6_rows can_rows(const ecu_said& ecu, int index, const text_resources& lists) {
     mode6_rows result;
-    const QString data = l_pullOBDFromSingleGroupedMsg(bodies, protocol);
-    if (!data.startsWith(answer_byte))
+    if (!ecu.data.startsWith(answer_byte))
         return result; // refused
-    const bool is_whole_frame = bodies.size() == 1 || !bodies.first().startsWith(u'1');
-    const qsizetype end = is_whole_frame ? data.size() : std::min(data.size(), digits_received(bodies));
+    const qsizetype end = std::min(ecu.data.size(), ecu.digits_received());
     for (qsizetype at = 2; at + record_digits <= end; at += record_digits) {
-        const QString digits = data.sliced(at, record_digits);
+        const QString digits = ecu.data.sliced(at, record_digits);
         if (!is_hex_text(digits)) {
             console_log(QStringLiteral("handle a testId::wacked:%1").arg(digits));
             continue;
@@ -91,11 +87,8 @@ mode6_rows legacy_rows(QStringList bodies, int index) {
 
 } // namespace
 
-mode6_rows handle_a_mode6_TestID(const QStringList& bodies, int groupIdx, int protocol,
-                                 const text_resources& lists) {
-    if (bodies.isEmpty())
-        return {};
-    return protocol >= 6 ? can_rows(bodies, groupIdx, protocol, lists) : legacy_rows(bodies, groupIdx);
+mode6_rows handle_a_mode6_TestID(const ecu_said& ecu, int groupIdx, const text_resources& lists) {
+    return is_can(ecu.protocol) ? can_rows(ecu, groupIdx, lists) : legacy_rows(ecu.bodies, groupIdx);
 }
 
 QString can_test_row(const can_test& test, int index, const text_resources& lists) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/shared_types.h"
+#include "obd/reply.h"
 
 class text_resources;
 
@@ -12,12 +12,11 @@ struct mode6_rows {
     QStringList raw; // a compact copy of each CAN record
 };
 
-// `bodies`: the message bodies of one ECU. `groupIdx`: the index of the test asked for, which leads each row.
+// `groupIdx`: the index of the test asked for, which leads each row.
 // CAN: records of nine bytes, each OBDMID, TID, UASID, value, minimum, maximum; a record that is cut, or lies
 // behind a lost frame, is left out. Older protocols: a message a test, TID, component, value and one limit; a
 // short message is filled up with "0".
-mode6_rows handle_a_mode6_TestID(const QStringList& bodies, int groupIdx, int protocol,
-                                 const text_resources& lists);
+mode6_rows handle_a_mode6_TestID(const ecu_said& ecu, int groupIdx, const text_resources& lists);
 
 // A test as a row of its own; the texts are those that are shown, the identifiers hex digits.
 struct can_test {

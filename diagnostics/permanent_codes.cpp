@@ -11,7 +11,7 @@ namespace {
 void read_codes(const kept_reply& kept, permanent_codes& result) {
     QStringList faults;
     bool somebody_answered = false;
-    for (const ecu_codes& ecu : read_trouble_codes(0x0A, kept.raw())) {
+    for (const ecu_codes& ecu : read_trouble_codes(0x0A, kept.what_came.raw())) {
         somebody_answered |= ecu.fault.isEmpty();
         if (!ecu.fault.isEmpty())
             faults += ecu.ecu.isEmpty() ? ecu.fault : ecu.ecu + QStringLiteral(": ") + ecu.fault;

@@ -57,7 +57,8 @@ auto* answer_of(const answers& all, const kept_reply& kept, const mac_toolies& t
     };
     if (!kept.ecu.isEmpty())
         return pick([&](const auto& one) {
-            return ecu_identity(one.ecu, kept.form.protocol) == ecu_identity(kept.ecu, kept.form.protocol);
+            return ecu_identity(one.ecu, kept.what_came.protocol()) ==
+                   ecu_identity(kept.ecu, kept.what_came.protocol());
         });
     auto* chosen = pick([&](const auto& one) { return is_good(one) && toolies.isThisEngineHeader(one.ecu); });
     if (!chosen)
@@ -70,7 +71,7 @@ std::optional<pid_value> value_in(const kept_reply& kept, int service, const mac
     constexpr int freeze_frame = 2;
     const int pid = kept.request.mid(2, 2).toInt(nullptr, 16);
     const qsizetype data_at = service == freeze_frame ? 3 : 2; // behind the frame's number
-    const auto answers = answers_to(service, kept.raw());
+    const auto answers = answers_to(service, kept.what_came.raw());
     const auto is_it = [&](const QByteArray& data) {
         return data.size() >= 2 && static_cast<unsigned char>(data.at(1)) == pid;
     };
@@ -158,7 +159,7 @@ void second_reading::read(const kept_reply& kept) {
 
 void second_reading::read_codes(const kept_reply& kept) {
     const int service = kept.request.toInt(nullptr, 16);
-    const QList<ecu_codes> answers = read_trouble_codes(service, kept.raw());
+    const QList<ecu_codes> answers = read_trouble_codes(service, kept.what_came.raw());
     QStringList rows;
     for (const ecu_codes& ecu : answers) {
         for (const QString& code : ecu.codes)
@@ -166,7 +167,7 @@ void second_reading::read_codes(const kept_reply& kept) {
         if (!ecu.fault.isEmpty())
             told += named(ecu.ecu, ecu.fault);
     }
-    const int protocol = kept.form.protocol;
+    const int protocol = kept.what_came.protocol();
     codes_differ = !answers.isEmpty() && comparable(rows, protocol) != comparable(own, protocol);
     if (answers.isEmpty() || (!codes_differ && told.isEmpty()))
         return keep_own(kept);
@@ -178,7 +179,7 @@ void second_reading::read_codes(const kept_reply& kept) {
 }
 
 void second_reading::read_vin(const kept_reply& kept) {
-    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, kept.raw());
+    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, kept.what_came.raw());
     const ecu_info* info =
         answer_of(answers, kept, toolies, [](const ecu_info& one) { return !one.items.isEmpty(); });
     const QString own_vin = own.at(kept.row).section(u':', 1).trimmed();

@@ -17,7 +17,7 @@ template <class function>
 void for_each_status(const kept_reply& kept, int pid, function take) {
     constexpr int current_data = 0x01;
     constexpr qsizetype data_at = 2; // behind service and PID
-    for (const ecu_answer& answer : answers_to(current_data, kept.raw()))
+    for (const ecu_answer& answer : answers_to(current_data, kept.what_came.raw()))
         for (const QByteArray& data : answer.messages)
             if (data.size() > data_at && data.at(1) == static_cast<char>(pid))
                 take(answer.ecu, read_monitor_status(data.mid(data_at)));

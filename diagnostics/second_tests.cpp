@@ -77,8 +77,8 @@ bool is_same_test(const mode6_row& own, const ecu_test& test) {
 
 second_tests read_tests_again(const kept_reply& kept, const QStringList& own, int index,
                               const text_resources& lists) {
-    ecu_tests read = read_tests(kept.raw());
-    const int protocol = kept.form.protocol;
+    ecu_tests read = read_tests(kept.what_came.raw());
+    const int protocol = kept.what_came.protocol();
     read.tests.removeIf([&](const ecu_test& test) {
         return !kept.ecu.isEmpty() && ecu_identity(test.ecu, protocol) != ecu_identity(kept.ecu, protocol);
     });

@@ -1,7 +1,5 @@
 #include "base/string_table.h"
 #include "diagnostics/diagnostic_talk.h"
-#include "obd/obd_messages.h"
-#include "obd/reply_text.h"
 
 #include <algorithm>
 
@@ -24,13 +22,13 @@ void forget_what_was_read(diagnostic_talk& car) {
 }
 
 // One ECU that refuses keeps its codes, whatever the others say.
-bool is_positive(diagnostic_talk& car, const QString& reply) {
+bool is_positive(const reply& cleared) {
     QStringList answers;
-    if (!car.state.headers_shown)
-        answers = reply_lines(reply);
+    if (!cleared.headers_shown())
+        answers = cleared.lines();
     else
-        for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply)))
-            answers += car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet);
+        for (const ecu_said& ecu : cleared.ecus())
+            answers += ecu.data;
     const QString positive = positive_reply_of(QStringLiteral("04"));
     return !answers.isEmpty() && std::all_of(answers.begin(), answers.end(), [&](const QString& answer) {
         return answer.startsWith(positive);
@@ -44,16 +42,16 @@ talk work_out_clear_codes(diagnostic_talk& car) {
     co_await car.ready("Starting Clear codes");
     sent_command clear = command_of(QStringLiteral("04\r"), QStringLiteral("44|7F|?"), false);
     clear.why = sent_command::purpose::on_its_own; // sent once: any real answer ends it
-    const QString reply = co_await car.send(clear);
+    const reply answer = co_await car.send(clear);
     forget_what_was_read(car);
     const QString cleared = QStringLiteral("Codes cleared sucessfully!!");
     car.show(cleared);
-    if (is_positive(car, reply))
+    if (is_positive(answer))
         co_return car.part_with(QString(), cleared);
     car.part_with(fill(QStringLiteral("The car did not confirm the clearing (its answer: %@). Switch the "
                                       "ignition on with the engine off, then read the codes again to see "
                                       "whether they are gone."),
-                       {QString(reply).replace(u'\r', QStringLiteral(", "))}),
+                       {QString(answer.text()).replace(u'\r', QStringLiteral(", "))}),
                   cleared);
     throw left{};
 }

@@ -1,11 +1,8 @@
 #include "diagnostics/diagnostic_talk.h"
 
 #include "base/string_table.h"
-#include "obd/ecu_names.h"
-#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 #include "obd/trouble_codes.h"
-#include "obd/whole_answer.h"
 
 #include <algorithm>
 
@@ -18,11 +15,11 @@ constexpr const char* pending_not_received = "Failed to receive the Pending erro
 
 // The decoder of pending codes reads replies without headers: each ECU's answer is handed to it on its own.
 // An answer that lacks frames is left out: the rest of it would read as codes that nobody sent.
-bool list_pending(diagnostic_talk& car, const QString& reply) {
+bool list_pending(diagnostic_talk& car, const reply& pending) {
     car.load_the_codes();
     car.append_to_log(
         fill(QStringLiteral("------Pending Codes read:%@------------- \n"), {car.todays_date()}));
-    if (has_no_data(reply))
+    if (pending.holds_nothing())
         return true;
     const auto list = [&](const QString& text, const QString& header) {
         for (const QString& code : car.toolies.work_reply_to_error_codes_pid(QStringLiteral("07"), text)) {
@@ -33,60 +30,38 @@ bool list_pending(diagnostic_talk& car, const QString& reply) {
             car.results.pendingArray += fill(QStringLiteral("%@|%@"), {code, header});
         }
     };
-    if (!car.state.headers_shown) {
-        if (reply.contains(u':') && whole_data_without_headers(reply, QStringLiteral("47")).isEmpty())
+    if (!pending.headers_shown()) {
+        const bool is_long = pending.text().contains(u':');
+        if (is_long && pending.data_without_headers(QStringLiteral("47")).isEmpty())
             return false;
-        list(reply, QString());
+        list(pending.text(), QString());
         return true;
     }
-    const bool framed = is_can(car.state.cur_protocol);
     bool all_whole = true;
-    for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply))) {
-        if (framed && !is_whole_can_answer(ecu.pidSet)) {
+    for (const ecu_said& ecu : pending.ecus()) {
+        if (is_can(ecu.protocol) && !ecu.is_whole()) {
             all_whole = false;
             continue;
         }
         QStringList lines;
-        for (const QString& body : ecu.pidSet)
-            lines += car.toolies.data_of_single_message(body);
-        list(framed ? car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet) : lines.join(u'\r'), ecu.header);
+        for (const QString& body : ecu.bodies)
+            lines += data_of_single_message(body, ecu.protocol);
+        list(is_can(ecu.protocol) ? ecu.data : lines.join(u'\r'), ecu.header);
     }
     return all_whole;
 }
 
-// The data of the engine ECU in a reply, with or without headers.
-QString engine_data(diagnostic_talk& car, const QString& reply) {
-    if (!car.state.headers_shown)
-        return whole_data_without_headers(reply, QStringLiteral("42"));
-    const obd_groups ecus = car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply));
-    if (ecus.isEmpty())
-        return {};
-    return car.toolies.data_of_answer(ecus[car.toolies.findEngineEcuIdx(ecus)].pidSet);
+// The engine's answer, with or without headers.
+QString engine_value(const reply& answer) {
+    return answer.value_of(answer.engine(), QStringLiteral("42"));
 }
 
-QString freezing_code(diagnostic_talk& car, const QString& reply) {
-    const QString data = has_no_data(reply) ? QString() : engine_data(car, reply);
+QString freezing_code(const reply& frame) {
+    const QString data = frame.holds_nothing() ? QString() : engine_value(frame);
     const QString code = data.mid(frame_map_at, 4);
     const bool is_code =
         data.startsWith(QLatin1String("4202")) && code.size() == 4 && code != QLatin1String("0000");
     return is_code ? pull_DTC_code(code) : QString();
-}
-
-void take_maps(diagnostic_talk& car, obd_groups& parameters, const QString& reply, unsigned group) {
-    const auto take = [&](const QString& header, const QString& data) {
-        if (!data.startsWith(QStringLiteral("42") + convertByte2HexStr(group)))
-            return;
-        auto known = std::find_if(parameters.begin(), parameters.end(), [&](const obd_group& entry) {
-            return same_ecu(entry.header, header, car.state.cur_protocol);
-        });
-        if (known == parameters.end())
-            known = parameters.insert(parameters.end(), {header, {}});
-        known->pidSet += pids_of_bitmap(data.mid(frame_map_at, 8), group);
-    };
-    if (!car.state.headers_shown)
-        return take(QString(), reply);
-    for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply)))
-        take(ecu.header, car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet));
 }
 
 QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters) {
@@ -100,16 +75,15 @@ QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters) {
 }
 
 // A frame's value reads like a live one once its frame number is taken out.
-void add_freeze_item(diagnostic_talk& car, const QString& reply, const QString& pid) {
+void add_freeze_item(diagnostic_talk& car, const reply& answer, const QString& pid) {
     const QString this_label = car.toolies.get_pid_name_with_pid(pid);
-    const bool no_data = reply != no_reply && has_no_data(reply);
-    const QString data = no_data || reply == no_reply ? QString() : engine_data(car, reply);
+    const QString data = answer.holds_nothing() ? QString() : engine_value(answer);
     QString value = no_reply;
     if (data.startsWith(QLatin1String("42")) && data.size() >= frame_map_at) {
         QString live = data.first(4) + data.sliced(frame_map_at);
         value = car.toolies.translateResponse(live.replace(QLatin1String("\r\r"), QLatin1String("\r")));
     }
-    if (no_data)
+    if (answer.holds_nothing() && !answer.is_none())
         car.results.freezeArray += fill(QStringLiteral("%@: N/A"), {this_label});
     else if (value == no_reply)
         car.results.freezeArray += fill(QStringLiteral("%@ : N/A"), {this_label});
@@ -135,26 +109,26 @@ void told(diagnostic_talk& car, bool car_answered) {
 // Headers are on or off at first, as the operation before left them.
 talk work_out_pending_freeze(diagnostic_talk& car) {
     co_await car.ready("Starting Read Pending/Freeze");
-    QString status = co_await car.ask_as_shown("01 01|12.0");
-    if (status.contains(QLatin1String("NODATA"))) {
+    reply status = co_await car.ask_as_shown("01 01|12.0");
+    if (status.no_data()) {
         co_await car.wait_longer();
         status = co_await car.ask_as_shown("01 01|12.0");
     }
-    car.show(fill(QStringLiteral("Got proper reply: (%@)"), {status}));
-    bool car_answered = !has_no_data(status);
+    car.show(fill(QStringLiteral("Got proper reply: (%@)"), {status.text()}));
+    bool car_answered = !status.holds_nothing();
 
-    const QString codes = co_await car.ask_as_shown("07");
-    car.results.pending_received = codes != no_reply && list_pending(car, codes);
-    car_answered |= !has_no_data(codes);
+    const reply codes = co_await car.ask_as_shown("07");
+    car.results.pending_received = !codes.is_none() && list_pending(car, codes);
+    car_answered |= !codes.holds_nothing();
     car.show(car.results.pending_received ? "Codes read!. Scroll for full description"
                                           : pending_not_received);
     car.keep(result_list::pending, QStringLiteral("07"), codes, 0, car.results.pendingArray.size());
     car.view.reload(QStringLiteral("pending"));
 
-    const QString frame = co_await car.ask_as_shown("02 02 00");
-    car_answered |= !has_no_data(frame);
+    const reply frame = co_await car.ask_as_shown("02 02 00");
+    car_answered |= !frame.holds_nothing();
     car.keep(result_list::freeze, QStringLiteral("020200"), frame, 0, 1);
-    const QString code = freezing_code(car, frame);
+    const QString code = freezing_code(frame);
     if (code.isEmpty()) {
         car.results.freezeArray += QStringLiteral("Not Supported or Data Not Available");
         co_return told(car, car_answered);
@@ -164,18 +138,16 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
     obd_groups parameters;
     for (unsigned group = 0; group <= last_group; group += group_size) {
         const QString map = convertByte2HexStr(group);
-        const bool is_announced = std::any_of(parameters.begin(), parameters.end(),
-                                              [&](const obd_group& ecu) { return ecu.pidSet.contains(map); });
-        if (group > 0 && !is_announced)
+        if (group > 0 && !is_map_announced(parameters, group))
             break;
-        const QString reply = co_await car.ask_as_shown(QStringLiteral("02 %1 00").arg(map));
-        if (group == 0 && has_no_data(reply)) { // without it there is no frame to show
+        const reply maps = co_await car.ask_as_shown(QStringLiteral("02 %1 00").arg(map));
+        if (group == 0 && maps.holds_nothing()) { // without it there is no frame to show
             car.view.show_message(QString(), QStringLiteral("Not Supported or Not Available"));
-            if (reply == no_reply)
+            if (maps.is_none())
                 throw left{};
             co_return told(car, car_answered);
         }
-        take_maps(car, parameters, reply, group);
+        add_supported_pids(parameters, maps, maps.text(), QStringLiteral("42") + map, frame_map_at, group);
     }
 
     co_await car.at("AT H0", "OK");
@@ -187,10 +159,10 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
         car.progress(asked, pids.size());
         car.view.reload(QStringLiteral("freeze"));
         const QString command = QStringLiteral("02 %1 00").arg(pids[asked]);
-        const QString reply = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F|?"));
-        car.keep(result_list::freeze, QStringLiteral("02") + pids[asked], reply,
+        const reply answer = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F|?"));
+        car.keep(result_list::freeze, QStringLiteral("02") + pids[asked], answer,
                  car.results.freezeArray.size(), 1);
-        add_freeze_item(car, reply, pids[asked]);
+        add_freeze_item(car, answer, pids[asked]);
     }
     car.progress(pids.size(), pids.size());
     told(car, car_answered);

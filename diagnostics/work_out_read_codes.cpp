@@ -13,36 +13,31 @@ constexpr int most_retries = 2;
 constexpr unsigned mil_bit = 0x80;
 
 // Bytes A to D of each ECU stand after "4101": MIL and number of codes, then the readiness of its monitors.
-void evaluate_monitor_status(diagnostic_talk& car, const QString& reply) {
+void evaluate_monitor_status(diagnostic_talk& car, const reply& status) {
     car.results.no_of_ecus = 0;
     car.results.no_of_codes = 0;
     car.results.milLamp = false;
     car.results.readinessFlagsArray.clear();
-    car.results.kept[result_list::status] = {
-        {QStringLiteral("0101"), car.reply_to_keep(reply), car.form(), QString(), 0, 0}};
-    if (!has_no_data(reply)) {
-        const obd_groups ecus = car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply));
-        const qsizetype engine = car.toolies.findEngineEcuIdx(ecus);
-        car.results.no_of_ecus = static_cast<int>(ecus.size());
-        for (qsizetype i = 0; i < ecus.size(); ++i) {
-            const QString data = car.toolies.l_pullOBDFromSingleGroupedMsg(ecus[i].pidSet);
-            if (!data.startsWith(QLatin1String("4101")) || data.size() < 12)
+    car.keep(result_list::status, QStringLiteral("0101"), status);
+    if (!status.holds_nothing()) {
+        car.results.no_of_ecus = static_cast<int>(status.ecus().size());
+        for (const ecu_said& ecu : status.ecus()) {
+            if (!ecu.data.startsWith(QLatin1String("4101")) || ecu.data.size() < 12)
                 continue; // refused, or cut
-            const unsigned a = convertStr2Byte(QStringView(data).sliced(4, 2));
+            const unsigned a = convertStr2Byte(QStringView(ecu.data).sliced(4, 2));
             if (a & mil_bit) {
                 car.results.milLamp = true;
                 car.results.no_of_codes += static_cast<int>(a & ~mil_bit);
             }
-            if (i == engine)
-                car.results.readinessFlagsArray = car.toolies.handle_readiness_codes(data.sliced(6, 6));
+            if (&ecu == status.engine())
+                car.results.readinessFlagsArray = car.toolies.handle_readiness_codes(ecu.data.sliced(6, 6));
         }
     }
     car.view.reload(QStringLiteral("readiness"));
 }
 
-void keep_codes(diagnostic_talk& car, const QString& reply) {
-    car.results.kept[result_list::codes] = {{QStringLiteral("03"), car.reply_to_keep(reply), car.form(),
-                                             QString(), 0, car.results.codesReadArray.size()}};
+void keep_codes(diagnostic_talk& car, const reply& codes) {
+    car.keep(result_list::codes, QStringLiteral("03"), codes, 0, car.results.codesReadArray.size());
     car.view.reload(QStringLiteral("codes"));
 }
 
@@ -66,11 +61,11 @@ void note_the_read(diagnostic_talk& car) {
     car.view.reload(QStringLiteral("labels"));
 }
 
-void list_codes(diagnostic_talk& car, const QString& reply) {
+void list_codes(diagnostic_talk& car, const reply& codes) {
     car.results.codesReadArray.clear();
-    const bool refused = reply.contains(QLatin1Char('?')); // anywhere in it
-    if (!refused && !has_no_data(reply)) {
-        const obd_groups codes_by_ecu = car.toolies.l_workoutReadCodes(reply);
+    const bool refused = codes.text().contains(QLatin1Char('?')); // anywhere in it
+    if (!refused && !codes.holds_nothing()) {
+        const obd_groups codes_by_ecu = car.toolies.l_workoutReadCodes(codes);
         car.load_the_codes();
         car.append_to_log(
             fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {car.todays_date()}));
@@ -83,13 +78,13 @@ void list_codes(diagnostic_talk& car, const QString& reply) {
         car.results.codesReadArray += localised(QStringLiteral("NO_CODES"));
 }
 
-void tell_result(diagnostic_talk& car, const QString& reply) {
+void tell_result(diagnostic_talk& car, const reply& answer) {
     const bool no_codes = car.results.codesReadArray.first() == localised(QStringLiteral("NO_CODES"));
     const qsizetype codes = no_codes ? 0 : car.results.codesReadArray.size();
     car.show("Rerieve codes successfully");
     car.show(codes == car.results.no_of_codes ? "Codes read!. Scroll for full description"
                                               : "Codes read...but different no of codes recvd");
-    if (car.results.no_of_ecus == 0 && has_no_data(reply))
+    if (car.results.no_of_ecus == 0 && answer.holds_nothing())
         throw step_failure(no_ecu_answers);
 }
 
@@ -104,28 +99,28 @@ talk work_out_read_codes(diagnostic_talk& car) {
     car.results.read_on_label.clear();
     car.view.reload(QStringLiteral("labels"));
 
-    QString status;
+    reply status;
     for (int tries = 0; tries <= most_retries; ++tries) {
-        if (const QString headers = co_await car.at("AT H1", "OK"); headers == no_reply) {
+        if (const reply headers = co_await car.at("AT H1", "OK"); headers.is_none()) {
             car.view.show_message(localised(QStringLiteral("DLG_TIMEDOUT_RETRY")),
                                   QStringLiteral("Timed out .. Try again"));
             throw left{};
         }
         status = co_await car.ask("01 01");
-        if (!status.contains(QLatin1String("NODATA")) || tries == most_retries)
+        if (!status.no_data() || tries == most_retries)
             break;
         co_await car.wait_longer();
     }
-    car.show(fill(QStringLiteral("Initial  reply: [%@]"), {status}));
+    car.show(fill(QStringLiteral("Initial  reply: [%@]"), {status.text()}));
     evaluate_monitor_status(car, status);
 
     car.view.show_toast(QStringLiteral("Querying for confirmed DTC(s) "));
-    const QString codes = co_await car.ask("03");
+    const reply codes = co_await car.ask("03");
     note_the_read(car);
-    if (codes != no_reply)
+    if (!codes.is_none())
         list_codes(car, codes);
     keep_codes(car, codes);
-    if (codes == no_reply)
+    if (codes.is_none())
         throw left{QStringLiteral("Failed to receive the error codes")};
     tell_result(car, codes);
     car.write_report();

@@ -2,13 +2,12 @@
 
 #include "base/string_table.h"
 #include "obd/vin.h"
-#include "obd/whole_answer.h"
 
 namespace {
 
-void add_xtraInfo_item(diagnostic_talk& car, const QString& reply, const QString& command,
+void add_xtraInfo_item(diagnostic_talk& car, const reply& answer, const QString& command,
                        const QString& this_label) {
-    const QString data = whole_data_without_headers(reply, positive_reply_of(command));
+    const QString data = answer.data_without_headers(positive_reply_of(command));
     if (data.isEmpty()) { // refused, no data, or not all of it
         car.results.xtrasArray += fill(QStringLiteral("%@:| N/A|"), {this_label});
         return;
@@ -25,7 +24,7 @@ void add_xtraInfo_item(diagnostic_talk& car, const QString& reply, const QString
 
 talk work_out_xtras(diagnostic_talk& car) {
     co_await car.ready("Starting Read Xtras Info");
-    if (const QString headers = co_await car.at("AT H0", "OK"); headers == no_reply)
+    if (const reply headers = co_await car.at("AT H0", "OK"); headers.is_none())
         throw left{QStringLiteral("Failed to receive data")};
     car.results.xtrasArray.clear();
     QStringList lines = car.toolies.lists()
@@ -37,10 +36,10 @@ talk work_out_xtras(diagnostic_talk& car) {
     for (qsizetype item = 0; item < lines.size(); ++item) {
         car.progress(item, lines.size());
         const QString command = lines[item].section(u'|', 0, 0);
-        const QString reply = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F"));
-        if (reply == no_reply || reply.contains(u'?'))
+        const reply answer = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F"));
+        if (answer.is_none() || answer.text().contains(u'?'))
             throw left{QStringLiteral("Failed to receive data")};
-        add_xtraInfo_item(car, reply, command, lines[item].section(u'|', 1));
+        add_xtraInfo_item(car, answer, command, lines[item].section(u'|', 1));
         car.view.reload(QStringLiteral("extras"));
     }
     car.view.play_sound(sound_done);

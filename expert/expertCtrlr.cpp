@@ -164,8 +164,8 @@ talk expertCtrlr::work_out_script_mode() {
 
 // What the adapter answers is not checked, beyond the words that say that it cannot reach the car. Replies
 // come with and without blanks.
-void expertCtrlr::check_words(const QString& reply) {
-    const QString cleaned = clean_a_reply(reply);
+void expertCtrlr::check_words(const reply& answer) {
+    const QString cleaned = clean_a_reply(answer.text());
     const QString words = QString(cleaned).remove(u' ');
     if (words.contains(QLatin1String("UNABLETOCONNECT"))) {
         part_with(
@@ -183,21 +183,21 @@ void expertCtrlr::check_words(const QString& reply) {
     }
 }
 
-void expertCtrlr::handleOBDRcvdMsg(const QString& reply) {
-    console_log(QStringLiteral("expertC:handleOBDRcvdMsg got the stuff%1").arg(reply));
+void expertCtrlr::handleOBDRcvdMsg(const reply& what_came) {
+    console_log(QStringLiteral("expertC:handleOBDRcvdMsg got the stuff%1").arg(what_came.text()));
     if (!has_asked)
         return; // it answers the screen before
-    if (!reply.contains(QLatin1String("Timeout"))) {
+    if (!what_came.text().contains(QLatin1String("Timeout"))) {
         if (script_runs && !is_paused()) // else it is the reply to the second try
             print_cmd_highlighted(QString(link.current_command()).remove(u'\r'));
-        own.lines.add_reply(reply);
+        own.lines.add_reply(what_came.text());
         view.reload(QStringLiteral("transcript"));
     }
     if (is_paused()) {
-        latest = reply;
+        latest = what_came;
         return hurry();
     }
-    car_talk::handleOBDRcvdMsg(reply);
+    car_talk::handleOBDRcvdMsg(what_came);
 }
 
 void expertCtrlr::print_cmd_highlighted(const QString& command) {

@@ -32,7 +32,7 @@ public:
     // Also called with false when the person does not agree to send it: operation_ended.
 
     // Every reply goes into the transcript, a late one too.
-    void handleOBDRcvdMsg(const QString& reply) override;
+    void handleOBDRcvdMsg(const reply& what_came) override;
 
 private:
     void print_cmd_highlighted(const QString& command);
@@ -43,7 +43,7 @@ private:
     talk work_out_script_mode();
     // One command and its reply; a lost link is written into the transcript.
     talk exchange_one(QString command);
-    void check_words(const QString& reply);
+    void check_words(const reply& answer);
     void let_go() override { script_runs = false; }
     bool wants_link_back() const override { return true; }
     void started() override;
@@ -52,7 +52,7 @@ private:
     expert_session& own;
     expert_script script;
     QString typed_command; // the one that the current operation sends, without its "\r"
-    QString latest;        // the last reply
+    reply latest;          // the last reply
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     int answered = 0; // commands of the script

@@ -247,21 +247,21 @@ void adapter_link::set_up_next_time(bool from_a_reset) {
     Q_EMIT condition_changed();
 }
 
-void adapter_link::reply_arrived(const QString& reply) {
+void adapter_link::reply_arrived(const reply& what_came) {
     const QString& command = current_command();
-    if (reply != no_reply && !quirks.falls_silent_at(command))
+    if (!what_came.is_none() && !quirks.falls_silent_at(command))
         quirks.answered(command);
-    if (traffic.current_command().why != sent_command::purpose::sets_up && reply != no_reply)
+    if (traffic.current_command().why != sent_command::purpose::sets_up && !what_came.is_none())
         again.stop(); // the new link holds
-    if (command.startsWith(QLatin1String("AT H1")) && reply.contains(QLatin1String("OK")))
+    if (command.startsWith(QLatin1String("AT H1")) && what_came.text().contains(QLatin1String("OK")))
         state.headers_shown = true;
-    else if (command.startsWith(QLatin1String("AT H0")) && reply.contains(QLatin1String("OK")))
+    else if (command.startsWith(QLatin1String("AT H0")) && what_came.text().contains(QLatin1String("OK")))
         state.headers_shown = false;
     else if (command.startsWith(QLatin1String("AT Z")))
         state.headers_shown = false;
     reset_under_way.reset();
     if (tcpConnectReady && controller)
-        controller->handleOBDRcvdMsg(reply);
+        controller->handleOBDRcvdMsg(what_came);
 }
 
 void adapter_link::command_unanswered() {

@@ -67,7 +67,6 @@ public:
     void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command().text; }
-    const QString& last_raw_reply() const { return traffic.last_raw_reply(); }
     // What is known of the adapter, which the link alone writes. The initialisation tells what it finds out:
     void adapter_answered() { state.adapter_known = true; } // to a reset
     void protocol_told(int number) { state.cur_protocol = number; }
@@ -100,7 +99,7 @@ private:
     void transmit(const QByteArray& command) override;
     void show_status(const QString& status) override { l_set_status_msg(status); }
     void reply_refused() override { l_leave_cur_op_gracefully(QStringLiteral("")); }
-    void reply_arrived(const QString& reply) override;
+    void reply_arrived(const reply& what_came) override;
     void command_unanswered() override;
     void adapter_started_anew() override;
 

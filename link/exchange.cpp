@@ -16,13 +16,8 @@ constexpr qsizetype most_on_the_way = 8;
 exchange::exchange(process_state& process, timers& time_source, exchange_owner& its_owner)
     : state(process), clock(time_source), owner(its_owner) {}
 
-reply exchange::taken_apart(const QString& text) const {
-    return reply({text, state.cur_protocol, state.headers_shown});
-}
-
 void exchange::send(const sent_command& command) {
     cur_cmd = command;
-    given_up.clear();
     if (command.why == sent_command::purpose::sets_up)
         warn_no_reply = true;
     if (is_typed() || !is_answer_coming())
@@ -46,13 +41,10 @@ void exchange::stop_waiting() {
 }
 
 void exchange::take_as_unknown(const sent_command& command) {
-    const QString unknown = QStringLiteral("?");
+    const reply unknown = taken_apart(QStringLiteral("?"));
     cur_cmd = command;
-    given_up.clear();
     stop_timer();
-    state.obd_msgs.clear();
-    const reply_verdict verdict = work_a_rcvdOBD_cmd(taken_apart(unknown), cur_cmd, 0);
-    hand_on(verdict.result == reply_accepted ? unknown : no_reply);
+    hand_on(work_a_rcvdOBD_cmd(unknown, cur_cmd, 0).result == reply_accepted ? unknown : reply::none());
 }
 
 void exchange::write() {
@@ -77,7 +69,6 @@ void exchange::abandon() {
     in_flight = is_held_back = false;
     is_first = true;
     timeout_retry_count = no_confirm_count = 0;
-    state.obd_msgs.clear();
 }
 
 void exchange::reset() {
@@ -116,6 +107,10 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
     }
 }
 
+reply exchange::taken_apart(const QString& text) const {
+    return reply({text, state.cur_protocol, state.headers_shown});
+}
+
 // Works on the text up to the prompt. True when the next reply is the one to look at: this was a late one, or
 // the next command waits for one that is on its way.
 bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
@@ -124,10 +119,10 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
     const int timeouts_before = std::exchange(timeout_retry_count, 0);
     const QString raw = cut_reply(bytes, prompt);
     if (!in_flight && !is_typed()) { // its operation is over
-        const QString reply = prepReply(raw);
-        if (tells_a_reset(reply, on_the_way))
+        const reply what_came = taken_apart(prepReply(raw));
+        if (tells_a_reset(what_came.text(), on_the_way))
             owner.adapter_started_anew();
-        settle(reply);
+        settle(what_came);
         return true;
     }
 
@@ -136,15 +131,15 @@ bool exchange::take_reply(QByteArrayView bytes, qsizetype prompt) {
         console_log(QStringLiteral("handleOBDRcvdNotification: reply longer than %1 bytes, not decoded")
                         .arg(rx_buffer::limit));
     // A reply that was cut is never decoded: what follows sees an empty one.
-    const bool is_late = check_reply(is_cut ? QString() : prepReply(raw), raw);
+    const bool is_late = check_reply(taken_apart(is_cut ? QString() : prepReply(raw)), raw);
     if (is_late)
         timeout_retry_count = timeouts_before; // what is being asked for has not been answered
     return is_late || is_held_back;
 }
 
 // True when the reply is a late one to an earlier try, so that the next prompt is the one to wait for.
-bool exchange::check_reply(const QString& reply, const QString& raw) {
-    switch (check_initial_car_reply(reply)) {
+bool exchange::check_reply(const reply& what_came, const QString& raw) {
+    switch (check_initial_car_reply(what_came.text())) {
     case car_reply::no_reply_from_car:
         owner.show_status(localised(QStringLiteral("no_reply_from_car_MSG")));
         owner.pop_a_messy(localised(QStringLiteral("no_reply_from_car_MSG")), QString());
@@ -154,18 +149,17 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         return owner.reply_refused(), false;
     case car_reply::accepted: break;
     }
-    if (tells_a_reset(reply, on_the_way))
+    if (tells_a_reset(what_came.text(), on_the_way))
         owner.adapter_started_anew();
     const bool may_be_late = earlier_ones() > 0;
-    settle(reply);
+    settle(what_came);
     if (is_typed() || cur_cmd.text.isEmpty())
-        return hand_on(reply), false;
+        return hand_on(what_came), false;
 
     // Some commands take any answer, an empty one too, but none that was cut.
-    reply_verdict verdict = rx_reply.is_cut()
-                                ? unconfirmed(no_confirm_count)
-                                : work_a_rcvdOBD_cmd(taken_apart(reply), cur_cmd, no_confirm_count);
-    state.obd_msgs = std::move(verdict.obd_msgs);
+    const reply_verdict verdict = rx_reply.is_cut()
+                                      ? unconfirmed(no_confirm_count)
+                                      : work_a_rcvdOBD_cmd(what_came, cur_cmd, no_confirm_count);
     if (verdict.result == reply_retry && may_be_late) {
         // Sending once more would leave the exchange one reply behind for good.
         start_timer(&exchange::obdTimedOutHandler);
@@ -173,7 +167,7 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
     }
     no_confirm_count = verdict.no_confirm_count;
     switch (verdict.result) {
-    case reply_accepted: hand_on(reply); break;
+    case reply_accepted: hand_on(what_came); break;
     case reply_retry:
         owner.show_status(QStringLiteral("Didn't get a confirmation from interface ... Trying again"));
         write();
@@ -182,18 +176,16 @@ bool exchange::check_reply(const QString& reply, const QString& raw) {
         if (warn_no_reply && !raw.contains(QLatin1Char('?')))
             owner.pop_a_messy(QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
                                              "Check pairing/connections"),
-                              where_it_failed(reply));
+                              where_it_failed(what_came.text()));
         warn_no_reply = false;
-        given_up = reply;
-        hand_on(no_reply);
+        hand_on(reply::none(what_came.raw()));
     }
     return false;
 }
 
 // Adapters answer in order: what was written before the command that this answers is not answered any more. A
 // reply that answers several is taken for the first one's, and so is one that answers none.
-void exchange::settle(const QString& reply) {
-    const ::reply what_came = taken_apart(reply);
+void exchange::settle(const reply& what_came) {
     const auto answered = [&](const sent_command& sent) {
         return work_a_rcvdOBD_cmd(what_came, sent, 0).result == reply_accepted;
     };
@@ -209,9 +201,9 @@ void exchange::drop_earlier(qsizetype prompts) {
     on_the_way.remove(0, std::min(prompts, std::max<qsizetype>(0, earlier_ones())));
 }
 
-void exchange::hand_on(const QString& reply) {
+void exchange::hand_on(const reply& what_came) {
     in_flight = false;
-    owner.reply_arrived(reply);
+    owner.reply_arrived(what_came);
 }
 
 void exchange::obdTimedOutHandler() {
@@ -226,6 +218,5 @@ void exchange::obdTimedOutHandler() {
                            {state.wifi_ip, state.wifi_port, QString::number(timeout_retry_count)}));
     if (cur_cmd.is_asked_again)
         return write();
-    state.obd_msgs.clear();
-    hand_on(no_reply);
+    hand_on(reply::none());
 }

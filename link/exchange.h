@@ -15,7 +15,7 @@ public:
     // The adapter's words say that the operation cannot go on.
     virtual void reply_refused() = 0;
     // A reply to the command in flight, or "~".
-    virtual void reply_arrived(const QString& reply) = 0;
+    virtual void reply_arrived(const reply& what_came) = 0;
     // No prompt came in time, five times.
     virtual void command_unanswered() = 0;
     // The adapter says that it has been reset, and not by this program: its settings are gone.
@@ -54,32 +54,28 @@ public:
     // It has not come in time, and is not waited for any more.
     void forget_late_replies() { drop_earlier(on_the_way.size()); }
     const sent_command& current_command() const { return cur_cmd; }
-    // What stands behind a "~" that was handed on: the last reply to the command, which does not confirm it.
-    // "" when none came. Valid until the next command.
-    const QString& last_raw_reply() const { return given_up; }
 
 private:
-    reply taken_apart(const QString& text) const;
     void write();
     void start_timer(void (exchange::*then)());
     void obdTimedOutHandler();
     bool take_reply(QByteArrayView bytes, qsizetype prompt);
     QString cut_reply(QByteArrayView bytes, qsizetype prompt);
-    bool check_reply(const QString& reply, const QString& raw);
-    void settle(const QString& reply);
+    reply taken_apart(const QString& text) const;
+    bool check_reply(const reply& what_came, const QString& raw);
+    void settle(const reply& what_came);
     qsizetype earlier_ones() const { return on_the_way.size() - (in_flight && !is_held_back ? 1 : 0); }
     void drop_earlier(qsizetype prompts);
     bool is_answer_coming() const;
     bool is_typed() const { return cur_cmd.why == sent_command::purpose::typed; }
     void stop_waiting();
-    void hand_on(const QString& reply);
+    void hand_on(const reply& what_came);
 
     process_state& state;
     timers& clock;
     exchange_owner& owner;
 
     sent_command cur_cmd;
-    QString given_up;
     timer_handle obdTimeOutTimer;
     rx_buffer rx_accum;          // bytes received since the last complete reply
     rx_buffer rx_reply;          // the complete reply just cut from rx_accum

@@ -85,19 +85,13 @@ sent_command as_typed(const QString& command) {
 
 reply_verdict unconfirmed(int no_confirm_count) {
     if (no_confirm_count >= retries)
-        return {.result = reply_given_up, .no_confirm_count = 0, .obd_msgs = {}};
-    return {.result = reply_retry, .no_confirm_count = no_confirm_count + 1, .obd_msgs = {}};
+        return {.result = reply_given_up, .no_confirm_count = 0};
+    return {.result = reply_retry, .no_confirm_count = no_confirm_count + 1};
 }
 
 reply_verdict work_a_rcvdOBD_cmd(const reply& what_came, const sent_command& command, int no_confirm_count) {
-    reply_verdict verdict = unconfirmed(no_confirm_count);
-    if (confirmed(what_came, command))
-        verdict = {.result = reply_accepted, .no_confirm_count = 0, .obd_msgs = {}};
-    const bool by_message = command.has_header && !command.text.contains(u"AT") && !what_came.no_data() &&
-                            what_came.protocol() != -1 && what_came.text() != QLatin1String("?");
-    if (by_message && verdict.result != reply_given_up)
-        verdict.obd_msgs = pullObdMsgs(what_came.text(), what_came.protocol());
-    return verdict;
+    return confirmed(what_came, command) ? reply_verdict{.result = reply_accepted, .no_confirm_count = 0}
+                                         : unconfirmed(no_confirm_count);
 }
 
 QString positive_reply_of(const QString& command) {

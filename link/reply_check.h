@@ -34,7 +34,6 @@ sent_command as_typed(const QString& command);
 struct reply_verdict {
     int result = reply_retry;
     int no_confirm_count = 0; // the new count of consecutive unconfirmed replies
-    obd_messages obd_msgs;    // the reply by ECU, when it was checked by message
 };
 
 // A command is tried three times more after its first unconfirmed reply; the fourth gives up.

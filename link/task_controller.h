@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "obd/reply.h"
 
 // The link is gone, or what stands at its far end has to be set up anew. It is thrown into the talk under
 // way, which lets it end the operation or goes on over a new link.
@@ -22,7 +22,7 @@ public:
     // The link is up, and the current operation is to start or to go on. A null status shows nothing.
     virtual void work_current_task(const QString& status) = 0;
     // A whole reply was accepted for the command in flight, or given up on ("~").
-    virtual void handleOBDRcvdMsg(const QString& reply) = 0;
+    virtual void handleOBDRcvdMsg(const reply& what_came) = 0;
     // The operation is to stop: adapter error, too many time-outs, or the person said so. May come at any
     // moment and more than once.
     virtual void leave_cur_op_gracefully(const QString& status) = 0;

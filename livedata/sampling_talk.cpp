@@ -3,8 +3,6 @@
 #include "base/string_table.h"
 #include "charts/outward_rounding.h"
 #include "livedata/second_value.h"
-#include "obd/ecu_names.h"
-#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 #include "obd/supported_pids.h"
 
@@ -99,59 +97,29 @@ car_talk::asking sampling_talk::ask_row(int index) {
 
 // --- the reply ---------------------------------------------------------------------------------------------
 
-const obd_message* sampling_talk::message_of_ecu(const QString& header) const {
-    const auto found =
-        std::find_if(state.obd_msgs.begin(), state.obd_msgs.end(), [&](const obd_message& message) {
-            return same_ecu(message.header, header, state.cur_protocol);
-        });
-    if (found != state.obd_msgs.end())
-        return &*found;
-    return state.obd_msgs.isEmpty() ? nullptr : &state.obd_msgs.first();
-}
-
-// What a message holds, when it is whole: on CAN its second digit is its length, on ISO 14230-4 the lower six
-// bits of its header. A long answer on CAN comes in several frames (ISO 15765-2), of which the first begins
-// with a "1".
-QString sampling_talk::data_of_message(const obd_message& first) const {
-    const QString& body = first.body;
-    if (body.size() % 2 != 0 || !is_hex(body))
-        return no_reply; // noise on the link, perhaps in the check byte alone
-    if (!is_can(state.cur_protocol)) {
-        const QString data = toolies.data_of_single_message(body);
-        const unsigned format = convertStr2Byte(QStringView(first.header).left(2));
-        const bool has_length = state.cur_protocol >= 4 && (format & 0x80) != 0;
-        return has_length && data.size() < 2 * qsizetype(format & 0x3F) ? no_reply : data;
-    }
-    if (!body.startsWith(u'1'))
-        return body.size() < 2 + 2 * charToNibble(body.at(1)) ? no_reply
-                                                              : toolies.data_of_single_message(body);
-    QStringList frames;
-    for (const obd_message& message : std::as_const(state.obd_msgs)) {
-        if (message.header == first.header)
-            frames += message.body;
-    }
-    return toolies.l_pullOBDFromSingleGroupedMsg(frames);
-}
-
-QString sampling_talk::data_of_reply(const QString& reply, const QString& pid, const QString& header) {
-    if (reply.isEmpty() || has_no_data(reply))
+QString sampling_talk::data_of_reply(const reply& what_came, const QString& pid,
+                                     const QString& header) const {
+    if (what_came.text().isEmpty() || what_came.holds_nothing())
         return no_reply;
-    const obd_message* message = message_of_ecu(header);
-    const QString data = message ? data_of_message(*message) : reply_lines(reply).value(0);
+    const ecu_said* ecu = what_came.ecu(header);
+    if (!ecu && !what_came.ecus().isEmpty())
+        ecu = &what_came.ecus().first();
+    const bool by_line = !what_came.headers_shown() || what_came.protocol() == -1;
+    const QString data = by_line ? what_came.lines().value(0) : ecu ? ecu->value_of_first_line() : QString();
     const QString answer = QStringLiteral("41") + pid;
     return data.size() >= answer.size() + 2 && data.startsWith(answer) && is_hex(data) ? data : no_reply;
 }
 
-QString sampling_talk::data_of_reply(const QString& reply, int index) {
+QString sampling_talk::data_of_reply(const reply& what_came, int index) {
     if (std::exchange(is_first_reply, false))
         view.show_busy(false);
-    if (reply.isEmpty()) {
-        link.set_up_next_time(false);
+    if (what_came.text().isEmpty()) {
+        link.set_up_next_time(false); // the next run initialises it again
         throw left{QStringLiteral("Timed out** .. Try again")};
     }
     const sample_row& its_row = results.these_samples.at(index);
     const QString asked = requested_pid(its_row.pid);
-    QString data = data_of_reply(reply, asked, its_row.item.section(u'|', 1));
+    QString data = data_of_reply(what_came, asked, its_row.item.section(u'|', 1));
     if (data != no_reply && asked != its_row.pid)
         data.replace(2, 2, its_row.pid); // the PID alone: a data byte may be the same
     show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
@@ -248,7 +216,8 @@ talk sample_for_ever(sampling_talk& car) {
     const bool are_sensors = car.cur_op() == op_o2_layout; // the values go into the picture too
     for (;;) {
         for (int index = 0; index < car.columns(); ++index) {
-            const QString data = car.data_of_reply(co_await car.ask_row(index), index);
+            const reply what_came = co_await car.ask_row(index);
+            const QString data = car.data_of_reply(what_came, index);
             car.take(index, data);
             if (are_sensors)
                 car.observer().set_sensor_value(index, QString::number(car.row(index).latest, 'f', 3));

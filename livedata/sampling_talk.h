@@ -28,9 +28,9 @@ public:
     asking ask_row(int index);
     // The data of the ECU that was meant ("410D3C"), "~" for none. When that ECU is not among those that
     // answered, the reply is used as it arrived: its first message counts.
-    QString data_of_reply(const QString& reply, const QString& pid, const QString& header);
+    QString data_of_reply(const reply& what_came, const QString& pid, const QString& header) const;
     // The same for the PID of a row, under the row's own PID; tells it.
-    QString data_of_reply(const QString& reply, int index);
+    QString data_of_reply(const reply& what_came, int index);
 
     // The data goes into row `index` and its column, and the view is told.
     void take(int index, const QString& data);
@@ -69,8 +69,6 @@ protected:
 
 private:
     void tell_silence(const QString& line);
-    const obd_message* message_of_ecu(const QString& header) const;
-    QString data_of_message(const obd_message& first) const;
 
     QString cur_log_set;        // the line of the sweep under way: its bodies in set order, separated by ","
     bool car_is_silent = false; // the last sweep was answered without a single value

@@ -35,9 +35,9 @@ QStringList sensor_set(unsigned mask, const obd_group& engine) {
 
 talk work_o2_layout(sampling_talk& car) {
     co_await car.ready_to_ask("Reading o2 layout");
-    const QString reply = co_await car.ask_pid(QStringLiteral("13"), true);
+    const reply layout = co_await car.ask_pid(QStringLiteral("13"), true);
     const obd_group engine = car.engine_ecu();
-    const QString data = car.data_of_reply(reply, QStringLiteral("13"), engine.header);
+    const QString data = car.data_of_reply(layout, QStringLiteral("13"), engine.header);
     if (data == no_reply)
         throw step_failure(QStringLiteral("the car does not tell its oxygen sensors"));
     const unsigned mask = convertStr2Byte(QStringView(data).sliced(4, 2));

@@ -12,14 +12,14 @@ constexpr double air_fuel_factor = 7.1073357;
 constexpr double density_factor = 7.55987;
 
 // A reply that does not come ends the run.
-QString value_of(sampling_talk& car, const QString& reply, int index) {
-    if (reply == no_reply) {
+QString value_of(sampling_talk& car, const reply& came, int index) {
+    if (came.is_none()) {
         if (!car.state.adapter_ready)
             car.check_the_run();
         car.show("Speed or air flow did not come: the run has ended. Is the ignition on? Start again (F5)");
         throw left{};
     }
-    const QString data = car.data_of_reply(reply, index);
+    const QString data = car.data_of_reply(came, index);
     car.take(index, data);
     car.check_the_run();
     return data;

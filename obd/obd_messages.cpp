@@ -192,20 +192,24 @@ QString joined_frames(const QStringList& bodies) {
     return joined;
 }
 
-QString grab_CAN_msg(const QString& reply) {
-    const QStringList lines = prepReply(reply).remove(u'\n').split(u'\r', Qt::SkipEmptyParts);
+QString joined_segments(qsizetype bytes, const QStringList& segments) {
     QString data;
-    if (lines.size() < 2 || !is_hex(lines.first()))
-        return data;
-    const qsizetype wanted = 2 * static_cast<qsizetype>(convertStr2Byte(lines.first()));
-    for (qsizetype i = 1; i < lines.size() && data.size() < wanted; ++i) {
-        QString frame = lines[i].mid(2); // without its index and ":"
+    for (qsizetype i = 0; i < segments.size() && data.size() < 2 * bytes; ++i) {
+        QString frame = segments[i].mid(2); // without its index and ":"
         // A first frame of more than six bytes loses its fifth digit, on purpose.
-        if (i == 1 && frame.size() >= 13)
+        if (i == 0 && frame.size() >= 13)
             frame.remove(4, 1);
-        data += QStringView(frame).left(wanted - data.size());
+        data += QStringView(frame).left(2 * bytes - data.size());
     }
     return data;
+}
+
+QString grab_CAN_msg(const QString& reply) {
+    QStringList lines = prepReply(reply).remove(u'\n').split(u'\r', Qt::SkipEmptyParts);
+    if (lines.size() < 2 || !is_hex(lines.first()))
+        return {};
+    const auto bytes = static_cast<qsizetype>(convertStr2Byte(lines.takeFirst()));
+    return joined_segments(bytes, lines);
 }
 
 std::optional<QString> pull_PID_msg(const QString& line, const QString& this_PID,

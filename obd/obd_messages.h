@@ -41,8 +41,11 @@ QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies, int protocol);
 // The frames of a long answer on CAN in a row, each without its control byte: the low byte of its length,
 // then its data.
 QString joined_frames(const QStringList& bodies);
-// The data of a multi-frame answer shown without headers: a byte count, then lines "0:...", "1:...".
-// Lines beyond the byte count are left out. "" when the first line is no hexadecimal number.
+// The same of one shown without headers, in lines "0:...", "1:...": its data. Lines beyond the byte count are
+// left out.
+QString joined_segments(qsizetype bytes, const QStringList& segments);
+// The data of a reply without headers that is such a byte count and such lines. "" when the first line is no
+// hexadecimal number.
 QString grab_CAN_msg(const QString& reply);
 // The data after the header of one line, or nothing when the line is too short or belongs to another ECU than
 // the one asked for ("" asks for any). `line`: a reply line with its header, blanks removed.

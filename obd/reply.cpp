@@ -84,11 +84,8 @@ QString ecu_said::value_of_first_line() const {
 
 reply::reply(const raw_reply& what_came) : shared(std::make_shared<parts>(parts{what_came})) {}
 
-reply reply::none(const reply& instead) {
-    raw_reply what_came = instead.raw();
-    if (what_came.text.isEmpty())
-        what_came.text = no_reply;
-    reply none(what_came);
+reply reply::none(const raw_reply& instead) {
+    reply none(instead);
     none.shared->is_given_up = true;
     return none;
 }
@@ -114,21 +111,19 @@ const QList<ecu_said>& reply::ecus() const {
 }
 
 const ecu_said* reply::engine() const {
-    const QList<ecu_said>& all = ecus();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const ecu_said& one) {
-        return isThisEngineHeader(one.header, protocol());
-    });
-    if (found != all.end())
-        return &*found;
-    return all.isEmpty() ? nullptr : &all.first();
+    const ecu_said* named =
+        first([](const ecu_said& ecu) { return isThisEngineHeader(ecu.header, ecu.protocol); });
+    return named ? named : first([](const ecu_said&) { return true; });
 }
 
 const ecu_said* reply::ecu(const QString& header) const {
-    const QList<ecu_said>& all = ecus();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const ecu_said& one) {
-        return same_ecu(one.header, header, protocol());
-    });
-    return found == all.end() ? nullptr : &*found;
+    return first([&](const ecu_said& ecu) { return same_ecu(ecu.header, header, ecu.protocol); });
+}
+
+QString reply::value_of(const ecu_said* who, const QString& answer) const {
+    if (!headers_shown())
+        return data_without_headers(answer);
+    return who ? who->value() : QString();
 }
 
 QString reply::data_without_headers(const QString& answer) const {
@@ -143,9 +138,6 @@ QString reply::data_without_headers(const QString& answer) const {
                  is_hex(QStringView(line).sliced(2)))
             frames += line;
     }
-    if (frames.isEmpty() || length == 0)
-        return {};
-    const QString data = grab_CAN_msg(QStringLiteral("%1\r").arg(length, 3, 16, QLatin1Char('0')).toUpper() +
-                                      frames.join(u'\r'));
-    return data.size() == 2 * length && data.startsWith(answer) ? data : QString();
+    const QString data = joined_segments(length, frames);
+    return length > 0 && data.size() == 2 * length && data.startsWith(answer) ? data : QString();
 }

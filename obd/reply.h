@@ -2,6 +2,7 @@
 
 #include "obd/obd_messages.h"
 
+#include <algorithm>
 #include <memory>
 
 // What one ECU said in a reply with headers.
@@ -36,7 +37,7 @@ public:
     // `what_came`: its text normalised (prepReply).
     explicit reply(const raw_reply& what_came = {});
     // The absence of a usable reply ("~"). `instead`: what came and was given up on.
-    static reply none(const reply& instead = reply());
+    static reply none(const raw_reply& instead = {});
 
     // "~" when nothing usable came; what came all the same is in raw().
     const QString& text() const { return shared->is_given_up ? no_reply : shared->raw.text; }
@@ -56,10 +57,19 @@ public:
     // What each ECU said, by its header; a reply that was shown without headers has none to go by. Empty
     // while the protocol is unknown.
     const QList<ecu_said>& ecus() const;
+    // The first of them for which `fits` holds, null for none.
+    template <class check>
+    const ecu_said* first(check fits) const {
+        const auto found = std::find_if(ecus().begin(), ecus().end(), fits);
+        return found == ecus().end() ? nullptr : &*found;
+    }
     // The engine's ECU, the first one when none has its header; null when nobody answered.
     const ecu_said* engine() const;
     // The ECU with this header, null when it is not among those that answered.
     const ecu_said* ecu(const QString& header) const;
+    // What this ECU answers (none: ""); without headers, where nobody can be told apart, the data that begin
+    // with `answer`.
+    QString value_of(const ecu_said* who, const QString& answer) const;
     // Without headers: the data that begin with `answer` ("4105"): the first such line of whole bytes, or the
     // frames of a long answer joined. "" when there is none, or not all of it.
     QString data_without_headers(const QString& answer) const;

@@ -12,6 +12,7 @@
 namespace {
 
 constexpr qsizetype map_digits = 8;
+constexpr qsizetype most_ecus = 16; // a reply that names more is no reply of a car
 
 // True when bit `index` of the map is set; the most significant bit of the first byte is bit 0.
 bool bit_of_map(QStringView map, qsizetype index) {
@@ -85,6 +86,29 @@ void handle_00_replies(const QString& reply, int this_pid_group, group_bitmaps& 
 bool is_this_code_available(const QString& bitmap, const QString& this_pid, int this_pid_set) {
     const qint64 index = qint64(convertStr2Byte(this_pid)) - 1 - 32 * qint64(this_pid_set);
     return bitmap.size() >= map_digits && index >= 0 && index < 32 && bit_of_map(bitmap, index);
+}
+
+void add_supported_pids(obd_groups& found, const reply& maps, const QString& unnamed, const QString& answer,
+                        qsizetype map_at, unsigned first) {
+    const auto add = [&](const QString& header, const QString& data) {
+        if (!data.startsWith(answer) || found.size() >= most_ecus)
+            return;
+        auto its_entry = std::find_if(found.begin(), found.end(), [&](const obd_group& known) {
+            return same_ecu(known.header, header, maps.protocol());
+        });
+        if (its_entry == found.end())
+            its_entry = found.insert(found.end(), {header, {}});
+        its_entry->pidSet += pids_of_bitmap(data.mid(map_at, map_digits), first);
+    };
+    if (!maps.headers_shown())
+        return add(QString(), unnamed);
+    for (const ecu_said& ecu : maps.ecus())
+        add(ecu.header, ecu.data);
+}
+
+bool is_map_announced(const obd_groups& found, unsigned first) {
+    return std::any_of(found.begin(), found.end(),
+                       [&](const obd_group& ecu) { return ecu.pidSet.contains(convertByte2HexStr(first)); });
 }
 
 QStringList pids_of_bitmap(const QString& bitmap, unsigned first) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "base/shared_types.h"
+#include "obd/reply.h"
 #include <array>
-#include <optional>
 
 // The supported-PID maps of SAE J1979 service 01 PIDs 00, 20, 40 ...: which PIDs each ECU answers.
 
@@ -16,8 +15,14 @@ void handle_00_replies(const QString& reply, int this_pid_group, group_bitmaps& 
 // True when the PID's bit is set in the eight hex characters of group `this_pid_set` (0: PIDs 01-20). False
 // for a PID outside the group or a shorter text.
 bool is_this_code_available(const QString& bitmap, const QString& this_pid, int this_pid_set);
-// The PIDs of a map as two-digit hex texts. `first`: the PID before the map's first one (00, 20, 40 ...). A
-// shorter map is padded on the right with "0".
+// Adds the PIDs that each ECU's map in `maps` tells, behind `map_at` digits of data that begin with `answer`
+// ("4100"). `first`: the PID before the map's first one (00, 20, 40 ...). Without headers `unnamed` is the
+// data of the one that answers, who cannot be told.
+void add_supported_pids(obd_groups& found, const reply& maps, const QString& unnamed, const QString& answer,
+                        qsizetype map_at, unsigned first);
+// True when one of them announces the map of the PIDs behind this one.
+bool is_map_announced(const obd_groups& found, unsigned first);
+// The PIDs of a map as two-digit hex texts. A shorter map is padded on the right with "0".
 QStringList pids_of_bitmap(const QString& bitmap, unsigned first);
 
 // An item of a sample set: "0C|7E8", or the older form "0C" whose header is "". Nothing for a text that does

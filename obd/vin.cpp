@@ -44,6 +44,17 @@ QString vin_of_lines(const QStringList& lines) {
     return readable(vin);
 }
 
+// The five messages in which the older protocols give a VIN, each "4902", its number from 01 and four bytes.
+bool is_whole_legacy_vin(const QStringList& messages) {
+    for (qsizetype i = 0; i < messages.size(); ++i) {
+        const QString& message = messages[i];
+        if (message.size() < 14 || !is_hex(message) || !message.startsWith(info_answer) ||
+            hex_byte(message, 4) != i + 1)
+            return false;
+    }
+    return messages.size() == vin_messages;
+}
+
 QString vin_without_headers(const reply& answer) {
     if (is_whole_legacy_vin(answer.lines()))
         return vin_of_lines(answer.lines());
@@ -64,14 +75,12 @@ QString vin_of(const reply& answer) {
         return not_available;
     if (!answer.headers_shown())
         return vin_without_headers(answer);
-    const QList<ecu_said>& ecus = answer.ecus();
     const auto tells = [](const ecu_said& ecu) { return ecu.data.startsWith(info_answer); };
-    auto chosen = std::find_if(ecus.begin(), ecus.end(), [&](const ecu_said& ecu) {
-        return tells(ecu) && isThisEngineHeader(ecu.header, ecu.protocol);
-    });
-    if (chosen == ecus.end())
-        chosen = std::find_if(ecus.begin(), ecus.end(), tells);
-    return chosen == ecus.end() ? not_available : vin_of_ecu(*chosen);
+    const ecu_said* chosen = answer.first(
+        [&](const ecu_said& ecu) { return tells(ecu) && isThisEngineHeader(ecu.header, ecu.protocol); });
+    if (!chosen)
+        chosen = answer.first(tells);
+    return chosen ? vin_of_ecu(*chosen) : not_available;
 }
 
 QString work_out_vin(const QString& reply) {
@@ -80,16 +89,6 @@ QString work_out_vin(const QString& reply) {
     if (text.contains(QLatin1Char(':')))
         return text.contains(QLatin1String("49")) ? vin_of_data(grab_CAN_msg(text)) : not_available;
     return vin_of_lines(text.remove(QLatin1Char('\n')).remove(QLatin1Char('>')).split(QLatin1Char('\r')));
-}
-
-bool is_whole_legacy_vin(const QStringList& messages) {
-    for (qsizetype i = 0; i < messages.size(); ++i) {
-        const QString& message = messages[i];
-        if (message.size() < 14 || !is_hex(message) || !message.startsWith(info_answer) ||
-            hex_byte(message, 4) != i + 1)
-            return false;
-    }
-    return messages.size() == vin_messages;
 }
 
 QString pullAsciiStr(QStringView hex) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 class reply;
 
@@ -13,8 +12,6 @@ QString vin_of(const reply& answer);
 // Headers off: on CAN a byte count and lines "0:...", "1:...", on the older protocols one line for four
 // characters.
 QString work_out_vin(const QString& reply);
-// The five messages in which the older protocols give a VIN, each "4902", its number from 01 and four bytes.
-bool is_whole_legacy_vin(const QStringList& messages);
 
 // The bytes that the hex text holds as characters, at most 39. Bytes 00 are left out, and so are pairs that
 // are no hex digits.

@@ -2,11 +2,7 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
-#include "obd/obd_messages.h"
-#include "obd/reply_text.h"
 #include "operations/connect_2_interface.h"
-
-#include <algorithm>
 
 car_talk::car_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view)
     : state(process), link(its_link), toolies(its_toolies), view(its_view),
@@ -119,16 +115,16 @@ void car_talk::ended_early(const std::exception_ptr& failure) {
 
 // --- what the link tells -----------------------------------------------------------------------------------
 
-void car_talk::handleOBDRcvdMsg(const QString& reply) {
+void car_talk::handleOBDRcvdMsg(const reply& what_came) {
     if (!running)
         return;
-    if (reply.contains(QLatin1String("Timeout"))) {
+    if (what_came.text().contains(QLatin1String("Timeout"))) {
         view.beep();
         return leave_cur_op_gracefully(QStringLiteral("Cur op timed out... Please Check/retry"));
     }
     if (held.waits_for() != held_talk::thing::reply)
         return;
-    came = reply;
+    came = what_came;
     held.go_on();
 }
 
@@ -140,14 +136,14 @@ void car_talk::handle_link_loss(const link_lost& loss) {
 }
 
 // Without headers and with its echo on, an adapter that has reset itself would be read as something else.
-QString car_talk::take_reply(const sent_command& command) {
+reply car_talk::take_reply(const sent_command& command) {
     held.tell_what_was_thrown();
     ++replies;
     if (current.logged)
         console_log(QStringLiteral("%1:stepidx=%2 rcvd_msg=%3")
                         .arg(QLatin1String(current.logged))
                         .arg(replies)
-                        .arg(came));
+                        .arg(came.text()));
     if (command.why == sent_command::purpose::ordinary && !state.adapter_ready)
         throw left{adapter_was_reset};
     return came;
@@ -243,13 +239,4 @@ talk car_talk::ready(QString opening) {
     co_await connect_2_interface(*this);
     if (!opening.isNull())
         show(opening);
-}
-
-bool has_no_data(const QString& reply) {
-    if (reply == no_reply || reply.contains(QLatin1String("NODATA")))
-        return true;
-    // A "?" of its own; beside data it is noise, which some adapters send after a reset.
-    const QStringList lines = reply_lines(reply);
-    return reply.contains(QLatin1Char('?')) &&
-           std::none_of(lines.begin(), lines.end(), [](const QString& line) { return is_hex(line); });
 }

@@ -30,9 +30,6 @@ struct failed {
 inline const QString adapter_was_reset =
     QStringLiteral("The adapter has reset itself, as it does when its voltage drops. Start again (F5)");
 
-// True for the reply "~", no data, or a "?" without any data: nothing that could be decoded.
-bool has_no_data(const QString& reply);
-
 // A screen's side of the talk with the car: it starts an operation when the link is up, carries commands and
 // replies between its talk and the link, and ends it: at the talk's end, when the talk throws, or when the
 // link or the person says so. One operation runs at a time. All that it refers to outlives it.
@@ -54,7 +51,7 @@ public:
 
     // task_controller
     void work_current_task(const QString& status) override;
-    void handleOBDRcvdMsg(const QString& reply) override;
+    void handleOBDRcvdMsg(const reply& what_came) override;
     void leave_cur_op_gracefully(const QString& status) override;
     void handle_link_loss(const link_lost& loss) override;
     void set_status_msg(const QString& status) override { view.show_status(status); }
@@ -124,7 +121,7 @@ private:
     void finish(bool done);
     void talk_over(std::exception_ptr failure);
     void ended_early(const std::exception_ptr& failure);
-    QString take_reply(const sent_command& command);
+    reply take_reply(const sent_command& command);
 
     held_talk held;
     operation_start current;
@@ -132,7 +129,7 @@ private:
     struct {
         QString notice, toast;
     } parting;
-    QString came; // the reply that the talk goes on with
+    reply came; // that the talk goes on with
     int replies = 0;
     bool said_yes = false;
     std::shared_ptr<int> open_question; // the question that is open
@@ -148,7 +145,7 @@ public:
     bool await_suspend(talk::handle who) {
         return car.held.wait(who, held_talk::thing::reply, [this] { car.link.send(command); });
     }
-    QString await_resume() { return car.take_reply(command); }
+    reply await_resume() { return car.take_reply(command); }
 
 private:
     car_talk& car;

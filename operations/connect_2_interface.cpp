@@ -19,10 +19,10 @@ car_talk::asking say(car_talk& car, const char* command, const QString& expected
 }
 
 // The number after the "A" of an automatically found protocol ("A6" gives 6); -1 when it was not told.
-int protocol_number(const QString& reply) {
-    if (reply.size() < 2 || reply.at(0).toUpper() != u'A' || !is_hex(QStringView(reply).sliced(1, 1)))
+int protocol_number(const QString& told) {
+    if (told.size() < 2 || told.at(0).toUpper() != u'A' || !is_hex(QStringView(told).sliced(1, 1)))
         return -1; // given up, or no data
-    return static_cast<int>(convertStr2Byte(QStringView(reply).sliced(1).left(2)));
+    return static_cast<int>(convertStr2Byte(QStringView(told).sliced(1).left(2)));
 }
 
 // While a lost link is opened again by itself the car may be off: that is waited for, and needs no notice.
@@ -32,10 +32,10 @@ int protocol_number(const QString& reply) {
     throw left{};
 }
 
-void keep_interface(car_talk& car, const QString& reply) {
-    car.show(fill(QStringLiteral("Interface : %@"), {reply}));
-    if (reply != no_reply && !reply.contains(ok))
-        car.link.describe_interface(reply.left(80));
+void keep_interface(car_talk& car, const QString& description) {
+    car.show(fill(QStringLiteral("Interface : %@"), {description}));
+    if (description != no_reply && !description.contains(ok))
+        car.link.describe_interface(description.left(80));
     car.view.reload(QStringLiteral("labels"));
 }
 
@@ -48,16 +48,16 @@ void keep_protocol(car_talk& car, const QString& description) {
 talk make_protocol_automatic(car_talk& car) {
     bool was_refused = false;
     for (int rounds = 0; rounds <= most_fixed_protocol_rounds; ++rounds) {
-        const QString reply = co_await say(car, "AT DP", protocol_names);
-        if (reply == no_reply && std::exchange(was_refused, true)) {
+        const reply protocol = co_await say(car, "AT DP", protocol_names);
+        if (protocol.is_none() && std::exchange(was_refused, true)) {
             car.show("The adapter does not tell its protocol: unplug it, plug it in again and retry");
             throw left{};
         }
-        if (reply != no_reply && car.state.protocol_description.isEmpty()) {
-            car.show(fill(QStringLiteral(" %@"), {reply}));
-            keep_protocol(car, reply.left(80));
+        if (!protocol.is_none() && car.state.protocol_description.isEmpty()) {
+            car.show(fill(QStringLiteral(" %@"), {protocol.text()}));
+            keep_protocol(car, protocol.text().left(80));
         }
-        if (reply.toUpper().contains(QLatin1String("AUTO")))
+        if (protocol.text().toUpper().contains(QLatin1String("AUTO")))
             co_return;
         if (rounds < most_fixed_protocol_rounds) // ISO 9141-2 is tried first
             co_await say(car, "AT SP A3", ok);
@@ -69,26 +69,28 @@ talk make_protocol_automatic(car_talk& car) {
 
 // The first request makes the adapter look for the car's protocol, which it tells afterwards.
 talk find_the_car(car_talk& car) {
-    car.link.protocol_told(protocol_number(co_await say(car, "AT DPN", automatic)));
+    reply number = co_await say(car, "AT DPN", automatic);
+    car.link.protocol_told(protocol_number(number.text()));
     sent_command first = command_of(QStringLiteral("01 00|12.0"), QStringLiteral("4100"), false);
     first.why = sent_command::purpose::sets_up;
-    const QString reply = co_await car.send(first);
-    if (reply == no_reply)
+    const reply pids = co_await car.send(first);
+    if (pids.is_none())
         give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
-    if (has_no_data(reply)) {
+    if (pids.holds_nothing()) {
         car.show("No data for [01 00] .. trying next");
     } else {
-        car.show(fill(QStringLiteral("Initial  reply: (%@)"), {reply}));
-        car.toolies.handle_00_replies(reply, 0);
-        const int ecus = count_items_in_Str(reply, QStringLiteral("\r"));
+        car.show(fill(QStringLiteral("Initial  reply: (%@)"), {pids.text()}));
+        car.toolies.handle_00_replies(pids.text(), 0);
+        const int ecus = count_items_in_Str(pids.text(), QStringLiteral("\r"));
         car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
     }
-    const QString number = co_await say(car, "AT DPN", automatic);
-    car.link.protocol_told(protocol_number(number));
+    number = co_await say(car, "AT DPN", automatic);
+    car.link.protocol_told(protocol_number(number.text()));
     if (car.state.cur_protocol == -1)
         give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
-    const QString name =
-        car.toolies.lists().line(QStringLiteral("SUP_PROTOCOLS"), car.state.cur_protocol).value_or(number);
+    const QString name = car.toolies.lists()
+                             .line(QStringLiteral("SUP_PROTOCOLS"), car.state.cur_protocol)
+                             .value_or(number.text());
     car.show(fill(QStringLiteral("Interface : %@"), {name}));
     keep_protocol(car, name);
 }
@@ -96,15 +98,16 @@ talk find_the_car(car_talk& car) {
 talk set_up(car_talk& car) {
     car.link.protocol_told(-1);
     const bool is_reset = !car.state.adapter_known && car.link.may_be_reset();
-    const QString greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
-    if (greeting != no_reply)
+    const reply greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
+    if (!greeting.is_none())
         car.link.adapter_answered();
     co_await say(car, "AT E0", ok);
     car.show("Got a ECHO off from ELM chip");
-    keep_interface(car, co_await say(car, "AT I", QStringLiteral("ELM")));
+    const reply interface = co_await say(car, "AT I", QStringLiteral("ELM"));
+    keep_interface(car, interface.text());
     co_await make_protocol_automatic(car);
-    const QString headers = co_await say(car, "AT H1", ok);
-    car.show(has_no_data(headers) ? "AT H1 not supported by current chip" : "AT H1 replied OK");
+    const reply headers = co_await say(car, "AT H1", ok);
+    car.show(headers.holds_nothing() ? "AT H1 not supported by current chip" : "AT H1 replied OK");
     co_await find_the_car(car);
 
     obd_groups found;

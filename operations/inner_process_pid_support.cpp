@@ -2,8 +2,6 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
-#include "obd/ecu_names.h"
-#include "obd/obd_messages.h"
 #include "obd/reply_text.h"
 
 #include <QRegularExpression>
@@ -13,7 +11,6 @@ namespace {
 
 constexpr unsigned group_size = 0x20;
 constexpr unsigned last_group = 0xE0;
-constexpr qsizetype most_ecus = 16; // a reply that names more is no reply of a car
 
 bool is_the_car(const QString& service) {
     return service == QLatin1String("01");
@@ -29,37 +26,12 @@ car_talk::asking ask_for_map(car_talk& car, const QString& service, unsigned gro
     return car.send(command);
 }
 
-obd_group& entry_of(obd_groups& found, const QString& header, int protocol) {
-    for (obd_group& known : found) {
-        if (same_ecu(known.header, header, protocol))
-            return known;
-    }
-    found.append({header, {}});
-    return found.last();
-}
-
-void take_maps(car_talk& car, const QString& service, unsigned group, const QString& reply,
-               obd_groups& found) {
-    const QString answer = convertByte2HexStr(convertStr2Byte(service) + 0x40) + convertByte2HexStr(group);
+void take_maps(const QString& service, unsigned group, const reply& maps, obd_groups& found) {
+    const QString answer = positive_reply_of(service + convertByte2HexStr(group));
     // The older protocols put a byte of their own before the maps of service 06.
-    const qsizetype own_byte = service == QLatin1String("06") && !is_can(car.state.cur_protocol) ? 2 : 0;
-    const auto take = [&](const QString& header, const QString& data) {
-        if (data.startsWith(answer) && found.size() < most_ecus)
-            entry_of(found, header, car.state.cur_protocol).pidSet +=
-                pids_of_bitmap(data.mid(answer.size() + own_byte, 8), group);
-    };
-    if (!car.state.headers_shown) { // who answers cannot be told: the first answer stands for the car
-        const QStringList lines = reply_lines(reply).filter(QRegularExpression(u'^' + answer));
-        return take(QString(), lines.value(0));
-    }
-    for (const obd_group& ecu : car.toolies.pullObdMsgsGrouped(car.toolies.pullObdMsgs(reply)))
-        take(ecu.header, car.toolies.l_pullOBDFromSingleGroupedMsg(ecu.pidSet));
-}
-
-bool is_announced(const obd_groups& found, unsigned group) {
-    const QString map = convertByte2HexStr(group);
-    return std::any_of(found.begin(), found.end(),
-                       [&](const obd_group& ecu) { return ecu.pidSet.contains(map); });
+    const qsizetype own_byte = service == QLatin1String("06") && !is_can(maps.protocol()) ? 2 : 0;
+    const QString first_answer = maps.lines().filter(QRegularExpression(u'^' + answer)).value(0);
+    add_supported_pids(found, maps, first_answer, answer, answer.size() + own_byte, group);
 }
 
 // A car that is silent to the first request of another service just does not offer it.
@@ -91,17 +63,17 @@ talk make_sure_it_is_the_car(car_talk& car, const obd_groups& found) {
 talk inner_process_pid_support(car_talk& car, QString service, obd_groups& found) {
     try {
         for (unsigned group = 0; group <= last_group; group += group_size) {
-            if (group > 0 && !is_announced(found, group))
+            if (group > 0 && !is_map_announced(found, group))
                 break;
-            const QString reply = myTrim(co_await ask_for_map(car, service, group));
-            if (reply == no_reply)
+            const reply maps = co_await ask_for_map(car, service, group);
+            if (maps.is_none())
                 check_given_up(car, service, group);
-            if (has_no_data(reply)) {
+            if (maps.holds_nothing()) {
                 car.show(fill(QStringLiteral("No data for [%@ %@] .. trying next"),
                               {service, convertByte2HexStr(group)}));
                 break;
             }
-            take_maps(car, service, group, reply, found);
+            take_maps(service, group, maps, found);
         }
         if (is_the_car(service) && !found.isEmpty())
             co_await make_sure_it_is_the_car(car, found);

@@ -6,10 +6,8 @@
 #include "obd/obd_messages.h"
 #include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
-#include "obd/reply.h"
 #include "obd/trouble_codes.h"
 #include "obd/vin.h"
-#include "obd/whole_answer.h"
 #include "persistence/vehicles.h"
 
 QStringList first_sample_pids() {
@@ -35,17 +33,6 @@ QString mac_toolies::l_pullOBDFromSingleMsg(const QString& body) const {
 
 QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const {
     return ::l_pullOBDFromSingleGroupedMsg(bodies, state.cur_protocol);
-}
-
-QString mac_toolies::data_of_single_message(const QString& body) const {
-    return state.headers_shown ? ::data_of_single_message(body, state.cur_protocol) : body;
-}
-
-QString mac_toolies::data_of_answer(const QStringList& bodies) const {
-    if (is_can(state.cur_protocol) && !is_whole_can_answer(bodies))
-        return not_available;
-    return bodies.size() == 1 ? data_of_single_message(bodies.first())
-                              : l_pullOBDFromSingleGroupedMsg(bodies);
 }
 
 QString mac_toolies::l_pull_ECU(const QString& header) const {
@@ -176,8 +163,8 @@ void mac_toolies::fixArrayForMode6(QStringList& obdmids) const {
 
 // --- trouble codes and readiness ---------------------------------------------------------------------------
 
-obd_groups mac_toolies::l_workoutReadCodes(const QString& reply) const {
-    return ::l_workoutReadCodes(::reply({reply, state.cur_protocol, state.headers_shown}));
+obd_groups mac_toolies::l_workoutReadCodes(const reply& codes) const {
+    return ::l_workoutReadCodes(codes);
 }
 
 QStringList mac_toolies::work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const {

@@ -4,6 +4,7 @@
 #include "base/text_resources.h"
 #include "base/user_defaults.h"
 #include "obd/readiness.h"
+#include "obd/reply.h"
 #include "obd/supported_pids.h"
 #include "persistence/database.h"
 #include "persistence/sampled_value.h"
@@ -23,9 +24,6 @@ public:
     obd_groups pullObdMsgsGrouped(const obd_messages& messages) const;
     QString l_pullOBDFromSingleMsg(const QString& body) const;
     QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const;
-    QString data_of_single_message(const QString& body) const;
-    // The data of one ECU's answer of one or several messages, without what hangs on behind it.
-    QString data_of_answer(const QStringList& bodies) const;
     QString l_pull_ECU(const QString& header) const;
     bool isThisEngineHeader(const QString& header) const;
     qsizetype findEngineEcuIdx(const obd_groups& groups) const;
@@ -64,7 +62,7 @@ public:
     void fixArrayForMode6(QStringList& obdmids) const;
 
     // Trouble codes and readiness (obd/trouble_codes.h, obd/readiness.h)
-    obd_groups l_workoutReadCodes(const QString& reply) const;
+    obd_groups l_workoutReadCodes(const reply& codes) const;
     QStringList work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const;
     QList<readiness_row> handle_readiness_codes(const QString& these_flags) const;
 

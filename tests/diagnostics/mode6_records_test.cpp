@@ -33,7 +33,8 @@ QString thirteen_records() {
 
 mode6_rows read(const QStringList& bodies, int protocol, int index = 0) {
     static const text_resources lists;
-    return handle_a_mode6_TestID(bodies, index, protocol, lists);
+    const QString data = l_pullOBDFromSingleGroupedMsg(bodies, protocol);
+    return handle_a_mode6_TestID({"7E8", bodies, protocol, data}, index, lists);
 }
 
 } // namespace

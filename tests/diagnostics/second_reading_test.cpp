@@ -15,7 +15,7 @@ struct read_twice : adapter_bench {
 };
 
 kept_reply rpm(const QString& digits, qsizetype row, qsizetype rows = 1) {
-    return {"010C", "7E804410C" + digits, {6, true}, "7E8", row, rows};
+    return {"010C", reply({"7E804410C" + digits, 6, true}), "7E8", row, rows};
 }
 
 } // namespace
@@ -73,7 +73,7 @@ TEST(second_status, counts_every_ecu_and_names_the_monitors_that_differ) {
     for (const auto& row : rows) {
         bench.results.readinessFlagsArray = row.monitors;
         bench.results.kept[result_list::status] = {
-            {"0101", QString(row.reply).remove(' '), {6, true}, {}, 0, 0}};
+            {"0101", reply({QString(row.reply).remove(' '), 6, true}), {}, 0, 0}};
         const second_status status = read_status_again(bench.results, bench.toolies);
         EXPECT_EQ(status.line.isEmpty(), *row.line == 0);
         EXPECT_TRUE((u' ' + status.line).startsWith(QString(u' ') + row.line)) << status.line.toStdString();
@@ -89,12 +89,12 @@ TEST(second_reading, report_says_which_reading_it_holds) {
     diagnostic_bench bench;
     bench.results.codesReadArray = {"P0133|7E8", "P0300|7E8"};
     bench.results.kept[result_list::codes] = {
-        {"03", "7E8100843030133 0220\r7E82103000000000000", {6, true}, {}, 0, 2}};
+        {"03", reply({"7E8100843030133 0220\r7E82103000000000000", 6, true}), {}, 0, 2}};
     const QString own = bench.controller.report_of(op_read_codes).text;
     EXPECT_TRUE(own.contains("[2]  P0133, P0300\n\n")) << own.toStdString();
     EXPECT_FALSE(own.contains("J1979"));
     bench.toolies.set_standard_reading(true);
-    bench.results.kept[result_list::permanent] = {{"0A", "7E8044A010133", {6, true}, {}, 0, 0}};
+    bench.results.kept[result_list::permanent] = {{"0A", reply({"7E8044A010133", 6, true}), {}, 0, 0}};
     const QStringList lines = bench.controller.report_of(op_read_codes).text.split('\n');
     EXPECT_EQ(lines.value(1), "Standard reading: values and codes as SAE J1979 reads the replies.");
     EXPECT_TRUE(lines.contains("[3]  P0133, P0220, P0300"));

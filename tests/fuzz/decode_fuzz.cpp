@@ -98,25 +98,27 @@ void splitting_messages(const QString& text, int protocol) {
         bodies += message.header.isEmpty() ? 0 : 1;
     }
 
-    const obd_groups groups = pullObdMsgsGrouped(messages, protocol);
+    const reply it({text, protocol, true});
     qsizetype grouped = 0;
-    for (const obd_group& group : groups) {
-        grouped += group.pidSet.size();
-        must_hold(!group.pidSet.isEmpty() && !group.header.isEmpty(), "a group has a header and messages");
-        must_hold(
-            l_pullOBDFromSingleGroupedMsg(group.pidSet, protocol).size() <=
-                std::max(group.pidSet.join(QString()).size() + not_available.size(), 2 * longest_length_byte),
-            "an answer is no longer than its frames or its length byte");
-        must_hold(l_pullOBDFromSingleMsg(group.pidSet.first(), protocol).size() <=
-                      group.pidSet.first().size(),
-                  "the data of a body is part of it");
-        must_hold(l_pull_ECU(group.header, protocol).size() <= 6, "an ECU has a short name");
-        isThisEngineHeader(group.header, protocol);
-        thisHeaderIsEngOrTranny(group.header);
+    for (const ecu_said& ecu : it.ecus()) {
+        const QString& first = ecu.bodies.first();
+        grouped += ecu.bodies.size();
+        must_hold(!ecu.header.isEmpty() && it.ecu(ecu.header) && it.engine(), "who answered is found");
+        must_hold(ecu.data.size() <= std::max(ecu.bodies.join(QString()).size() + not_available.size(),
+                                              2 * longest_length_byte),
+                  "an answer is no longer than its frames or its length byte");
+        must_hold(ecu.value() == not_available || ecu.value().size() <= ecu.data.size(),
+                  "its value is a part of it");
+        must_hold(ecu.value_of_first_line().size() <= std::max(first.size(), ecu.data.size()) &&
+                      l_pullOBDFromSingleMsg(first, protocol).size() <= first.size(),
+                  "so is that of a line");
+        must_hold(l_pull_ECU(ecu.header, protocol).size() <= 6, "an ECU has a short name");
+        thisHeaderIsEngOrTranny(ecu.header);
     }
     must_hold(grouped == bodies, "grouping loses no message");
-    const qsizetype engine = findEngineEcuIdx(groups, protocol);
-    must_hold(engine == 0 || engine < groups.size(), "the engine is one of the groups");
+    const QString data = it.data_without_headers(QStringLiteral("41"));
+    must_hold(data.isEmpty() || (data.size() % 2 == 0 && data.startsWith(QLatin1String("41"))),
+              "data without headers begin as they were asked for and are whole bytes");
 }
 
 void reading_pid_maps(const QString& text, int protocol) {
@@ -198,30 +200,10 @@ void reading_codes(const QString& text, int protocol) {
     readiness_summary(monitors);
 }
 
-void taking_a_reply_apart(const QString& text, int protocol) {
-    for (const bool headers_shown : {false, true}) {
-        const reply it({prepReply(text), protocol, headers_shown});
-        const QString data = it.data_without_headers(QStringLiteral("41"));
-        must_hold(data.isEmpty() || (data.size() % 2 == 0 && data.startsWith(QLatin1String("41"))),
-                  "data begin as they were asked for and are whole bytes");
-        for (const ecu_said& ecu : it.ecus()) {
-            must_hold(it.ecu(ecu.header) && it.engine(), "who answered is found");
-            must_hold(ecu.value() == not_available || ecu.value().size() <= ecu.data.size(),
-                      "a value is part of the data");
-            must_hold(ecu.value_of_first_line().isEmpty() ||
-                          ecu.value_of_first_line().size() <=
-                              std::max(ecu.bodies.first().size(), ecu.data.size()),
-                      "so is that of a line");
-            must_hold(!ecu.refused() || ecu.bodies.first().contains(QLatin1String("7F")),
-                      "a refusal says so");
-        }
-        must_hold(!vin_of(it).isEmpty() && vin_of(it).size() <= 39, "a VIN fits its place");
-    }
-}
-
-void reading_the_vin(const QString& text) {
-    const QString vin = work_out_vin(text);
-    must_hold(!vin.isEmpty() && vin.size() <= 39, "a VIN fits its place");
+void reading_the_vin(const QString& text, int protocol) {
+    for (const QString& vin :
+         {work_out_vin(text), vin_of(reply({text, protocol, true})), vin_of(reply({text, protocol, false}))})
+        must_hold(!vin.isEmpty() && vin.size() <= 39, "a VIN fits its place");
     const QString characters = pullAsciiStr(text);
     must_hold(characters.size() <= 39 && !characters.contains(QChar(0)),
               "characters of a reply fit their place");
@@ -259,8 +241,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     splitting_messages(text, protocol);
     reading_pid_maps(text, protocol);
     reading_codes(text, protocol);
-    taking_a_reply_apart(text, protocol);
-    reading_the_vin(text);
+    reading_the_vin(text, protocol);
     scaling_test_results(text);
     translating(text);
     for (const QString& line :

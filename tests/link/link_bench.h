@@ -22,8 +22,8 @@ public:
         if (on_work)
             on_work();
     }
-    void handleOBDRcvdMsg(const QString& reply) override {
-        heard += "reply " + reply;
+    void handleOBDRcvdMsg(const reply& came) override {
+        heard += "reply " + came.text();
         if (const auto send = std::exchange(on_reply, {}))
             send();
     }

@@ -83,15 +83,6 @@ TEST(reply_check, accepts_and_refuses) {
     }
 }
 
-TEST(reply_check, keeps_the_messages_by_ecu) {
-    const sent_command sent{"01 0C\r", QString(), true};
-    const obd_messages kept =
-        work_a_rcvdOBD_cmd(reply({"7E904410C0AF0\r7E804410C1AF8", 6}), sent, 0).obd_msgs;
-    EXPECT_EQ(kept, (obd_messages{{"7E8", "04410C1AF8"}, {"7E9", "04410C0AF0"}}));
-    EXPECT_TRUE(work_a_rcvdOBD_cmd(reply({"NODATA", 6}), sent, 0)
-                    .obd_msgs.isEmpty()); // not those of the reply before
-}
-
 TEST(reply_check, gives_up_at_the_fourth) {
     int count = 0;
     for (const int expected : {673, 673, 673, 672}) {
@@ -99,7 +90,6 @@ TEST(reply_check, gives_up_at_the_fourth) {
             work_a_rcvdOBD_cmd(reply({"7E803410D3C", 6}), {"01 0C\r", QString(), true}, count);
         EXPECT_EQ(verdict.result, expected);
         count = verdict.no_confirm_count;
-        EXPECT_EQ(verdict.obd_msgs.isEmpty(), expected == 672);
     }
     EXPECT_EQ(count, 0);
 }

@@ -187,9 +187,7 @@ public:
 
 private:
     // What the controller and what it works with keep.
-    qsizetype bytes_held() const {
-        return results.cur_log_points.bytes() + state.obd_msgs.size() + results.pid_logitems_list.size();
-    }
+    qsizetype bytes_held() const { return results.cur_log_points.bytes() + results.pid_logitems_list.size(); }
 
     void set_changed() override {}
     void run_started() override {}

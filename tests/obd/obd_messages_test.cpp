@@ -1,6 +1,6 @@
 #include "base/console_log.h"
 #include "obd/ecu_names.h"
-#include "obd/obd_messages.h"
+#include "obd/reply.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -12,11 +12,11 @@ namespace {
 struct taken_apart {
     QStringList groups;
     QStringList data;
-    taken_apart(const QString& reply, int protocol) {
+    taken_apart(const QString& text, int protocol) {
         silence_console_log();
-        for (const obd_group& group : pullObdMsgsGrouped(pullObdMsgs(reply, protocol), protocol)) {
-            groups += group.header + ": " + group.pidSet.join(' ');
-            data += l_pullOBDFromSingleGroupedMsg(group.pidSet, protocol);
+        for (const ecu_said& ecu : reply({text, protocol, true}).ecus()) {
+            groups += ecu.header + ": " + ecu.bodies.join(' ');
+            data += ecu.data;
         }
     }
 };
