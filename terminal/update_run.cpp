@@ -51,7 +51,7 @@ void update_run::show_progress(qint64 received, qint64 total) {
 }
 
 void update_run::print_result(const QString& problem) {
-    const QString newest = updates.found() ? updates.found()->version.text() : QString();
+    const QString newest = updates.found() ? updates.found()->version.toString() : QString();
     if (core.options.json) {
         const QJsonObject object{{"version", QStringLiteral(BV_VERSION)},
                                  {"newest", newest},
