@@ -99,11 +99,11 @@ void update_sheet::step_done(const QString& problem) {
         say(QStringLiteral(
                 "Version %1 is in %2. Its size and SHA-256 are right. Close the program before you "
                 "install it.")
-                .arg(updates.found()->version.text(), QDir::toNativeSeparators(updates.file())),
+                .arg(updates.found()->version.toString(), QDir::toNativeSeparators(updates.file())),
             false);
     else if (updates.is_newer())
         say(QStringLiteral("Version %1 is there (%2).")
-                .arg(updates.found()->version.text(), megabytes(updates.found()->size)),
+                .arg(updates.found()->version.toString(), megabytes(updates.found()->size)),
             false);
     else
         say(QStringLiteral("This is the newest version."), false);

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int data_column = 1;
-constexpr int time_column = 3;
 constexpr qsizetype longest_text = 512 * 1024;
 constexpr qsizetype most_preview_lines = 12;
 constexpr qsizetype most_preview_columns = 40;
@@ -86,28 +84,25 @@ QString samples(mac_toolies& toolies, int log_id) {
     QStringList pids;
     QStringList otherwise;
     bool more = false;
-    toolies.store().for_each_row(
-        fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log_id)}),
-        [&](const QStringList& stored) {
-            more = rows.size() > most_preview_lines;
-            if (more)
-                return false;
-            const QStringList items =
-                Pull_line_into_array(stored.value(data_column).left(longest_preview), QStringLiteral(","))
-                    .mid(0, most_preview_columns);
-            if (rows.isEmpty())
-                rows += QStringList();
-            tell_columns(pids, items);
-            rows += QStringList(gmt_date_str_2_local_date_str(stored.value(time_column)).section(u' ', 1));
-            for (const QString& item : items) {
-                rows.last() += cell_of(toolies, item);
-                const QString name = toolies.get_pid_name(sampled_pid(item), false);
-                if (!otherwise.contains(name) &&
-                    readings_differ(item, toolies.shown_reading(), toolies.lists()))
-                    otherwise += name;
-            }
-            return true;
-        });
+    toolies.store().for_each_row(chunks_statement(log_id), [&](const QStringList& stored) {
+        more = rows.size() > most_preview_lines;
+        if (more)
+            return false;
+        const QStringList items =
+            Pull_line_into_array(stored.value(chunk_data).left(longest_preview), QStringLiteral(","))
+                .mid(0, most_preview_columns);
+        if (rows.isEmpty())
+            rows += QStringList();
+        tell_columns(pids, items);
+        rows += QStringList(gmt_date_str_2_local_date_str(stored.value(chunk_time_stamp)).section(u' ', 1));
+        for (const QString& item : items) {
+            rows.last() += cell_of(toolies, item);
+            const QString name = toolies.get_pid_name(sampled_pid(item), false);
+            if (!otherwise.contains(name) && readings_differ(item, toolies.shown_reading(), toolies.lists()))
+                otherwise += name;
+        }
+        return true;
+    });
     if (rows.isEmpty())
         return {};
     rows.first() += QStringLiteral("Time");
@@ -128,7 +123,7 @@ QString stored_text(database& db, int log_id) {
     const auto statement =
         QStringLiteral("SELECT * FROM LOGGIES_DATA where LOG_ID=%@ ORDER by time_stamp DESC ");
     db.for_each_row(fill(statement, {QString::number(log_id)}), [&](const QStringList& row) {
-        text += row.value(data_column) + u'\n';
+        text += row.value(chunk_data) + u'\n';
         return text.size() <= longest_text;
     });
     return text.size() <= longest_text ? text : text.left(longest_text) + u'\n' + cut_note;
@@ -141,7 +136,7 @@ QString viewLog(database& db, int log_id) {
 QString report_html(database& db, const log_header& log) {
     QString chunk;
     db.for_each_row(report_statement(log.id), [&](const QStringList& row) {
-        chunk = row.value(data_column);
+        chunk = row.value(chunk_data);
         return false;
     });
     if (chunk.size() > longest_text)

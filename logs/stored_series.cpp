@@ -1,9 +1,10 @@
 #include "logs/stored_series.h"
 
 #include "base/string_table.h"
+#include "persistence/log_files.h"
+#include "persistence/sampled_value.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace {
 
@@ -12,46 +13,7 @@ constexpr int time_column = 1;
 constexpr QByteArrayView answer = "41";
 constexpr qsizetype pid_end = 4; // "41", then the PID
 
-// The number in `digits` characters; -1 when one of them is none.
-int number_at(QByteArrayView text, qsizetype at, qsizetype digits) {
-    int number = 0;
-    for (const char digit : text.sliced(at, digits)) {
-        if (digit < '0' || digit > '9')
-            return -1;
-        number = number * 10 + (digit - '0');
-    }
-    return number;
-}
-
-bool is_hexadecimal(QByteArrayView text) {
-    return std::all_of(text.begin(), text.end(), [](char digit) {
-        return (digit >= '0' && digit <= '9') || (digit >= 'A' && digit <= 'F') ||
-               (digit >= 'a' && digit <= 'f');
-    });
-}
-
 } // namespace
-
-qint64 seconds_of_time_stamp(QByteArrayView utc) {
-    constexpr QByteArrayView form = "0000-00-00 00:00:00";
-    if (utc.size() != form.size())
-        return -1;
-    const int year = number_at(utc, 0, 4);
-    const int month = number_at(utc, 5, 2);
-    const int day = number_at(utc, 8, 2);
-    const int hour = number_at(utc, 11, 2);
-    const int minute = number_at(utc, 14, 2);
-    const int second = number_at(utc, 17, 2);
-    if (std::min({year, month, day, hour, minute, second}) < 0)
-        return -1;
-    const std::chrono::year_month_day date{std::chrono::year(year),
-                                           std::chrono::month(static_cast<unsigned>(month)),
-                                           std::chrono::day(static_cast<unsigned>(day))};
-    if (!date.ok())
-        return -1;
-    return std::chrono::seconds(std::chrono::sys_days(date).time_since_epoch()).count() + hour * 3600 +
-           minute * 60 + second;
-}
 
 stored_series::stored_series(database& store, const log_header& log, sample_matrix& into, qsizetype most_rows)
     : matrix(into), limit(most_rows), lines_announced(log.info.section(u' ', 0, 0).toLongLong()) {
@@ -119,10 +81,8 @@ void stored_series::take_cell(int column, QByteArrayView item) {
     if (item.size() <= pid_end || !item.startsWith(answer))
         return;
     matrix.set_bytes(column, item);
-    QString& pid = column_pids[column];
-    const QByteArrayView told = item.sliced(answer.size(), pid_end - answer.size());
-    if (pid.isEmpty() && is_hexadecimal(told))
-        pid = QString::fromLatin1(told).toUpper();
+    if (column_pids[column].isEmpty())
+        column_pids[column] = sampled_pid(QString::fromLatin1(item));
 }
 
 void stored_series::count_again() {

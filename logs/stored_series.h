@@ -58,6 +58,3 @@ private:
     std::unique_ptr<row_cursor> lines_left;
     QString what_is_wrong;
 };
-
-// "yyyy-MM-dd HH:mm:ss" as seconds since 1970; -1 for other text.
-qint64 seconds_of_time_stamp(QByteArrayView utc);

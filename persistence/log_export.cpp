@@ -1,9 +1,7 @@
 #include "persistence/log_export.h"
 
 #include "base/console_log.h"
-#include "base/string_table.h"
 #include "obd/number_text.h"
-#include "obd/reply_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 
@@ -12,9 +10,6 @@
 #include <cstdio>
 
 namespace {
-
-constexpr int data_column = 1;
-constexpr int time_column = 3;
 
 QString value_text(double value) {
     return std::isnan(value) ? QStringLiteral("nan") : with_decimals(value, 6);
@@ -60,9 +55,7 @@ bool log_export::begin(int log_id, bool as_txt) {
 }
 
 bool log_export::open_rows() {
-    rows = std::make_unique<row_cursor>(
-        db.path(),
-        fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log)}));
+    rows = std::make_unique<row_cursor>(db.path(), chunks_statement(log));
     return !rows->has_failed() || fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
 }
 
@@ -85,7 +78,7 @@ bool log_export::find_columns(int lines) {
             phase = stage::writing;
             return open_rows() && write(column_pids.isEmpty() ? QString() : header());
         }
-        tell_columns(column_pids, Pull_line_into_array(row->value(data_column), QStringLiteral(",")));
+        tell_columns(column_pids, items_of_chunk(*row));
     }
     return true;
 }
@@ -101,13 +94,12 @@ QString log_export::header() const {
 
 QString log_export::line_of(const QStringList& row) const {
     QString text;
-    const QStringList items = Pull_line_into_array(row.value(data_column), QStringLiteral(","));
-    for (const QString& item : items) {
+    for (const QString& item : items_of_chunk(row)) {
         const QString value = value_text(sampled_number(item, reading, lists));
         text += text.isEmpty() ? value : u',' + value;
     }
     if (settings.time_column)
-        text += u',' + gmt_date_str_2_local_date_str(row.value(time_column));
+        text += u',' + gmt_date_str_2_local_date_str(row.value(chunk_time_stamp));
     return text + u'\n';
 }
 

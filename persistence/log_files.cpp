@@ -2,14 +2,15 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
-#include "obd/number_text.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLocale>
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <optional>
+#include <string_view>
 
 namespace {
 
@@ -33,28 +34,11 @@ const char* prefix_of(int task) {
     }
 }
 
-// A time stamp of the database in local time; nothing for other text. An export asks for every line, and Qt's
-// parser and its conversion, which looks at the time zone's file each time, take longer than all the rest of
-// it.
-std::optional<std::tm> local_time(QStringView utc) {
-    constexpr QStringView form = u"0000-00-00 00:00:00";
-    if (utc.size() != form.size())
-        return std::nullopt;
-    for (qsizetype i = 0; i < form.size(); ++i) {
-        const bool is_digit = utc[i] >= u'0' && utc[i] <= u'9';
-        if (form[i] == u'0' ? !is_digit : utc[i] != form[i])
-            return std::nullopt;
-    }
-    const auto number = [utc](qsizetype at, qsizetype digits) {
-        return leading_decimal(utc.sliced(at, digits));
-    };
-    const QDate day(number(0, 4), number(5, 2), number(8, 2));
-    const QTime time(number(11, 2), number(14, 2), number(17, 2));
-    if (!day.isValid() || !time.isValid())
-        return std::nullopt;
-    const std::time_t moment = QDateTime(day, time, Qt::UTC).toSecsSinceEpoch();
+// A time stamp of the database in local time; nothing for other text.
+std::optional<std::tm> local_time(const QString& utc) {
+    const std::time_t moment = seconds_of_time_stamp(utc.toLatin1());
     std::tm local{};
-    return localtime_r(&moment, &local) ? std::optional(local) : std::nullopt;
+    return moment != -1 && localtime_r(&moment, &local) ? std::optional(local) : std::nullopt;
 }
 
 } // namespace
@@ -97,6 +81,24 @@ QString get_todays_date(bool for_display, bool metric, const QDateTime& now) {
     if (for_display)
         return QString(day).replace(u'_', u' ') + u' ' + hours + u':' + minutes + u':' + seconds;
     return day + u'-' + hours + minutes + u'_' + seconds;
+}
+
+// By hand: an export asks for every line, and Qt's parser takes longer than all the rest of it.
+qint64 seconds_of_time_stamp(QByteArrayView utc) {
+    const auto fits = [](char c, char place) { return place == '0' ? c >= '0' && c <= '9' : c == place; };
+    if (!std::ranges::equal(utc, std::string_view("0000-00-00 00:00:00"), fits))
+        return -1;
+    const auto number = [utc](qsizetype at, qsizetype digits = 2) {
+        int value = 0;
+        for (const char digit : utc.sliced(at, digits))
+            value = value * 10 + (digit - '0');
+        return value;
+    };
+    const QDate day(number(0, 4), number(5), number(8));
+    const QTime time(number(11), number(14), number(17));
+    if (!day.isValid() || !time.isValid())
+        return -1;
+    return QDate(1970, 1, 1).daysTo(day) * 86400 + time.msecsSinceStartOfDay() / 1000;
 }
 
 QString gmt_date_str_2_local_date_str(const QString& utc) {

@@ -20,8 +20,9 @@ void delete_a_log(const QString& application_folder, const QString& file_name);
 // The date as a part of a file name, or as it is shown. The hours are those of a 12-hour clock without AM or
 // PM, on purpose; months are English in every locale.
 QString get_todays_date(bool for_display, bool metric, const QDateTime& now);
-// A time stamp of the database (UTC, "yyyy-MM-dd HH:mm:ss") in local time, in the same form; "" for other
-// text.
+// A time stamp of the database (UTC, "yyyy-MM-dd HH:mm:ss") as seconds since 1970; -1 for other text.
+qint64 seconds_of_time_stamp(QByteArrayView utc);
+// The same in local time, in the same form; "" for other text.
 QString gmt_date_str_2_local_date_str(const QString& utc);
 // The same in the medium date and short time style.
 QString format_date_str(const QString& utc);

@@ -1,6 +1,7 @@
 #include "persistence/stored_logs.h"
 
 #include "base/string_table.h"
+#include "obd/reply_text.h"
 #include "persistence/log_files.h"
 
 std::optional<log_header> log_header_of(const QStringList& row) {
@@ -14,6 +15,14 @@ std::optional<log_header> log_header_of(const QStringList& row) {
 std::optional<log_header> log_with_id(database& db, int log_id) {
     const auto query = QStringLiteral("SELECT * FROM LOGGIES WHERE LOG_ID=%d");
     return log_header_of(db.retrieve_from_DB(fill(query, {QString::number(log_id)})).value(0));
+}
+
+QString chunks_statement(int log_id) {
+    return fill(QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%d"), {QString::number(log_id)});
+}
+
+QStringList items_of_chunk(const QStringList& row) {
+    return Pull_line_into_array(row.value(chunk_data), QStringLiteral(","));
 }
 
 QString export_file_name(const log_header& log, bool as_txt) {

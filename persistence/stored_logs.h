@@ -16,6 +16,12 @@ struct log_header {
 std::optional<log_header> log_header_of(const QStringList& row);
 std::optional<log_header> log_with_id(database& db, int log_id);
 
+// The chunks of a log, in the order in which they were stored: a row of LOGGIES_DATA each.
+enum log_chunk_column { chunk_data = 1, chunk_time_stamp = 3 };
+QString chunks_statement(int log_id);
+// The replies in a line of a sampling run.
+QStringList items_of_chunk(const QStringList& row);
+
 // The name of the file that an export of the log writes: its time in the time zone of the system, and its
 // kind.
 QString export_file_name(const log_header& log, bool as_txt);

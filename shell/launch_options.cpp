@@ -18,6 +18,19 @@ bool take_address(const QString& text, launch_options& options) {
     return !options.wifi_host.isEmpty();
 }
 
+struct flag {
+    const char* name;
+    bool launch_options::*member;
+};
+constexpr flag flags[] = {{"--json", &launch_options::json},
+                          {"--log", &launch_options::log},
+                          {"--standard-reading", &launch_options::standard_reading},
+                          {"--txt", &launch_options::as_text},
+                          {"--yes", &launch_options::yes},
+                          {"--help", &launch_options::help},
+                          {"-h", &launch_options::help},
+                          {"--version", &launch_options::version}};
+
 // One word that begins with "-". `value` is what stands after "=", or the next word for options that need
 // one.
 class option_words {
@@ -56,23 +69,11 @@ private:
             return choose_link(launch_options::link_choice::simulate);
         if (name == QLatin1String("--metric") || name == QLatin1String("--imperial"))
             return take_units(name == QLatin1String("--metric"));
-        if (name == QLatin1String("--json"))
-            options.json = true;
-        else if (name == QLatin1String("--log"))
-            options.log = true;
-        else if (name == QLatin1String("--standard-reading"))
-            options.standard_reading = true;
-        else if (name == QLatin1String("--txt"))
-            options.as_text = true;
-        else if (name == QLatin1String("--yes"))
-            options.yes = true;
-        else if (name == QLatin1String("--help") || name == QLatin1String("-h"))
-            options.help = true;
-        else if (name == QLatin1String("--version"))
-            options.version = true;
-        else
-            return wrong(QStringLiteral("There is no option %1.").arg(name));
-        return true;
+        for (const flag& known : flags) {
+            if (name == QLatin1String(known.name))
+                return options.*known.member = true;
+        }
+        return wrong(QStringLiteral("There is no option %1.").arg(name));
     }
 
     QString value_of(const QString& word) {

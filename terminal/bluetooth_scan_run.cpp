@@ -1,16 +1,11 @@
 #include "terminal/bluetooth_scan_run.h"
 
+#include "terminal/output.h"
+
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <cstdio>
 
 namespace {
-
-void print(FILE* stream, const QString& text) {
-    std::fputs(text.toUtf8().constData(), stream);
-    std::fflush(stream);
-}
 
 QJsonObject device_as_json(const bluetooth_device& device) {
     return {{QStringLiteral("address"), device.address},
@@ -21,24 +16,25 @@ QJsonObject device_as_json(const bluetooth_device& device) {
 
 } // namespace
 
-bluetooth_scan_run::bluetooth_scan_run(program_core& its_core) : core(its_core), scanner(its_core.clock) {
+bluetooth_scan_run::bluetooth_scan_run(program_core& its_core)
+    : terminal_run(its_core), scanner(its_core.clock) {
     connect(&scanner, &bluetooth_scanner::changed, this, &bluetooth_scan_run::follow);
 }
 
 void bluetooth_scan_run::start() {
-    signals_ = std::make_unique<stop_signals>([this] { print_result(false); });
+    on_stop([this] { print_result(false); });
     scanner.start();
 }
 
 void bluetooth_scan_run::follow() {
     const QString sentence = scanner.sentence();
     if (sentence != std::exchange(told, sentence) && scanner.now() != bluetooth_scanner::phase::done)
-        print(stderr, sentence + QLatin1Char('\n'));
+        tell(sentence + QLatin1Char('\n'));
     for (const bluetooth_device& device : scanner.devices()) {
         const QString line = devices_as_text({device});
         if (!listed.contains(line)) {
             listed.insert(line);
-            print(stderr, line);
+            tell(line);
         }
     }
     if (scanner.now() == bluetooth_scanner::phase::done)
@@ -53,13 +49,9 @@ void bluetooth_scan_run::print_result(bool done) {
         QJsonArray devices;
         for (const bluetooth_device& device : scanner.devices())
             devices += device_as_json(device);
-        const QJsonObject result{{QStringLiteral("devices"), devices},
-                                 {QStringLiteral("done"), done},
-                                 {QStringLiteral("messages"), QJsonArray{told}}};
-        print(stdout,
-              QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Compact)) + QLatin1Char('\n'));
+        print_json(QJsonObject{{"devices", devices}, {"done", done}, {"messages", QJsonArray{told}}});
     } else {
-        print(stdout, devices_as_text(scanner.devices()));
+        print(devices_as_text(scanner.devices()));
     }
     Q_EMIT finished(done ? 0 : 1);
 }

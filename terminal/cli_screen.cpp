@@ -1,22 +1,22 @@
 #include "terminal/cli_screen.h"
 
 #include "terminal/bluetooth_scan_run.h"
+#include "terminal/output.h"
 
-#include <cstdio>
+#include <QJsonArray>
 #include <unistd.h>
 
 namespace {
 
 constexpr qsizetype most_shown = 1000;
 
-void to_stderr(const QString& text) {
-    std::fputs(text.toLocal8Bit().constData(), stderr);
-    std::fflush(stderr);
-}
-
 } // namespace
 
-cli_screen::cli_screen(bool always_yes) : yes(always_yes) {}
+QJsonObject cli_screen::with_messages(QJsonObject result, bool done) const {
+    result.insert(QStringLiteral("done"), done);
+    result.insert(QStringLiteral("messages"), QJsonArray::fromStringList(shown));
+    return result;
+}
 
 void cli_screen::show(const QString& text) {
     const QString line = text.trimmed().replace(QLatin1Char('\r'), QLatin1Char('\n')); // the lines of a reply
@@ -25,15 +25,12 @@ void cli_screen::show(const QString& text) {
     shown += line;
     if (shown.size() > most_shown)
         shown.removeFirst(); // of a run that lasts for days
-    to_stderr(QString(line).replace(QLatin1Char('\r'), QLatin1Char('\n')) + QLatin1Char('\n'));
+    tell(line + QLatin1Char('\n'));
 }
 
 void cli_screen::show_status(const QString& text) {
-    show(text);
-}
-
-void cli_screen::show_toast(const QString& text) {
-    show(text);
+    if (shows_every_reply || !text.startsWith(QLatin1String("Got proper reply")))
+        show(text);
 }
 
 void cli_screen::show_message(const QString& title, const QString& text) {
@@ -42,7 +39,7 @@ void cli_screen::show_message(const QString& title, const QString& text) {
 
 void cli_screen::beep() {
     if (isatty(STDERR_FILENO))
-        to_stderr(QStringLiteral("\a"));
+        tell(QStringLiteral("\a"));
 }
 
 // Without a terminal to ask at, the operation goes on: the person who wrote the script wants its result.
@@ -52,7 +49,7 @@ void cli_screen::ask_yes_no(const QString& title, const QString& text, std::func
         show(QStringLiteral("Answered: Yes"));
         return answer(true);
     }
-    to_stderr(QStringLiteral("[yes/no] "));
+    tell(QStringLiteral("[yes/no] "));
     waiting = std::move(answer);
     input = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
     connect(input.get(), &QSocketNotifier::activated, this, &cli_screen::take_answer);
@@ -78,7 +75,7 @@ void cli_screen::take_answer() {
     const bool is_yes = size > 0 && (typed[0] == 'y' || typed[0] == 'Y');
     const bool is_no = size <= 0 || typed[0] == 'n' || typed[0] == 'N';
     if (!is_yes && !is_no)
-        return to_stderr(QStringLiteral("[yes/no] "));
+        return tell(QStringLiteral("[yes/no] "));
     input->setEnabled(false);
     input.release()->deleteLater(); // it is the sender
     const auto answer = std::exchange(waiting, nullptr);

@@ -3,6 +3,7 @@
 #include "base/screen.h"
 #include "link/bluetooth_service.h"
 
+#include <QJsonObject>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QStringList>
@@ -10,24 +11,30 @@
 
 // The terminal as a screen: what is shown goes to standard error, a line each, and is kept for the result.
 class cli_screen : public QObject, public screen {
-    Q_OBJECT
-
 public:
     // `always_yes`: questions are not asked.
-    explicit cli_screen(bool always_yes);
+    explicit cli_screen(bool always_yes) : yes(always_yes) {}
 
-    // What was shown so far, in order; the latest thousand lines.
-    const QStringList& messages() const { return shown; }
+    // Called when a list has changed.
+    std::function<void(const QString& list)> on_reload;
+    // False: it is not shown that a reply has come.
+    bool shows_every_reply = true;
+
+    // A result with "done" and, as "messages", what was shown so far: the latest thousand lines.
+    QJsonObject with_messages(QJsonObject result, bool done) const;
 
     void show_status(const QString& text) override;
-    void show_toast(const QString& text) override;
+    void show_toast(const QString& text) override { show(text); }
     void show_busy(bool) override {}
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
     // Tells which devices there are and how one is named; nothing is chosen here.
     void choose_device(const QString& why,
                        std::function<void(const QString& address, const QString& name)> answer) override;
-    void reload(const QString&) override {}
+    void reload(const QString& list) override {
+        if (on_reload)
+            on_reload(list);
+    }
     void play_sound(int) override {}
     void beep() override;
 

@@ -1,25 +1,16 @@
 #include "terminal/expert_run.h"
 
+#include "terminal/output.h"
+
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <cstdio>
 #include <unistd.h>
 
 namespace {
 
-// Why a command was not answered may be told up to half a second after its end.
-constexpr int last_words_ms = 700;
 constexpr qsizetype script_words = 4;
 
 const QString send_command = QStringLiteral("send");
 const QString script_command = QStringLiteral("script");
-
-bool print(const QByteArray& text) {
-    return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout) ==
-               static_cast<size_t>(text.size()) &&
-           std::fflush(stdout) == 0;
-}
 
 // The commands of one pass, as they are sent.
 QStringList commands_of(const expert_script& script) {
@@ -44,19 +35,13 @@ QString wrong_commands(const QStringList& commands, bool yes) {
 
 } // namespace
 
-void expert_run::console_screen::reload(const QString& list) {
-    if (list == QLatin1String("transcript"))
-        lines_came();
-}
-
 expert_run::expert_run(program_core& its_core)
-    : core(its_core), view(core.options.yes, [this] { print_new_lines(); }),
-      delegate(core.state, core.defaults, core.db, core.clock, view),
-      toolies(core.state, core.defaults, core.db),
-      controller(core.state, delegate.link, toolies, view, core.defaults, core.expert) {}
-
-expert_run::~expert_run() {
-    delegate.applicationWillTerminate();
+    : car_run(its_core),
+      controller(core.state, delegate.link, core.toolies, view, core.defaults, core.expert) {
+    view.on_reload = [this](const QString& list) {
+        if (list == QLatin1String("transcript"))
+            print_new_lines();
+    };
 }
 
 bool expert_run::is_expert_command(const QString& command) {
@@ -78,22 +63,21 @@ QString expert_run::wrong_words(const QString& command, const QStringList& words
 }
 
 void expert_run::start() {
-    signals_ = std::make_unique<stop_signals>([this] {
+    on_stop([this] {
         waiting.clear();
         controller.stop();
     });
-    core.choose_link();
-    delegate.applicationDidFinishLaunching(nullptr);
+    begin();
     delegate.link.set_controller(&controller);
     controller.load();
     controller.operation_ended = [this](bool done) {
         const bool ends = !done || waiting.isEmpty();
-        going_on = core.clock.one_shot(done ? 0 : last_words_ms, [this, ends, done] {
+        after_last_words(done, [this, ends, done] {
             if (!ends)
                 return begin_next();
             if (core.options.json)
-                print_json(done);
-            Q_EMIT finished(done && !output_lost ? 0 : 1);
+                print_answers(done);
+            Q_EMIT finished(done && is_all_printed() ? 0 : 1);
         });
     };
     commands_too = core.options.command == script_command || core.options.arguments.size() > 1;
@@ -117,11 +101,13 @@ void expert_run::print_new_lines() {
         else if (!line.is_command)
             text += line.text.toUtf8() + '\n';
     }
-    if (!core.options.json && !print(text))
-        output_lost = true;
+    if (core.options.json)
+        return;
+    print(text);
+    is_all_printed(); // as it comes
 }
 
-void expert_run::print_json(bool done) {
+void expert_run::print_answers(bool done) {
     const transcript& lines = core.expert.lines;
     QJsonArray answers;
     QJsonObject one;
@@ -142,10 +128,5 @@ void expert_run::print_json(bool done) {
         }
     }
     keep();
-    const QJsonObject result{{"answers", answers},
-                             {"lines_left_out", lines.first()},
-                             {"done", done},
-                             {"messages", QJsonArray::fromStringList(view.messages())}};
-    if (!print(QJsonDocument(result).toJson(QJsonDocument::Compact) + '\n'))
-        output_lost = true;
+    print_json(view.with_messages({{"answers", answers}, {"lines_left_out", lines.first()}}, done));
 }

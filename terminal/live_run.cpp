@@ -1,15 +1,12 @@
 #include "terminal/live_run.h"
 
+#include "terminal/output.h"
+
 #include <QDateTime>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <csignal>
-#include <cstdio>
 
 namespace {
 
-// Why a run failed may be told up to half a second after its end.
-constexpr int last_words_ms = 700;
 constexpr qsizetype matrix_bytes = 1; // the latest sweeps only
 
 QByteArray quoted(QString text) {
@@ -36,31 +33,21 @@ QString label_of(const sample_row& row) {
 
 } // namespace
 
-void live_run::quiet_screen::show_status(const QString& text) {
-    if (!text.startsWith(QLatin1String("Got proper reply")))
-        cli_screen::show_status(text);
-}
-
 live_run::live_run(program_core& its_core, const live_words& its_words)
-    : core(its_core), words(its_words), view(core.options.yes),
-      delegate(core.state, core.defaults, core.db, core.clock, view),
+    : car_run(its_core), words(its_words),
       results([this](const QString& body) { return core.toolies.shown_number(body); }, matrix_bytes) {
+    view.shows_every_reply = false;
     if (words.store)
         core.defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
 }
 
-live_run::~live_run() {
-    delegate.applicationWillTerminate();
-}
-
 void live_run::start() {
-    signals_ = std::make_unique<stop_signals>([this] {
+    on_stop([this] {
         as_asked = true;
         controller->stop();
     });
-    core.choose_link();
-    delegate.applicationDidFinishLaunching(nullptr);
+    begin();
     controller = std::make_unique<actions>(core.state, delegate.link, core.toolies, view, core.defaults,
                                            core.clock, results, core.paths);
     controller->set_observer(this);
@@ -96,14 +83,10 @@ void live_run::sample_arrived(int index) {
 }
 
 void live_run::sweep_completed() {
-    if (core.options.json) {
-        print(json_line());
-    } else {
-        if (results.sample_cnt == 1)
-            print(header());
-        print(csv_line());
-    }
-    if (output_lost)
+    if (!core.options.json && results.sample_cnt == 1)
+        print(header());
+    print(core.options.json ? json_line() : csv_line());
+    if (!is_all_printed())
         stop(false);
     else if (results.sample_cnt == words.sweeps)
         stop(true);
@@ -111,13 +94,13 @@ void live_run::sweep_completed() {
 
 void live_run::run_ended() {
     time_limit.reset();
-    ending = core.clock.one_shot(as_asked ? 0 : last_words_ms, [this] { end(); });
+    after_last_words(as_asked, [this] { end(); });
 }
 
 void live_run::end() {
-    const bool done = as_asked && results.sample_cnt > 0 && !output_lost &&
+    const bool done = as_asked && results.sample_cnt > 0 && is_all_printed() &&
                       controller->storing_problem().isEmpty() && every_asked_pid_answered();
-    std::fputs(summary().toLocal8Bit().constData(), stderr);
+    tell(summary());
     Q_EMIT finished(done ? 0 : 1);
 }
 
@@ -128,12 +111,6 @@ bool live_run::every_asked_pid_answered() const {
 }
 
 // --- output --------------------------------------------------------------------------------------------
-
-void live_run::print(const QByteArray& line) {
-    const auto size = static_cast<size_t>(line.size());
-    output_lost =
-        output_lost || std::fwrite(line.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0;
-}
 
 QByteArray live_run::header() const {
     QByteArray line = "time";
@@ -171,7 +148,7 @@ QByteArray live_run::json_line() const {
                             {"sweep", results.sample_cnt},
                             {"reading", by_standard ? "standard" : "program"},
                             {"values", values}};
-    return QJsonDocument(sweep).toJson(QJsonDocument::Compact) + '\n';
+    return compact(sweep) + '\n';
 }
 
 QString live_run::summary() const {

@@ -2,11 +2,8 @@
 
 #include "charts/sample_matrix.h"
 #include "livedata/actions.h"
-#include "shell/Bv_lite_delegate.h"
-#include "shell/program_core.h"
-#include "terminal/cli_screen.h"
+#include "terminal/car_run.h"
 #include "terminal/live_words.h"
-#include "terminal/stop_signals.h"
 
 #include <QElapsedTimer>
 #include <memory>
@@ -14,27 +11,14 @@
 
 // One sampling run in the terminal: each sweep is a line on standard output as soon as it is complete, and
 // stored before it is printed where that was asked for. Nothing grows with the run, which may last for days.
-class live_run : public QObject, private run_observer {
-    Q_OBJECT
-
+class live_run : public car_run, private run_observer {
 public:
     live_run(program_core& its_core, const live_words& its_words);
-    ~live_run() override;
+    ~live_run() override { leave(); }
 
-    void start();
-
-Q_SIGNALS:
-    // 0 done, 1 failed, or no value came.
-    void finished(int exit_status);
+    void start() override;
 
 private:
-    // A terminal that is not told every reply.
-    class quiet_screen : public cli_screen {
-    public:
-        using cli_screen::cli_screen;
-        void show_status(const QString& text) override;
-    };
-
     // run_observer
     void set_changed() override {}
     void run_started() override {}
@@ -45,7 +29,6 @@ private:
     void set_sensor_value(int, const QString&) override {}
 
     void stop(bool as_asked);
-    void print(const QByteArray& line);
     QByteArray header() const;
     QByteArray csv_line() const;
     QByteArray json_line() const;
@@ -53,15 +36,10 @@ private:
     bool every_asked_pid_answered() const;
     void end();
 
-    program_core& core;
     const live_words words;
-    quiet_screen view;
-    Bv_lite_delegate delegate;
     live_results results; // of the latest sweeps
     std::unique_ptr<actions> controller;
-    std::unique_ptr<stop_signals> signals_;
     timer_handle time_limit;
-    timer_handle ending;
 
     struct seen_column {
         series_summary numbers; // the smallest and the largest so far
@@ -69,5 +47,4 @@ private:
     };
     std::vector<seen_column> seen;
     bool as_asked = false; // the run ended where it was to end
-    bool output_lost = false;
 };

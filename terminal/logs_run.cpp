@@ -3,12 +3,11 @@
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 #include "obd/pid_catalogue.h"
-#include "obd/reply_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
+#include "terminal/output.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
 #include <cmath>
@@ -18,13 +17,7 @@
 namespace {
 
 constexpr int lines_a_slice = 2000;
-constexpr int data_column = 1;
-constexpr int time_column = 3;
 constexpr int digits = 10;
-
-void print(FILE* stream, const QString& text) {
-    std::fputs(text.toUtf8().constData(), stream);
-}
 
 // What a database from elsewhere holds must not steer the terminal.
 QString printable(QString text) {
@@ -43,18 +36,8 @@ int number_of(const QString& word) {
 }
 
 // A text as JSON, quotes and all.
-QString quoted(const QString& text) {
-    const QByteArray list = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(list.sliced(1).chopped(1));
-}
-
-template <class json>
-QString compact(const json& value) {
-    return QString::fromUtf8(QJsonDocument(value).toJson(QJsonDocument::Compact));
-}
-
-void print_object(const QJsonObject& object) {
-    print(stdout, compact(object) + u'\n');
+QByteArray quoted(const QString& text) {
+    return compact(QJsonArray{text}).sliced(1).chopped(1);
 }
 
 QJsonObject as_json(const log_header& log) {
@@ -66,10 +49,6 @@ QJsonObject as_json(const log_header& log) {
 }
 
 // --- sampling runs -------------------------------------------------------------------------------------
-
-QStringList items_of(const QStringList& row) {
-    return Pull_line_into_array(row.value(data_column), QStringLiteral(","));
-}
 
 sample_reading by_standard(sample_reading reading) {
     reading.by_standard = true;
@@ -107,7 +86,7 @@ QJsonObject sample_as_json(const QStringList& items, const sample_reading& own, 
 
 } // namespace
 
-logs_run::logs_run(program_core& its_core) : core(its_core), view(core.options.yes) {}
+logs_run::logs_run(program_core& its_core) : terminal_run(its_core), view(core.options.yes) {}
 
 QString logs_run::wrong_words(const QStringList& words, bool yes) {
     const QString what = words.value(0);
@@ -159,22 +138,22 @@ void logs_run::list() {
                 if (core.options.json)
                     rows += as_json(*log);
                 else
-                    print(stdout, QStringLiteral("%1  %2  %3  %4\n")
-                                      .arg(log->id, 6)
-                                      .arg(gmt_date_str_2_local_date_str(log->time_stamp))
-                                      .arg(printable(log->type), -8)
-                                      .arg(printable(log->info)));
+                    print(QStringLiteral("%1  %2  %3  %4\n")
+                              .arg(log->id, 6)
+                              .arg(gmt_date_str_2_local_date_str(log->time_stamp))
+                              .arg(printable(log->type), -8)
+                              .arg(printable(log->info)));
             }
             return true;
         });
     if (core.options.json)
-        print_object({{"logs", rows}});
+        print_json(QJsonObject{{"logs", rows}});
     end(read ? QString() : core.db.problem(), read);
 }
 
 // For what changes something, and goes on in slices. A log that is only shown may be broken off anywhere.
 void logs_run::end_in_order() {
-    signals_ = std::make_unique<stop_signals>([this] {
+    on_stop([this] {
         if (exporting)
             exporting->stop();
         end(deletion ? QStringLiteral("Stopped: %1 of %2 logs are deleted")
@@ -187,14 +166,14 @@ void logs_run::end_in_order() {
 
 // A chunk at a time: a run may be longer than the memory.
 bool logs_run::each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take) {
-    return core.db.for_each_row(
-        QStringLiteral("SELECT * FROM LOGGIES_DATA WHERE LOG_ID=%1").arg(log_id),
-        [&take](const QStringList& row) { return take(row) && std::ferror(stdout) == 0; });
+    return core.db.for_each_row(chunks_statement(log_id), [&take](const QStringList& row) {
+        return take(row) && std::ferror(stdout) == 0;
+    });
 }
 
 QStringList logs_run::columns_of(int log_id) {
     QStringList pids;
-    each_chunk(log_id, [&](const QStringList& row) { return !tell_columns(pids, items_of(row)); });
+    each_chunk(log_id, [&](const QStringList& row) { return !tell_columns(pids, items_of_chunk(row)); });
     return pids;
 }
 
@@ -206,7 +185,7 @@ void logs_run::show(const log_header& log) {
 
 void logs_run::show_text(int log_id) {
     const bool read = each_chunk(log_id, [&](const QStringList& row) {
-        print(stdout, printable(row.value(data_column)) + u'\n');
+        print(printable(row.value(chunk_data)) + u'\n');
         return true;
     });
     end(read ? QString() : core.db.problem(), read);
@@ -217,45 +196,41 @@ void logs_run::show_samples(int log_id) {
     QString head = QStringLiteral("Time");
     for (const QString& pid : columns_of(log_id))
         head += u',' + sampled_heading(pid, toolies.shown_reading(), toolies.lists());
-    print(stdout, head + u'\n');
+    print(head + u'\n');
     const bool read = each_chunk(log_id, [&](const QStringList& row) {
-        QString line = gmt_date_str_2_local_date_str(row.value(time_column));
-        for (const QString& item : items_of(row)) {
+        QString line = gmt_date_str_2_local_date_str(row.value(chunk_time_stamp));
+        for (const QString& item : items_of_chunk(row)) {
             const double number = toolies.shown_number(item);
             line += u',' + (std::isfinite(number) ? QString::number(number, 'g', digits) : QString());
         }
-        print(stdout, line + u'\n');
+        print(line + u'\n');
         return true;
     });
     end(read ? QString() : core.db.problem(), read);
 }
 
 void logs_run::show_as_json(const log_header& log) {
-    QByteArray head = QJsonDocument(as_json(log)).toJson(QJsonDocument::Compact);
-    head.chop(1);
-    print(stdout, QString::fromUtf8(head) + QStringLiteral(",\"lines\":["));
+    print(compact(as_json(log)).chopped(1) + ",\"lines\":[");
     bool is_first = true;
     bool read = each_chunk(log.id, [&](const QStringList& row) {
-        print(stdout, (is_first ? QString() : QStringLiteral(",")) + quoted(row.value(data_column)));
+        print((is_first ? "" : ",") + quoted(row.value(chunk_data)));
         is_first = false;
         return true;
     });
-    print(stdout, QStringLiteral("]"));
+    print(QStringLiteral("]"));
     if (isSampledLog(log.type)) {
         const sample_reading own{core.toolies.units(), core.state.boost_reference_kpa, false};
-        print(stdout, QStringLiteral(",\"columns\":") +
-                          compact(columns_as_json(columns_of(log.id), own, lists)) +
-                          QStringLiteral(",\"samples\":["));
+        print(",\"columns\":" + compact(columns_as_json(columns_of(log.id), own, lists)) + ",\"samples\":[");
         is_first = true;
         read = read && each_chunk(log.id, [&](const QStringList& row) {
-                   const QJsonObject sample = sample_as_json(items_of(row), own, lists);
-                   print(stdout, (is_first ? QString() : QStringLiteral(",")) + compact(sample));
+                   const QJsonObject sample = sample_as_json(items_of_chunk(row), own, lists);
+                   print((is_first ? "" : ",") + compact(sample));
                    is_first = false;
                    return true;
                });
-        print(stdout, QStringLiteral("]"));
+        print(QStringLiteral("]"));
     }
-    print(stdout, QStringLiteral("}\n"));
+    print(QStringLiteral("}\n"));
     end(read ? QString() : core.db.problem(), read);
 }
 
@@ -284,7 +259,7 @@ void logs_run::next_deletion() {
         return;
     }
     if (core.options.json)
-        print_object({{"deleted", deletion->deleted()}, {"asked", deletion->asked()}});
+        print_json(QJsonObject{{"deleted", deletion->deleted()}, {"asked", deletion->asked()}});
     const QString sentence =
         QStringLiteral("Deleted: %1 of %2 logs").arg(deletion->deleted()).arg(deletion->asked());
     end(deletion->has_failed() ? sentence + u'\n' + core.db.problem() : sentence, !deletion->has_failed());
@@ -309,31 +284,31 @@ void logs_run::next_slice() {
     if (exporting->lines_announced() > 0) {
         const int percent = static_cast<int>(100 * exporting->lines_written() / exporting->lines_announced());
         if (percent != last_percent)
-            print(stderr, QStringLiteral("\r%1 of %2 lines")
-                              .arg(exporting->lines_written())
-                              .arg(exporting->lines_announced()));
+            tell(QStringLiteral("\r%1 of %2 lines")
+                     .arg(exporting->lines_written())
+                     .arg(exporting->lines_announced()));
         last_percent = percent;
     }
     if (more) {
         slice = core.clock.one_shot(0, [this] { next_slice(); });
         return;
     }
-    print(stderr, QStringLiteral("\n"));
+    tell(QStringLiteral("\n"));
     if (!exporting->succeeded())
         return end(exporting->problem(), false);
     if (core.options.json)
-        print_object({{"file", exporting->path()}, {"lines", exporting->lines_written()}});
+        print_json(QJsonObject{{"file", exporting->path()}, {"lines", exporting->lines_written()}});
     else
-        print(stdout, exporting->path() + u'\n');
+        print(exporting->path() + u'\n');
     end(QStringLiteral("Exported to loggies folder in Documents\n\n%1").arg(exporting->path()), true);
 }
 
 void logs_run::end(const QString& sentence, bool done) {
     slice.reset();
-    const bool is_printed = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    const bool is_printed = is_all_printed();
     if (!sentence.isEmpty())
-        print(stderr, sentence + u'\n');
+        tell(sentence + u'\n');
     if (!is_printed)
-        print(stderr, QStringLiteral("The output cannot be written.\n"));
+        tell(QStringLiteral("The output cannot be written.\n"));
     Q_EMIT finished(done && is_printed ? 0 : 1);
 }

@@ -2,28 +2,18 @@
 
 #include "logs/manage_logsDB.h"
 #include "persistence/log_export.h"
-#include "shell/program_core.h"
 #include "terminal/cli_screen.h"
-#include "terminal/stop_signals.h"
-
-#include <functional>
-#include <memory>
+#include "terminal/terminal_run.h"
 
 // The command "logs": "logs list" names the stored logs, "logs show ID" prints one, "logs export ID" writes a
 // sampling run to a file, "logs delete ID..." deletes. The car is not asked.
-class logs_run : public QObject {
-    Q_OBJECT
-
+class logs_run : public terminal_run {
 public:
     explicit logs_run(program_core& its_core);
 
-    void start();
+    void start() override;
     // Why the words after "logs" cannot be carried out, "" when they can.
     static QString wrong_words(const QStringList& words, bool yes);
-
-Q_SIGNALS:
-    // 0 done, 1 failed or stopped.
-    void finished(int exit_status);
 
 private:
     void list();
@@ -41,12 +31,10 @@ private:
     void next_deletion();
     void end(const QString& sentence, bool done);
 
-    program_core& core;
     cli_screen view;
     text_resources lists;
     std::unique_ptr<log_export> exporting;
     std::unique_ptr<log_deletion> deletion;
-    std::unique_ptr<stop_signals> signals_;
     timer_handle slice;
     int last_percent = -1;
 };

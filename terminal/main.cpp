@@ -4,20 +4,16 @@
 #include "terminal/expert_run.h"
 #include "terminal/live_run.h"
 #include "terminal/logs_run.h"
+#include "terminal/output.h"
 #include "terminal/profile_command.h"
 #include "terminal/update_run.h"
 
 #include <QCoreApplication>
 #include <QTimer>
-#include <cstdio>
 
 namespace {
 
 constexpr int wrong_usage = 2;
-
-void print(FILE* stream, const QString& text) {
-    std::fputs(text.toLocal8Bit().constData(), stream);
-}
 
 QString usage() {
     QString text = QStringLiteral(
@@ -84,41 +80,37 @@ QString wrong_command(const launch_options& options) {
 }
 
 int refuse(const QString& problem) {
-    print(stderr, problem + QStringLiteral("\nbrivant-cli --help lists commands and options.\n"));
+    tell(problem + QStringLiteral("\nbrivant-cli --help lists commands and options.\n"));
     return wrong_usage;
 }
 
-template <typename command_run, typename... arguments>
-int run_to_its_end(arguments&&... its) {
-    command_run command(std::forward<arguments>(its)...);
-    QObject::connect(
-        &command, &command_run::finished, qApp, [](int status) { QCoreApplication::exit(status); },
-        Qt::QueuedConnection);
-    QTimer::singleShot(0, &command, &command_run::start);
+int run_to_its_end(terminal_run&& command) {
+    QObject::connect(&command, &terminal_run::finished, qApp, QCoreApplication::exit, Qt::QueuedConnection);
+    QTimer::singleShot(0, &command, &terminal_run::start);
     return QCoreApplication::exec();
 }
 
 int run(const launch_options& options) {
     program_core core(options);
     if (!core.folder_problem().isEmpty())
-        print(stderr, core.folder_problem() + QLatin1Char('\n'));
+        tell(core.folder_problem() + QLatin1Char('\n'));
     redirectConsoleLogToDocumentFolder(core.paths);
     if (options.command == QLatin1String("logs"))
-        return run_to_its_end<logs_run>(core);
+        return run_to_its_end(logs_run(core));
     if (options.command == QLatin1String("update-check"))
-        return run_to_its_end<update_run>(core);
+        return run_to_its_end(update_run(core));
     if (options.command == QLatin1String("bluetooth-scan"))
-        return run_to_its_end<bluetooth_scan_run>(core);
+        return run_to_its_end(bluetooth_scan_run(core));
     if (is_profile_command(options.command))
         return run_profile_command(core);
     QString problem;
     if (!core.start_demo(problem))
         return refuse(problem);
     if (expert_run::is_expert_command(options.command))
-        return run_to_its_end<expert_run>(core);
+        return run_to_its_end(expert_run(core));
     if (is_live_command(options.command))
-        return run_to_its_end<live_run>(core, *parse_live_words(options.command, options.arguments, problem));
-    return run_to_its_end<cli_run>(core, *find_command(options.command));
+        return run_to_its_end(live_run(core, *parse_live_words(options.command, options.arguments, problem)));
+    return run_to_its_end(cli_run(core, *find_command(options.command)));
 }
 
 } // namespace
@@ -134,9 +126,9 @@ int main(int argc, char** argv) {
     if (!options)
         return refuse(problem);
     if (options->help)
-        return print(stdout, usage()), 0;
+        return print(usage()), 0;
     if (options->version)
-        return print(stdout, QStringLiteral("brivant-cli " BV_VERSION "\n")), 0;
+        return print(QStringLiteral("brivant-cli " BV_VERSION "\n")), 0;
     problem = wrong_command(*options);
     return problem.isEmpty() ? run(*options) : refuse(problem);
 }

@@ -7,8 +7,6 @@
 
 // Ctrl-C and a polite kill as a call from the event loop. The second one ends the program at once.
 class stop_signals : public QObject {
-    Q_OBJECT
-
 public:
     explicit stop_signals(std::function<void()> on_stop);
 

@@ -1,21 +1,16 @@
 #include "terminal/update_run.h"
 
-#include <QJsonDocument>
+#include "terminal/output.h"
+
 #include <QJsonObject>
-#include <cstdio>
 
 namespace {
 
 const QString download_word = QStringLiteral("download");
 
-void print(FILE* stream, const QString& text) {
-    std::fputs(text.toUtf8().constData(), stream);
-    std::fflush(stream);
-}
-
 } // namespace
 
-update_run::update_run(program_core& its_core) : core(its_core) {
+update_run::update_run(program_core& its_core) : terminal_run(its_core) {
     connect(&updates, &update_check::finished, this, &update_run::step_done);
     connect(&updates, &update_check::progress, this, &update_run::show_progress);
 }
@@ -27,7 +22,7 @@ QString update_run::wrong_words(const QStringList& words) {
 }
 
 void update_run::start() {
-    signals_ = std::make_unique<stop_signals>([this] { updates.stop(); });
+    on_stop([this] { updates.stop(); });
     updates.check(core.defaults.text(QLatin1String(update_server_key), QString()));
 }
 
@@ -38,7 +33,7 @@ void update_run::step_done(const QString& problem) {
         return updates.download(core.paths.documents);
     }
     if (last_percent >= 0)
-        print(stderr, QStringLiteral("\n"));
+        tell(QStringLiteral("\n"));
     print_result(problem);
     Q_EMIT finished(problem.isEmpty() ? 0 : 1);
 }
@@ -46,35 +41,32 @@ void update_run::step_done(const QString& problem) {
 void update_run::show_progress(qint64 received, qint64 total) {
     const int percent = total > 0 ? static_cast<int>(100 * received / total) : -1;
     if (percent != last_percent)
-        print(stderr, QStringLiteral("\r%1 of %2 bytes").arg(received).arg(total));
+        tell(QStringLiteral("\r%1 of %2 bytes").arg(received).arg(total));
     last_percent = percent;
 }
 
 void update_run::print_result(const QString& problem) {
-    const QString newest = updates.found() ? updates.found()->version.text() : QString();
+    const QString newest = updates.found() ? updates.found()->version.toString() : QString();
     if (core.options.json) {
-        const QJsonObject object{{"version", QStringLiteral(BV_VERSION)},
-                                 {"newest", newest},
-                                 {"is_newer", updates.is_newer()},
-                                 {"file", updates.file()},
-                                 {"problem", problem},
-                                 {"done", problem.isEmpty()}};
-        print(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
+        print_json(QJsonObject{{"version", QStringLiteral(BV_VERSION)},
+                               {"newest", newest},
+                               {"is_newer", updates.is_newer()},
+                               {"file", updates.file()},
+                               {"problem", problem},
+                               {"done", problem.isEmpty()}});
     } else if (!updates.file().isEmpty()) {
-        print(stdout, updates.file() + u'\n');
+        print(updates.file() + u'\n');
     } else if (updates.found()) {
-        print(stdout, updates.is_newer()
-                          ? QStringLiteral("Version %1 is there; this is " BV_VERSION ".\n").arg(newest)
-                          : QStringLiteral("This is the newest version, " BV_VERSION ".\n"));
+        print(updates.is_newer()
+                  ? QStringLiteral("Version %1 is there; this is " BV_VERSION ".\n").arg(newest)
+                  : QStringLiteral("This is the newest version, " BV_VERSION ".\n"));
     }
     if (updates.found() && updates.is_newer() && updates.file().isEmpty() && problem.isEmpty())
-        print(stderr,
-              QStringLiteral("update-check download fetches it into %1.\n").arg(core.paths.documents));
+        tell(QStringLiteral("update-check download fetches it into %1.\n").arg(core.paths.documents));
     if (problem.isEmpty())
         return;
-    print(stderr, problem + u'\n');
+    tell(problem + u'\n');
     if (!core.defaults.has(QLatin1String(update_server_key)))
-        print(
-            stderr,
+        tell(
             QStringLiteral("settings set %1 https://... names one.\n").arg(QLatin1String(update_server_key)));
 }

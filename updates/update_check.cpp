@@ -11,7 +11,7 @@ constexpr qint64 buffer_size = 256 * 1024;
 } // namespace
 
 update_check::update_check(const QString& running, int patience_ms, QObject* parent)
-    : QObject(parent), own(version_number::of(running).value_or(version_number())) {
+    : QObject(parent), own(QVersionNumber::fromString(running).normalized()) {
     patience.setSingleShot(true);
     patience.setInterval(patience_ms);
     connect(&patience, &QTimer::timeout, this, [this] {

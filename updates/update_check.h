@@ -40,7 +40,7 @@ public:
     bool is_running() const { return reply != nullptr; }
     // What the server told last; none before that, and after a failed check.
     const std::optional<version_file>& found() const { return newest; }
-    bool is_newer() const { return newest && newest->version > own; }
+    bool is_newer() const { return newest && newest->version.normalized() > own; }
     // The path of the archive that was fetched, "" while there is none.
     const QString& file() const { return kept; }
 
@@ -61,7 +61,7 @@ private:
     QString what_went_wrong() const;
     qint64 most_bytes() const { return archive ? newest->size : version_file::largest; }
 
-    const version_number own;
+    const QVersionNumber own; // without zeros at its end
     QNetworkAccessManager network;
     QTimer patience;
     std::optional<version_file> newest;

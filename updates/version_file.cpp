@@ -42,8 +42,10 @@ std::optional<version_file> version_file::of(const QByteArray& json, const QUrl&
         return refuse(QStringLiteral("it is not JSON"));
     const QJsonObject object = document.object();
 
-    const auto version = version_number::of(object.value(QStringLiteral("version")).toString());
-    if (!version)
+    const QString number = object.value(QStringLiteral("version")).toString();
+    qsizetype behind = 0;
+    const auto version = QVersionNumber::fromString(number, &behind);
+    if (version.segmentCount() < 1 || version.segmentCount() > 4 || behind != number.size())
         return refuse(QStringLiteral("it names no version"));
     const QString path = object.value(QStringLiteral("archive")).toString();
     if (!is_archive_path(path))
@@ -54,7 +56,7 @@ std::optional<version_file> version_file::of(const QByteArray& json, const QUrl&
     const QString digest = object.value(QStringLiteral("sha256")).toString();
     if (!matches(QStringLiteral("[0-9A-Fa-f]{%1}").arg(2 * sha256_size), digest))
         return refuse(QStringLiteral("it holds no SHA-256"));
-    return version_file{*version, address.resolved(QUrl(path)), path.section(u'/', -1),
+    return version_file{version, address.resolved(QUrl(path)), path.section(u'/', -1),
                         static_cast<qint64>(size), QByteArray::fromHex(digest.toLatin1())};
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "updates/version_number.h"
-
 #include <QByteArray>
 #include <QUrl>
+#include <QVersionNumber>
+#include <optional>
 
 // What an update server tells, in a JSON file named "version.json" in the folder that the settings name:
 //
@@ -18,9 +18,9 @@ struct version_file {
     static constexpr qint64 largest = 64 * 1024;
     static constexpr qint64 largest_archive = qint64{1} << 30;
 
-    version_number version;
-    QUrl archive;         // resolved against the address of the file
-    QString archive_name; // "brivant-lite-1.2.0.tar.xz"
+    QVersionNumber version; // of one to four numbers
+    QUrl archive;           // resolved against the address of the file
+    QString archive_name;   // "brivant-lite-1.2.0.tar.xz"
     qint64 size = 0;
     QByteArray sha256; // 32 bytes
 

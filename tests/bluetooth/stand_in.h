@@ -23,6 +23,7 @@ public:
         if (!bus.waitForReadyRead())
             return false;
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", bus.readLine().trimmed());
+        qputenv("BLUETOOTH_FORCE_DBUS_LE_VERSION", "5.66"); // QtBluetooth would ask the service's program
         service.start(BV_BLUEZ_STAND_IN, QStringList());
         return service.waitForReadyRead() && service.readLine() == "ready\n";
     }

@@ -79,12 +79,3 @@ TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
     ASSERT_TRUE(file.resize(5000));
     EXPECT_NE(run.read().problem(), "");
 }
-
-TEST(seconds_of_time_stamp, reads_the_form_of_the_database_alone) {
-    EXPECT_EQ(seconds_of_time_stamp("2013-05-01 14:03:07"),
-              QDateTime::fromString("2013-05-01T14:03:07Z", Qt::ISODate).toSecsSinceEpoch());
-    EXPECT_EQ(seconds_of_time_stamp("1970-01-01 00:00:00"), 0);
-    for (const char* wrong :
-         {"", "2013-05-01", "2013-13-01 14:03:07", "2013-02-30 00:00:00", "2013-05-01 14:03:0x"})
-        EXPECT_EQ(seconds_of_time_stamp(wrong), -1) << wrong;
-}

@@ -72,6 +72,7 @@ TEST(log_files, database_times_in_the_local_zone) {
         EXPECT_EQ(gmt_date_str_2_local_date_str(utc), local) << utc;
         EXPECT_EQ(format_date_str(utc), shown) << utc;
     }
+    EXPECT_EQ(seconds_of_time_stamp("1970-01-02 00:00:01"), 86401);
 }
 
 TEST(log_files, sampling_rates) {

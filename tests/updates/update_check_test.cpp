@@ -165,11 +165,23 @@ TEST(update_check, is_stopped_and_does_not_wait_for_ever) {
     EXPECT_EQ(stopped.files(), QStringList());
 }
 
-TEST(version_number, is_compared_number_by_number) {
-    const auto number = [](const char* text) { return *version_number::of(QLatin1String(text)); };
-    EXPECT_LT(number("1.9"), number("1.10"));
-    EXPECT_LT(number("0.9.9.9"), number("1"));
-    EXPECT_EQ(number("1.2"), number("1.2.0"));
-    for (const char* wrong : {"", "1.", ".1", "1.2.3.4.5", "1.2-rc1", "1234567890", "v1", "1 "})
-        EXPECT_FALSE(version_number::of(QLatin1String(wrong))) << wrong;
+TEST(update_check, compares_versions_number_by_number) {
+    struct {
+        const char* version;
+        bool is_version;
+        bool is_newer; // than 1.1.9
+    } const rows[] = {
+        {"1.1.10", true, true},      {"1.2", true, true},       {"2", true, true},
+        {"1.1.9.0", true, false},    {"1.1", true, false},      {"0.9.9.9", true, false},
+        {"", false, false},          {"1.", false, false},      {".1", false, false},
+        {"1.2.3.4.5", false, false}, {"1.2-rc1", false, false}, {"v1", false, false},
+        {"1 ", false, false},
+    };
+    for (const auto& row : rows) {
+        asked_server net;
+        net.server.answers[net.file_path] =
+            http_server::ok(version_json(QLatin1String(row.version), content));
+        EXPECT_EQ(net.check().isEmpty(), row.is_version) << row.version;
+        EXPECT_EQ(net.updates.is_newer(), row.is_newer) << row.version;
+    }
 }

@@ -23,296 +23,250 @@ bool is_group(std::uint8_t identifier) {
     return (identifier & 0x1F) == 0;
 }
 
-// Reads line after line into the description. Every line_* function takes the words behind its keyword.
-class reader {
-public:
-    void line(std::string_view text);
-    car_description finish();
-
-private:
-    using take = void (*)(reader&, file_words&);
-    struct keyword {
-        std::string_view name;
-        bool of_an_ecu;
-        take read;
-    };
-    static const keyword keywords[];
-
-    bool can() const { return is_can(find_protocol(m_car.protocol_number)->kind); }
-    ecu& unit() { return m_car.ecus.back(); }
-    std::size_t most_data(std::size_t on_can, std::size_t taken) const {
-        return can() ? on_can : legacy_data - taken;
-    }
-
-    void protocol_line(file_words& words);
-    void adapter_line(file_words& words);
-    void ecu_line(file_words& words);
-    void engine_line(file_words& words);
-    void pid_line(file_words& words);
-    void codes_line(file_words& words, std::vector<trouble_code>& codes);
-    void freeze_code_line(file_words& words);
-    void freeze_line(file_words& words);
-    void vin_line(file_words& words);
-    void name_line(file_words& words);
-    void test_line(file_words& words);
-    void limit_line(file_words& words);
-    void data_line(file_words& words);
-    void refuse_line(file_words& words);
-
-    car_description m_car;
-};
-
-// clang-format off
-const reader::keyword reader::keywords[] = {
-    {"name",              false, [](auto& r, auto& w) { r.m_car.name = w.text("the name", 60); }},
-    {"protocol",          false, [](auto& r, auto& w) { r.protocol_line(w); }},
-    {"battery",           false,
-     [](auto& r, auto& w) { r.m_car.battery_tenths = int(std::lround(w.number("the voltage", 0, 40) * 10)); }},
-    {"adapter_refuses",   false, [](auto& r, auto& w) { r.adapter_line(w); }},
-    {"ignition",          false, [](auto& r, auto& w) { r.m_car.ignition = w.choice("on", "off"); }},
-    {"engine",            false, [](auto& r, auto& w) { r.engine_line(w); }},
-    {"engine_runs",       false, [](auto& r, auto& w) { r.m_car.engine_runs = w.choice("yes", "no"); }},
-    {"padding",           false, [](auto& r, auto& w) { r.m_car.padding = w.byte("the padding"); }},
-    {"pad_single_frames", false,
-     [](auto& r, auto& w) { r.m_car.pads_single_frames = w.choice("yes", "no"); }},
-    {"fuel_level",        false,
-     [](auto& r, auto& w) { r.m_car.fuel_level = w.number("the fuel level", 0, 100) / 100; }},
-    {"mil_distance",      false,
-     [](auto& r, auto& w) { r.m_car.mil_km = w.number("the distance", 0, 65535); }},
-    {"cleared_distance",  false,
-     [](auto& r, auto& w) { r.m_car.cleared_km = w.number("the distance", 0, 65535); }},
-    {"ecu",               false, [](auto& r, auto& w) { r.ecu_line(w); }},
-    {"readiness",         true,
-     [](auto& r, auto& w) { for (auto& one : r.unit().readiness) one = w.byte("a readiness byte"); }},
-    {"mil",               true,  [](auto& r, auto& w) { r.unit().mil = w.choice("on", "off"); }},
-    {"pid",               true,  [](auto& r, auto& w) { r.pid_line(w); }},
-    {"code",              true,  [](auto& r, auto& w) { r.codes_line(w, r.unit().codes); }},
-    {"pending",           true,  [](auto& r, auto& w) { r.codes_line(w, r.unit().pending); }},
-    {"permanent",         true,  [](auto& r, auto& w) { r.codes_line(w, r.unit().permanent); }},
-    {"freeze_code",       true,  [](auto& r, auto& w) { r.freeze_code_line(w); }},
-    {"freeze",            true,  [](auto& r, auto& w) { r.freeze_line(w); }},
-    {"vin",               true,  [](auto& r, auto& w) { r.vin_line(w); }},
-    {"calibration",       true,
-     [](auto& r, auto& w) { r.unit().calibrations.push_back(w.text("the calibration", 16)); }},
-    {"cvn",               true,
-     [](auto& r, auto& w) { r.unit().verification_numbers.push_back(w.hex("the verification number", 8)); }},
-    {"ecu_name",          true,  [](auto& r, auto& w) { r.name_line(w); }},
-    {"test",              true,  [](auto& r, auto& w) { r.test_line(w); }},
-    {"limit",             true,  [](auto& r, auto& w) { r.limit_line(w); }},
-    {"data",              true,  [](auto& r, auto& w) { r.data_line(w); }},
-    {"refuse",            true,  [](auto& r, auto& w) { r.refuse_line(w); }},
-};
-// clang-format on
-
-void reader::line(std::string_view text) {
-    file_words words(text.substr(0, text.find('#')));
-    if (words.at_end())
-        return;
-    const std::string_view name = words.next("a keyword");
-    const auto* found = std::find_if(std::begin(keywords), std::end(keywords),
-                                     [&](const keyword& k) { return k.name == name; });
-    if (found == std::end(keywords))
-        throw mistake{"no such keyword: \"" + std::string(name.substr(0, 40)) + '"'};
-    if (found->of_an_ecu && m_car.ecus.empty())
-        throw mistake{"\"" + std::string(name) + "\" belongs below an \"ecu\" line"};
-    if (!found->of_an_ecu && found->name != "ecu" && !m_car.ecus.empty())
-        throw mistake{"\"" + std::string(name) + "\" belongs above the first \"ecu\" line"};
-    found->read(*this, words);
-    words.expect_end();
+bool on_can(const car_description& car) {
+    return is_can(find_protocol(car.protocol_number)->kind);
 }
 
-car_description reader::finish() {
-    if (m_car.ecus.empty())
-        throw mistake{"the car has no \"ecu\" line"};
-    for (const ecu& one : m_car.ecus)
-        if (one.calibrations.size() > most_items || one.verification_numbers.size() > most_items)
-            throw mistake{"an ECU has more than " + std::to_string(most_items) + " calibrations"};
-    return std::move(m_car);
+std::size_t most_data(const car_description& car, std::size_t can_data, std::size_t taken) {
+    return on_can(car) ? can_data : legacy_data - taken;
 }
 
-void reader::protocol_line(file_words& words) {
-    m_car.protocol_number = int(words.hex("the protocol", 1));
-    if (m_car.protocol_number < 1 || m_car.protocol_number > 9)
-        throw mistake{"the protocol is not one of 1 to 9"};
+template <class list>
+void expect_at_most(std::size_t most, const list& items, const std::string& what) {
+    expect(items.size() <= most, "more than " + std::to_string(most) + ' ' + what);
 }
 
-void reader::adapter_line(file_words& words) {
+// The check digit (ninth place) of a vehicle identification number; 0 when it is none.
+char vin_check_digit(std::string_view vin) {
+    // The last digit of a character's place is its value.
+    constexpr std::string_view characters = "0123456789 ABCDEFGH  JKLMN P R  STUVWXYZ";
+    constexpr int weights[vin_length] = {8, 7, 6, 5, 4, 3, 2, 10, 0, 9, 8, 7, 6, 5, 4, 3, 2};
+    if (vin.size() != vin_length || vin.find_first_not_of(characters) != std::string_view::npos ||
+        vin.find(' ') != std::string_view::npos)
+        return 0;
+    int sum = 0;
+    for (std::size_t i = 0; i < vin_length; ++i)
+        sum += int(characters.find(vin[i]) % 10) * weights[i];
+    return "0123456789X"[sum % 11];
+}
+
+// --- lines of the car --------------------------------------------------------------------------------------
+
+void protocol_line(car_description& car, file_words& words) {
+    car.protocol_number = int(words.hex("the protocol", 1));
+    expect(car.protocol_number >= 1 && car.protocol_number <= 9, "the protocol is not one of 1 to 9");
+}
+
+void adapter_line(car_description& car, file_words& words) {
     std::string command;
     do
         command += words.next("the command");
     while (!words.at_end());
-    m_car.adapter_refuses.push_back(std::move(command));
+    car.adapter_refuses.push_back(command);
 }
 
-void reader::ecu_line(file_words& words) {
-    if (m_car.protocol_number == 0)
-        throw mistake{"the \"protocol\" line must stand before the first \"ecu\" line"};
-    if (m_car.ecus.size() == most_ecus)
-        throw mistake{"more than " + std::to_string(most_ecus) + " ECUs"};
+void engine_line(car_description& car, file_words& words) {
+    car.engine.diesel = words.choice("diesel", "petrol");
+    car.engine.displacement_l = words.number("the displacement", 0, 20);
+    if (!words.at_end())
+        car.engine.boost_kpa = words.number("the boost", 0, 150);
+}
+
+void ecu_line(car_description& car, file_words& words) {
+    expect(car.protocol_number != 0, "the \"protocol\" line must stand before the first \"ecu\" line");
     ecu made;
-    switch (find_protocol(m_car.protocol_number)->kind) {
+    switch (find_protocol(car.protocol_number)->kind) {
     case bus::can11:
         made.address = words.hex("the response address", 3);
-        if (made.address < 0x7E8 || made.address > 0x7EF)
-            throw mistake{"the response address is not one of 7E8 to 7EF"};
+        expect(made.address >= 0x7E8 && made.address <= 0x7EF,
+               "the response address is not one of 7E8 to 7EF");
         break;
     case bus::can29:
         made.address = words.hex("the response address", 8);
-        if (made.address >> 8 != 0x18DAF1)
-            throw mistake{"the response address does not begin with 18DAF1"};
+        expect(made.address >> 8 == 0x18DAF1, "the response address does not begin with 18DAF1");
         break;
     default: made.address = words.hex("the address", 2); break;
     }
-    if (std::any_of(m_car.ecus.begin(), m_car.ecus.end(),
-                    [&](const ecu& one) { return one.address == made.address; }))
-        throw mistake{"an ECU of that address stands above"};
+    expect(std::none_of(car.ecus.begin(), car.ecus.end(),
+                        [&](const ecu& one) { return one.address == made.address; }),
+           "an ECU of that address stands above");
     made.pids[0x01] = {};
-    m_car.ecus.push_back(std::move(made));
+    car.ecus.push_back(std::move(made));
+    expect_at_most(most_ecus, car.ecus, "ECUs");
 }
 
-void reader::engine_line(file_words& words) {
-    m_car.engine.diesel = words.choice("diesel", "petrol");
-    m_car.engine.displacement_l = words.number("the displacement", 0, 20);
-    if (!words.at_end())
-        m_car.engine.boost_kpa = words.number("the boost", 0, 150);
-}
+// --- lines of an ECU ---------------------------------------------------------------------------------------
 
-void reader::pid_line(file_words& words) {
+void pid_line(const car_description& car, ecu& unit, file_words& words) {
     const std::uint8_t pid = words.byte("the PID");
-    if (is_group(pid) || pid == 0x01)
-        throw mistake{"that PID follows from the others (00, 20, ...) or from the monitors (01)"};
-    pid_value made;
-    file_words ahead = words;
-    if (!ahead.at_end() && ahead.next("a value") == "live") {
-        if (!has_live_value(pid))
-            throw mistake{"the drive cycle has no value for that PID"};
-        made.live = true;
-        words = ahead;
-    } else {
-        made.constant = words.rest_as_bytes("the value", most_data(32, 0));
-    }
-    if (!unit().pids.emplace(pid, std::move(made)).second)
-        throw mistake{"that PID stands above"};
+    expect(!is_group(pid) && pid != 0x01,
+           "that PID follows from the others (00, 20, ...) or from the monitors (01)");
+    pid_value made{.live = words.take("live"), .constant = {}};
+    expect(!made.live || has_live_value(pid), "the drive cycle has no value for that PID");
+    if (!made.live)
+        made.constant = words.rest_as_bytes("the value", most_data(car, 32, 0));
+    expect(unit.pids.emplace(pid, made).second, "that PID stands above");
 }
 
-void reader::codes_line(file_words& words, std::vector<trouble_code>& codes) {
-    if (&codes == &unit().permanent && !can())
-        throw mistake{"permanent codes exist on CAN only"};
+void add_codes(std::vector<trouble_code>& codes, file_words& words) {
     do
         codes.push_back(words.code());
     while (!words.at_end());
-    if (codes.size() > most_codes)
-        throw mistake{"more than " + std::to_string(most_codes) + " codes"};
+    expect_at_most(most_codes, codes, "codes");
 }
 
-void reader::freeze_code_line(file_words& words) {
-    if (unit().frame)
-        throw mistake{"the ECU has a freeze frame already"};
-    file_words ahead = words;
-    freeze_frame made;
-    if (!ahead.at_end() && ahead.next("a code") == "none")
-        words = ahead;
-    else
-        made.code = words.code();
-    unit().frame = std::move(made);
+void permanent_line(const car_description& car, ecu& unit, file_words& words) {
+    expect(on_can(car), "permanent codes exist on CAN only");
+    add_codes(unit.permanent, words);
 }
 
-void reader::freeze_line(file_words& words) {
+void freeze_code_line(const car_description&, ecu& unit, file_words& words) {
+    expect(!unit.frame, "the ECU has a freeze frame already");
+    unit.frame.emplace();
+    if (!words.take("none"))
+        unit.frame->code = words.code();
+}
+
+void freeze_line(const car_description& car, ecu& unit, file_words& words) {
     const std::uint8_t pid = words.byte("the PID");
-    if (is_group(pid) || pid == 0x02)
-        throw mistake{"that PID follows from the others (00, 20, ...) or from the code (02)"};
-    if (!unit().frame || unit().frame->code == 0)
-        throw mistake{"a \"freeze_code\" line must stand above"};
-    if (!unit().frame->values.emplace(pid, words.rest_as_bytes("the value", most_data(16, 1))).second)
-        throw mistake{"that PID stands above"};
+    expect(!is_group(pid) && pid != 0x02,
+           "that PID follows from the others (00, 20, ...) or from the code (02)");
+    expect(unit.frame && unit.frame->code != 0, "a \"freeze_code\" line must stand above");
+    const bytes value = words.rest_as_bytes("the value", most_data(car, 16, 1));
+    expect(unit.frame->values.emplace(pid, value).second, "that PID stands above");
 }
 
-void reader::vin_line(file_words& words) {
+void vin_line(const car_description&, ecu& unit, file_words& words) {
+    if (words.take("unprogrammed"))
+        return unit.vin.assign(vin_length, 0xFF);
     const std::string vin = words.text("the VIN", vin_length);
-    if (vin == "unprogrammed") {
-        unit().vin.assign(vin_length, 0xFF);
-        return;
-    }
-    if (vin.size() != vin_length || vin_check_digit(vin) == 0)
-        throw mistake{"a VIN has 17 capital letters and digits without I, O and Q"};
-    if (vin[8] != vin_check_digit(vin))
-        throw mistake{std::string("the check digit of the VIN (ninth place) should be ") +
-                      vin_check_digit(vin)};
-    unit().vin.assign(vin.begin(), vin.end());
+    const char digit = vin_check_digit(vin);
+    expect(digit != 0, "a VIN has 17 capital letters and digits without I, O and Q");
+    expect(vin[8] == digit, std::string("the check digit of the VIN (ninth place) should be ") + digit);
+    unit.vin.assign(vin.begin(), vin.end());
 }
 
 // Twenty bytes: four of the acronym, a dash, fifteen of the name, filled with zeros.
-void reader::name_line(file_words& words) {
-    std::string made(words.next("the acronym"));
-    if (made.size() > 4)
-        throw mistake{"the acronym is longer than 4 characters"};
-    made.resize(4);
-    made += '-' + words.text("the name", 15);
-    made.resize(20);
-    unit().name = made;
+void name_line(const car_description&, ecu& unit, file_words& words) {
+    unit.name = words.next("the acronym");
+    expect(unit.name.size() <= 4, "the acronym is longer than 4 characters");
+    unit.name.resize(4);
+    unit.name += '-' + words.text("the name", 15);
+    unit.name.resize(20);
 }
 
-void reader::test_line(file_words& words) {
+void test_line(const car_description& car, ecu& unit, file_words& words) {
     const std::uint8_t monitor = words.byte("the OBDMID");
-    if (!can())
-        throw mistake{"\"test\" is for CAN, \"limit\" for the older protocols"};
-    if (is_group(monitor))
-        throw mistake{"OBDMID 00, 20, ... follow from the others"};
-    test_record made;
-    made.test_id = words.byte("the test ID");
-    made.unit_and_scaling = words.byte("the unit and scaling ID");
-    made.value = words.word("the value");
-    made.minimum = words.word("the minimum");
-    made.maximum = words.word("the maximum");
-    unit().monitors[monitor].push_back(made);
-    if (unit().monitors[monitor].size() > most_records)
-        throw mistake{"more than " + std::to_string(most_records) + " records"};
+    expect(on_can(car), "\"test\" is for CAN, \"limit\" for the older protocols");
+    expect(!is_group(monitor), "OBDMID 00, 20, ... follow from the others");
+    // In the order of the words.
+    unit.monitors[monitor].push_back({words.byte("the test ID"), words.byte("the unit and scaling ID"),
+                                      words.word("the value"), words.word("the minimum"),
+                                      words.word("the maximum")});
+    expect_at_most(most_records, unit.monitors[monitor], "records");
 }
 
-void reader::limit_line(file_words& words) {
+void limit_line(const car_description& car, ecu& unit, file_words& words) {
     const std::uint8_t test = words.byte("the test ID");
-    if (can())
-        throw mistake{"\"limit\" is for the older protocols, \"test\" for CAN"};
-    limit_record made;
-    made.component = words.byte("the component ID");
-    if (is_group(test) || made.component > 0x7F)
-        throw mistake{"test IDs 00, 20, ... follow from the others; a component ID goes to 7F"};
-    made.is_minimum = words.choice("min", "max");
-    made.value = words.word("the value");
-    made.limit = words.word("the limit");
-    unit().test_limits[test].push_back(made);
-    if (unit().test_limits[test].size() > most_records)
-        throw mistake{"more than " + std::to_string(most_records) + " results"};
+    expect(!on_can(car), "\"limit\" is for the older protocols, \"test\" for CAN");
+    const limit_record made{words.byte("the component ID"), words.choice("min", "max"),
+                            words.word("the value"), words.word("the limit")};
+    expect(!is_group(test) && made.component <= 0x7F,
+           "test IDs 00, 20, ... follow from the others; a component ID goes to 7F");
+    unit.test_limits[test].push_back(made);
+    expect_at_most(most_records, unit.test_limits[test], "results");
 }
 
-void reader::data_line(file_words& words) {
+void data_line(const car_description& car, ecu& unit, file_words& words) {
     const std::uint16_t identifier = words.word("the identifier");
-    const std::size_t most = most_data(200, 1);
-    file_words ahead = words;
+    const std::size_t most = most_data(car, 200, 1);
     bytes made;
-    if (const std::string text = ahead.text("the data", 700); text.front() == '"') {
-        if (text.size() < 3 || text.back() != '"')
-            throw mistake{"a text stands between two quotation marks"};
+    if (words.begins_with('"')) {
+        const std::string text = words.text("the data", most + 2);
+        expect(text.size() > 2 && text.back() == '"', "a text stands between two quotation marks");
         made.assign(text.begin() + 1, text.end() - 1);
-        if (made.size() > most)
-            throw mistake{"the data has more than " + std::to_string(most) + " bytes"};
-        words = ahead;
     } else {
         made = words.rest_as_bytes("the data", most);
     }
-    if (!unit().data.emplace(identifier, std::move(made)).second)
-        throw mistake{"that identifier stands above"};
+    expect(unit.data.emplace(identifier, made).second, "that identifier stands above");
 }
 
-void reader::refuse_line(file_words& words) {
+void refuse_line(const car_description&, ecu& unit, file_words& words) {
     refusal made;
-    file_words ahead = words;
-    if (!ahead.at_end() && ahead.next("the service") == "*")
-        words = ahead;
-    else
+    if (!words.take("*"))
         made.service = words.byte("the service");
     made.code = words.byte("the response code");
-    unit().refusals.push_back(made);
+    unit.refusals.push_back(made);
+}
+
+template <class take>
+struct keyword {
+    std::string_view name;
+    take read;
+};
+using car_line = void (*)(car_description& car, file_words& w);
+using unit_line = void (*)(const car_description& car, ecu& unit, file_words& w);
+
+// clang-format off
+constexpr keyword<car_line> car_lines[] = {
+    {"name",              [](auto& car, auto& w) { car.name = w.text("the name", 60); }},
+    {"protocol",          protocol_line},
+    {"battery",           [](auto& car, auto& w) {
+                              car.battery_tenths = int(std::lround(w.number("the voltage", 0, 40) * 10)); }},
+    {"adapter_refuses",   adapter_line},
+    {"ignition",          [](auto& car, auto& w) { car.ignition = w.choice("on", "off"); }},
+    {"engine",            engine_line},
+    {"engine_runs",       [](auto& car, auto& w) { car.engine_runs = w.choice("yes", "no"); }},
+    {"padding",           [](auto& car, auto& w) { car.padding = w.byte("the padding"); }},
+    {"pad_single_frames", [](auto& car, auto& w) { car.pads_single_frames = w.choice("yes", "no"); }},
+    {"fuel_level",        [](auto& car, auto& w) { car.fuel_level = w.number("the fuel level", 0, 100) / 100; }},
+    {"mil_distance",      [](auto& car, auto& w) { car.mil_km = w.number("the distance", 0, 65535); }},
+    {"cleared_distance",  [](auto& car, auto& w) { car.cleared_km = w.number("the distance", 0, 65535); }},
+};
+
+constexpr keyword<unit_line> unit_lines[] = {
+    {"readiness",   [](auto&, auto& unit, auto& w) {
+                        for (auto& one : unit.readiness) one = w.byte("a readiness byte"); }},
+    {"mil",         [](auto&, auto& unit, auto& w) { unit.mil = w.choice("on", "off"); }},
+    {"pid",         pid_line},
+    {"code",        [](auto&, auto& unit, auto& w) { add_codes(unit.codes, w); }},
+    {"pending",     [](auto&, auto& unit, auto& w) { add_codes(unit.pending, w); }},
+    {"permanent",   permanent_line},
+    {"freeze_code", freeze_code_line},
+    {"freeze",      freeze_line},
+    {"vin",         vin_line},
+    {"calibration", [](auto&, auto& unit, auto& w) {
+                        unit.calibrations.push_back(w.text("the calibration", 16));
+                        expect_at_most(most_items, unit.calibrations, "calibrations"); }},
+    {"cvn",         [](auto&, auto& unit, auto& w) {
+                        unit.verification_numbers.push_back(w.hex("the verification number", 8));
+                        expect_at_most(most_items, unit.verification_numbers, "verification numbers"); }},
+    {"ecu_name",    name_line},
+    {"test",        test_line},
+    {"limit",       limit_line},
+    {"data",        data_line},
+    {"refuse",      refuse_line},
+};
+// clang-format on
+
+void read_line(car_description& car, file_words words) {
+    if (words.at_end())
+        return;
+    const std::string name(words.next("a keyword"));
+    const auto named = [&](const auto& row) { return row.name == name; };
+    const auto* of_car = std::ranges::find_if(car_lines, named);
+    const auto* of_unit = std::ranges::find_if(unit_lines, named);
+    if (name == "ecu") {
+        ecu_line(car, words);
+    } else if (of_car != std::end(car_lines)) {
+        expect(car.ecus.empty(), '"' + name + "\" belongs above the first \"ecu\" line");
+        of_car->read(car, words);
+    } else {
+        expect(of_unit != std::end(unit_lines), "no such keyword: \"" + name.substr(0, 40) + '"');
+        expect(!car.ecus.empty(), '"' + name + "\" belongs below an \"ecu\" line");
+        of_unit->read(car, car.ecus.back(), words);
+    }
+    words.expect_end();
 }
 
 } // namespace
@@ -320,40 +274,20 @@ void reader::refuse_line(file_words& words) {
 std::optional<car_description> parse_car(std::string_view text, std::string& problem) {
     int number = 1;
     try {
-        if (text.size() > largest_file)
-            throw mistake{"the file is larger than " + std::to_string(largest_file) + " bytes"};
-        reader car;
+        expect(text.size() <= largest_file,
+               "the file is larger than " + std::to_string(largest_file) + " bytes");
+        car_description car;
         for (; !text.empty(); ++number) {
-            const std::size_t end = std::min(text.find('\n'), text.size());
-            car.line(text.substr(0, end));
-            text.remove_prefix(std::min(end + 1, text.size()));
+            const std::string_view line = text.substr(0, text.find('\n'));
+            read_line(car, file_words(line.substr(0, line.find('#'))));
+            text.remove_prefix(std::min(line.size() + 1, text.size()));
         }
-        return car.finish();
+        expect(!car.ecus.empty(), "the car has no \"ecu\" line");
+        return car;
     } catch (const mistake& found) {
         problem = "line " + std::to_string(number) + ": " + found.reason;
         return std::nullopt;
     }
-}
-
-char vin_check_digit(std::string_view vin) {
-    // Values of A to Z; 0 marks the letters that are not used.
-    static constexpr int letters[] = {1, 2, 3, 4, 5, 6, 7, 8, 0, 1, 2, 3, 4,
-                                      5, 0, 7, 0, 9, 2, 3, 4, 5, 6, 7, 8, 9};
-    static constexpr int weights[] = {8, 7, 6, 5, 4, 3, 2, 10, 0, 9, 8, 7, 6, 5, 4, 3, 2};
-    if (vin.size() != vin_length)
-        return 0;
-    int sum = 0;
-    for (std::size_t i = 0; i < vin_length; ++i) {
-        const char c = vin[i];
-        const bool letter = c >= 'A' && c <= 'Z';
-        if (!letter && (c < '0' || c > '9'))
-            return 0;
-        const int value = letter ? letters[c - 'A'] : c - '0';
-        if (letter && value == 0)
-            return 0;
-        sum += value * weights[i];
-    }
-    return "0123456789X"[sum % 11];
 }
 
 } // namespace virtual_adapter

@@ -10,8 +10,4 @@ namespace virtual_adapter {
 // what: "line 12: no such PID".
 std::optional<car_description> parse_car(std::string_view text, std::string& problem);
 
-// The check digit (ninth place) of a vehicle identification number of 17 characters; 0 when a character is
-// not allowed in one.
-char vin_check_digit(std::string_view vin);
-
 } // namespace virtual_adapter

@@ -1,9 +1,8 @@
 #include "tools/virtual_adapter/file_words.h"
 
-#include "tools/virtual_adapter/hex_digit.h"
-
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -12,101 +11,94 @@ namespace {
 constexpr std::string_view blanks = " \t\r";
 
 std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
 std::string quoted(std::string_view word) {
     return '"' + std::string(word.substr(0, 40)) + '"';
 }
 
+bool is_hex(std::string_view word) {
+    return word.find_first_not_of("0123456789ABCDEF") == std::string_view::npos;
+}
+
+unsigned from_hex(std::string_view word) {
+    unsigned value = 0;
+    std::from_chars(word.data(), word.data() + word.size(), value, 16);
+    return value;
+}
+
 } // namespace
 
 file_words::file_words(std::string_view line) : m_rest(trimmed(line)) {}
 
-std::string_view file_words::next(const char* what) {
-    if (m_rest.empty())
-        throw mistake{std::string(what) + " is missing"};
-    const std::size_t end = std::min(m_rest.find_first_of(blanks), m_rest.size());
-    const std::string_view word = m_rest.substr(0, end);
-    m_rest = trimmed(m_rest.substr(end));
+std::string_view file_words::next(const std::string& what) {
+    expect(!at_end(), what + " is missing");
+    const std::string_view word = m_rest.substr(0, m_rest.find_first_of(blanks));
+    m_rest = trimmed(m_rest.substr(word.size()));
     return word;
 }
 
-std::string file_words::text(const char* what, std::size_t most) {
-    const std::string_view taken = m_rest;
-    m_rest = {};
-    if (taken.empty())
-        throw mistake{std::string(what) + " is missing"};
-    if (taken.size() > most)
-        throw mistake{std::string(what) + " is longer than " + std::to_string(most) + " characters"};
-    if (std::any_of(taken.begin(), taken.end(), [](char c) { return c < ' ' || c > '~'; }))
-        throw mistake{std::string(what) + " holds a character that is not printable ASCII"};
-    return std::string(taken);
+bool file_words::take(std::string_view word) {
+    const bool comes = m_rest.substr(0, m_rest.find_first_of(blanks)) == word;
+    if (comes)
+        m_rest = trimmed(m_rest.substr(word.size()));
+    return comes;
 }
 
-unsigned file_words::hex(const char* what, int digits) {
+std::string file_words::text(const std::string& what, std::size_t most) {
+    const std::string taken(std::exchange(m_rest, {}));
+    expect(!taken.empty(), what + " is missing");
+    expect(taken.size() <= most, what + " is longer than " + std::to_string(most) + " characters");
+    expect(std::all_of(taken.begin(), taken.end(), [](char c) { return c >= ' ' && c <= '~'; }),
+           what + " holds a character that is not printable ASCII");
+    return taken;
+}
+
+unsigned file_words::hex(const std::string& what, std::size_t digits) {
     const std::string_view word = next(what);
-    unsigned value = 0;
-    bool good = word.size() == std::size_t(digits);
-    for (const char c : word) {
-        const int digit = hex_digit(c);
-        good = good && digit >= 0;
-        value = value << 4 | unsigned(digit & 0xF);
-    }
-    if (!good)
-        throw mistake{std::string(what) + " is not " + std::to_string(digits) +
-                      " hexadecimal digits: " + quoted(word)};
-    return value;
+    expect(word.size() == digits && is_hex(word),
+           what + " is not " + std::to_string(digits) + " hexadecimal digits: " + quoted(word));
+    return from_hex(word);
 }
 
-bytes file_words::rest_as_bytes(const char* what, std::size_t most) {
+bytes file_words::rest_as_bytes(const std::string& what, std::size_t most) {
     bytes all;
     do
         all.push_back(byte(what));
     while (!at_end());
-    if (all.size() > most)
-        throw mistake{std::string(what) + " has more than " + std::to_string(most) + " bytes"};
+    expect(all.size() <= most, what + " has more than " + std::to_string(most) + " bytes");
     return all;
 }
 
-double file_words::number(const char* what, double least, double most) {
+double file_words::number(const std::string& what, double least, double most) {
     const std::string_view word = next(what);
     double value = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
     // A value that is no number at all compares false with both bounds.
-    if (error != std::errc() || end != word.data() + word.size() || !(value >= least && value <= most))
-        throw mistake{std::string(what) + " is not a number from " + std::to_string(int(least)) + " to " +
-                      std::to_string(int(most)) + ": " + quoted(word)};
+    expect(error == std::errc() && end == word.data() + word.size() && value >= least && value <= most,
+           what + " is not a number from " + std::to_string(int(least)) + " to " + std::to_string(int(most)) +
+               ": " + quoted(word));
     return value;
 }
 
-bool file_words::choice(const char* yes, const char* no) {
+bool file_words::choice(const std::string& yes, const std::string& no) {
     const std::string_view word = next(yes);
-    if (word != yes && word != no)
-        throw mistake{'"' + std::string(yes) + "\" or \"" + no + "\" expected: " + quoted(word)};
+    expect(word == yes || word == no, quoted(yes) + " or " + quoted(no) + " expected: " + quoted(word));
     return word == yes;
 }
 
 trouble_code file_words::code() {
     const std::string_view word = next("a trouble code");
-    const std::size_t letter = word.empty() ? 4 : std::string_view("PCBU").find(word[0]);
-    unsigned value = 0;
-    bool good = word.size() == 5 && letter < 4 && hex_digit(word[1]) >= 0 && hex_digit(word[1]) < 4;
-    for (const char c : word.substr(std::min<std::size_t>(1, word.size()))) {
-        good = good && hex_digit(c) >= 0;
-        value = value << 4 | unsigned(hex_digit(c) & 0xF);
-    }
-    if (!good)
-        throw mistake{"not a trouble code: " + quoted(word)};
-    return trouble_code(letter << 14 | value);
+    const std::size_t letter = std::string_view("PCBU").find(word[0]);
+    expect(word.size() == 5 && letter < 4 && is_hex(word.substr(1)) && word[1] < '4',
+           "not a trouble code: " + quoted(word));
+    return trouble_code(letter << 14 | from_hex(word.substr(1)));
 }
 
 void file_words::expect_end() const {
-    if (!m_rest.empty())
-        throw mistake{"more than expected: " + quoted(m_rest)};
+    expect(at_end(), "more than expected: " + quoted(m_rest));
 }
 
 } // namespace virtual_adapter

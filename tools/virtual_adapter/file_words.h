@@ -11,22 +11,29 @@ struct mistake {
     std::string reason;
 };
 
-// The words of one line of a car file, taken one after the other. Hexadecimal numbers are of fixed width, so
-// that a lost digit is noticed.
+inline void expect(bool good, const std::string& otherwise) {
+    if (!good)
+        throw mistake{otherwise};
+}
+
+// The words of one line of a car file, taken one after the other; `what` names a word in the mistake.
+// Hexadecimal numbers are of fixed width, so that a lost digit is noticed.
 class file_words {
 public:
     explicit file_words(std::string_view line); // without its comment
 
     bool at_end() const { return m_rest.empty(); }
-    std::string_view next(const char* what);              // `what` names the missing word in the mistake
-    std::string text(const char* what, std::size_t most); // the rest of the line; printable ASCII
-    unsigned hex(const char* what, int digits);
-    std::uint8_t byte(const char* what) { return std::uint8_t(hex(what, 2)); }
-    std::uint16_t word(const char* what) { return std::uint16_t(hex(what, 4)); }
-    bytes rest_as_bytes(const char* what, std::size_t most); // at least one
-    double number(const char* what, double least, double most);
-    bool choice(const char* yes, const char* no); // true for the first
-    trouble_code code();                          // "P0133"
+    bool begins_with(char c) const { return m_rest.starts_with(c); }
+    std::string_view next(const std::string& what);
+    bool take(std::string_view word);                            // when it comes next
+    std::string text(const std::string& what, std::size_t most); // the rest of the line; printable ASCII
+    unsigned hex(const std::string& what, std::size_t digits);
+    std::uint8_t byte(const std::string& what) { return std::uint8_t(hex(what, 2)); }
+    std::uint16_t word(const std::string& what) { return std::uint16_t(hex(what, 4)); }
+    bytes rest_as_bytes(const std::string& what, std::size_t most); // at least one
+    double number(const std::string& what, double least, double most);
+    bool choice(const std::string& yes, const std::string& no); // true for the first
+    trouble_code code();                                        // "P0133"
     void expect_end() const;
 
 private:
