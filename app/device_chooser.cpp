@@ -1,5 +1,6 @@
 #include "app/device_chooser.h"
 
+#include "app/look/tables.h"
 #include "app/look/theme.h"
 
 #include <QHeaderView>
@@ -70,21 +71,10 @@ device_chooser::~device_chooser() {
 void device_chooser::set_up_list() {
     list->setObjectName(QStringLiteral("device_list"));
     list->setAccessibleName(QStringLiteral("Bluetooth devices"));
-    list->setSelectionBehavior(QAbstractItemView::SelectRows);
-    list->setSelectionMode(QAbstractItemView::SingleSelection);
-    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list->setTabKeyNavigation(false);
-    list->setShowGrid(false);
-    list->setWordWrap(false);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setHorizontalHeaderLabels(
         {QStringLiteral("Name"), QStringLiteral("Address"), QStringLiteral("State")});
-    list->verticalHeader()->setVisible(false);
-    list->verticalHeader()->setDefaultSectionSize(row_height);
-    list->horizontalHeader()->setHighlightSections(false);
     list->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    list->horizontalHeader()->setSectionResizeMode(name_column, QHeaderView::Stretch);
+    make_list(*list, name_column, row_height);
     connect(list, &QTableWidget::itemSelectionChanged, this, &device_chooser::show_hint);
     connect(list, &QTableWidget::itemActivated, this, &device_chooser::take_selected);
 }

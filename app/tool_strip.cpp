@@ -1,6 +1,6 @@
 #include "app/tool_strip.h"
 
-#include "app/look/rounded_picture.h"
+#include "app/look/painting.h"
 
 #include <QIcon>
 #include <QMenu>
@@ -63,7 +63,7 @@ void tool_strip::add_menu() {
     menu_button.setShortcut(Qt::Key_F10);
     menu_button.setFocusPolicy(Qt::StrongFocus);
     auto* menu = new QMenu(&menu_button);
-    connect(menu->addAction(QStringLiteral("Help\tF1")), &QAction::triggered, this, &tool_strip::help_wanted);
+    menu->addAction(QStringLiteral("Help\tF1"), this, &tool_strip::help_wanted);
     QAction* updates = menu->addAction(QStringLiteral("Check for updates..."));
     updates->setObjectName(QStringLiteral("check_for_updates"));
     connect(updates, &QAction::triggered, this, &tool_strip::updates_wanted);

@@ -2,13 +2,10 @@
 
 #include "app/screen/share_menu.h"
 
-#include <QFontDatabase>
 #include <QKeyEvent>
 
 namespace {
 constexpr int empty_icon_size = 32;
-constexpr int empty_page = 0;
-constexpr int text_page = 1;
 } // namespace
 
 expert_view::expert_view(const view_context& its_context)
@@ -92,7 +89,7 @@ void expert_view::show_transcript() {
     shown = lines.end();
     ui.replyTxt->moveCursor(QTextCursor::End);
     ui.replyTxt->moveCursor(QTextCursor::StartOfLine);
-    ui.transcript_stack->setCurrentIndex(lines.is_empty() ? empty_page : text_page);
+    ui.transcript_stack->setCurrentWidget(lines.is_empty() ? ui.transcript_empty : ui.transcript_filled);
     ui.clear->setEnabled(!lines.is_empty());
     ui.share->setEnabled(!lines.is_empty());
     show_operation();
@@ -129,10 +126,8 @@ void expert_view::look_changed() {
     const theme& look = context.frame.look();
     ui.empty_icon->setPixmap(
         look.enlarged(QStringLiteral("obd_mode.png"), empty_icon_size, devicePixelRatioF()));
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPointSizeF(font().pointSizeF() > 0 ? font().pointSizeF() : fixed.pointSizeF());
-    ui.replyTxt->setFont(fixed);
-    ui.command->setFont(fixed);
+    ui.replyTxt->setFont(theme::fixed(font()));
+    ui.command->setFont(theme::fixed(font()));
     show_anew();
 }
 

@@ -2,8 +2,6 @@
 
 #include "app/look/theme.h"
 
-#include <QFont>
-
 namespace {
 
 const QStringList code_headings{QStringLiteral("Codes"), QStringLiteral("ECU"),
@@ -27,12 +25,7 @@ QVariant codes_model::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
         return index.column() == ecu_column ? theme::plain_tool_tip(ecu_name(cell(row, ecu_column)))
                                             : QVariant();
-    case Qt::FontRole: {
-        QFont font;
-        font.setBold(true);
-        return index.column() == code_column ? QVariant(font) : QVariant();
-    }
-    case Qt::TextAlignmentRole: return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    case Qt::FontRole: return bold_when(index.column() == code_column);
     default: return {};
     }
 }

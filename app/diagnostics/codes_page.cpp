@@ -1,6 +1,6 @@
 #include "app/diagnostics/codes_page.h"
 
-#include "app/look/table_copy.h"
+#include "app/look/tables.h"
 #include "app/look/wrapping_delegate.h"
 
 #include <QHeaderView>
@@ -16,8 +16,6 @@ constexpr int mil_size = 28;
 constexpr int code_row_height = 36;
 constexpr int readiness_row_height = 26;
 constexpr int most_permanent_rows = 4; // before they scroll
-constexpr int empty_page = 0;
-constexpr int table_page = 1;
 const QString unknown = QStringLiteral("\u2013");
 
 // "Protocol: CAN" with its first part in a quieter colour, as HTML that is not broken within.
@@ -33,13 +31,7 @@ QString fact_as_html(const QString& fact, const QColor& quiet) {
 void set_up_codes(QTableView& table, codes_model& model) {
     table.setModel(&model);
     table.setItemDelegate(new wrapping_delegate(&table));
-    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    table.horizontalHeader()->setSectionResizeMode(codes_model::description_column, QHeaderView::Stretch);
-    table.verticalHeader()->setMinimumSectionSize(code_row_height);
-    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    QObject::connect(table.horizontalHeader(), &QHeaderView::sectionResized, &table,
-                     &QTableView::resizeRowsToContents); // a narrower description takes more lines
-    make_copyable(table);
+    let_rows_wrap(table, codes_model::description_column, code_row_height);
 }
 
 } // namespace
@@ -130,7 +122,7 @@ void codes_page::show_permanent() {
 void codes_page::show_codes() {
     codes.reload();
     bar.show_lines({&reading}, status.line);
-    ui.codes_stack->setCurrentIndex(codes.rowCount() > 0 ? table_page : empty_page);
+    ui.codes_stack->setCurrentWidget(codes.rowCount() > 0 ? ui.codes_filled : ui.codes_empty);
     if (head.runs_here())
         ui.empty_text->setText(head.waiting_words());
     else if (results.read_on_label.isEmpty())
@@ -142,12 +134,8 @@ void codes_page::show_codes() {
 void codes_page::show_readiness() {
     monitors = status.shown().monitors + permanent.drive_cycle;
     readiness.reload();
-    ui.readiness_table->clearSpans();
-    for (int row = 0; row < readiness.rowCount(); ++row) {
-        if (readiness.is_heading(row))
-            ui.readiness_table->setSpan(row, 0, 1, readiness_model::column_count);
-    }
-    ui.readiness_stack->setCurrentIndex(readiness.rowCount() > 0 ? table_page : empty_page);
+    span_headings(*ui.readiness_table, readiness);
+    ui.readiness_stack->setCurrentWidget(readiness.rowCount() > 0 ? ui.readiness_filled : ui.readiness_empty);
     ui.readiness_summary->setText(readiness.summary());
 }
 

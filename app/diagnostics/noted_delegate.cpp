@@ -10,13 +10,6 @@
 namespace {
 
 constexpr int side_room = 11; // of a cell, on either side
-constexpr int smallest_text = 11;
-
-QFont small(const QFont& body) {
-    QFont font = body;
-    font.setPixelSize(std::max(smallest_text, qRound(QFontInfo(body).pixelSize() * 0.85)));
-    return font;
-}
 
 int height_of(const QFont& font, int width, const QString& text) {
     const QRect room(0, 0, std::max(1, width - 2 * side_room), 1);
@@ -34,7 +27,7 @@ void noted_delegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     initStyleOption(&cell, index);
     const QString text = std::exchange(cell.text, QString());
     cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
-    const QFont note_font = small(cell.font);
+    const QFont note_font = theme::small(cell.font);
     const int text_height = height_of(cell.font, cell.rect.width(), text);
     const int note_height = height_of(note_font, cell.rect.width(), note);
     QRect room = cell.rect.adjusted(side_room, 0, -side_room, 0);
@@ -53,6 +46,6 @@ QSize noted_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelI
     QSize size = wrapping_delegate::sizeHint(option, index);
     const QString note = index.data(note_role).toString();
     if (!note.isEmpty() && option.rect.width() > 0)
-        size.rheight() += height_of(small(option.font), option.rect.width(), note);
+        size.rheight() += height_of(theme::small(option.font), option.rect.width(), note);
     return size;
 }

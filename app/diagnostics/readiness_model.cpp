@@ -2,7 +2,6 @@
 
 #include "diagnostics/permanent_codes.h"
 
-#include <QFont>
 #include <QIcon>
 #include <algorithm>
 
@@ -30,7 +29,7 @@ const state_look& look_of(const readiness_row& row) {
 } // namespace
 
 readiness_model::readiness_model(const QList<readiness_row>& its_rows, QObject* parent)
-    : QAbstractTableModel(parent), rows(its_rows) {
+    : headed_model({QStringLiteral("State"), QStringLiteral("Description")}, parent), rows(its_rows) {
     reload();
 }
 
@@ -62,10 +61,6 @@ int readiness_model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(lines.size());
 }
 
-int readiness_model::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : column_count;
-}
-
 QVariant readiness_model::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= lines.size())
         return {};
@@ -74,10 +69,8 @@ QVariant readiness_model::data(const QModelIndex& index, int role) const {
         return {};
     const readiness_row& row = rows.at(shown.group_of);
     if (shown.monitor < 0) {
-        QFont font;
-        font.setBold(true);
         if (role == Qt::FontRole)
-            return font;
+            return bold_when(true);
         return role == Qt::DisplayRole && index.column() == state_column ? QVariant(row.group) : QVariant();
     }
     const state_look& look = look_of(row);
@@ -90,16 +83,6 @@ QVariant readiness_model::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleTextRole: return is_state ? QString::fromLatin1(look.words) : row.label;
     default: return {};
     }
-}
-
-QVariant readiness_model::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
-        return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole)
-        return {};
-    return section == state_column ? QStringLiteral("State") : QStringLiteral("Description");
 }
 
 Qt::ItemFlags readiness_model::flags(const QModelIndex& index) const {

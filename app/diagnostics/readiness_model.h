@@ -1,16 +1,15 @@
 #pragma once
 
+#include "app/look/headed_model.h"
 #include "obd/readiness.h"
-
-#include <QAbstractTableModel>
 
 // The readiness monitors as the columns "State" (a picture) and "Description", below a heading row for each
 // group. It reads the rows where they are; they outlive it.
-class readiness_model : public QAbstractTableModel {
+class readiness_model : public headed_model {
     Q_OBJECT
 
 public:
-    enum column { state_column, description_column, column_count };
+    enum column { state_column, description_column };
 
     readiness_model(const QList<readiness_row>& its_rows, QObject* parent);
 
@@ -21,9 +20,7 @@ public:
     QString summary() const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:

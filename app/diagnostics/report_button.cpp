@@ -1,5 +1,7 @@
 #include "app/diagnostics/report_button.h"
 
+#include "app/screen/saving.h"
+#include "app/screen/share_menu.h"
 #include "persistence/vehicles.h"
 
 #include <QDateTime>
@@ -8,11 +10,9 @@
 #include <QFontDatabase>
 #include <QMenu>
 #include <QPdfWriter>
-#include <QPrintDialog>
 #include <QPrinter>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QStandardPaths>
 #include <QTextCursor>
 #include <QTextDocument>
 
@@ -21,6 +21,7 @@ namespace {
 constexpr double print_size = 8.5; // points: the longest line of a test fits on A4
 constexpr double heading_size = 14;
 constexpr int pdf_dots_an_inch = 300;
+const QString report_word = QStringLiteral("report");
 
 } // namespace
 
@@ -28,12 +29,12 @@ report_button::report_button(QPushButton& its_button, const view_context& its_co
                              readCodes& its_controller)
     : QObject(&its_button), button(its_button), context(its_context), controller(its_controller) {
     auto* menu = new QMenu(&button);
-    connect(menu->addAction(QStringLiteral("Save...")), &QAction::triggered, this, [this] {
+    menu->addAction(QStringLiteral("Save..."), this, [this] {
         ask_for_file(QStringLiteral("Save the report"), QStringLiteral("txt"),
                      QStringLiteral("Text files (*.txt)"), &report_button::save_as_text);
     });
-    connect(menu->addAction(QStringLiteral("Print...")), &QAction::triggered, this, &report_button::print);
-    connect(menu->addAction(QStringLiteral("Save as PDF...")), &QAction::triggered, this, [this] {
+    menu->addAction(QStringLiteral("Print..."), this, &report_button::print);
+    menu->addAction(QStringLiteral("Save as PDF..."), this, [this] {
         ask_for_file(QStringLiteral("Save the report as PDF"), QStringLiteral("pdf"),
                      QStringLiteral("PDF files (*.pdf)"), &report_button::save_as_pdf);
     });
@@ -101,30 +102,22 @@ void report_button::fill_page(QTextDocument& document) const {
 
 void report_button::ask_for_file(const QString& title, const QString& suffix, const QString& filter,
                                  void (report_button::*save)(const QString&)) {
-    auto* dialog = new QFileDialog(&button, title, QString(), filter);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix(suffix);
-    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    dialog->setDirectory(QDir(documents).exists() ? documents : QDir::homePath());
     const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh.mm"));
-    dialog->selectFile(QStringLiteral("report %1.%2").arg(now, suffix));
+    QFileDialog* dialog = dialog_for_saving(button, title, filter, suffix, documents_folder(),
+                                            QStringLiteral("report %1.%2").arg(now, suffix));
     connect(dialog, &QFileDialog::fileSelected, this, save);
     dialog->open();
 }
 
 void report_button::save_as_text(const QString& file) {
-    const QByteArray bytes = text().toUtf8();
-    QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly) || target.write(bytes) != bytes.size() || !target.commit())
-        return tell_failure(file, target.errorString());
-    tell_saved(file);
+    if (save_shared_text(context.frame, {report_word, {}, [this] { return text(); }}, file))
+        tell_saved(file);
 }
 
 void report_button::save_as_pdf(const QString& file) {
     QSaveFile target(file);
     if (!target.open(QIODevice::WriteOnly))
-        return tell_failure(file, target.errorString());
+        return context.frame.tell(not_saved(report_word, file, target.errorString()));
     {
         QPdfWriter writer(&target);
         writer.setResolution(pdf_dots_an_inch);
@@ -134,33 +127,18 @@ void report_button::save_as_pdf(const QString& file) {
         page.print(&writer);
     }
     if (!target.commit())
-        return tell_failure(file, target.errorString());
+        return context.frame.tell(not_saved(report_word, file, target.errorString()));
     tell_saved(file);
 }
 
 void report_button::print() {
-    auto printer = std::make_shared<QPrinter>();
-    printer->setDocName(QStringLiteral("Diagnostic report"));
-    auto* dialog = new QPrintDialog(printer.get(), &button);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    // The dialog keeps the printer, which has to outlive it.
-    connect(dialog, &QObject::destroyed, [printer] {});
-    connect(dialog, qOverload<QPrinter*>(&QPrintDialog::accepted), this, [this](QPrinter* chosen) {
+    ask_for_printer(button, QStringLiteral("Diagnostic report"), [this](QPrinter& chosen) {
         QTextDocument page;
         fill_page(page);
-        page.print(chosen);
+        page.print(&chosen);
     });
-    dialog->open();
 }
 
 void report_button::tell_saved(const QString& file) {
     context.window.show_toast(QStringLiteral("The report is in %1.").arg(QDir::toNativeSeparators(file)));
-}
-
-void report_button::tell_failure(const QString& file, const QString& reason) {
-    context.frame.tell({QStringLiteral("The report was not saved"),
-                        QStringLiteral("%1 cannot be written: %2. Choose another folder.")
-                            .arg(QDir::toNativeSeparators(file), reason),
-                        {},
-                        nullptr});
 }

@@ -5,7 +5,6 @@
 
 #include <QPushButton>
 
-class QPrinter;
 class QTextDocument;
 
 // The button that saves or prints the report of the page shown: codes, readiness, pending codes and freeze
@@ -30,7 +29,6 @@ private:
                       void (report_button::*save)(const QString&));
     void print();
     void tell_saved(const QString& file);
-    void tell_failure(const QString& file, const QString& reason);
     bool has_results() const;
     QString hint() const;
     QString text() const;

@@ -1,9 +1,7 @@
 #include "app/diagnostics/result_page.h"
 
 #include "app/diagnostics/noted_delegate.h"
-#include "app/look/table_copy.h"
-
-#include <QHeaderView>
+#include "app/look/tables.h"
 
 namespace {
 
@@ -31,22 +29,12 @@ void result_card::set_up(results_model& model, const QString& accessible_name, c
     table.setModel(&model);
     table.setItemDelegate(new noted_delegate(look, &table));
     table.setAccessibleName(accessible_name);
-    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    table.horizontalHeader()->setSectionResizeMode(model.columnCount() - 1, QHeaderView::Stretch);
-    table.verticalHeader()->setMinimumSectionSize(row_height);
-    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    QObject::connect(table.horizontalHeader(), &QHeaderView::sectionResized, &table,
-                     &QTableView::resizeRowsToContents); // a narrower text takes more lines
-    make_copyable(table);
+    let_rows_wrap(table, model.columnCount() - 1, row_height);
 }
 
 void result_card::show_rows(results_model& model, const QString& words) {
     model.reload();
-    table.clearSpans();
-    for (int row = 0; row < model.rowCount(); ++row) {
-        if (model.is_heading(row))
-            table.setSpan(row, 0, 1, model.columnCount());
-    }
+    span_headings(table, model);
     empty_text.setText(words);
     stack.setCurrentIndex(model.rowCount() > 0 ? table_page : empty_page);
 }
@@ -74,13 +62,11 @@ void result_page::start() {
 }
 
 void result_page::reload(const QString& list) {
-    if (list == QLatin1String(words.name) || list == QLatin1String("reading")) {
-        show_all();
-    } else if (list == QLatin1String("progress")) {
+    if (list == QLatin1String("progress"))
         head.show_progress();
-    } else if (list == QLatin1String("operation")) {
+    else if (list == QLatin1String(words.name) || list == QLatin1String("reading") ||
+             list == QLatin1String("operation"))
         show_operation();
-    }
 }
 
 void result_page::ended(int code, bool done) {
@@ -91,10 +77,6 @@ void result_page::ended(int code, bool done) {
 }
 
 void result_page::show_operation() {
-    show_all();
-}
-
-void result_page::show_all() {
     show_rows();
     head.show(summary());
     bar.show_lines(readings());

@@ -75,8 +75,6 @@ protected:
     result_card side;
 
 private:
-    void show_all();
-
     reading_bar& bar;
     enum class last_read { none, left, done };
     last_read last = last_read::none;

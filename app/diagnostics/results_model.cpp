@@ -1,15 +1,14 @@
 #include "app/diagnostics/results_model.h"
 
-#include <QFont>
 #include <algorithm>
 
 results_model::results_model(const QStringList& its_rows, const QStringList& its_headings, QObject* parent)
-    : QAbstractTableModel(parent), plain_rows(&its_rows), headings(its_headings),
-      shown_rows(static_cast<int>(rows().size())) {}
+    : headed_model(its_headings, parent), plain_rows(&its_rows), shown_rows(static_cast<int>(rows().size())) {
+}
 
 results_model::results_model(second_reading& its_reading, const QStringList& its_headings, QObject* parent)
-    : QAbstractTableModel(parent), reading(&its_reading), headings(its_headings),
-      shown_rows(static_cast<int>(rows().size())) {}
+    : headed_model(its_headings, parent), reading(&its_reading), shown_rows(static_cast<int>(rows().size())) {
+}
 
 void results_model::reload() {
     if (reading)
@@ -34,18 +33,6 @@ int results_model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : std::min(shown_rows, static_cast<int>(rows().size()));
 }
 
-int results_model::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(headings.size());
-}
-
-QVariant results_model::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
-        return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    return role == Qt::DisplayRole ? QVariant(headings.value(section)) : QVariant();
-}
-
 text_rows_model::text_rows_model(const QStringList& its_rows, const QStringList& its_headings,
                                  split its_cells, QObject* parent)
     : results_model(its_rows, its_headings, parent), cells(std::move(its_cells)) {}
@@ -66,12 +53,7 @@ QVariant text_rows_model::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleTextRole:
         return with_note(cells(row_at(index)).value(index.column()), index.data(note_role).toString());
     case note_role: return index.column() == columnCount() - 1 ? note_on(index.row()) : QString();
-    case Qt::TextAlignmentRole: return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    case Qt::FontRole: {
-        QFont font;
-        font.setBold(true);
-        return is_heading(index.row()) ? QVariant(font) : QVariant();
-    }
+    case Qt::FontRole: return bold_when(is_heading(index.row()));
     default: return {};
     }
 }

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "app/look/headed_model.h"
 #include "diagnostics/second_reading.h"
 
-#include <QAbstractTableModel>
-#include <QStringList>
 #include <functional>
 
 // A table over one list of the results, or over the shown one of its two readings. It reads the rows where
 // they are; they outlive it. Rows that are added while an operation runs leave the selection as it is.
-class results_model : public QAbstractTableModel {
+class results_model : public headed_model {
     Q_OBJECT
 
 public:
@@ -21,8 +20,6 @@ public:
     virtual bool is_heading(int) const { return false; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 protected:
     const QStringList& rows() const { return reading ? reading->shown() : *plain_rows; }
@@ -34,7 +31,6 @@ protected:
 private:
     second_reading* reading = nullptr;
     const QStringList* plain_rows = nullptr;
-    QStringList headings;
     int shown_rows = 0; // as the views know it
 };
 

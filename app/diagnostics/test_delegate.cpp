@@ -1,11 +1,11 @@
 #include "app/diagnostics/test_delegate.h"
 
 #include "app/diagnostics/tests_model.h"
+#include "app/look/painting.h"
 #include "diagnostics/limit_bar.h"
 
 #include <QApplication>
 #include <QPaintDevice>
-#include <QPainter>
 #include <QPainterPath>
 #include <utility>
 
@@ -18,10 +18,6 @@ constexpr int line_room = 14;
 constexpr int mark_room = 6;
 constexpr int most_bars = 500;
 constexpr double corner = 6;
-
-int small_size(const QFont& body) {
-    return std::max(11, qRound(QFontInfo(body).pixelSize() * 0.85));
-}
 
 } // namespace
 
@@ -60,26 +56,19 @@ void test_delegate::paint_verdict(QPainter& painter, const QStyleOptionViewItem&
 
 void test_delegate::paint_name(QPainter& painter, const QStyleOptionViewItem& cell,
                                const QModelIndex& index) const {
-    QFont small = cell.font;
-    small.setPixelSize(small_size(cell.font));
-    const QFontMetrics first(cell.font);
-    const QFontMetrics second(small);
+    const QFont small = theme::small(cell.font);
+    const int first = QFontMetrics(cell.font).height();
+    const int second = QFontMetrics(small).height();
     const QString note = index.data(note_role).toString();
     const int small_lines = note.isEmpty() ? 1 : 2;
     const QRect room = cell.rect.adjusted(name_room, 0, -name_room, 0);
-    const int top = room.top() + (room.height() - first.height() - small_lines * second.height()) / 2;
-    const auto line = [&](const QFont& font, const QFontMetrics& metrics, int y, const QColor& colour,
-                          const QString& text) {
-        painter.setFont(font);
-        painter.setPen(colour);
-        painter.drawText(QRect(room.left(), y, room.width(), metrics.height()),
-                         Qt::AlignLeft | Qt::AlignVCenter,
-                         metrics.elidedText(text, Qt::ElideRight, room.width()));
-    };
+    const int top = room.top() + (room.height() - first - small_lines * second) / 2;
+    const QRect line(room.left(), top + first, room.width(), second);
     painter.save();
-    line(cell.font, first, top, look.text, index.data().toString());
-    line(small, second, top + first.height(), look.muted, index.data(tests_model::subject_role).toString());
-    line(small, second, top + first.height() + second.height(), look.text, note);
+    draw_line(painter, cell.font, look.text, {room.left(), top, room.width(), first},
+              index.data().toString());
+    draw_line(painter, small, look.muted, line, index.data(tests_model::subject_role).toString());
+    draw_line(painter, small, look.text, line.translated(0, second), note);
     painter.restore();
 }
 
@@ -114,7 +103,8 @@ QSize test_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelIn
     if (index.column() == tests_model::limits_column)
         size.setWidth(bar_size.width() + 2 * bar_room);
     const int small_lines = index.siblingAtColumn(0).data(note_role).toString().isEmpty() ? 1 : 2;
-    const int lines = QFontMetrics(option.font).height() + small_lines * (small_size(option.font) + 2);
+    const int lines =
+        QFontMetrics(option.font).height() + small_lines * (theme::small(option.font).pixelSize() + 2);
     size.setHeight(std::max(bar_size.height(), lines) + line_room);
     return size;
 }

@@ -1,6 +1,5 @@
 #include "app/diagnostics/tests_model.h"
 
-#include <QFont>
 #include <QIcon>
 
 namespace {
@@ -92,11 +91,7 @@ QVariant tests_model::data(const QModelIndex& index, int role) const {
                    : QVariant();
     case Qt::ForegroundRole:
         return column == verdict_column ? QVariant(row.passed ? look.green : look.red) : QVariant();
-    case Qt::FontRole: {
-        QFont font;
-        font.setBold(true);
-        return column == verdict_column && !row.passed ? QVariant(font) : QVariant();
-    }
+    case Qt::FontRole: return bold_when(column == verdict_column && !row.passed);
     case Qt::TextAlignmentRole:
         return QVariant((column == value_column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     case subject_role: return subject_of(row);

@@ -13,9 +13,6 @@ namespace {
 constexpr int empty_icon_size = 32;
 constexpr int widest_gauges = 256;
 constexpr int narrowest_gauges = 144;
-constexpr int empty_page = 0;
-constexpr int chart_page = 1;
-constexpr int o2_page = 2;
 
 // What is said before the first run of a mode.
 QString invitation(int mode) {
@@ -110,7 +107,7 @@ void actions_view::connect_parts() {
     connect(&saver, &picture_saver::done, this,
             [this](const QString& what) { context.window.show_toast(what); });
     connect(&saver, &picture_saver::failed, this, [this](const QString& sentence) {
-        context.frame.tell({QStringLiteral("The picture was not saved"), sentence, {}, nullptr});
+        context.frame.tell({QStringLiteral("The picture was not saved"), sentence});
     });
     connect(ui.zoom, &QSlider::valueChanged, this, [this] {
         ui.chart->set_stale();
@@ -270,7 +267,7 @@ void actions_view::draw() {
     ui.chart->draw_new();
     ui.gauge_1->draw_new();
     ui.gauge_2->draw_new();
-    if (ui.chart_stack->currentIndex() == o2_page)
+    if (ui.chart_stack->currentWidget() == ui.o2)
         ui.o2->update();
 }
 
@@ -282,9 +279,9 @@ void actions_view::renew_pictures() {
 }
 
 void actions_view::zoom() {
-    keep_room(*ui.zoom_row, ui.chart_stack->currentIndex() == chart_page);
-    ui.zoom_row->setVisible(run_controller.zoom_slider_shown() &&
-                            ui.chart_stack->currentIndex() == chart_page);
+    const bool is_chart = ui.chart_stack->currentWidget() == ui.chart;
+    keep_room(*ui.zoom_row, is_chart);
+    ui.zoom_row->setVisible(run_controller.zoom_slider_shown() && is_chart);
     const double slider = static_cast<double>(ui.zoom->value()) / ui.zoom->maximum();
     const ::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
     ui.chart->zoom(now.points, now.title);
@@ -298,21 +295,22 @@ bool actions_view::has_samples() const {
 void actions_view::show_page() {
     const bool filled = has_samples();
     const bool has_picture = results.mode == op_o2_layout && results.o2_mask != 0;
-    ui.chart_stack->setCurrentIndex(has_picture && o2_as_picture ? o2_page
-                                    : filled                     ? chart_page
-                                                                 : empty_page);
-    if (ui.chart_stack->currentIndex() == empty_page)
+    if (has_picture && o2_as_picture)
+        ui.chart_stack->setCurrentWidget(ui.o2);
+    else
+        ui.chart_stack->setCurrentWidget(filled ? ui.chart : ui.empty_page);
+    if (ui.chart_stack->currentWidget() == ui.empty_page)
         ui.empty_text->setText(empty_words());
     ui.swap->setVisible(results.mode == op_o2_layout);
     ui.swap->setEnabled(has_picture);
     ui.swap->setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
-    ui.copy_picture->setEnabled(ui.chart_stack->currentIndex() != empty_page);
-    ui.save_picture->setEnabled(ui.chart_stack->currentIndex() != empty_page);
+    ui.copy_picture->setEnabled(ui.chart_stack->currentWidget() != ui.empty_page);
+    ui.save_picture->setEnabled(ui.chart_stack->currentWidget() != ui.empty_page);
 }
 
 void actions_view::show_chart_name() {
     QStringList names;
-    const bool is_empty = ui.chart_stack->currentIndex() == empty_page;
+    const bool is_empty = ui.chart_stack->currentWidget() == ui.empty_page;
     for (int index = 0; !is_empty && index < results.these_samples.size(); ++index) {
         if (shown.in_chart(index))
             names += results.these_samples.at(index).name;

@@ -1,22 +1,12 @@
 #include "app/livedata/run_head.h"
 
+#include "app/look/numbers.h"
 #include "app/screen/pid_chooser.h"
-
-#include <QLocale>
 
 namespace {
 
 constexpr int tick_ms = 500;
 const QString unknown = QStringLiteral("\u2013");
-
-QString as_time(qint64 milliseconds) {
-    const qint64 seconds = milliseconds / 1000;
-    const auto two_digits = [](qint64 number) {
-        return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
-    };
-    return QStringLiteral("%1:%2:%3")
-        .arg(two_digits(seconds / 3600), two_digits(seconds / 60 % 60), two_digits(seconds % 60));
-}
 
 } // namespace
 
@@ -104,7 +94,7 @@ void run_head::show() {
 void run_head::show_figures() {
     const bool any = controller.is_running() || results.sample_cnt > 0;
     const double a_second = results.times.sweeps_a_second();
-    ui.run_time->setText(as_time(results.times.duration_ms()));
+    ui.run_time->setText(hours_minutes_seconds(results.times.duration_ms() / 1000));
     ui.rate->setText(
         QStringLiteral("%1 sweeps/s")
             .arg(a_second > 0 ? QString::number(a_second, 'f', a_second < 100 ? 1 : 0) : unknown));

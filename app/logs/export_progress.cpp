@@ -1,10 +1,9 @@
 #include "app/logs/export_progress.h"
 
+#include "app/look/numbers.h"
 #include "app/look/theme.h"
 
-#include <QElapsedTimer>
 #include <QHBoxLayout>
-#include <QLocale>
 #include <algorithm>
 
 namespace {
@@ -13,11 +12,6 @@ constexpr int lines_at_once = 100;
 constexpr int slice_ms = 12; // below a frame of the screen
 constexpr int bar_parts = 1000;
 constexpr qsizetype most_named = 4;
-
-// "1,000,000"
-QString grouped(qint64 number) {
-    return QLocale(QLocale::English).toString(number);
-}
 
 // The paths, one a line; of many only the first.
 QString listed(const QStringList& paths) {
@@ -102,11 +96,7 @@ void export_progress::begin_next() {
 }
 
 void export_progress::write_slice() {
-    QElapsedTimer spent;
-    spent.start();
-    bool more = true;
-    while (more && spent.elapsed() < slice_ms)
-        more = exporting->step(lines_at_once);
+    const bool more = work_a_moment(slice_ms, [this] { return exporting->step(lines_at_once); });
     show_progress();
     if (more)
         return;

@@ -1,13 +1,13 @@
 #include "app/logs/log_actions.h"
 
 #include "app/logs/plots_popup.h"
+#include "app/look/numbers.h"
 #include "app/screen/report_popup.h"
 #include "logs/log_texts.h"
 #include "persistence/log_files.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QTextDocument>
@@ -119,12 +119,7 @@ void log_actions::delete_logs(const QList<log_header>& logs) {
 }
 
 void log_actions::delete_slice() {
-    QElapsedTimer spent;
-    spent.start();
-    bool more = true;
-    while (more && spent.elapsed() < slice_ms)
-        more = deletion->step();
-    if (!more)
+    if (!work_a_moment(slice_ms, [this] { return deletion->step(); }))
         return end_deletion();
     context.window.show_status(
         QStringLiteral("Deleting: %1 of %2").arg(deletion->deleted()).arg(deletion->asked()));

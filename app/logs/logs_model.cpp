@@ -3,6 +3,11 @@
 #include "app/look/theme.h"
 #include "persistence/log_files.h"
 
+logs_model::logs_model(const manage_logsDB& its_manager)
+    : headed_model({QStringLiteral("No"), QStringLiteral("Stored on"), QStringLiteral("Kind"),
+                    QStringLiteral("Description")}),
+      manager(its_manager) {}
+
 void logs_model::reload() {
     beginResetModel();
     shown_rows = static_cast<int>(manager.logs().size());
@@ -22,31 +27,9 @@ int logs_model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : shown_rows;
 }
 
-int logs_model::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : column_count;
-}
-
-QVariant logs_model::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
-        return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case number_column: return QStringLiteral("No");
-    case date_column: return QStringLiteral("Stored on");
-    case kind_column: return QStringLiteral("Kind");
-    case description_column: return QStringLiteral("Description");
-    default: return {};
-    }
-}
-
 QVariant logs_model::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= manager.logs().size())
         return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole && role != Qt::ToolTipRole)
         return {};
     const log_header log = manager.log_at(index.row());

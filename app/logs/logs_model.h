@@ -1,18 +1,17 @@
 #pragma once
 
+#include "app/look/headed_model.h"
 #include "logs/manage_logsDB.h"
-
-#include <QAbstractTableModel>
 
 // The list of logs as a table. Cells are made when they are shown, from the manager's rows; it outlives the
 // model.
-class logs_model : public QAbstractTableModel {
+class logs_model : public headed_model {
     Q_OBJECT
 
 public:
-    enum column { number_column, date_column, kind_column, description_column, column_count };
+    enum column { number_column, date_column, kind_column, description_column };
 
-    explicit logs_model(const manage_logsDB& its_manager) : manager(its_manager) {}
+    explicit logs_model(const manage_logsDB& its_manager);
 
     // The list is another one.
     void reload();
@@ -20,8 +19,6 @@ public:
     void append();
 
     int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:

@@ -1,13 +1,12 @@
 #include "app/logs/logs_view.h"
 
 #include "app/logs/plots_popup.h"
-#include "app/look/table_copy.h"
+#include "app/look/numbers.h"
+#include "app/look/tables.h"
 #include "app/screen/reading_choice.h"
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 
-#include <QElapsedTimer>
-#include <QFontDatabase>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
@@ -17,8 +16,6 @@ namespace {
 
 constexpr int empty_icon_size = 32;
 constexpr int row_height = 34;
-constexpr int empty_page = 0;
-constexpr int table_page = 1;
 constexpr int rows_at_once = 100;
 constexpr int slice_ms = 10; // below a frame of the screen
 constexpr int preview_delay_ms = 150;
@@ -118,10 +115,8 @@ void logs_view::connect_buttons() {
             [this] { context.frame.go_to(screen_kind::preferences); });
 
     auto* menu = new QMenu(ui.export_logs);
-    connect(menu->addAction(QStringLiteral("As CSV")), &QAction::triggered, this,
-            [this] { handle_export(false); });
-    connect(menu->addAction(QStringLiteral("As text")), &QAction::triggered, this,
-            [this] { handle_export(true); });
+    menu->addAction(QStringLiteral("As CSV"), this, [this] { handle_export(false); });
+    menu->addAction(QStringLiteral("As text"), this, [this] { handle_export(true); });
     connect(ui.export_logs, &QPushButton::clicked, menu, [this, menu] {
         menu->popup(ui.export_logs->mapToGlobal(QPoint(0, -menu->sizeHint().height())));
     });
@@ -139,11 +134,8 @@ void logs_view::load() {
 
 // Rows for a moment; the rest when the event loop had its turn.
 void logs_view::read_block() {
-    QElapsedTimer spent;
-    spent.start();
-    bool more = manager.is_loading();
-    while (more && spent.elapsed() < slice_ms)
-        more = manager.load_more(rows_at_once);
+    const bool more =
+        manager.is_loading() && work_a_moment(slice_ms, [this] { return manager.load_more(rows_at_once); });
     model.append();
     show_list();
     if (more)
@@ -152,7 +144,7 @@ void logs_view::read_block() {
 
 void logs_view::show_list() {
     const bool is_empty = model.rowCount() == 0;
-    ui.list_stack->setCurrentIndex(is_empty ? empty_page : table_page);
+    ui.list_stack->setCurrentWidget(is_empty ? ui.list_empty : ui.list_filled);
     ui.count->setText(manager.count_text());
     for (QPushButton* button : {ui.view, ui.plot, ui.export_logs, ui.copy, ui.delete_logs})
         button->setEnabled(!is_empty);
@@ -273,9 +265,7 @@ void logs_view::look_changed() {
     const theme& look = context.frame.look();
     order_for_tab();
     ui.empty_icon->setPixmap(look.enlarged(QStringLiteral("logs.png"), empty_icon_size, devicePixelRatioF()));
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPointSizeF(font().pointSizeF() > 0 ? font().pointSizeF() : fixed.pointSizeF());
-    ui.preview->setFont(fixed);
+    ui.preview->setFont(theme::fixed(font()));
     ui.preview_plots->set_look(look);
     const QFontMetrics metrics(ui.logs_table->font());
     const auto wide_enough = [&](int column, const char* text) {

@@ -1,5 +1,6 @@
 #include "app/logs/plots_popup.h"
 
+#include "app/look/numbers.h"
 #include "app/screen/reading_choice.h"
 #include "base/string_table.h"
 #include "persistence/log_files.h"
@@ -16,10 +17,6 @@ constexpr QSize smallest_size{640, 440};
 constexpr int offset_of_next = 4 * theme::step;
 constexpr int longest_geometry = 4096;
 const QString geometry_key = QStringLiteral("BV_plot_geometry");
-
-QString grouped(qint64 number) {
-    return QLocale(QLocale::English).toString(number);
-}
 
 } // namespace
 

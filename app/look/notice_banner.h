@@ -11,8 +11,8 @@
 struct notice {
     QString title; // "" for none
     QString text;
-    QString button; // "" for none
-    std::function<void()> action;
+    QString button = {}; // "" for none
+    std::function<void()> action = {};
     enum class life { until_dismissed, until_next_operation, while_on_screen };
     life stays = life::until_dismissed;
 };

@@ -217,7 +217,7 @@ QString theme::style_sheet(const QFont& body) const {
             dark ? QStringLiteral("rgba(227, 232, 237, 238)") : QStringLiteral("rgba(36, 48, 59, 235)"));
     fill_in("on_toast", dark ? ground.name() : card.name());
     fill_in("heading", QString::number(qRound(size * heading_size)));
-    fill_in("small", QString::number(std::max(smallest_legible, qRound(size * small_size))));
+    fill_in("small", QString::number(small(body).pixelSize()));
     return text_of_sheet;
 }
 
@@ -263,15 +263,23 @@ QString theme::plain_tool_tip(const QString& text) {
            QStringLiteral("</qt>");
 }
 
+QFont theme::small(const QFont& body) {
+    QFont font = body;
+    font.setPixelSize(std::max(smallest_legible, qRound(QFontInfo(body).pixelSize() * small_size)));
+    return font;
+}
+
+QFont theme::fixed(const QFont& body) {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setPointSizeF(body.pointSizeF() > 0 ? body.pointSizeF() : font.pointSizeF());
+    return font;
+}
+
 QFont theme::figures(const QFont& body) {
     const QFontMetrics metrics(body);
     const QString digits = QStringLiteral("0123456789");
     const bool all_equal = std::all_of(digits.begin(), digits.end(), [&](QChar digit) {
         return metrics.horizontalAdvance(digit) == metrics.horizontalAdvance(QLatin1Char('0'));
     });
-    if (all_equal)
-        return body;
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPointSizeF(body.pointSizeF() > 0 ? body.pointSizeF() : fixed.pointSizeF());
-    return fixed;
+    return all_equal ? body : fixed(body);
 }

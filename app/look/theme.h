@@ -39,6 +39,10 @@ struct theme {
     static void mark(QWidget& widget, const char* property, const QVariant& value);
     // The words of a tool tip that must not be taken for HTML: texts from the adapter, the car or a file.
     static QString plain_tool_tip(const QString& text);
+    // The smallest of the three sizes.
+    static QFont small(const QFont& body);
+    // Letters of one width, as large as those of `body`.
+    static QFont fixed(const QFont& body);
     // The font for numbers that change in place: that of the desktop when its digits are all equally wide.
     static QFont figures(const QFont& body);
 };

@@ -1,6 +1,6 @@
 #include "app/pictures/plot_preview.h"
 
-#include <QLocale>
+#include "app/look/numbers.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ void plot_preview::read_slice() {
     if (run->is_empty())
         return hide();
     run->show_averages(plot_span::all_of(run->rows()));
-    note.setText(QStringLiteral("The first %1 sweeps").arg(QLocale(QLocale::English).toString(run->rows())));
+    note.setText(QStringLiteral("The first %1 sweeps").arg(grouped(run->rows())));
     note.setVisible(run->series().is_cut());
     strip.rebuild(run->pictures());
     strip.set_look(look);

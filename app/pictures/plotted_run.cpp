@@ -1,10 +1,10 @@
 #include "app/pictures/plotted_run.h"
 
+#include "app/look/numbers.h"
 #include "base/shared_types.h"
 #include "livedata/second_value.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <algorithm>
 
 namespace {
@@ -29,11 +29,7 @@ plotted_run::plotted_run(program_core& core, const log_header& log, qsizetype mo
       units(toolies.units()), by_standard(toolies.standard_reading()) {}
 
 bool plotted_run::read_slice() {
-    QElapsedTimer spent;
-    spent.start();
-    bool more = true;
-    while (more && spent.elapsed() < slice_ms)
-        more = reader.step(lines_at_once);
+    const bool more = work_a_moment(slice_ms, [this] { return reader.step(lines_at_once); });
     if (!more)
         list_columns();
     return more;
@@ -118,9 +114,5 @@ QString plotted_run::elapsed(qsizetype from, qsizetype to) const {
     const qint64 end = reader.times()[static_cast<size_t>(to)];
     if (begin < 0 || end < begin)
         return {};
-    const qint64 seconds = end - begin;
-    return QStringLiteral("%1:%2:%3")
-        .arg(seconds / 3600, 2, 10, QLatin1Char('0'))
-        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
-        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    return hours_minutes_seconds(end - begin);
 }

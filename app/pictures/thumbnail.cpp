@@ -106,9 +106,7 @@ QRect thumbnail::menu_place() const {
 }
 
 void thumbnail::draw_foot(QPainter& painter) {
-    QFont small = font();
-    small.setPixelSize(std::max(11, qRound(QFontInfo(small).pixelSize() * 0.85)));
-    painter.setFont(small);
+    painter.setFont(theme::small(font()));
     painter.setPen(look.muted);
     const QRect foot(4, height() - foot_height, width() - 8, foot_height);
     painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, extremes());
@@ -162,14 +160,12 @@ void thumbnail::paintEvent(QPaintEvent*) {
 void thumbnail::show_menu(const QPoint& at) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    connect(menu->addAction(QStringLiteral("Large chart\tEnter")), &QAction::triggered, this,
-            &thumbnail::chart_chosen);
+    menu->addAction(QStringLiteral("Large chart\tEnter"), this, &thumbnail::chart_chosen);
     connect(menu->addAction(charted ? QStringLiteral("Out of the group\tCtrl+Enter")
                                     : QStringLiteral("Into the group\tCtrl+Enter")),
             &QAction::triggered, this, &thumbnail::group_toggled);
     if (pictures.has_gauges)
-        connect(menu->addAction(QStringLiteral("Second gauge\tG")), &QAction::triggered, this,
-                &thumbnail::gauge_chosen);
+        menu->addAction(QStringLiteral("Second gauge\tG"), this, &thumbnail::gauge_chosen);
     menu->addSeparator();
     QAction* reading = menu->addAction(QStringLiteral("Standard reading (SAE J1979)"));
     reading->setCheckable(true);

@@ -1,10 +1,9 @@
 #include "app/preferences/prefs_vehicle_rows.h"
 
-#include "app/look/rounded_picture.h"
+#include "app/look/painting.h"
 
 #include <QApplication>
 #include <QPaintDevice>
-#include <QPainter>
 
 namespace {
 
@@ -13,14 +12,6 @@ constexpr QSize photo_size{84, 56};
 constexpr int margin = theme::step;
 constexpr int chip_room = 10;
 const QString current_word = QStringLiteral("Current");
-
-void draw_line(QPainter& painter, const QFont& font, const QColor& colour, const QRect& room,
-               const QString& text) {
-    painter.setFont(font);
-    painter.setPen(colour);
-    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
-                     QFontMetrics(font).elidedText(text, Qt::ElideRight, room.width()));
-}
 
 // Gives the width that it takes.
 int draw_chip(QPainter& painter, const QFont& font, const theme& look, const QRect& cell) {
@@ -108,8 +99,7 @@ void vehicle_delegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
                                                 photo_size, painter->device()->devicePixelRatioF()));
     room.setLeft(room.left() + photo_size.width() + 2 * margin);
 
-    QFont small = cell.font;
-    small.setPixelSize(std::max(11, qRound(QFontInfo(cell.font).pixelSize() * 0.85)));
+    const QFont small = theme::small(cell.font);
     QFont strong = cell.font;
     strong.setWeight(QFont::DemiBold);
     if (index.data(vehicle_rows::is_current_role).toBool())

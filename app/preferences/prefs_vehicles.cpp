@@ -1,6 +1,6 @@
 #include "app/preferences/prefs_vehicles.h"
 
-#include "app/look/rounded_picture.h"
+#include "app/look/painting.h"
 #include "base/string_table.h"
 
 #include <QHeaderView>
@@ -126,7 +126,7 @@ void prefs_vehicles::setCurrentCar() {
 
 void prefs_vehicles::tell(const QString& problem) {
     if (!problem.isEmpty())
-        context.frame.tell({QString(), problem, {}, nullptr});
+        context.frame.tell({QString(), problem});
 }
 
 // --- what is shown -----------------------------------------------------------------------------------------

@@ -171,7 +171,5 @@ void prefs_view::tell_unless(bool written) {
             {QStringLiteral("The preferences cannot be kept"),
              QStringLiteral("The file %1 cannot be written. What you changed holds until the program "
                             "ends; check the rights of the file and the room on the disk.")
-                 .arg(context.core.paths.settings_file),
-             {},
-             nullptr});
+                 .arg(context.core.paths.settings_file)});
 }

@@ -1,6 +1,6 @@
 #include "app/preferences/vehicle_dialog.h"
 
-#include "app/look/rounded_picture.h"
+#include "app/look/painting.h"
 #include "shell/photo_file.h"
 
 #include <QDir>

@@ -1,5 +1,7 @@
 #include "app/screen/picture_saver.h"
 
+#include "app/screen/saving.h"
+
 #include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
@@ -7,7 +9,6 @@
 #include <QImageWriter>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QPrintDialog>
 #include <QPrinter>
 #include <QSaveFile>
 #include <algorithm>
@@ -40,17 +41,12 @@ void picture_saver::copy() {
 }
 
 void picture_saver::save() {
-    auto* dialog = new QFileDialog(&view, QStringLiteral("Save the picture"), QString(),
-                                   QStringLiteral("PNG pictures (*.png);;PDF documents (*.pdf)"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setDefaultSuffix(QStringLiteral("png"));
+    QFileDialog* dialog = dialog_for_saving(view, QStringLiteral("Save the picture"),
+                                            QStringLiteral("PNG pictures (*.png);;PDF documents (*.pdf)"),
+                                            QStringLiteral("png"), context.core.paths.documents, name);
     connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString& filter) {
         dialog->setDefaultSuffix(filter.contains(pdf) ? QStringLiteral("pdf") : QStringLiteral("png"));
     });
-    const QString documents = context.core.paths.documents;
-    dialog->setDirectory(QDir(documents).exists() ? documents : QDir::homePath());
-    dialog->selectFile(name);
     connect(dialog, &QFileDialog::fileSelected, this, &picture_saver::save_to);
     dialog->open();
 }
@@ -71,21 +67,12 @@ void picture_saver::save_to(const QString& file) {
     if (problem.isEmpty() && !target.commit())
         problem = target.errorString();
     if (!problem.isEmpty())
-        return Q_EMIT failed(QStringLiteral("%1 cannot be written: %2. Choose another folder.")
-                                 .arg(QDir::toNativeSeparators(file), problem));
+        return Q_EMIT failed(cannot_be_written(file, problem));
     Q_EMIT done(QStringLiteral("The picture is in %1.").arg(QDir::toNativeSeparators(file)));
 }
 
 void picture_saver::print() {
-    auto printer = std::make_shared<QPrinter>();
-    printer->setDocName(name);
-    auto* dialog = new QPrintDialog(printer.get(), &view);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    // The dialog keeps the printer, which has to outlive it.
-    connect(dialog, &QObject::destroyed, [printer] {});
-    connect(dialog, qOverload<QPrinter*>(&QPrintDialog::accepted), this,
-            [this](QPrinter* chosen) { paint_page(*chosen); });
-    dialog->open();
+    ask_for_printer(view, name, [this](QPrinter& chosen) { paint_page(chosen); });
 }
 
 void picture_saver::paint_page(QPagedPaintDevice& page) const {

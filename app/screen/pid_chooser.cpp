@@ -1,5 +1,7 @@
 #include "app/screen/pid_chooser.h"
 
+#include "app/look/tables.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -158,19 +160,8 @@ void pid_chooser::lay_out() {
 void pid_chooser::set_up(QTableView& table, pid_rows& rows, const QString& accessible_name) {
     table.setModel(&rows);
     table.setAccessibleName(accessible_name);
-    table.setSelectionBehavior(QAbstractItemView::SelectRows);
-    table.setSelectionMode(QAbstractItemView::SingleSelection);
-    table.setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table.setTabKeyNavigation(false);
-    table.setShowGrid(false);
-    table.setWordWrap(false);
-    table.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    table.verticalHeader()->setVisible(false);
+    make_list(table, pid_rows::name_column, row_height);
     table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table.verticalHeader()->setDefaultSectionSize(row_height);
-    table.horizontalHeader()->setHighlightSections(false);
-    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    table.horizontalHeader()->setSectionResizeMode(pid_rows::name_column, QHeaderView::Stretch);
     table.installEventFilter(this);
 }
 
@@ -227,9 +218,7 @@ void pid_chooser::store(qsizetype current) {
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
              QStringLiteral("The file %1 cannot be written: the choice holds until the program ends.")
-                 .arg(context.core.paths.settings_file),
-             {},
-             nullptr});
+                 .arg(context.core.paths.settings_file)});
     offered_rows.reload(false);
     chosen_rows.reload(true);
     chosen->selectRow(static_cast<int>(std::min(current, choice.chosen().size() - 1)));

@@ -1,7 +1,8 @@
 #include "app/screen/pid_rows.h"
 
 pid_rows::pid_rows(const pid_choice& its_choice, const theme& its_look, QObject* parent)
-    : QAbstractTableModel(parent), choice(its_choice), look(its_look) {}
+    : headed_model({QStringLiteral("Value"), QStringLiteral("PID"), QStringLiteral("ECU")}, parent),
+      choice(its_choice), look(its_look) {}
 
 void pid_rows::reload(bool reset) {
     if (reset) {
@@ -33,7 +34,6 @@ QVariant pid_rows::data(const QModelIndex& index, int role) const {
     case Qt::ToolTipRole:
         return theme::plain_tool_tip(data(index.siblingAtColumn(name_column), Qt::DisplayRole).toString() +
                                      u'\n' + entry.item);
-    case Qt::TextAlignmentRole: return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     case Qt::ForegroundRole:
         return !entry.reported                 ? QVariant(look.amber)
                : index.column() == name_column ? QVariant()
@@ -43,17 +43,9 @@ QVariant pid_rows::data(const QModelIndex& index, int role) const {
 }
 
 QVariant pid_rows::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal)
-        return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
-    if (role == Qt::TextAlignmentRole)
-        return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    if (role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case name_column: return QStringLiteral("Value");
-    case pid_column: return QStringLiteral("PID");
-    default: return QStringLiteral("ECU");
-    }
+    if (orientation == Qt::Vertical && role == Qt::DisplayRole)
+        return section + 1;
+    return headed_model::headerData(section, orientation, role);
 }
 
 offered_pids_model::offered_pids_model(const pid_choice& its_choice, const theme& its_look, QObject* parent)

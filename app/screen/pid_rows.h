@@ -1,12 +1,11 @@
 #pragma once
 
+#include "app/look/headed_model.h"
 #include "app/look/theme.h"
 #include "shell/pid_choice.h"
 
-#include <QAbstractTableModel>
-
 // The rows of the PID chooser. Both read the choice where it is; the choice and the look outlive them.
-class pid_rows : public QAbstractTableModel {
+class pid_rows : public headed_model {
     Q_OBJECT
 
 public:
@@ -19,9 +18,6 @@ public:
     // "" outside the rows.
     QString item_at(const QModelIndex& index) const;
 
-    int columnCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : column_count;
-    }
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 

@@ -5,8 +5,6 @@ void choose_reading(const view_context& context, bool standard) {
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
-             QStringLiteral("The settings cannot be written; it holds until the program ends."),
-             {},
-             nullptr});
+             QStringLiteral("The settings cannot be written; it holds until the program ends.")});
     context.window.reload(QStringLiteral("reading"));
 }

@@ -9,23 +9,18 @@ constexpr int strip_height = 40;
 constexpr int mark_size = 16;
 constexpr int widest_protocol = 330;
 
-// clang-format off
-QString picture_of(link_words::condition now) {
-    switch (now) {
-    case link_words::condition::open:    return QStringLiteral(":/artwork/link_open.png");
-    case link_words::condition::opening: return QStringLiteral(":/artwork/link_opening.png");
-    default:                             return QStringLiteral(":/artwork/link_closed.png");
-    }
-}
+struct condition_look {
+    const char* picture;
+    const char* word;
+};
 
-QString word_for(link_words::condition now) {
+condition_look look_of(link_words::condition now) {
     switch (now) {
-    case link_words::condition::open:    return QStringLiteral("open");
-    case link_words::condition::opening: return QStringLiteral("opening ...");
-    default:                             return QStringLiteral("closed");
+    case link_words::condition::open: return {":/artwork/link_open.png", "open"};
+    case link_words::condition::opening: return {":/artwork/link_opening.png", "opening ..."};
+    default: return {":/artwork/link_closed.png", "closed"};
     }
 }
-// clang-format on
 
 } // namespace
 
@@ -64,19 +59,21 @@ status_strip::status_strip(QWidget* parent) : QFrame(parent) {
     change.hide();
     connect(&change, &QToolButton::clicked, this, &status_strip::choice_wanted);
     far_end.setTextFormat(Qt::PlainText);
-    mark.setPixmap(QIcon(picture_of(shown.now)).pixmap(mark_size));
+    mark.setPixmap(QIcon(QLatin1String(look_of(shown.now).picture)).pixmap(mark_size));
 }
 
 void status_strip::set_link(const link_words& words) {
     if (shown == words)
         return;
     shown = words;
-    mark.setPixmap(QIcon(picture_of(shown.now)).pixmap(mark_size));
-    far_end.setText(QStringLiteral("%1: %2").arg(shown.far_end, word_for(shown.now)));
+    const condition_look look = look_of(shown.now);
+    const QString far_end_words = QStringLiteral("%1: %2").arg(shown.far_end, QLatin1String(look.word));
+    mark.setPixmap(QIcon(QLatin1String(look.picture)).pixmap(mark_size));
+    far_end.setText(far_end_words);
     protocol.set_text(shown.protocol);
     protocol.setVisible(!shown.protocol.isEmpty());
     change.setVisible(shown.can_choose);
     link_box->setToolTip(theme::plain_tool_tip(shown.details));
-    link_box->setAccessibleName(QStringLiteral("Link %1: %2").arg(shown.far_end, word_for(shown.now)));
+    link_box->setAccessibleName(QStringLiteral("Link ") + far_end_words);
     link_box->setAccessibleDescription(shown.details);
 }

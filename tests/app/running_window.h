@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/look/table_copy.h"
+#include "app/look/tables.h"
 #include "app/main_window.h"
 
 #include <QTableView>

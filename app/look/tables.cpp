@@ -1,8 +1,9 @@
-#include "app/look/table_copy.h"
+#include "app/look/tables.h"
 
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QMenu>
 #include <algorithm>
 
@@ -44,4 +45,30 @@ void make_copyable(QTableView& table) {
         menu->addActions(table.actions());
         menu->popup(table.viewport()->mapToGlobal(at));
     });
+}
+
+void let_rows_wrap(QTableView& table, int stretched_column, int least_height) {
+    QHeaderView& columns = *table.horizontalHeader();
+    columns.setSectionResizeMode(QHeaderView::ResizeToContents);
+    columns.setSectionResizeMode(stretched_column, QHeaderView::Stretch);
+    table.verticalHeader()->setMinimumSectionSize(least_height);
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    QObject::connect(&columns, &QHeaderView::sectionResized, &table,
+                     &QTableView::resizeRowsToContents); // a narrower text takes more lines
+    make_copyable(table);
+}
+
+void make_list(QTableView& table, int stretched_column, int row_height) {
+    table.setSelectionBehavior(QAbstractItemView::SelectRows);
+    table.setSelectionMode(QAbstractItemView::SingleSelection);
+    table.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table.setTabKeyNavigation(false);
+    table.setShowGrid(false);
+    table.setWordWrap(false);
+    table.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    table.verticalHeader()->setVisible(false);
+    table.verticalHeader()->setDefaultSectionSize(row_height);
+    table.horizontalHeader()->setHighlightSections(false);
+    table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table.horizontalHeader()->setSectionResizeMode(stretched_column, QHeaderView::Stretch);
 }

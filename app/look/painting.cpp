@@ -1,8 +1,7 @@
-#include "app/look/rounded_picture.h"
+#include "app/look/painting.h"
 
 #include "app/look/theme.h"
 
-#include <QPainter>
 #include <QPainterPath>
 
 QPixmap rounded_picture(const QImage& image, const QSize& room, double ratio) {
@@ -19,4 +18,12 @@ QPixmap rounded_picture(const QImage& image, const QSize& room, double ratio) {
     painter.setClipPath(outline);
     painter.drawImage(place, image);
     return result;
+}
+
+void draw_line(QPainter& painter, const QFont& font, const QColor& colour, const QRect& room,
+               const QString& text) {
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+                     QFontMetrics(font).elidedText(text, Qt::ElideRight, room.width()));
 }

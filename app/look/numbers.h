@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QLocale>
+
+// "1,000,000"
+inline QString grouped(qint64 number) {
+    return QLocale(QLocale::English).toString(number);
+}
+
+// "00:03:12"
+inline QString hours_minutes_seconds(qint64 seconds) {
+    return QStringLiteral("%1:%2:%3")
+        .arg(seconds / 3600, 2, 10, QLatin1Char('0'))
+        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
+        .arg(seconds % 60, 2, 10, QLatin1Char('0'));
+}
+
+// Does one step after the other for that long, while there is more to do; gives whether there is.
+template <class one_step>
+bool work_a_moment(int milliseconds, one_step step) {
+    QElapsedTimer spent;
+    spent.start();
+    bool more = true;
+    while (more && spent.elapsed() < milliseconds)
+        more = step();
+    return more;
+}
