@@ -46,7 +46,7 @@ live_run::live_run(program_core& its_core, const live_words& its_words)
       delegate(core.state, core.defaults, core.db, core.clock, view),
       results([this](const QString& body) { return core.toolies.shown_number(body); }, matrix_bytes) {
     if (words.store)
-        core.defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
+        core.defaults.override_for_this_run(setting::log_runs, true);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
 }
 
