@@ -17,8 +17,6 @@ namespace {
 
 constexpr QSize first_size{1180, 760};
 constexpr QSize smallest_size{800, 560};
-constexpr int longest_geometry = 4096;
-const QString geometry_key = QStringLiteral("BV_window_geometry");
 
 QFrame* thin_line() {
     auto* line = new QFrame;
@@ -270,7 +268,7 @@ void main_window::apply_look() {
 
 void main_window::restore_place() {
     resize(first_size);
-    const QString stored = core.defaults.text(geometry_key, QString(), longest_geometry);
+    const QString stored = core.defaults.value(setting::window_geometry);
     if (!stored.isEmpty())
         restoreGeometry(QByteArray::fromBase64(stored.toLatin1()));
 }
@@ -295,7 +293,7 @@ void main_window::closeEvent(QCloseEvent* event) {
     refuse_questions();
     savePrefs();
     delegate.handleQuitEvent();
-    core.defaults.set(geometry_key, QString::fromLatin1(saveGeometry().toBase64()));
+    core.defaults.set(setting::window_geometry, QString::fromLatin1(saveGeometry().toBase64()));
     core.defaults.synchronise();
     event->accept();
 }

@@ -19,7 +19,7 @@ QString megabytes(qint64 bytes) {
 update_sheet::update_sheet(QWidget& asked_by, program_core& its_core)
     : card_sheet(asked_by, QStringLiteral("Updates"), card_width), core(its_core) {
     lay_out();
-    server.setText(core.defaults.text(QLatin1String(update_server_key), QString()));
+    server.setText(core.defaults.value(setting::update_server));
     connect(&updates, &update_check::finished, this, &update_sheet::step_done);
     connect(&updates, &update_check::progress, this, &update_sheet::show_progress);
     connect(&server, &QLineEdit::textChanged, this, &update_sheet::show_state);
@@ -73,7 +73,7 @@ void update_sheet::check() {
         say(problem, true);
         return server.setFocus();
     }
-    core.defaults.set(QLatin1String(update_server_key), address);
+    core.defaults.set(setting::update_server, address);
     say(QStringLiteral("The server is asked ..."), false);
     updates.check(address);
     show_state();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/settings_table.h"
 #include "base/shared_types.h"
 
 // Operation codes: car_talk::cur_op().
@@ -29,8 +30,8 @@ struct process_state {
 
     // The link and what stands at its far end
     int interface_kind = interface_bluetooth;
-    QString wifi_ip = QStringLiteral("192.168.0.10");
-    QString wifi_port = QStringLiteral("35000");
+    QString wifi_ip = setting::wifi_ip.first_value();
+    QString wifi_port = setting::wifi_port.first_value();
     QString bt_address;         // of the Bluetooth device, "" when none was chosen yet
     QString last_BT_Device;     // its name
     bool adapter_ready = false; // initialised on this link
@@ -45,8 +46,4 @@ struct process_state {
     obd_groups available_pids; // supported PIDs of each ECU
     QStringList sample_pids;   // the PIDs of a sampling run, "0C|7E8"
     int boost_reference_kpa = 101;
-
-    // Settings that are asked for often
-    bool metric_units = false;
-    bool log_runs = false;
 };

@@ -173,7 +173,7 @@ int main(int argc, char** argv) {
     quiet_screen view;
     adapter_link link(core.state, core.clock, view, make_transport);
     program run(core, link, view);
-    const auto storing = [&core](bool on) { core.defaults.set(QStringLiteral("BV_log_runs"), on); };
+    const auto storing = [&core](bool on) { core.defaults.set(setting::log_runs, on); };
     storing(false);
     if (argc > 1) {
         const qint64 exchanges = QByteArray(argv[1]).toLongLong();

@@ -124,7 +124,8 @@ void readCodes::start_operation(const read& what, next_operation next) {
     if (what.code == op_read_codes)
         view.reload(QStringLiteral("codes"));
     if (what.code != op_clear_codes && what.code != op_link_info && what.code != op_permanent)
-        log.work_out_log_file(what.code, state.log_runs, toolies.units() == unit_system::metric);
+        log.work_out_log_file(what.code, toolies.settings().value(setting::log_runs),
+                              toolies.units() == unit_system::metric);
     start({what.code, what.status, what.failure, what.logged,
            [this, begin = what.begin] { return begin(*this); }});
 }

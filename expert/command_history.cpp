@@ -2,12 +2,8 @@
 
 #include "expert/expert_commands.h"
 
-namespace {
-const QString history_key = QStringLiteral("BV_expert_history");
-}
-
 command_history::command_history(user_defaults& settings) : defaults(settings) {
-    const QStringList stored = defaults.list(history_key, {});
+    const QStringList stored = defaults.value(setting::expert_history);
     for (const QString& command : stored) {
         if (command_problem(command).isEmpty())
             commands += command;
@@ -23,7 +19,7 @@ void command_history::add(const QString& command) {
         commands.removeFirst();
     place = commands.size();
     draft.clear();
-    defaults.set(history_key, commands);
+    defaults.set(setting::expert_history, commands);
 }
 
 QString command_history::older(const QString& typed) {

@@ -8,7 +8,6 @@
 namespace {
 
 constexpr qsizetype longest_typed = 250;
-const QString script_key = QStringLiteral("obdScriptArray");
 const QString place_of_byte = QStringLiteral("{L}");
 
 struct permanent_command {
@@ -101,13 +100,12 @@ std::optional<expert_script> check_script(const QStringList& values, QStringList
 }
 
 QStringList stored_script(const user_defaults& defaults) {
-    const QStringList first_values{QStringLiteral("01 {L}"), QStringLiteral("01"), QStringLiteral("05"),
-                                   QStringLiteral("1")};
     QStringList problems;
-    const QStringList stored = defaults.list(script_key, first_values);
-    return stored.size() == first_values.size() && check_script(stored, problems) ? stored : first_values;
+    const QStringList stored = defaults.value(setting::expert_script);
+    return stored.size() == 4 && check_script(stored, problems) ? stored
+                                                                : setting::expert_script.first_value();
 }
 
 void store_script(user_defaults& defaults, const QStringList& values) {
-    defaults.set(script_key, values);
+    defaults.set(setting::expert_script, values);
 }

@@ -42,7 +42,7 @@ actions::actions(process_state& process, adapter_link& its_link, mac_toolies& it
                  const app_paths& its_paths)
     : sampling_talk(process, its_link, its_toolies, its_view, time_source, its_results, its_paths),
       defaults(settings), watching(&no_observer) {
-    storing.set_rate(defaults.integer(QStringLiteral("BV_sample_rate"), -1));
+    storing.set_rate(defaults.value(setting::sample_rate));
     storing.saved_delayed_sample = [this] { set_status_msg(QStringLiteral("Saved delayed sample")); };
     storing.storing_failed = [this] {
         view.show_message(QString(),
@@ -175,7 +175,7 @@ void actions::begin_run() {
     results.log_sample_cnt = 0;
     results.is_stored = false;
     results.log_id = -1;
-    if (defaults.boolean(QStringLiteral("BV_log_runs"), false)) { // a missing key stores nothing
+    if (defaults.value(setting::log_runs)) {
         storing.create_row(results.mode, state.cur_veh_id);
         storing.work_out_log_file(results.mode, results.metric);
         results.is_stored = storing.is_on();

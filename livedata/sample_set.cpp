@@ -19,15 +19,15 @@ QStringList set_of_mode(int mode) {
 }
 
 QStringList stored_log_run_set(const user_defaults& defaults, mac_toolies& toolies, int vehicle_id) {
-    const QString key = sample_set_key(vehicle_id);
-    QStringList set = usable_items(defaults.list(key, {}));
-    if (!defaults.has(key)) {
-        set = usable_items(defaults.list(QStringLiteral("pidsArray"), {}));
+    const auto own = setting::sample_set.of_vehicle(vehicle_id);
+    QStringList set = usable_items(defaults.value(own));
+    if (!defaults.has(own)) {
+        set = usable_items(defaults.value(setting::older_sample_set));
         if (!set.isEmpty())
             toolies.save_pids_2_sample_prefs(set);
     }
     if (set.isEmpty()) {
-        set = first_sample_pids();
+        set = own.first_value();
         toolies.save_pids_2_sample_prefs(set);
     }
     return set;

@@ -1,6 +1,7 @@
 #include "persistence/log_files.h"
 
 #include "base/console_log.h"
+#include "base/settings_table.h"
 #include "base/string_table.h"
 
 #include <QDir>
@@ -14,9 +15,8 @@
 
 namespace {
 
-constexpr std::array<int, 6> rate_seconds{-1, 10, 30, 60, 120, 300};
-constexpr std::array<const char*, 6> rate_keys{"AS_FAST_AS_AVAIL", "EVERY_10_SECS", "EVERY_30_SECS",
-                                               "EVERY_MIN",        "EVERY_2_MINS",  "EVERY_5_MINS"};
+constexpr std::array<const char*, setting::sample_rates.size()> rate_keys{
+    "AS_FAST_AS_AVAIL", "EVERY_10_SECS", "EVERY_30_SECS", "EVERY_MIN", "EVERY_2_MINS", "EVERY_5_MINS"};
 
 const char* prefix_of(int task) {
     switch (task) {
@@ -119,14 +119,14 @@ QString format_date_str(const QString& utc) {
 }
 
 int secs_4_sampling(int index) {
-    return index >= 1 && index < static_cast<int>(rate_seconds.size())
-               ? rate_seconds[static_cast<size_t>(index)]
+    return index >= 1 && index < static_cast<int>(setting::sample_rates.size())
+               ? setting::sample_rates[static_cast<size_t>(index)]
                : -1;
 }
 
 QString text_4_sampling(int seconds) {
-    for (size_t i = 1; i < rate_seconds.size(); ++i) {
-        if (rate_seconds[i] == seconds)
+    for (size_t i = 1; i < setting::sample_rates.size(); ++i) {
+        if (setting::sample_rates[i] == seconds)
             return localised(QLatin1String(rate_keys[i]));
     }
     return localised(QLatin1String(rate_keys[0]));

@@ -10,9 +10,6 @@
 namespace {
 
 constexpr int focus_delay_ms = 1100;
-constexpr qsizetype longest_address = 30;
-constexpr qsizetype longest_port = 10;
-constexpr qsizetype longest_device_name = 80;
 
 struct help_of_screen {
     screen_kind screen;
@@ -40,8 +37,8 @@ Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settin
       clock(time_source), view(its_screen), toolies(process, settings, store) {
     read_defaults();
     QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
-        defaults.set(QStringLiteral("BV_last_BT"), state.bt_address);
-        defaults.set(QStringLiteral("Last_BT_device"), state.last_BT_Device);
+        defaults.set(setting::bluetooth_address, state.bt_address);
+        defaults.set(setting::bluetooth_name, state.last_BT_Device);
         defaults.synchronise();
     });
     console_log(QStringLiteral("finish kloading"));
@@ -49,35 +46,27 @@ Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settin
 
 void Bv_lite_delegate::read_defaults() {
     state.cur_veh_id = -1;
-    const int interface = defaults.integer(QStringLiteral("BV_interface"), 0);
-    if (interface == 0) {
-        defaults.set(QStringLiteral("BV_interface"), static_cast<int>(interface_bluetooth));
-        defaults.set(QStringLiteral("wifi_IP"), state.wifi_ip);
-        defaults.set(QStringLiteral("wifi_port"), state.wifi_port);
-        defaults.set(QStringLiteral("BV_metric_units"), false);
-        defaults.set(QStringLiteral("BV_log_runs"), false);
-    } else if (interface == interface_bluetooth) {
-        state.interface_kind = interface_bluetooth;
-    } else {
-        state.interface_kind = interface_wifi;
-        state.wifi_ip = defaults.text(QStringLiteral("wifi_IP"), state.wifi_ip, longest_address);
-        state.wifi_port = defaults.text(QStringLiteral("wifi_port"), state.wifi_port, longest_port);
+    if (!defaults.has(setting::interface_kind))
+        defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
+                                     setting::metric_units, setting::log_runs});
+    state.interface_kind = defaults.value(setting::interface_kind);
+    if (state.interface_kind == interface_wifi) {
+        state.wifi_ip = defaults.value(setting::wifi_ip);
+        state.wifi_port = defaults.value(setting::wifi_port);
     }
-    const QString device =
-        defaults.text(QStringLiteral("BV_last_BT"), QString(), longest_device_name).toUpper();
+    const QString device = defaults.value(setting::bluetooth_address).toUpper();
     if (is_bluetooth_address(device)) {
         state.bt_address = device;
-        state.last_BT_Device = defaults.text(QStringLiteral("Last_BT_device"), device, longest_device_name);
+        state.last_BT_Device =
+            defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device;
     }
-    state.metric_units = defaults.boolean(QStringLiteral("BV_metric_units"), false);
-    state.log_runs = defaults.boolean(QStringLiteral("BV_log_runs"), false);
     state.sample_pids.clear();
     state.available_pids.clear();
 }
 
 void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
     area = its_area;
-    if (!defaults.has(QStringLiteral("BV_log_runs")))
+    if (!defaults.has(setting::log_runs))
         toolies.setDefaults();
     if (!db.init_DB())
         view.show_message(QString(), db.problem());
@@ -89,16 +78,16 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
 }
 
 void Bv_lite_delegate::pick_current_vehicle() {
-    const int remembered = defaults.integer(QStringLiteral("BV_cur_veh_id"), -1);
+    const int remembered = defaults.value(setting::current_vehicle);
     const auto current = vehicle_or_first(db, db.is_new() ? -1 : remembered);
     if (!current)
         return;
     state.cur_veh_id = current->id;
     if (db.is_new()) {
-        defaults.set(QStringLiteral("BV_cur_veh_id"), current->id);
-        toolies.save_pids_2_sample_prefs(first_sample_pids());
+        defaults.set(setting::current_vehicle, current->id);
+        toolies.save_pids_2_sample_prefs(setting::sample_set.first_value());
     }
-    state.sample_pids = defaults.list(sample_set_key(current->id), first_sample_pids());
+    state.sample_pids = defaults.value(setting::sample_set.of_vehicle(current->id));
     state.available_pids = toolies.grab_pids_available();
     show_current_vehicle();
 }

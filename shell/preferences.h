@@ -40,8 +40,7 @@ public:
 
 private:
     void store_link(const general_settings& chosen);
-    void store_units(bool metric);
-    void put_in_force(bool link_changed);
+    void put_in_force(const general_settings& before);
 
     user_defaults& defaults;
     process_state& state;

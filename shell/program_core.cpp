@@ -7,11 +7,11 @@ program_core::program_core(const launch_options& what_was_asked)
     : options(what_was_asked), paths(app_paths::for_profile(profile_folder(), &bad_folder)),
       defaults(paths.settings_file), db(paths.documents) {
     if (options.log)
-        defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
+        defaults.override_for_this_run(setting::log_runs, true);
     if (options.metric)
-        defaults.override_for_this_run(QStringLiteral("BV_metric_units"), *options.metric);
+        defaults.override_for_this_run(setting::metric_units, *options.metric);
     if (options.standard_reading)
-        defaults.override_for_this_run(QStringLiteral("BV_standard_reading"), true);
+        defaults.override_for_this_run(setting::standard_reading, true);
 }
 
 program_core::~program_core() = default;

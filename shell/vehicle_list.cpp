@@ -64,7 +64,7 @@ QString vehicle_list::deleteCar(int veh_id) {
     const QList<vehicle> left = load_vehicles();
     if (std::any_of(left.begin(), left.end(), has_id))
         return problem;
-    defaults.remove(sample_set_key(veh_id));
+    defaults.remove(setting::sample_set.of_vehicle(veh_id));
     const QString not_kept =
         is_current(veh_id) && !left.isEmpty() ? make_current(left.first().id) : QString();
     return problem.isEmpty() ? not_kept : problem;
@@ -76,10 +76,10 @@ QString vehicle_list::setCurrentCar(int veh_id) {
 
 QString vehicle_list::make_current(int veh_id) {
     state.cur_veh_id = veh_id;
-    state.sample_pids = defaults.list(sample_set_key(veh_id), first_sample_pids());
+    state.sample_pids = defaults.value(setting::sample_set.of_vehicle(veh_id));
     state.available_pids = toolies.grab_pids_available();
     state.adapter_ready = false; // what the car supports is to be read and stored for this vehicle
-    defaults.set(QStringLiteral("BV_cur_veh_id"), veh_id);
+    defaults.set(setting::current_vehicle, veh_id);
     return defaults.synchronise()
                ? QString()
                : QStringLiteral("The vehicle is current until the program ends: the settings "

@@ -38,7 +38,7 @@ live_run::live_run(program_core& its_core, const live_words& its_words)
       results([this](const QString& body) { return core.toolies.shown_number(body); }, matrix_bytes) {
     view.shows_every_reply = false;
     if (words.store)
-        core.defaults.override_for_this_run(QStringLiteral("BV_log_runs"), true);
+        core.defaults.override_for_this_run(setting::log_runs, true);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
 }
 

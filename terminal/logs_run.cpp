@@ -273,7 +273,7 @@ void logs_run::begin_export(int log_id) {
                         .application_folder = core.paths.application_folder,
                         .units = core.toolies.units(),
                         .by_standard = core.toolies.standard_reading(),
-                        .time_column = core.defaults.boolean(QStringLiteral("BV_log_timeStamp"), false)});
+                        .time_column = core.defaults.value(setting::time_stamps)});
     if (!exporting->begin(log_id, core.options.as_text))
         return end(exporting->problem(), false);
     next_slice();

@@ -1,5 +1,4 @@
 #include "link/bluetooth_service.h"
-#include "persistence/log_files.h"
 #include "shell/pid_choice.h"
 #include "shell/preferences.h"
 #include "shell/vehicle_list.h"
@@ -7,46 +6,15 @@
 #include "updates/update_check.h"
 
 #include <QJsonArray>
-#include <array>
+#include <algorithm>
 
 namespace {
 
-constexpr int rate_count = 6;
-constexpr qsizetype longest_device_name = 100;
-const QString sample_sets = QStringLiteral("pidsSampleArray_");
-
-enum class kind { number, boolean, text };
-
-// A setting that stands by itself: its key, its value when it is missing, and what is wrong with a typed one.
-struct setting {
-    const char* key;
-    kind type;
-    const char* if_missing;
-    QString (*check)(const QString& value);
+// What is wrong with a typed text, as a sentence; "" when it is good.
+struct text_check {
+    const setting_row& row;
+    QString (*problem)(const QString& typed);
 };
-
-QString interface_problem(const QString& value) {
-    return value == QLatin1String("5") || value == QLatin1String("6")
-               ? QString()
-               : QStringLiteral("BV_interface is 5 (Bluetooth) or 6 (Wi-Fi).");
-}
-
-QString boolean_problem(const QString& value) {
-    return value == QLatin1String("true") || value == QLatin1String("false")
-               ? QString()
-               : QStringLiteral("The value is true or false.");
-}
-
-QString rate_problem(const QString& value) {
-    QStringList rates;
-    for (int i = 0; i < rate_count; ++i)
-        rates += QString::number(secs_4_sampling(i));
-    return rates.contains(value)
-               ? QString()
-               : QStringLiteral("BV_sample_rate is -1 (as fast as available) or one of these "
-                                "numbers of seconds: %1.")
-                     .arg(rates.sliced(1).join(QLatin1String(", ")));
-}
 
 QString device_problem(const QString& value) {
     return is_bluetooth_address(value)
@@ -55,47 +23,20 @@ QString device_problem(const QString& value) {
 }
 
 QString device_name_problem(const QString& value) {
-    return value.size() <= longest_device_name
-               ? QString()
-               : QStringLiteral("A name has at most %1 characters.").arg(longest_device_name);
+    const qsizetype longest = setting::bluetooth_name.bound.longest;
+    return value.size() <= longest ? QString()
+                                   : QStringLiteral("A name has at most %1 characters.").arg(longest);
 }
 
 QString server_problem(const QString& value) {
     return value.isEmpty() ? QString() : update_server_problem(value);
 }
 
-// clang-format off
-constexpr std::array<setting, 11> settings{{
-    {"BV_interface",        kind::number,  "5",            interface_problem},
-    {"wifi_IP",             kind::text,    "192.168.0.10", preferences::address_problem},
-    {"wifi_port",           kind::text,    "35000",        preferences::port_problem},
-    {"BV_metric_units",     kind::boolean, "false",        boolean_problem},
-    {"BV_log_runs",         kind::boolean, "false",        boolean_problem},
-    {"BV_log_timeStamp",    kind::boolean, "false",        boolean_problem},
-    {"BV_sample_rate",      kind::number,  "-1",           rate_problem},
-    {"BV_standard_reading", kind::boolean, "false",        boolean_problem},
-    {"BV_last_BT",          kind::text,    "",             device_problem},
-    {"Last_BT_device",      kind::text,    "",             device_name_problem},
-    {update_server_key,     kind::text,    "",             server_problem},
-}};
-// clang-format on
-
-const QString current_vehicle = QStringLiteral("BV_cur_veh_id");
-
-const setting* find_setting(const QString& key) {
-    for (const setting& one : settings) {
-        if (key == QLatin1String(one.key))
-            return &one;
-    }
-    return nullptr;
-}
-
-// The vehicle whose sample set the key names, -1 for another key.
-int vehicle_of_sample_set(const QString& key) {
-    bool ok = false;
-    const int id = key.startsWith(sample_sets) ? key.sliced(sample_sets.size()).toInt(&ok) : -1;
-    return ok && id > 0 ? id : -1;
-}
+const text_check text_checks[] = {
+    {setting::wifi_ip, preferences::address_problem}, {setting::wifi_port, preferences::port_problem},
+    {setting::bluetooth_address, device_problem},     {setting::bluetooth_name, device_name_problem},
+    {setting::update_server, server_problem},
+};
 
 QStringList items_of(const QString& value) {
     return value.split(u',', Qt::SkipEmptyParts);
@@ -112,19 +53,42 @@ QString sample_set_problem(const QString& value) {
                : QStringLiteral("No more than %1 values can be sampled.").arg(pid_choice::most_chosen);
 }
 
-QJsonValue value_of(const profile_context& context, const QString& key) {
-    const user_defaults& defaults = context.core.defaults;
-    if (key == current_vehicle)
-        return context.core.state.cur_veh_id;
-    const setting* known = find_setting(key);
-    if (!known)
-        return QJsonArray::fromStringList(defaults.list(key, first_sample_pids()));
-    const QString if_missing = QLatin1String(known->if_missing);
-    switch (known->type) {
-    case kind::number: return defaults.integer(key, if_missing.toInt());
-    case kind::boolean: return defaults.boolean(key, false);
-    default: return defaults.text(key, if_missing);
+bool is_good_number(const setting_row& row, const QString& value) {
+    const auto is_typed = [&](int number) { return QString::number(number) == value; };
+    if (row == setting::sample_rate)
+        return std::any_of(setting::sample_rates.begin(), setting::sample_rates.end(), is_typed);
+    const QVariant taken = row.checked(value);
+    return taken.isValid() && is_typed(taken.toInt());
+}
+
+QString problem_of(const setting_row& row, const QString& value) {
+    if (row.type == setting_row::kind::flag)
+        return value == QLatin1String("true") || value == QLatin1String("false")
+                   ? QString()
+                   : QStringLiteral("The value is true or false.");
+    if (row.type == setting_row::kind::number)
+        return is_good_number(row, value)
+                   ? QString()
+                   : QStringLiteral("%1 is %2.").arg(row.file_key(), QLatin1String(row.words));
+    if (row == setting::sample_set)
+        return sample_set_problem(value);
+    for (const text_check& check : text_checks) {
+        if (check.row == row)
+            return check.problem(value);
     }
+    return {};
+}
+
+// The setting of that name, where a person may ask for it.
+std::optional<setting_row> setting_named(const QString& key) {
+    const std::optional<setting_row> row = setting::with_key(key);
+    return row && row->who == setting::person ? row : std::nullopt;
+}
+
+QJsonValue value_of(const profile_context& context, const setting_row& row) {
+    if (row == setting::current_vehicle)
+        return context.core.state.cur_veh_id;
+    return QJsonValue::fromVariant(context.core.defaults.value_in_force(row));
 }
 
 QString as_text(const QJsonValue& value) {
@@ -137,14 +101,15 @@ QString as_text(const QJsonValue& value) {
     return items.join(u',');
 }
 
-QStringList all_keys(const profile_context& context) {
-    QStringList keys;
-    for (const setting& one : settings)
-        keys += QLatin1String(one.key);
-    keys += current_vehicle;
+QList<setting_row> persons_settings(const profile_context& context) {
+    QList<setting_row> rows;
+    for (const setting_row* row : setting::all) {
+        if (row->who == setting::person && *row != setting::sample_set)
+            rows += *row;
+    }
     for (const vehicle& one : all_vehicles(context.core.db))
-        keys += sample_set_key(one.id);
-    return keys;
+        rows += setting::sample_set.of_vehicle(one.id);
+    return rows;
 }
 
 // As the PIDs tab does: what the vehicle is known not to report cannot be chosen. "" when it was stored.
@@ -157,21 +122,17 @@ QString store_sample_set(const profile_context& context, int veh_id, const QStri
         if (!available.isEmpty() && !entry.reported)
             return QStringLiteral("The vehicle does not report %1.").arg(entry.item);
     }
-    context.core.defaults.set(sample_set_key(veh_id), choice.items());
+    context.core.defaults.set(setting::sample_set.of_vehicle(veh_id), choice.items());
     return {};
 }
 
-QString store(const profile_context& context, const QString& key, const QString& value) {
-    if (const int veh_id = vehicle_of_sample_set(key); veh_id > 0)
-        return store_sample_set(context, veh_id, value);
-    if (key == current_vehicle)
+QString store(const profile_context& context, const setting_row& row, const QString& value) {
+    if (row == setting::sample_set)
+        return store_sample_set(context, row.vehicle, value);
+    if (row == setting::current_vehicle)
         return vehicle_list(context.core.state, context.core.defaults, context.toolies)
             .setCurrentCar(value.toInt());
-    switch (find_setting(key)->type) {
-    case kind::number: context.core.defaults.set(key, value.toInt()); break;
-    case kind::boolean: context.core.defaults.set(key, value == QLatin1String("true")); break;
-    default: context.core.defaults.set(key, value);
-    }
+    context.core.defaults.store(row, row.value_of(value));
     return {};
 }
 
@@ -179,46 +140,37 @@ QString store(const profile_context& context, const QString& key, const QString&
 
 QString wrong_settings_words(const QStringList& words) {
     const QString what = words.value(0);
-    const QString key = words.value(1);
-    const QString value = words.value(2);
     const bool gets = what == QLatin1String("get") && words.size() <= 2;
     if (!gets && (what != QLatin1String("set") || words.size() != 3))
         return QStringLiteral("The words after settings are: get, get KEY, or set KEY VALUE.");
-    const setting* known = find_setting(key);
-    const bool is_set = vehicle_of_sample_set(key) > 0;
-    if (!known && !is_set && key != current_vehicle && words.size() > 1)
-        return QStringLiteral("There is no setting %1: settings get lists them.").arg(key.left(60));
-    if (gets)
+    if (words.size() == 1)
         return {};
-    if (known)
-        return known->check(value);
-    if (is_set)
-        return sample_set_problem(value);
-    bool is_number = false;
-    return value.toInt(&is_number) > 0 && is_number
-               ? QString()
-               : QStringLiteral("BV_cur_veh_id is the number of a vehicle: vehicles list tells them.");
+    const std::optional<setting_row> row = setting_named(words.at(1));
+    if (!row)
+        return QStringLiteral("There is no setting %1: settings get lists them.").arg(words.at(1).left(60));
+    return gets ? QString() : problem_of(*row, words.at(2));
 }
 
 command_result run_settings(const profile_context& context, const QStringList& words) {
     command_result result;
     const bool sets = words.first() == QLatin1String("set");
+    const bool one = words.size() > 1;
+    const QList<setting_row> rows =
+        one ? QList<setting_row>{*setting_named(words.at(1))} : persons_settings(context);
     if (sets) {
-        result.problem = store(context, words.at(1), words.at(2));
+        result.problem = store(context, rows.first(), words.at(2));
         if (result.problem.isEmpty() && !context.core.defaults.synchronise())
             result.problem =
                 QStringLiteral("The file %1 cannot be written: check its rights and the room on the disk.")
                     .arg(context.core.paths.settings_file);
     }
-    const bool one = words.size() > 1;
     QJsonObject values;
-    const QStringList keys = one ? QStringList{words.at(1)} : all_keys(context);
-    for (const QString& key : keys) {
-        const QJsonValue value = value_of(context, key);
-        values.insert(key, value);
+    for (const setting_row& row : rows) {
+        const QJsonValue value = value_of(context, row);
+        values.insert(row.file_key(), value);
         if (!sets)
-            result.text +=
-                one ? as_text(value) + u'\n' : QStringLiteral("%1 = %2\n").arg(key, as_text(value));
+            result.text += one ? as_text(value) + u'\n'
+                               : QStringLiteral("%1 = %2\n").arg(row.file_key(), as_text(value));
     }
     result.json.insert(QStringLiteral("settings"), values);
     return result;

@@ -23,7 +23,7 @@ QString update_run::wrong_words(const QStringList& words) {
 
 void update_run::start() {
     on_stop([this] { updates.stop(); });
-    updates.check(core.defaults.text(QLatin1String(update_server_key), QString()));
+    updates.check(core.defaults.value(setting::update_server));
 }
 
 void update_run::step_done(const QString& problem) {
@@ -66,7 +66,6 @@ void update_run::print_result(const QString& problem) {
     if (problem.isEmpty())
         return;
     tell(problem + u'\n');
-    if (!core.defaults.has(QLatin1String(update_server_key)))
-        tell(
-            QStringLiteral("settings set %1 https://... names one.\n").arg(QLatin1String(update_server_key)));
+    if (!core.defaults.has(setting::update_server))
+        tell(QStringLiteral("settings set %1 https://... names one.\n").arg(setting::update_server.file_key()));
 }

@@ -11,10 +11,6 @@
 #include <memory>
 #include <optional>
 
-// The key of the update server's address among the user defaults: that of the folder with its version file,
-// "" for none.
-inline constexpr const char* update_server_key = "BV_update_server";
-
 // Asks an update server for the newest version, and fetches its archive when the person wants it. Servers are
 // asked by https alone, also where one sends on to another. The archive gets its name only when its size and
 // its SHA-256 are right, and is never run. One thing at a time; nothing is asked but by check() and
@@ -30,7 +26,7 @@ public:
                           QObject* parent = nullptr);
     ~update_check() override;
 
-    // `server`: the address in the settings, "" for none.
+    // `server`: the address in the settings, that of the folder with the version file; "" for none.
     void check(const QString& server);
     // Fetches the archive of the version found into that folder.
     void download(const QString& folder);

@@ -59,7 +59,7 @@ actions_view::actions_view(const view_context& its_context)
       toolies(context.core.state, context.core.defaults, context.core.db), results(context.core.live),
       run_controller(context.core.state, context.link, toolies, context.window, context.core.defaults,
                      context.core.clock, results, context.core.paths),
-      pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller, toolies),
+      pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller),
       saver(*this, context, QStringLiteral("live_data"), [this] { return ui.chart_stack->currentWidget(); }),
       pace([this] {
           if (isVisible())

@@ -11,10 +11,9 @@ const QString unknown = QStringLiteral("\u2013");
 } // namespace
 
 run_head::run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
-                   actions& its_controller, mac_toolies& toolies)
+                   actions& its_controller)
     : view(its_view), ui(its_ui), context(its_context), controller(its_controller),
-      results(its_controller.results),
-      settings(context.core.defaults, context.core.state, context.link, toolies) {
+      results(its_controller.results) {
     ui.mode->addItems(actions::mode_names());
     ui.mode->setCurrentIndex(controller.selected_index());
     second.setInterval(tick_ms);
@@ -54,11 +53,11 @@ void run_head::choose_pids() {
 }
 
 void run_head::store_runs_toggled(bool on) {
-    general_settings chosen = settings.stored();
-    if (chosen.log_runs == on)
+    user_defaults& defaults = context.core.defaults;
+    if (defaults.value(setting::log_runs) == on)
         return;
-    chosen.log_runs = on;
-    if (!settings.store(chosen))
+    defaults.set(setting::log_runs, on);
+    if (!defaults.synchronise())
         context.window.show_message(QString(),
                                     QStringLiteral("The choice holds until the program ends: the file %1 "
                                                    "cannot be written.")
@@ -80,7 +79,7 @@ void run_head::show() {
                             : QStringLiteral("This mode has its own PIDs; Log Run has those you choose"));
     ui.progress->set_running(runs && results.sample_cnt == 0);
 
-    ui.store_runs->setChecked(settings.stored().log_runs);
+    ui.store_runs->setChecked(context.core.defaults.value(setting::log_runs));
     ui.store_runs->setEnabled(!runs);
     ui.store_runs->setToolTip(runs ? QStringLiteral("Can be changed when the run has ended")
                                    : QStringLiteral("Keeps the next runs for the Logs screen"));

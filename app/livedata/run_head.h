@@ -2,7 +2,6 @@
 
 #include "app/screen/screen_view.h"
 #include "livedata/actions.h"
-#include "shell/preferences.h"
 #include "ui_actions_view.h"
 
 #include <QTimer>
@@ -15,7 +14,7 @@ class run_head : public QObject {
 public:
     // The controller outlives it.
     run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
-             actions& its_controller, mac_toolies& toolies);
+             actions& its_controller);
 
     void start();
     void stop();
@@ -34,6 +33,5 @@ private:
     view_context context;
     actions& controller;
     live_results& results;
-    preferences settings;
     QTimer second; // the time goes on while nothing arrives
 };

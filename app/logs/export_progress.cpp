@@ -61,13 +61,12 @@ export_progress::export_progress(program_core& its_core, QWidget* parent)
 }
 
 export_settings export_progress::settings() const {
-    const bool metric = core.defaults.boolean(QStringLiteral("BV_metric_units"), false);
     return {.documents = core.paths.documents,
             .application_folder = core.paths.application_folder,
-            .units = metric ? unit_system::metric : unit_system::imperial,
+            .units = core.toolies.units(),
             .boost_reference_kpa = core.state.boost_reference_kpa,
             .by_standard = core.toolies.standard_reading(),
-            .time_column = core.defaults.boolean(QStringLiteral("BV_log_timeStamp"), false)};
+            .time_column = core.defaults.value(setting::time_stamps)};
 }
 
 void export_progress::start(const QList<int>& log_ids, bool as_txt) {

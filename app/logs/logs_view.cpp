@@ -151,7 +151,8 @@ void logs_view::show_list() {
     ui.all_files->setEnabled(!is_empty);
     ui.preview_card->setVisible(!is_empty);
     ui.empty_text->setText(empty_words());
-    ui.open_prefs->setVisible(manager.total_no_of_logs() == 0 && !context.core.state.log_runs);
+    ui.open_prefs->setVisible(manager.total_no_of_logs() == 0 &&
+                              !context.core.defaults.value(setting::log_runs));
     selection_changed();
 }
 
@@ -162,7 +163,7 @@ QString logs_view::empty_words() const {
         return QStringLiteral("No logs of this kind. Choose All to see the others.");
     const QString name =
         manager.vehicle_name().isEmpty() ? QStringLiteral("this vehicle") : manager.vehicle_name();
-    if (!context.core.state.log_runs)
+    if (!context.core.defaults.value(setting::log_runs))
         return QStringLiteral(
                    "No logs are stored for %1 yet: \u201cLog runs\u201d is off in the preferences.")
             .arg(name);

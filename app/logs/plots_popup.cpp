@@ -15,8 +15,6 @@ namespace {
 constexpr QSize first_size{1080, 680};
 constexpr QSize smallest_size{640, 440};
 constexpr int offset_of_next = 4 * theme::step;
-constexpr int longest_geometry = 4096;
-const QString geometry_key = QStringLiteral("BV_plot_geometry");
 
 } // namespace
 
@@ -219,13 +217,13 @@ void plots_popup::closeEvent(QCloseEvent* event) {
 }
 
 void plots_popup::save_place() {
-    context.core.defaults.set(geometry_key, QString::fromLatin1(saveGeometry().toBase64()));
+    context.core.defaults.set(setting::plot_geometry, QString::fromLatin1(saveGeometry().toBase64()));
 }
 
 // A second window stands beside the first one, not on it.
 void plots_popup::restore_place() {
     resize(first_size);
-    const QString stored = context.core.defaults.text(geometry_key, QString(), longest_geometry);
+    const QString stored = context.core.defaults.value(setting::plot_geometry);
     if (!stored.isEmpty())
         restoreGeometry(QByteArray::fromBase64(stored.toLatin1()));
     const auto others = parentWidget()->findChildren<plots_popup*>(QString(), Qt::FindDirectChildrenOnly);

@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int rate_count = 6;
-
 // The link that this run was started with, "" when it is the stored one.
 QString link_of_this_run(const launch_options& options) {
     switch (options.link) {
@@ -38,7 +36,7 @@ prefs_view::prefs_view(const view_context& its_context)
     ui.run_note->setText(
         QStringLiteral("This run was started with %1, which stays in use until you change the link here.")
             .arg(link_of_this_run(context.core.options)));
-    for (int i = 0; i < rate_count; ++i)
+    for (int i = 0; i < static_cast<int>(setting::sample_rates.size()); ++i)
         ui.sample_rate->addItem(text_4_sampling(secs_4_sampling(i)), secs_4_sampling(i));
     setPrefsScreen();
     connect_fields();

@@ -95,7 +95,8 @@ QWidget* pid_chooser::make_empty_page() const {
 // What a run samples of a vehicle for which nothing was chosen.
 QString pid_chooser::first_names() const {
     QStringList names;
-    for (const QString& pid : first_sample_pids())
+    const QStringList first = setting::sample_set.first_value();
+    for (const QString& pid : first)
         names += toolies.l_get_pid_name(pid, false);
     return names.join(QStringLiteral(", "));
 }
@@ -167,9 +168,9 @@ void pid_chooser::set_up(QTableView& table, pid_rows& rows, const QString& acces
 
 void pid_chooser::show_vehicle() {
     const process_state& state = context.core.state;
-    choice = pid_choice(toolies.grab_pids_available(),
-                        context.core.defaults.list(sample_set_key(state.cur_veh_id), first_sample_pids()),
-                        toolies);
+    choice =
+        pid_choice(toolies.grab_pids_available(),
+                   context.core.defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id)), toolies);
     offered_rows.reload_all();
     chosen_rows.reload(true);
     pages->setCurrentIndex(choice.available().isEmpty() ? empty_page : lists_page);

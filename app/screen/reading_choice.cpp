@@ -1,7 +1,7 @@
 #include "app/screen/reading_choice.h"
 
 void choose_reading(const view_context& context, bool standard) {
-    context.core.toolies.set_standard_reading(standard);
+    context.core.defaults.choose(setting::standard_reading, standard);
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),

@@ -10,10 +10,6 @@
 #include "obd/vin.h"
 #include "persistence/vehicles.h"
 
-QStringList first_sample_pids() {
-    return {QStringLiteral("0D"), QStringLiteral("11"), QStringLiteral("0C"), QStringLiteral("05")};
-}
-
 mac_toolies::mac_toolies(process_state& process, user_defaults& settings, database& store)
     : state(process), defaults(settings), db(store) {}
 
@@ -77,13 +73,13 @@ bool mac_toolies::checkIfSameVehicle(const obd_groups& available) {
 }
 
 void mac_toolies::fixSamplePidsFornewVehicle(const obd_groups& available) {
-    const QStringList samples = defaults.list(sample_set_key(state.cur_veh_id), first_sample_pids());
+    const QStringList samples = defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id));
     save_pids_2_sample_prefs(fixSamplePids(samples, available, state.cur_protocol));
 }
 
 void mac_toolies::save_pids_2_sample_prefs(const QStringList& samples) {
     state.sample_pids = samples;
-    defaults.set(sample_set_key(state.cur_veh_id), samples);
+    defaults.set(setting::sample_set.of_vehicle(state.cur_veh_id), samples);
     defaults.synchronise();
 }
 
@@ -178,32 +174,17 @@ QList<readiness_row> mac_toolies::handle_readiness_codes(const QString& these_fl
 // --- settings ----------------------------------------------------------------------------------------------
 
 unit_system mac_toolies::units() const {
-    return defaults.boolean(QStringLiteral("BV_metric_units"), false) ? unit_system::metric
-                                                                      : unit_system::imperial;
+    return defaults.value(setting::metric_units) ? unit_system::metric : unit_system::imperial;
 }
 
 bool mac_toolies::standard_reading() const {
-    return defaults.boolean(QStringLiteral("BV_standard_reading"), false);
-}
-
-// What the command line asked for holds until the person chooses otherwise.
-void mac_toolies::set_standard_reading(bool shown) {
-    const QString key = QStringLiteral("BV_standard_reading");
-    defaults.set(key, shown);
-    if (defaults.boolean(key, shown) != shown)
-        defaults.override_for_this_run(key, shown);
+    return defaults.value(setting::standard_reading);
 }
 
 void mac_toolies::setDefaults() {
-    // clang-format off
-    defaults.set(QStringLiteral("BV_interface"),     static_cast<int>(interface_bluetooth));
-    defaults.set(QStringLiteral("wifi_IP"),          QStringLiteral("192.168.0.10"));
-    defaults.set(QStringLiteral("wifi_port"),        QStringLiteral("35000"));
-    defaults.set(QStringLiteral("BV_metric_units"),  false);
-    defaults.set(QStringLiteral("BV_log_runs"),      true);
-    defaults.set(QStringLiteral("BV_log_timeStamp"), false);
-    defaults.set(QStringLiteral("BV_sample_rate"),   -1);
-    // clang-format on
-    set_standard_reading(false);
-    save_pids_2_sample_prefs(first_sample_pids());
+    defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
+                                 setting::metric_units, setting::time_stamps, setting::sample_rate});
+    defaults.set(setting::log_runs, true); // on purpose not the value of a first start
+    defaults.choose(setting::standard_reading, setting::standard_reading.first_value());
+    save_pids_2_sample_prefs(setting::sample_set.first_value());
 }

@@ -73,8 +73,8 @@ public:
     unit_system units() const;
     // True when results are shown as SAE J1979 reads the replies (obd/standard_reading).
     bool standard_reading() const;
-    void set_standard_reading(bool shown);
-    // Writes the first values of every default.
+    user_defaults& settings() const { return defaults; }
+    // Writes the first values of what the preferences show.
     void setDefaults();
 
     // Vehicles and stored results (persistence/database.h, persistence/vehicles.h)
@@ -87,6 +87,3 @@ private:
     text_resources resources;
     group_bitmaps bitmaps;
 };
-
-// The sample PIDs of a new vehicle.
-QStringList first_sample_pids();

@@ -213,7 +213,7 @@ TEST(actions_view, stores_a_run_when_the_person_says_so) {
     auto& store_runs = car.part<QCheckBox>("store_runs");
     EXPECT_FALSE(store_runs.isChecked());
     store_runs.click();
-    EXPECT_TRUE(car.core.defaults.boolean(QStringLiteral("BV_log_runs"), false));
+    EXPECT_TRUE(car.core.defaults.value(setting::log_runs));
     car.press(Qt::Key_F5);
     EXPECT_FALSE(store_runs.isEnabled());
     ASSERT_TRUE(car.wait_for_sweeps(5));

@@ -19,7 +19,7 @@ struct plotted_log : running_window {
                 QStringLiteral("410D%1,410C1AF8").arg(i % 200, 2, 16, QChar(u'0')).toUpper(), QString(), i,
                 id);
         core.db.end_lines();
-        core.defaults.set(QStringLiteral("BV_metric_units"), true);
+        core.defaults.set(setting::metric_units, true);
         press(Qt::Key_4, Qt::ControlModifier);
         auto& table = part<QTableView>("logs_table");
         EXPECT_TRUE(QTest::qWaitFor([&] { return table.model()->rowCount() == 1; }));

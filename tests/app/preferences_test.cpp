@@ -59,7 +59,8 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.part<QCheckBox>("metric_units").click();
     program.part<QCheckBox>("log_runs").click();
     program.part<QComboBox>("sample_rate").setCurrentIndex(2);
-    EXPECT_TRUE(program.core.state.metric_units && program.core.state.log_runs);
+    EXPECT_TRUE(program.core.defaults.value(setting::metric_units) &&
+                program.core.defaults.value(setting::log_runs));
     EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), QStringLiteral("Every 30 secs"));
     EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("30"));
 
@@ -73,7 +74,7 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
     EXPECT_EQ(program.core.state.interface_kind, interface_bluetooth);
     EXPECT_EQ(program.stored("BV_log_runs"), QStringLiteral("true"));
-    EXPECT_FALSE(program.core.state.metric_units);
+    EXPECT_FALSE(program.core.defaults.value(setting::metric_units));
 }
 
 TEST(prefs_view, leaves_the_link_of_the_command_line_until_it_is_changed) {

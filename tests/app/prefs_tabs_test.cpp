@@ -64,7 +64,7 @@ struct preferences_tabs : running_window {
         EXPECT_EQ(dialog(), nullptr);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    QStringList stored_set(int veh_id) { return core.defaults.list(sample_set_key(veh_id), {}); }
+    QStringList stored_set(int veh_id) { return core.defaults.value(setting::sample_set.of_vehicle(veh_id)); }
 };
 
 constexpr int pids_tab = 1;
@@ -85,7 +85,7 @@ TEST(vehicles_tab, the_only_vehicle_stays_and_a_deleted_current_one_hands_over) 
     program.select_vehicle(1);
     program.click("vehicle_use");
     EXPECT_EQ(program.shown_vehicle(), QStringLiteral("Van"));
-    EXPECT_EQ(program.core.defaults.integer(QStringLiteral("BV_cur_veh_id"), -1), 2);
+    EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 2);
     EXPECT_FALSE(program.part<QPushButton>("vehicle_use").isEnabled());
 
     program.click("vehicle_delete");
@@ -102,7 +102,7 @@ TEST(vehicles_tab, the_only_vehicle_stays_and_a_deleted_current_one_hands_over) 
     EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh."));
     EXPECT_EQ(program.shown_vehicle(), QStringLiteral("Cur Veh."));
     EXPECT_EQ(program.core.state.cur_veh_id, 1);
-    EXPECT_EQ(program.core.defaults.integer(QStringLiteral("BV_cur_veh_id"), -1), 1);
+    EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 1);
 }
 
 TEST(vehicle_dialog, stays_open_with_the_reason_until_its_values_can_be_stored) {
@@ -172,7 +172,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     EXPECT_EQ(program.text("pids_nothing_known"),
               QStringLiteral("Available PIDs for this vehicle will list after an initial Read/Log"));
     store_pids_available(program.core.db, 1, {{"7E8", {"05", "0C", "0D", "11", "20"}}, {"7E9", {"0D"}}});
-    program.core.defaults.set(sample_set_key(1), QStringList{"0D", "0C"});
+    program.core.defaults.set(setting::sample_set.of_vehicle(1), QStringList{"0D", "0C"});
     chooser.show_vehicle();
     ASSERT_TRUE(program.is_shown("offered_pids"));
 
@@ -201,12 +201,12 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     program.select_vehicle(1);
     program.click("vehicle_use");
     EXPECT_TRUE(chooser.shown().available().isEmpty());
-    EXPECT_EQ(program.core.state.sample_pids, first_sample_pids());
+    EXPECT_EQ(program.core.state.sample_pids, setting::sample_set.first_value());
     program.select_vehicle(0);
     program.click("vehicle_use");
     EXPECT_EQ(chooser.shown().items(), (QStringList{"0D|7E9"}));
     program.click("set_defaults");
-    EXPECT_EQ(program.stored_set(1), first_sample_pids());
+    EXPECT_EQ(program.stored_set(1), setting::sample_set.first_value());
     EXPECT_EQ(program.text("chosen_count"), QStringLiteral("4 chosen"));
 }
 

@@ -51,7 +51,7 @@ TEST(second_reading_view, swaps_the_codes_without_asking_the_car) {
     EXPECT_TRUE(car.line().endsWith(own.join(QStringLiteral(", "))));
     EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
     EXPECT_TRUE(car.part<QPushButton>("read").isEnabled());
-    EXPECT_TRUE(car.core.defaults.boolean(QStringLiteral("BV_standard_reading"), false));
+    EXPECT_TRUE(car.core.defaults.value(setting::standard_reading));
     car.standard_reading().click();
     EXPECT_EQ(car.codes(), own);
 
@@ -91,8 +91,8 @@ TEST(second_reading_view, marks_the_values_that_differ) {
 // The menu of a thumbnail switches the reading while the run goes on, and for what it stored.
 TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     running_window car(launch_options::link_choice::demo);
-    car.core.defaults.set(sample_set_key(car.core.state.cur_veh_id), QStringList{"42", "0D"});
-    car.core.defaults.set(QStringLiteral("BV_log_runs"), true);
+    car.core.defaults.set(setting::sample_set.of_vehicle(car.core.state.cur_veh_id), QStringList{"42", "0D"});
+    car.core.defaults.set(setting::log_runs, true);
     car.press(Qt::Key_2, Qt::ControlModifier);
     car.press(Qt::Key_F5);
     const live_results& results = car.core.live;

@@ -61,7 +61,7 @@ TEST(update_sheet, asks_only_when_the_person_does) {
 TEST(update_sheet, tells_a_wrong_archive_and_stops) {
     opened_sheet program;
     program.serve(http_server::ok(QByteArray(3000, 'x')));
-    program.core.defaults.set(QLatin1String(update_server_key), program.server.address());
+    program.core.defaults.set(setting::update_server, program.server.address());
     program.open();
     ASSERT_TRUE(program.says("Version 99.1 is there"));
     program.click("update_download");

@@ -14,45 +14,102 @@ void write(const QString& path, const QByteArray& bytes) {
     file.write(bytes);
 }
 
+QByteArray content_of(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
-TEST(user_defaults, survive_a_restart_and_a_hand_edited_file) {
+TEST(user_defaults, survive_a_restart_in_the_form_that_the_file_always_had) {
     QTemporaryDir folder;
     const QString file = folder.filePath("settings.ini");
     {
         user_defaults defaults(file);
-        EXPECT_FALSE(defaults.has("BV_interface"));
-        EXPECT_EQ(defaults.integer("BV_interface", 5), 5);
-        defaults.set("BV_interface", 6);
-        defaults.set("BV_metric_units", true);
-        defaults.set("pidsSampleArray_1", QStringList{"0D", "11"});
-        defaults.set("pidsSampleArray_2", QStringList{});
-        EXPECT_EQ(defaults.integer("BV_interface", 5), 6);
+        EXPECT_FALSE(defaults.has(setting::interface_kind));
+        EXPECT_EQ(defaults.value(setting::interface_kind), 5);
+        defaults.set(setting::interface_kind, 6);
+        defaults.set(setting::metric_units, true);
+        defaults.set(setting::wifi_ip, "10.0.0.1");
+        defaults.set(setting::sample_set.of_vehicle(1), {"0D", "0C|7E8"});
+        defaults.set(setting::sample_set.of_vehicle(2), {});
+        EXPECT_EQ(defaults.value(setting::interface_kind), 6);
         EXPECT_TRUE(defaults.synchronise());
     }
-    user_defaults again(file);
-    EXPECT_EQ(again.integer("BV_interface", 5), 6);
-    EXPECT_TRUE(again.boolean("BV_metric_units", false));
-    EXPECT_EQ(again.list("pidsSampleArray_1", {}), (QStringList{"0D", "11"}));
+    EXPECT_EQ(content_of(file), "[General]\nBV_interface=6\nBV_metric_units=true\n"
+                                "pidsSampleArray_1=0D, 0C|7E8\npidsSampleArray_2=@Invalid()\n"
+                                "wifi_IP=10.0.0.1\n");
+    const user_defaults again(file);
+    EXPECT_EQ(again.value(setting::interface_kind), 6);
+    EXPECT_TRUE(again.value(setting::metric_units));
+    EXPECT_EQ(again.value(setting::sample_set.of_vehicle(1)), (QStringList{"0D", "0C|7E8"}));
+    EXPECT_EQ(again.value(setting::sample_set.of_vehicle(3)), (QStringList{"0D", "11", "0C", "05"}));
+}
 
-    write(
-        file,
-        "[General]\nBV_interface=six\nwifi_IP=10.0.0.1, 7\nBV_metric_units=\npidsSampleArray_2=@Invalid()\n");
-    user_defaults edited(file);
-    EXPECT_EQ(edited.integer("BV_interface", 5), 5);
-    EXPECT_FALSE(edited.boolean("BV_metric_units", true));
-    EXPECT_EQ(edited.text("wifi_IP", "", 8), "10.0.0.1");
-    EXPECT_EQ(edited.list("pidsSampleArray_2", {"x"}),
+TEST(user_defaults, may_have_been_edited_by_hand) {
+    QTemporaryDir folder;
+    const auto edited = [&](const QByteArray& line) {
+        static int number = 0;
+        const QString file = folder.filePath(QString::number(++number));
+        write(file, "[General]\n" + line);
+        return std::make_unique<user_defaults>(file);
+    };
+    const std::pair<const char*, int> kinds[] = {{"six", 5}, {"", 5},    {"0", 5},
+                                                 {"5", 5},   {" 6 ", 6}, {"-1", 6}};
+    for (const auto& [stored, kind] : kinds) {
+        const auto defaults = edited(QByteArray("BV_interface=") + stored);
+        EXPECT_EQ(defaults->value(setting::interface_kind), kind) << stored;
+        EXPECT_EQ(defaults->has(setting::interface_kind), kind == 6 || *stored == '5') << stored;
+    }
+    EXPECT_EQ(edited("BV_sample_rate=-30")->value(setting::sample_rate), -1);
+    EXPECT_EQ(edited("BV_sample_rate=7")->value(setting::sample_rate), 7);
+    EXPECT_FALSE(edited("BV_metric_units=")->value(setting::metric_units));
+    EXPECT_EQ(edited("wifi_IP=10.0.0.1, 7")->value(setting::wifi_ip), "10.0.0.1,7");
+    EXPECT_EQ(edited("wifi_IP=" + QByteArray(40, 'x'))->value(setting::wifi_ip), QString(30, 'x'));
+    EXPECT_EQ(edited("BV_last_BT=" + QByteArray(9000, 'x'))->value(setting::bluetooth_address).size(), 4096);
+    EXPECT_EQ(edited("pidsSampleArray_2=@Invalid()")->value(setting::sample_set.of_vehicle(2)),
               QStringList()); // an empty list, read by another process
+    EXPECT_EQ(
+        edited("pidsArray=" + QByteArray("0C, ").repeated(5000))->value(setting::older_sample_set).size(),
+        1000);
 }
 
 TEST(user_defaults, of_this_run_are_not_stored) {
     QTemporaryDir folder;
-    user_defaults defaults(folder.filePath("settings.ini"));
-    defaults.override_for_this_run("BV_metric_units", true);
-    EXPECT_TRUE(defaults.has("BV_metric_units") && defaults.boolean("BV_metric_units", false));
+    const QString file = folder.filePath("settings.ini");
+    user_defaults defaults(file);
+    defaults.override_for_this_run(setting::metric_units, true);
+    defaults.set(setting::metric_units, false);
+    EXPECT_TRUE(defaults.has(setting::metric_units) && defaults.value(setting::metric_units));
     EXPECT_TRUE(defaults.synchronise());
-    EXPECT_FALSE(user_defaults(folder.filePath("settings.ini")).has("BV_metric_units"));
+    EXPECT_FALSE(user_defaults(file).value(setting::metric_units));
+    defaults.choose(setting::metric_units, false);
+    EXPECT_FALSE(defaults.value(setting::metric_units)) << "until the person chooses";
+}
+
+TEST(settings_table, is_the_list_of_the_manual_page) {
+    QString page = QString::fromUtf8(content_of(BV_TEST_DATA "/../../packaging/man/brivant-cli.1"));
+    page = page.section("\n.RS\n", 1, 1).section("\n.RE\n", 0, 0).replace("\\-", "-");
+    QString listed;
+    for (const setting_row* row : setting::all) {
+        if (row->who == setting::person)
+            listed +=
+                QStringLiteral("\n.TP\n.I %1\n%2").arg(QString(row->key).replace("%d", "N"), row->words);
+    }
+    EXPECT_EQ('\n' + page, listed);
+}
+
+TEST(settings_table, knows_a_setting_by_its_key) {
+    for (const setting_row* row : setting::all) {
+        if (*row != setting::sample_set) {
+            EXPECT_EQ(setting::with_key(row->file_key())->key, row->key);
+        }
+    }
+    EXPECT_EQ(setting::with_key("pidsSampleArray_12")->vehicle, 12);
+    for (const char* unknown :
+         {"", "bv_interface", "pidsSampleArray_", "pidsSampleArray_0", "pidsSampleArray_-1",
+          "pidsSampleArray_%d", "pidsSampleArray_1x", "pidsSampleArray_99999999999"})
+        EXPECT_FALSE(setting::with_key(unknown)) << unknown;
 }
 
 TEST(text_resources, lists_and_dictionaries) {

@@ -58,8 +58,8 @@ TEST(device_chooser, first_start_to_codes_and_the_next_time_without_asking) {
     EXPECT_TRUE(car.wait_until_idle());
     EXPECT_EQ(car.part<QLabel>("code_count").text(), "2");
     EXPECT_EQ(car.part<status_strip>().link().far_end, "Bluetooth OBDII");
-    EXPECT_EQ(car.core.defaults.text("BV_last_BT", ""), obd_address);
-    EXPECT_EQ(car.core.defaults.text("Last_BT_device", ""), "OBDII");
+    EXPECT_EQ(car.core.defaults.value(setting::bluetooth_address), obd_address);
+    EXPECT_EQ(car.core.defaults.value(setting::bluetooth_name), "OBDII");
 
     service.call("close_channels"); // the link is lost
     EXPECT_TRUE(QTest::qWaitFor([&] { return car.link() == link_words::condition::closed; }));

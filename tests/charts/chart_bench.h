@@ -15,7 +15,7 @@ struct chart_bench {
     mac_toolies toolies{state, profile.defaults, profile.db};
     sample_matrix matrix{[this](const QString& body) { return toolies.get_OBDVal(body); }};
 
-    chart_bench() { profile.defaults.set("BV_metric_units", true); }
+    chart_bench() { profile.defaults.set(setting::metric_units, true); }
 
     // A run of PID 0D alone; a negative speed stands for a sweep without a value.
     void drive(const QList<int>& speeds) {

@@ -99,7 +99,7 @@ TEST(conversations, begin_anew_after_the_link_was_lost_at_any_command) {
             diagnostic_bench bench;
             if (talk.steps[command].text == "AT Z")
                 continue; // there it is the adapter's nature, and mended
-            bench.state.log_runs = true;
+            bench.profile.defaults.set(setting::log_runs, true);
             EXPECT_EQ(play(cut(talk, command, "close"), bench), "");
             EXPECT_FALSE(bench.controller.is_running());
             EXPECT_EQ(bench.view.last("status"), "Disconnected");

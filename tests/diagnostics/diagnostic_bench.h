@@ -30,11 +30,15 @@ struct diagnostic_bench : adapter_bench {
         actions["extras"] = [this](const QString&) { controller.readXtras(); };
         actions["report"] = [this](const QString&) { controller.read_for_report(); };
         actions["permanent"] = [this](const QString&) { controller.readPermanent(); };
-        actions["standard"] = [this](const QString& on) { toolies.set_standard_reading(on == "on"); };
-        actions["metric"] = [this](const QString& on) {
-            profile.defaults.set("BV_metric_units", on == "on");
+        actions["standard"] = [this](const QString& on) {
+            profile.defaults.set(setting::standard_reading, on == "on");
         };
-        actions["logging"] = [this](const QString& on) { state.log_runs = on == "on"; };
+        actions["metric"] = [this](const QString& on) {
+            profile.defaults.set(setting::metric_units, on == "on");
+        };
+        actions["logging"] = [this](const QString& on) {
+            profile.defaults.set(setting::log_runs, on == "on");
+        };
         actions["stop"] = [this](const QString&) { controller.stop(); };
         facts["codes"] = [this] { return results.codesReadArray.join(", "); };
         facts["mode6"] = [this] { return one_line(results.mode6Array); };
@@ -113,8 +117,8 @@ struct diagnostic_bench : adapter_bench {
     void forget() {
         view.events.clear();
         ended = "no";
-        state.log_runs = false;
-        toolies.set_standard_reading(false);
+        profile.defaults.set(setting::log_runs, false);
+        profile.defaults.set(setting::standard_reading, false);
         state.protocol_description.clear(); // told once while the program runs
         for (const QStringList& log : profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES"))
             profile.db.delete_a_DB_log(log[0].toInt());

@@ -11,7 +11,7 @@ namespace {
 struct read_twice : adapter_bench {
     diagnostic_results results;
 
-    void show_standard(bool shown) { toolies.set_standard_reading(shown); }
+    void show_standard(bool shown) { profile.defaults.set(setting::standard_reading, shown); }
 };
 
 kept_reply rpm(const QString& digits, qsizetype row, qsizetype rows = 1) {
@@ -93,7 +93,7 @@ TEST(second_reading, report_says_which_reading_it_holds) {
     const QString own = bench.controller.report_of(op_read_codes).text;
     EXPECT_TRUE(own.contains("[2]  P0133, P0300\n\n")) << own.toStdString();
     EXPECT_FALSE(own.contains("J1979"));
-    bench.toolies.set_standard_reading(true);
+    bench.profile.defaults.set(setting::standard_reading, true);
     bench.results.kept[result_list::permanent] = {{"0A", reply({"7E8044A010133", 6, true}), {}, 0, 0}};
     const QStringList lines = bench.controller.report_of(op_read_codes).text.split('\n');
     EXPECT_EQ(lines.value(1), "Standard reading: values and codes as SAE J1979 reads the replies.");

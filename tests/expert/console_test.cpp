@@ -232,7 +232,7 @@ TEST(script, values_are_checked_in_their_fields) {
     EXPECT_EQ(stored_script(bench.profile.defaults).join('|'), "01 {L}|01|05|1");
     bench.controller.start_script({"22 10 {L}", "0A", "0B", "2"});
     EXPECT_EQ(stored_script(bench.profile.defaults).join('|'), "22 10 {L}|0A|0B|2");
-    bench.profile.defaults.set("obdScriptArray", QStringList({"01 {L}", "01"}));
+    bench.profile.defaults.set(setting::expert_script, QStringList({"01 {L}", "01"}));
     EXPECT_EQ(stored_script(bench.profile.defaults).join('|'), "01 {L}|01|05|1") << "a damaged one is left";
 }
 

@@ -26,8 +26,8 @@ public:
         profile.db.init_DB();
         if (const auto first = vehicle_or_first(profile.db, -1))
             state.cur_veh_id = first->id;
-        profile.defaults.set("BV_metric_units", true);
-        profile.defaults.set("BV_log_runs", true);
+        profile.defaults.set(setting::metric_units, true);
+        profile.defaults.set(setting::log_runs, true);
         live_controller.set_observer(this);
         diagnostics.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
         console.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };

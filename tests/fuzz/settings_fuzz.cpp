@@ -14,21 +14,19 @@
 
 namespace {
 
-constexpr qsizetype longest_text = 4096;
-
 void reading(const user_defaults& defaults) {
-    for (const char* name : {"BV_interface", "wifi_IP", "wifi_port", "BV_sample_rate", "BV_cur_veh_id",
-                             "BV_last_BT", "Last_BT_device", "BV_update_server"}) {
-        const QString key = QString::fromLatin1(name);
-        must_hold(defaults.text(key, {}).size() <= longest_text, "a text is bounded");
-        defaults.integer(key, 0);
-        defaults.boolean(key, false);
+    for (const setting_row* row : setting::all) {
+        const QVariant value = defaults.value_in_force(*row);
+        must_hold(value.isValid(), "every setting has a value");
+        must_hold(row->type != setting_row::kind::text || value.toString().size() <= row->bound.longest,
+                  "a text is bounded");
     }
-    defaults.list(sample_set_key(1), {});
-    for (const char* name : {"wifi_IP", "wifi_port"}) {
-        const QString typed = defaults.text(QString::fromLatin1(name), {});
-        must_hold(preferences::address_problem(typed).size() < 300 &&
-                      preferences::port_problem(typed).size() < 300,
+    const int kind = defaults.value(setting::interface_kind);
+    must_hold(kind == 5 || kind == 6, "a link is Bluetooth or Wi-Fi");
+    for (const setting::text& typed : {setting::wifi_ip, setting::wifi_port}) {
+        const QString text = defaults.value(typed);
+        must_hold(preferences::address_problem(text).size() < 300 &&
+                      preferences::port_problem(text).size() < 300,
                   "what is wrong is a sentence");
     }
 }

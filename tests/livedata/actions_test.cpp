@@ -18,19 +18,19 @@ QString set_of(live_bench& bench) {
 } // namespace
 
 TEST(actions, the_sample_set_that_is_stored) {
-    const auto set_with = [](const QString& key, const QStringList& items) {
+    const auto set_with = [](const std::optional<setting_row>& which, const QStringList& items) {
         live_bench bench;
-        bench.profile.defaults.remove(sample_set_key(bench.state.cur_veh_id));
-        if (!key.isEmpty())
-            bench.profile.defaults.set(key, items);
+        bench.profile.defaults.remove(setting::sample_set.of_vehicle(bench.state.cur_veh_id));
+        if (which)
+            bench.profile.defaults.store(*which, items);
         const QString set = set_of(bench);
-        EXPECT_EQ(bench.state.sample_pids.join(' '), key.startsWith("pidsSample") ? "" : set);
+        EXPECT_EQ(bench.state.sample_pids.join(' '), which == setting::sample_set ? "" : set);
         return set;
     };
-    const QString own = sample_set_key(1);
+    const setting_row own = setting::sample_set.of_vehicle(1);
     EXPECT_EQ(set_with(own, {"0C|7E8", "0D"}), "0C|7E8 0D");
-    EXPECT_EQ(set_with("pidsArray", {"0C", "0B"}), "0C 0B"); // of an older version
-    EXPECT_EQ(set_with("", {}), "0D 11 0C 05");
+    EXPECT_EQ(set_with(setting::older_sample_set, {"0C", "0B"}), "0C 0B"); // of an older version
+    EXPECT_EQ(set_with({}, {}), "0D 11 0C 05");
     // What a damaged settings file may hold: only what can be asked for is, once.
     EXPECT_EQ(set_with(own, {"", "0", "XY", "0C", "0c", "E4", "0D|" + QString(500, 'x'), "e5", "0b|7E8"}),
               "0C 0B|7E8");
@@ -95,7 +95,7 @@ TEST(actions, what_was_read_outlives_the_screen_until_it_no_longer_fits) {
     };
     EXPECT_EQ(screen_again(), "1726.00 RPM");
     EXPECT_EQ(bench.results.cur_log_points.rows(), 2);
-    bench.profile.defaults.set("BV_metric_units", false);
+    bench.profile.defaults.set(setting::metric_units, false);
     EXPECT_EQ(screen_again(), "");
     EXPECT_EQ(bench.results.cur_log_points.rows(), 1);
 }

@@ -14,7 +14,7 @@ struct live_bench : adapter_bench, private run_observer {
 
     live_bench() {
         state.available_pids.clear();
-        profile.defaults.set("BV_metric_units", true);
+        profile.defaults.set(setting::metric_units, true);
         // clang-format off
         bench_actions();
         facts["running"]  = [this] { return QString(controller->is_running() ? "yes" : "no"); };
@@ -54,12 +54,12 @@ private:
         actions["stop"] = [this](const QString&) { opened().stop(); };
         actions["leave-screen"] = [this](const QString&) { link.set_controller(nullptr); };
         actions["pids"] = [this](const QString& pids) { opened().use_pids(pids.split(' ')); };
-        actions["store"] = [this](const QString&) { profile.defaults.set("BV_log_runs", true); };
+        actions["store"] = [this](const QString&) { profile.defaults.set(setting::log_runs, true); };
         actions["rate"] = [this](const QString& rate) {
-            profile.defaults.set("BV_sample_rate", rate.toInt());
+            profile.defaults.set(setting::sample_rate, rate.toInt());
         };
         actions["units"] = [this](const QString& units) {
-            profile.defaults.set("BV_metric_units", units == "metric");
+            profile.defaults.set(setting::metric_units, units == "metric");
         };
         actions["stop-after"] = [this](const QString& count) { stop_after = count.toInt(); };
         actions["choose"] = [this](const QString& mode) {

@@ -8,7 +8,7 @@
 // A sample's value in either reading: text, the other's text, number.
 TEST(second_value, follows_the_switch) {
     adapter_bench bench;
-    bench.profile.defaults.set("BV_metric_units", true);
+    bench.profile.defaults.set(setting::metric_units, true);
     struct row {
         const char* body;
         const char* own;
@@ -21,7 +21,7 @@ TEST(second_value, follows_the_switch) {
                          {"~", "~", "", NAN},
                          {"-1", "-1", "", NAN}}) {
         const QString body = r.body;
-        bench.toolies.set_standard_reading(false);
+        bench.profile.defaults.set(setting::standard_reading, false);
         const second_value own = read_value(body, bench.toolies);
         EXPECT_EQ(own.other, r.standard) << r.body;
         if (!std::isnan(r.number)) {
@@ -30,7 +30,7 @@ TEST(second_value, follows_the_switch) {
         if (*r.standard) {
             EXPECT_EQ(own.text, r.own);
         }
-        bench.toolies.set_standard_reading(true);
+        bench.profile.defaults.set(setting::standard_reading, true);
         const second_value standard = read_value(body, bench.toolies);
         EXPECT_EQ(standard.text, *r.standard ? QString(r.standard) : own.text);
         EXPECT_EQ(standard.other, *r.standard ? own.text : QString());
@@ -44,7 +44,7 @@ TEST(second_value, follows_the_switch) {
 
 TEST(second_value, a_run_is_read_again_without_the_car) {
     adapter_bench bench;
-    bench.profile.defaults.set("BV_metric_units", true);
+    bench.profile.defaults.set(setting::metric_units, true);
     live_results results([&](const QString& body) { return bench.toolies.shown_number(body); });
     results.cur_log_points.start(2);
     for (const char* body : {"41422E7C", "41423A98"}) {
@@ -57,7 +57,7 @@ TEST(second_value, a_run_is_read_again_without_the_car) {
     results.these_samples[0].value = "0.003 V";
     results.these_samples[1].pid = "0D";
     results.these_samples[1].value = "~";
-    bench.toolies.set_standard_reading(true);
+    bench.profile.defaults.set(setting::standard_reading, true);
     read_again(results, bench.toolies);
     const sample_row& volts = results.these_samples[0];
     EXPECT_EQ(volts.value, "15.000 V");
@@ -69,7 +69,7 @@ TEST(second_value, a_run_is_read_again_without_the_car) {
     EXPECT_DOUBLE_EQ(results.cur_log_points.value(0, 0), 11.9);
     EXPECT_EQ(results.these_samples[1].value, "~");
     EXPECT_EQ(results.these_samples[1].max, "max");
-    bench.toolies.set_standard_reading(false);
+    bench.profile.defaults.set(setting::standard_reading, false);
     read_again(results, bench.toolies);
     EXPECT_EQ(volts.value, "0.003 V");
     EXPECT_EQ(volts.units, " V");

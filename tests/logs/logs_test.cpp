@@ -153,14 +153,14 @@ TEST(log_text, preview_of_a_run_has_names_units_and_the_first_samples) {
 
 TEST(log_text, preview_of_a_run_follows_the_reading) {
     log_bench bench;
-    bench.profile.defaults.set("BV_metric_units", true);
+    bench.profile.defaults.set(setting::metric_units, true);
     const log_header run = bench.header(bench.store("Log", {"~,410D3C", "41422E7C,410D3C"}));
     const QString own = preview_of(bench.toolies, run);
     EXPECT_TRUE(own.contains("Control module voltage ( V)")) << own.toStdString();
     EXPECT_TRUE(
         own.endsWith("   0.00                 60.00\nSAE J1979 says otherwise of: Control module voltage\n"))
         << own.toStdString();
-    bench.toolies.set_standard_reading(true);
+    bench.profile.defaults.set(setting::standard_reading, true);
     const QString standard = preview_of(bench.toolies, run);
     EXPECT_TRUE(standard.contains("Control module voltage (V by SAE J1979)")) << standard.toStdString();
     EXPECT_TRUE(standard.contains(" 11.90 ")) << standard.toStdString();

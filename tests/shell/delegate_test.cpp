@@ -71,17 +71,18 @@ TEST_F(start_up, the_first_time) {
     again.start();
     EXPECT_EQ(again.area.seen(), "vehicle Cur Veh., title Brivant Lite " BV_VERSION ", open 1, button 1");
     EXPECT_EQ(again.state.interface_kind, interface_bluetooth);
-    EXPECT_FALSE(again.state.log_runs || again.state.metric_units);
+    EXPECT_FALSE(again.defaults.value(setting::metric_units));
     EXPECT_EQ(again.state.sample_pids, QStringList({"0D", "11", "0C", "05"}));
-    EXPECT_EQ(again.defaults.list(sample_set_key(again.state.cur_veh_id), {}), again.state.sample_pids);
-    EXPECT_EQ(again.defaults.integer("BV_cur_veh_id", -1), again.state.cur_veh_id);
-    EXPECT_EQ(again.defaults.integer("BV_interface", 0), 5);
-    EXPECT_EQ(again.defaults.text("wifi_IP", ""), "192.168.0.10");
-    EXPECT_EQ(again.defaults.text("wifi_port", ""), "35000");
+    EXPECT_EQ(again.defaults.value(setting::sample_set.of_vehicle(again.state.cur_veh_id)),
+              again.state.sample_pids);
+    EXPECT_EQ(again.defaults.value(setting::current_vehicle), again.state.cur_veh_id);
+    EXPECT_EQ(again.defaults.value(setting::interface_kind), 5);
+    EXPECT_EQ(again.defaults.value(setting::wifi_ip), "192.168.0.10");
+    EXPECT_EQ(again.defaults.value(setting::wifi_port), "35000");
     EXPECT_TRUE(
-        again.defaults.has("BV_log_runs")); // off, and the toolkit's first values are not written over it
-    EXPECT_FALSE(again.defaults.boolean("BV_log_runs", true));
-    EXPECT_FALSE(again.defaults.has("BV_sample_rate"));
+        again.defaults.has(setting::log_runs)); // off, and the toolkit's first values are not written over it
+    EXPECT_FALSE(again.defaults.value(setting::log_runs));
+    EXPECT_FALSE(again.defaults.has(setting::sample_rate));
     EXPECT_TRUE(again.view.events.isEmpty());
 }
 
@@ -101,10 +102,10 @@ TEST_F(start_up, the_stored_link) {
     };
     for (const auto& row : rows) {
         program next(profile);
-        next.defaults.set("BV_interface", row.kind);
-        next.defaults.set("wifi_IP", row.address);
-        next.defaults.set("wifi_port", QString("123456789012"));
-        next.defaults.set("BV_metric_units", true);
+        next.defaults.store(setting::interface_kind, row.kind);
+        next.defaults.set(setting::wifi_ip, row.address);
+        next.defaults.set(setting::wifi_port, "123456789012");
+        next.defaults.set(setting::metric_units, true);
         next.start();
         EXPECT_EQ(next.state.interface_kind, row.expected_kind) << row.why;
         EXPECT_EQ(next.state.wifi_ip, row.expected_address) << row.why;
@@ -113,15 +114,15 @@ TEST_F(start_up, the_stored_link) {
 }
 
 TEST_F(start_up, the_bluetooth_device_used_last) {
-    again.defaults.set("BV_last_BT", "00:1d:a5:68:98:8d"); // and no name
+    again.defaults.set(setting::bluetooth_address, "00:1d:a5:68:98:8d"); // and no name
     again.start();
     EXPECT_EQ(again.state.last_BT_Device, "00:1D:A5:68:98:8D");
     const std::pair<const char*, const char*> rows[] = {
         {"00:1d:a5:68:98:8b", "00:1D:A5:68:98:8B OBDII"}, {"00:1D:A5:68:98", " "}, {"words", " "}};
     for (const auto& [stored, expected] : rows) {
         program next(profile);
-        next.defaults.set("BV_last_BT", stored);
-        next.defaults.set("Last_BT_device", "OBDII");
+        next.defaults.set(setting::bluetooth_address, stored);
+        next.defaults.set(setting::bluetooth_name, "OBDII");
         next.start();
         EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, expected) << stored;
     }
@@ -134,11 +135,11 @@ TEST_F(start_up, the_bluetooth_device_used_last) {
 }
 
 TEST_F(start_up, settings_without_log_runs_get_the_whole_table) {
-    again.defaults.set("BV_interface", 6);
+    again.defaults.set(setting::interface_kind, 6);
     again.start();
-    EXPECT_EQ(again.defaults.integer("BV_interface", 0), 5);
-    EXPECT_TRUE(again.defaults.boolean("BV_log_runs", false));
-    EXPECT_EQ(again.defaults.integer("BV_sample_rate", 0), -1);
+    EXPECT_EQ(again.defaults.value(setting::interface_kind), 5);
+    EXPECT_TRUE(again.defaults.value(setting::log_runs));
+    EXPECT_EQ(again.defaults.value(setting::sample_rate), -1);
 }
 
 TEST_F(start_up, the_current_vehicle) {
@@ -154,8 +155,8 @@ TEST_F(start_up, the_current_vehicle) {
     };
     for (const auto& [why, remembered, expected] : rows) {
         program next(profile);
-        next.defaults.set("BV_cur_veh_id", remembered);
-        next.defaults.set(sample_set_key(second), QStringList{"0C|7E8"});
+        next.defaults.store(setting::current_vehicle, remembered);
+        next.defaults.set(setting::sample_set.of_vehicle(second), QStringList{"0C|7E8"});
         next.start();
         EXPECT_EQ(next.state.cur_veh_id, expected) << why;
         EXPECT_EQ(text_of(next.state.available_pids), expected == second ? "7E8 01 0C" : "") << why;
@@ -196,8 +197,8 @@ TEST_F(start_up, screens) {
 }
 
 TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
-    again.defaults.set("BV_interface", 6);
-    again.defaults.set("BV_log_runs", false);
+    again.defaults.set(setting::interface_kind, 6);
+    again.defaults.set(setting::log_runs, false);
     again.start();
     mac_toolies toolies(again.state, again.defaults, again.db);
     diagnostic_results results;

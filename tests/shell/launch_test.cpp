@@ -45,7 +45,7 @@ TEST(launch_options, choose_the_link_for_this_run) {
         EXPECT_EQ(core.state.interface_kind, kind) << words;
         EXPECT_EQ(core.state.wifi_ip, address) << words;
         EXPECT_EQ(core.state.wifi_port, port) << words;
-        EXPECT_FALSE(core.defaults.has("BV_interface")) << words; // nothing of it is stored
+        EXPECT_FALSE(core.defaults.has(setting::interface_kind)) << words; // nothing of it is stored
     }
 }
 
@@ -63,14 +63,14 @@ TEST(program_core, units_and_folders) {
     QTemporaryDir folder;
     {
         program_core core(asked_for({"--profile", folder.path(), "--metric"}));
-        EXPECT_TRUE(core.defaults.boolean("BV_metric_units", false));
+        EXPECT_TRUE(core.defaults.value(setting::metric_units));
         EXPECT_EQ(core.folder_problem(), "");
         EXPECT_TRUE(core.paths.documents.startsWith(folder.path()));
         EXPECT_TRUE(core.paths.application_folder.startsWith(folder.path()));
         EXPECT_TRUE(core.paths.settings_file.startsWith(folder.path()));
     }
     program_core next(asked_for({"--profile=" + folder.path()}));
-    EXPECT_FALSE(next.defaults.has("BV_metric_units")); // it was for that run only
+    EXPECT_FALSE(next.defaults.has(setting::metric_units)); // it was for that run only
 
     QFile in_the_way(folder.filePath("file"));
     ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));

@@ -68,11 +68,11 @@ TEST_F(vehicles, the_only_one_stays_and_a_deleted_current_one_hands_over) {
     EXPECT_EQ(list.deleteCar(van), "");
     EXPECT_EQ(names(), "1 Cur Veh.");
     EXPECT_EQ(state.cur_veh_id, 1);
-    EXPECT_EQ(profile.defaults.integer("BV_cur_veh_id", -1), 1);
-    EXPECT_EQ(state.sample_pids, first_sample_pids());
+    EXPECT_EQ(profile.defaults.value(setting::current_vehicle), 1);
+    EXPECT_EQ(state.sample_pids, setting::sample_set.first_value());
     EXPECT_EQ(state.available_pids, (obd_groups{{"7E8", {"0C"}}}));
     EXPECT_FALSE(state.adapter_ready) << "its record is to be read again";
-    EXPECT_FALSE(profile.defaults.has(sample_set_key(van)));
+    EXPECT_FALSE(profile.defaults.has(setting::sample_set.of_vehicle(van)));
     EXPECT_FALSE(log_with_id(profile.db, log));
     EXPECT_TRUE(profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA").isEmpty());
 

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <array>
+#include <optional>
+
+// A row of the table of settings.
+struct setting_row {
+    enum class kind { flag, number, text, texts };
+    enum class set_by { person, program };
+    struct bounds {
+        qsizetype longest = 4096;                    // characters of a text
+        std::optional<int> (*usable)(int) = nullptr; // what is made of a number, nothing of one of no use
+    };
+
+    const char* key; // in the settings file; "%d" is the number of a vehicle
+    kind type;
+    const char* first; // the value while the file holds none that can be used; commas between several texts
+    set_by who;        // the person (in the preferences, or by "settings set"), or the program alone
+    const char* words; // for the person: what a value is
+    bounds bound;
+    int vehicle = -1; // whose, where the key names one
+
+    QString file_key() const;
+    // A text as a value of this kind: "true", "5", "0D,11".
+    QVariant value_of(const QString& text) const;
+    QVariant first_value() const { return value_of(QLatin1String(first)); }
+    // What the file holds, within bounds; an invalid value when it cannot be used.
+    QVariant checked(const QVariant& stored) const;
+
+    friend bool operator==(const setting_row& one, const setting_row& other) { return one.key == other.key; }
+};
+
+// What readers and writers of a setting name it by.
+template <typename T>
+struct typed_setting : setting_row {
+    constexpr typed_setting(const char* its_key, const char* its_first, set_by its_setter,
+                            const char* its_words, bounds its_bounds = {})
+        : setting_row{its_key, kind_of_type(), its_first, its_setter, its_words, its_bounds} {}
+
+    typed_setting of_vehicle(int id) const {
+        typed_setting its_own = *this;
+        its_own.vehicle = id;
+        return its_own;
+    }
+    T first_value() const { return qvariant_cast<T>(setting_row::first_value()); }
+
+private:
+    static constexpr kind kind_of_type() {
+        if constexpr (std::is_same_v<T, bool>)
+            return kind::flag;
+        else if constexpr (std::is_same_v<T, int>)
+            return kind::number;
+        else
+            return std::is_same_v<T, QString> ? kind::text : kind::texts;
+    }
+};
+
+// The table: every setting by the program's name for it.
+namespace setting {
+
+using flag = typed_setting<bool>;
+using number = typed_setting<int>;
+using text = typed_setting<QString>;
+using texts = typed_setting<QStringList>;
+inline constexpr auto person = setting_row::set_by::person;
+inline constexpr auto program = setting_row::set_by::program;
+
+// What is not Bluetooth is Wi-Fi, but for 0.
+constexpr std::optional<int> link_number(int stored) {
+    return stored == 0 ? std::nullopt : std::optional(stored == 5 ? 5 : 6);
+}
+constexpr std::optional<int> positive(int stored) {
+    return stored > 0 ? std::optional(stored) : std::nullopt;
+}
+
+// Seconds, -1 for as fast as the adapter answers.
+inline constexpr std::array sample_rates{-1, 10, 30, 60, 120, 300};
+
+// clang-format off
+inline constexpr number interface_kind    {"BV_interface",         "5",               person,
+    "5 (Bluetooth) or 6 (Wi-Fi)", {.usable = link_number}};
+inline constexpr text   wifi_ip           {"wifi_IP",              "192.168.0.10",    person,
+    "the address of the Wi-Fi adapter", {.longest = 30}};
+inline constexpr text   wifi_port         {"wifi_port",            "35000",           person,
+    "its TCP port", {.longest = 10}};
+inline constexpr flag   metric_units      {"BV_metric_units",      "false",           person,
+    "true for metric units"};
+inline constexpr flag   log_runs          {"BV_log_runs",          "false",           person,
+    "true to store results and runs"};
+inline constexpr flag   time_stamps       {"BV_log_timeStamp",     "false",           person,
+    "true for the time of each sample in exports"};
+inline constexpr number sample_rate       {"BV_sample_rate",       "-1",              person,
+    "-1 (as fast as available) or one of these numbers of seconds: 10, 30, 60, 120, 300", {.usable = positive}};
+inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
+    "true to show what SAE J1979 reads in the replies"};
+inline constexpr text   bluetooth_address {"BV_last_BT",           "",                person,
+    "the address of the Bluetooth adapter used last"};
+inline constexpr text   bluetooth_name    {"Last_BT_device",       "",                person,
+    "its name", {.longest = 100}};
+inline constexpr text   update_server     {"BV_update_server",     "",                person,
+    "where update-check asks"};
+inline constexpr number current_vehicle   {"BV_cur_veh_id",        "-1",              person,
+    "the number of a vehicle: vehicles list tells them", {.usable = positive}};
+inline constexpr texts  sample_set        {"pidsSampleArray_%d",   "0D,11,0C,05",     person,
+    "the sampled PIDs of vehicle N: 0D,11,0C|7E8"};
+inline constexpr texts  older_sample_set  {"pidsArray",            "",                program,
+    "the sampled PIDs of every vehicle, of an older version"};
+inline constexpr texts  expert_history    {"BV_expert_history",    "",                program,
+    "the commands typed last"};
+inline constexpr texts  expert_script     {"obdScriptArray",       "01 {L},01,05,1",  program,
+    "the script: template, from, to, loops"};
+inline constexpr text   window_geometry   {"BV_window_geometry",   "",                program,
+    "where the window stood"};
+inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",                program,
+    "where the plot window stood"};
+// clang-format on
+
+inline constexpr std::array<const setting_row*, 18> all{
+    &interface_kind, &wifi_ip,         &wifi_port,        &metric_units,      &log_runs,
+    &time_stamps,    &sample_rate,     &standard_reading, &bluetooth_address, &bluetooth_name,
+    &update_server,  &current_vehicle, &sample_set,       &older_sample_set,  &expert_history,
+    &expert_script,  &window_geometry, &plot_geometry};
+
+// The setting that a key of the file stands for.
+std::optional<setting_row> with_key(const QString& key);
+
+} // namespace setting
