@@ -94,13 +94,13 @@ bool reply::refused_by_adapter() const {
     return text().contains(u'?') && std::none_of(lines().begin(), lines().end(), is_hex);
 }
 
-const QStringList& reply::lines() const {
+const QStringList& reply::lines() const& {
     if (!shared->lines)
         shared->lines = reply_lines(text());
     return *shared->lines;
 }
 
-const QList<ecu_said>& reply::ecus() const {
+const QList<ecu_said>& reply::ecus() const& {
     if (!shared->ecus) {
         shared->ecus.emplace();
         for (const obd_group& group : pullObdMsgsGrouped(pullObdMsgs(text(), protocol()), protocol()))
@@ -110,13 +110,13 @@ const QList<ecu_said>& reply::ecus() const {
     return *shared->ecus;
 }
 
-const ecu_said* reply::engine() const {
+const ecu_said* reply::engine() const& {
     const ecu_said* named =
         first([](const ecu_said& ecu) { return isThisEngineHeader(ecu.header, ecu.protocol); });
     return named ? named : first([](const ecu_said&) { return true; });
 }
 
-const ecu_said* reply::ecu(const QString& header) const {
+const ecu_said* reply::ecu(const QString& header) const& {
     return first([&](const ecu_said& ecu) { return same_ecu(ecu.header, header, ecu.protocol); });
 }
 

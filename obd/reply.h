@@ -53,10 +53,12 @@ public:
     bool holds_nothing() const { return is_none() || no_data() || refused_by_adapter(); }
 
     // See reply_lines.
-    const QStringList& lines() const;
+    const QStringList& lines() const&;
+    const QStringList& lines() const&& = delete; // it would outlive what it refers to
     // What each ECU said, by its header; a reply that was shown without headers has none to go by. Empty
     // while the protocol is unknown.
-    const QList<ecu_said>& ecus() const;
+    const QList<ecu_said>& ecus() const&;
+    const QList<ecu_said>& ecus() const&& = delete;
     // The first of them for which `fits` holds, null for none.
     template <class check>
     const ecu_said* first(check fits) const {
@@ -64,9 +66,11 @@ public:
         return found == ecus().end() ? nullptr : &*found;
     }
     // The engine's ECU, the first one when none has its header; null when nobody answered.
-    const ecu_said* engine() const;
+    const ecu_said* engine() const&;
+    const ecu_said* engine() const&& = delete;
     // The ECU with this header, null when it is not among those that answered.
-    const ecu_said* ecu(const QString& header) const;
+    const ecu_said* ecu(const QString& header) const&;
+    const ecu_said* ecu(const QString& header) const&& = delete;
     // What this ECU answers (none: ""); without headers, where nobody can be told apart, the data that begin
     // with `answer`.
     QString value_of(const ecu_said* who, const QString& answer) const;

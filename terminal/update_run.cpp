@@ -67,5 +67,6 @@ void update_run::print_result(const QString& problem) {
         return;
     tell(problem + u'\n');
     if (!core.defaults.has(setting::update_server))
-        tell(QStringLiteral("settings set %1 https://... names one.\n").arg(setting::update_server.file_key()));
+        tell(QStringLiteral("settings set %1 https://... names one.\n")
+                 .arg(setting::update_server.file_key()));
 }

@@ -14,7 +14,8 @@ struct taken_apart {
     QStringList data;
     taken_apart(const QString& text, int protocol) {
         silence_console_log();
-        for (const ecu_said& ecu : reply({text, protocol, true}).ecus()) {
+        const reply whole({text, protocol, true});
+        for (const ecu_said& ecu : whole.ecus()) {
             groups += ecu.header + ": " + ecu.bodies.join(' ');
             data += ecu.data;
         }

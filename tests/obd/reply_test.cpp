@@ -110,7 +110,8 @@ TEST(reply, of_more_than_sixteen_frames) {
         headed += "\r7E82" + digit + QString(14, '0');
         plain += digit + ':' + QString(14, '0') + '\r';
     }
-    EXPECT_TRUE(reply({headed, can, true}).ecus().first().is_whole());
+    const reply long_one({headed, can, true});
+    EXPECT_TRUE(long_one.ecus().first().is_whole());
     EXPECT_EQ(without_headers(plain).data_without_headers("62").size(), 2 * 118);
 }
 
@@ -135,7 +136,8 @@ TEST(reply, value_of_an_ecu) {
         {"84F110410D3C06", kwp, "410D3C", ""}, // its header promises a byte more
     };
     for (const row& r : rows) {
-        const ecu_said ecu = with_headers(r.text, r.protocol).ecus().value(0);
+        const reply said = with_headers(r.text, r.protocol);
+        const ecu_said ecu = said.ecus().value(0);
         EXPECT_EQ(ecu.value(), r.value) << r.text;
         EXPECT_EQ(ecu.value_of_first_line(), r.of_first_line) << r.text;
     }
