@@ -79,7 +79,6 @@ talk find_the_car(car_talk& car) {
         car.show("No data for [01 00] .. trying next");
     } else {
         car.show(fill(QStringLiteral("Initial  reply: (%@)"), {reply}));
-        car.toolies.handle_00_replies(reply, 0);
         const int ecus = count_items_in_Str(reply, QStringLiteral("\r"));
         car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
     }

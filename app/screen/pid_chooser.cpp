@@ -47,9 +47,7 @@ QPushButton* make_button(const QString& text, const char* name, const QString& t
 } // namespace
 
 pid_chooser::pid_chooser(const view_context& its_context, QWidget* parent)
-    : QWidget(parent), context(its_context),
-      toolies(context.core.state, context.core.defaults, context.core.db),
-      offered_rows(choice, context.frame.look(), nullptr),
+    : QWidget(parent), context(its_context), offered_rows(choice, context.frame.look(), nullptr),
       chosen_rows(choice, context.frame.look(), nullptr) {
     lay_out();
     connect(offered, &QTableView::clicked, this,
@@ -94,7 +92,7 @@ QWidget* pid_chooser::make_empty_page() const {
 QString pid_chooser::first_names() const {
     QStringList names;
     for (const QString& pid : first_sample_pids())
-        names += toolies.l_get_pid_name(pid, false);
+        names += context.core.toolies.l_get_pid_name(pid, false);
     return names.join(QStringLiteral(", "));
 }
 
@@ -176,9 +174,9 @@ void pid_chooser::set_up(QTableView& table, pid_rows& rows, const QString& acces
 
 void pid_chooser::show_vehicle() {
     const process_state& state = context.core.state;
-    choice = pid_choice(toolies.grab_pids_available(),
+    choice = pid_choice(context.core.toolies.grab_pids_available(),
                         context.core.defaults.list(sample_set_key(state.cur_veh_id), first_sample_pids()),
-                        toolies);
+                        context.core.toolies);
     offered_rows.reload_all();
     chosen_rows.reload(true);
     pages->setCurrentIndex(choice.available().isEmpty() ? empty_page : lists_page);
@@ -222,7 +220,7 @@ void pid_chooser::move_current(int places) {
 }
 
 void pid_chooser::store(qsizetype current) {
-    toolies.save_pids_2_sample_prefs(choice.items());
+    context.core.toolies.save_pids_2_sample_prefs(choice.items());
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
