@@ -88,7 +88,6 @@ private:
 
     program_core& core;
     Bv_lite_delegate delegate;
-    mac_toolies toolies;
     theme colours;
     sound_player sounds;
     link_in_force started_with;

@@ -142,11 +142,10 @@ void open_plot(main_window& window, int sweeps) {
 
 // The data of a log are found by a walk through those of all logs: the one stored last takes longest.
 void read_log(program_core& core, int log_id, const char* type) {
-    mac_toolies toolies(core.state, core.defaults, core.db);
     const log_header log{log_id, 1, QLatin1String(type), {}, {}};
     QElapsedTimer timer;
     timer.start();
-    if (preview_of(toolies, log).isEmpty())
+    if (preview_of(core.toolies, log).isEmpty())
         give_up("the log has no preview");
     const double preview = ms_of(timer);
     timer.start();

@@ -7,8 +7,8 @@
 #include "base/user_defaults.h"
 #include "charts/drawChartyItem.h"
 #include "charts/myGauge.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "persistence/database.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QGuiApplication>
 #include <QTemporaryDir>

@@ -88,12 +88,11 @@ int main(int argc, char** argv) {
 
     quiet_screen view;
     adapter_link link(core.state, core.clock, view, make_transport);
-    mac_toolies toolies(core.state, core.defaults, core.db);
-    toolies.store().init_DB();
-    readCodes controller(core.state, link, toolies, view, core.diagnostics, core.paths);
+    core.db.init_DB();
+    readCodes controller(core.state, link, core.toolies, view, core.diagnostics, core.paths);
     initialise(link, controller);
 
-    sampler program(core.state, link, toolies);
+    sampler program(core.state, link, core.toolies);
     link.set_controller(&program);
     bare_socket bare(port, {asked_for});
     std::vector<double> with_program, without, ratios;

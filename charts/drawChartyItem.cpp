@@ -6,7 +6,7 @@
 #include "charts/outward_rounding.h"
 #include "charts/picture.h"
 #include "charts/series_plot.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "charts/myGauge.h"
 
 #include "charts/picture.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QPainterPath>
 #include <QRadialGradient>

@@ -2,7 +2,7 @@
 
 #include "diagnostics/second_status.h"
 #include "obd/standard_reading/codes_and_texts.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 #include "diagnostics/second_tests.h"
 #include "obd/standard_reading/codes_and_texts.h"
 #include "obd/standard_reading/pid_values.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "obd/trouble_codes.h"
+#include "toolkit/mac_toolies.h"
 
 #include <algorithm>
 

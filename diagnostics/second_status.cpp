@@ -2,7 +2,7 @@
 
 #include "base/string_table.h"
 #include "obd/standard_reading/ecu_answers.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include <algorithm>
 

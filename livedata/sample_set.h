@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/user_defaults.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 // Sample sets: lists of service 01 PIDs, each "0D" or with the ECU that is meant "0D|7E8". "E4" and "E5" are
 // the program's own, which no car is asked for.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "livedata/live_results.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 // The value of a sample's body ("410C1AF8") in the reading that the preference "BV_standard_reading" chooses.
 // What the standard does not define, such as computed values, is the program's own in either.

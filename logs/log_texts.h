@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/process_state.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "persistence/stored_logs.h"
+#include "toolkit/mac_toolies.h"
 
 // Stored logs as texts. They may come from a database that somebody sent: what stands in them is never taken
 // for HTML, but for the one tag that the reports themselves hold, and a text is cut after 512 Ki characters,

@@ -1,8 +1,8 @@
 #include "logs/stored_series.h"
 
 #include "base/string_table.h"
+#include "obd/readings/sampled_value.h"
 #include "persistence/log_files.h"
-#include "persistence/sampled_value.h"
 
 #include <algorithm>
 

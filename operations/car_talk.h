@@ -3,8 +3,8 @@
 #include "base/process_state.h"
 #include "base/screen.h"
 #include "link/adapter_link.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "operations/held_talk.h"
+#include "toolkit/mac_toolies.h"
 
 #include <functional>
 #include <stdexcept>

@@ -80,7 +80,6 @@ talk find_the_car(car_talk& car) {
         car.show("No data for [01 00] .. trying next");
     } else {
         car.show(fill(QStringLiteral("Initial  reply: (%@)"), {pids.text()}));
-        car.toolies.handle_00_replies(pids.text(), 0);
         const int ecus = count_items_in_Str(pids.text(), QStringLiteral("\r"));
         car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
     }

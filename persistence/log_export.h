@@ -2,9 +2,9 @@
 
 #include "base/shared_types.h"
 #include "base/text_resources.h"
+#include "obd/readings/sampled_value.h"
 #include "persistence/database.h"
 #include "persistence/row_cursor.h"
-#include "persistence/sampled_value.h"
 
 #include <QFile>
 #include <memory>

@@ -30,11 +30,11 @@ constexpr std::array<help_of_screen, 5> help_panels{{
 
 } // namespace
 
-Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settings, database& store,
+Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settings, mac_toolies& its_toolies,
                                    timers& time_source, screen& its_screen,
                                    adapter_link::transport_maker make)
-    : link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings), db(store),
-      clock(time_source), view(its_screen), toolies(process, settings, store) {
+    : link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings),
+      toolies(its_toolies), db(its_toolies.store()), clock(time_source), view(its_screen) {
     read_defaults();
     QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
         defaults.set(setting::bluetooth_address, state.bt_address);

@@ -2,8 +2,8 @@
 
 #include "base/app_paths.h"
 #include "link/adapter_link.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "shell/main_area.h"
+#include "toolkit/mac_toolies.h"
 
 // The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and
 // switches between the screens. It owns the link to the adapter. Without a main area (the terminal program)
@@ -11,8 +11,9 @@
 class Bv_lite_delegate {
 public:
     // Reads the defaults into the process state.
-    Bv_lite_delegate(process_state& process, user_defaults& settings, database& store, timers& time_source,
-                     screen& its_screen, adapter_link::transport_maker make = make_transport);
+    Bv_lite_delegate(process_state& process, user_defaults& settings, mac_toolies& its_toolies,
+                     timers& time_source, screen& its_screen,
+                     adapter_link::transport_maker make = make_transport);
 
     // Opens the database and shows the current vehicle; with a main area also the first screen.
     void applicationDidFinishLaunching(main_area* area);
@@ -50,10 +51,10 @@ private:
 
     process_state& state;
     user_defaults& defaults;
+    mac_toolies& toolies;
     database& db;
     timers& clock;
     screen& view;
-    mac_toolies toolies;
     main_area* area = nullptr;
     screen_kind shown = screen_kind::live_data;
     timer_handle focus_check;

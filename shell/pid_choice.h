@@ -1,6 +1,6 @@
 #pragma once
 
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 // A value that can be sampled, as it is shown to the person.
 struct pid_entry {

@@ -2,7 +2,7 @@
 
 #include "base/user_defaults.h"
 #include "link/adapter_link.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 // What the General tab of the preferences edits.
 struct general_settings {

@@ -7,9 +7,9 @@
 #include "diagnostics/diagnostic_results.h"
 #include "expert/expert_session.h"
 #include "livedata/live_results.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "persistence/database.h"
 #include "shell/launch_options.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QTemporaryDir>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "obd/toolkit/mac_toolies.h"
 #include "persistence/vehicles.h"
+#include "toolkit/mac_toolies.h"
 
 // What the vehicle dialog edits.
 struct vehicle_values {

@@ -33,7 +33,6 @@ private:
     void show_anew();
 
     const Ui::expertView ui;
-    mac_toolies toolies;
     expertCtrlr console;
     qint64 shown = 0; // the lines of the transcript up to this one are in the text
 };

@@ -73,9 +73,8 @@ constexpr int rail_icon_size = 20;
 
 read_codes_view::read_codes_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::read_codes_view>(*this)),
-      toolies(context.core.state, context.core.defaults, context.core.db),
-      codes_controller(context.core.state, context.link, toolies, context.window, context.core.diagnostics,
-                       context.core.paths),
+      codes_controller(context.core.state, context.link, context.core.toolies, context.window,
+                       context.core.diagnostics, context.core.paths),
       codes(ui, context, codes_controller), report(*ui.report, context, codes_controller) {
     add_pages();
     for (const rail_page& page : rail_pages)

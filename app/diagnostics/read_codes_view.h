@@ -29,7 +29,6 @@ private:
     void add_pages();
 
     const Ui::read_codes_view ui;
-    mac_toolies toolies;
     readCodes codes_controller;
     codes_page codes;
     std::vector<std::unique_ptr<result_page>> others; // in the order of the rail, below the codes

@@ -55,8 +55,8 @@ void keep_room(QWidget& widget, bool also_hidden) {
 } // namespace
 
 actions_view::actions_view(const view_context& its_context)
-    : screen_view(its_context), ui(laid_out_in<Ui::actions_view>(*this)),
-      toolies(context.core.state, context.core.defaults, context.core.db), results(context.core.live),
+    : screen_view(its_context), ui(laid_out_in<Ui::actions_view>(*this)), toolies(context.core.toolies),
+      results(context.core.live),
       run_controller(context.core.state, context.link, toolies, context.window, context.core.defaults,
                      context.core.clock, results, context.core.paths),
       pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller),

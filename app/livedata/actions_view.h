@@ -56,7 +56,7 @@ private:
     QString missing_pids() const;
 
     const Ui::actions_view ui;
-    mac_toolies toolies;
+    mac_toolies& toolies;
     live_results& results;
     ::actions run_controller; // a widget has actions too
     run_pictures pictures;

@@ -24,7 +24,6 @@ constexpr int preview_delay_ms = 150;
 
 logs_view::logs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::logsDB_view>(*this)),
-      toolies(context.core.state, context.core.defaults, context.core.db),
       manager(context.core.state, context.core.db, context.core.paths, context.window), model(manager),
       actions(*this, context, manager) {
     ui.export_place->addWidget(&actions.exports());
@@ -210,7 +209,7 @@ void logs_view::show_preview() {
     }
     const log_header log = manager.log_at(selection.first().top());
     ui.preview_caption->setText(QStringLiteral("%1: %2").arg(log_actions::title_of(log), log.info.trimmed()));
-    const QString text = preview_of(toolies, log);
+    const QString text = preview_of(context.core.toolies, log);
     ui.preview->setPlainText(text.isEmpty() ? QStringLiteral("This log holds no data.") : text);
     if (isSampledLog(log.type))
         ui.preview_plots->show_log(context.core, log);

@@ -47,7 +47,6 @@ private:
     void show_deletion();
 
     const Ui::logsDB_view ui;
-    mac_toolies toolies;
     manage_logsDB manager;
     logs_model model;
     QButtonGroup kinds;

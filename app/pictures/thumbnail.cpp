@@ -1,7 +1,7 @@
 #include "app/pictures/thumbnail.h"
 
 #include "charts/axis_values.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>

@@ -28,10 +28,9 @@ void show_problem(QLabel& beside, QLabel& help, const QString& problem) {
 
 prefs_view::prefs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::prefs>(*this)),
-      toolies(context.core.state, context.core.defaults, context.core.db),
-      settings(context.core.defaults, context.core.state, context.link, toolies),
-      connection(ui, context, toolies), pids(*new pid_chooser(context, ui.pids)),
-      vehicles(*this, ui, context, toolies) {
+      settings(context.core.defaults, context.core.state, context.link, context.core.toolies),
+      connection(ui, context, context.core.toolies), pids(*new pid_chooser(context, ui.pids)),
+      vehicles(*this, ui, context, context.core.toolies) {
     ui.pids_column->addWidget(&pids);
     ui.run_note->setText(
         QStringLiteral("This run was started with %1, which stays in use until you change the link here.")

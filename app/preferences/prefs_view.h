@@ -34,7 +34,6 @@ private:
     general_settings chosen() const;
 
     const Ui::prefs ui;
-    mac_toolies toolies;
     preferences settings;
     bool filling = false;
 

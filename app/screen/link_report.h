@@ -2,7 +2,7 @@
 
 #include "app/screen/status_strip.h"
 #include "link/adapter_link.h"
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 // The words of the link mark: how the link stands, and the adapter, protocol and ECUs at its far end.
 // `is_demo`: the link leads to the demo's car.

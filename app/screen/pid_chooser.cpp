@@ -49,9 +49,7 @@ QPushButton* make_button(const QString& text, const char* name, const QString& t
 } // namespace
 
 pid_chooser::pid_chooser(const view_context& its_context, QWidget* parent)
-    : QWidget(parent), context(its_context),
-      toolies(context.core.state, context.core.defaults, context.core.db),
-      offered_rows(choice, context.frame.look(), nullptr),
+    : QWidget(parent), context(its_context), offered_rows(choice, context.frame.look(), nullptr),
       chosen_rows(choice, context.frame.look(), nullptr) {
     lay_out();
     connect(offered, &QTableView::clicked, this,
@@ -97,7 +95,7 @@ QString pid_chooser::first_names() const {
     QStringList names;
     const QStringList first = setting::sample_set.first_value();
     for (const QString& pid : first)
-        names += toolies.l_get_pid_name(pid, false);
+        names += context.core.toolies.l_get_pid_name(pid, false);
     return names.join(QStringLiteral(", "));
 }
 
@@ -168,9 +166,9 @@ void pid_chooser::set_up(QTableView& table, pid_rows& rows, const QString& acces
 
 void pid_chooser::show_vehicle() {
     const process_state& state = context.core.state;
-    choice =
-        pid_choice(toolies.grab_pids_available(),
-                   context.core.defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id)), toolies);
+    choice = pid_choice(context.core.toolies.grab_pids_available(),
+                        context.core.defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id)),
+                        context.core.toolies);
     offered_rows.reload_all();
     chosen_rows.reload(true);
     pages->setCurrentIndex(choice.available().isEmpty() ? empty_page : lists_page);
@@ -214,7 +212,7 @@ void pid_chooser::move_current(int places) {
 }
 
 void pid_chooser::store(qsizetype current) {
-    toolies.save_pids_2_sample_prefs(choice.items());
+    context.core.toolies.save_pids_2_sample_prefs(choice.items());
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),

@@ -46,7 +46,6 @@ private:
     bool key_pressed(const QObject* table, int key, bool with_alt);
 
     view_context context;
-    mac_toolies toolies;
     pid_choice choice;
 
     offered_pids_model offered_rows;

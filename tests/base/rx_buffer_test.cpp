@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(rx_buffer, holds_more_than_its_fixed_part_and_is_never_overrun) {
+TEST(rx_buffer, is_bounded_and_tells_that_it_was_cut) {
     rx_buffer buffer;
     const QByteArray line = "7E8 21 00 00 00 00 00 00 00\r"; // 28 bytes
     QByteArray sent;

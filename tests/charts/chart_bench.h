@@ -2,8 +2,8 @@
 
 #include "base/process_state.h"
 #include "charts/sample_matrix.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "tests/support/temporary_profile.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QImage>
 #include <cmath>

@@ -1,9 +1,9 @@
 #include "logs/stored_series.h"
 
 #include "base/console_log.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
+#include "toolkit/mac_toolies.h"
 
 #include <gtest/gtest.h>
 

@@ -45,13 +45,14 @@ struct program {
     QStringList written;
     user_defaults defaults;
     database db;
+    mac_toolies toolies{state, defaults, db};
     std::unique_ptr<Bv_lite_delegate> delegate;
 
     explicit program(const temporary_profile& profile)
         : defaults(profile.paths.settings_file), db(profile.paths.documents) {}
     void start() {
         delegate = std::make_unique<Bv_lite_delegate>(
-            state, defaults, db, clock, view,
+            state, defaults, toolies, clock, view,
             [this](const process_state&) { return std::make_unique<scripted_transport>(written, true); });
         delegate->applicationDidFinishLaunching(&area);
     }
@@ -200,9 +201,9 @@ TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
     again.defaults.set(setting::interface_kind, 6);
     again.defaults.set(setting::log_runs, false);
     again.start();
-    mac_toolies toolies(again.state, again.defaults, again.db);
     diagnostic_results results;
-    readCodes diagnostics(again.state, again.delegate->link, toolies, again.view, results, profile.paths);
+    readCodes diagnostics(again.state, again.delegate->link, again.toolies, again.view, results,
+                          profile.paths);
     again.area.controller = &diagnostics;
     again.delegate->do_read_codes();
     diagnostics.l_readCodes();

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "link/adapter_link.h"
-#include "obd/toolkit/mac_toolies.h"
 #include "tests/support/hand_timers.h"
 #include "tests/support/recording_screen.h"
 #include "tests/support/scripted_transport.h"
 #include "tests/support/temporary_profile.h"
+#include "toolkit/mac_toolies.h"
 
 #include <QMap>
 

@@ -1,13 +1,11 @@
-#include "obd/toolkit/mac_toolies.h"
+#include "toolkit/mac_toolies.h"
 
 #include "obd/ecu_names.h"
 #include "obd/maker_values.h"
-#include "obd/mode6_scaling.h"
 #include "obd/obd_messages.h"
 #include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
 #include "obd/trouble_codes.h"
-#include "obd/vin.h"
 #include "persistence/vehicles.h"
 
 mac_toolies::mac_toolies(process_state& process, user_defaults& settings, database& store)
@@ -21,10 +19,6 @@ obd_messages mac_toolies::pullObdMsgs(const QString& reply) const {
 
 obd_groups mac_toolies::pullObdMsgsGrouped(const obd_messages& messages) const {
     return ::pullObdMsgsGrouped(messages, state.cur_protocol);
-}
-
-QString mac_toolies::l_pullOBDFromSingleMsg(const QString& body) const {
-    return ::l_pullOBDFromSingleMsg(body, state.cur_protocol);
 }
 
 QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const {
@@ -48,21 +42,6 @@ QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const 
 }
 
 // --- supported PIDs ----------------------------------------------------------------------------------------
-
-void mac_toolies::handle_00_replies(const QString& reply, int this_pid_group) {
-    ::handle_00_replies(reply, this_pid_group, bitmaps);
-}
-
-bool mac_toolies::is_this_code_available(const QString& this_pid, int this_pid_set) const {
-    const bool is_held = this_pid_set >= 0 && this_pid_set < static_cast<int>(bitmaps.size());
-    return is_held &&
-           ::is_this_code_available(bitmaps[static_cast<size_t>(this_pid_set)], this_pid, this_pid_set);
-}
-
-bool mac_toolies::isEveryItemInSampleSetAvailable(const QStringList& samples,
-                                                  const obd_groups& availablePIDs) const {
-    return ::isEveryItemInSampleSetAvailable(samples, availablePIDs, state.cur_protocol);
-}
 
 obd_groups mac_toolies::grab_pids_available() {
     return ::grab_pids_available(db, state.cur_veh_id);
@@ -97,10 +76,6 @@ double mac_toolies::get_OBDVal(const QString& reply) const {
     return ::get_OBDVal(reply, units(), state.boost_reference_kpa, resources);
 }
 
-QString mac_toolies::get_units(const QString& pid) const {
-    return ::get_units(pid, units());
-}
-
 double mac_toolies::shown_number(const QString& reply) const {
     return sampled_number(reply, shown_reading(), resources);
 }
@@ -131,30 +106,6 @@ QString mac_toolies::get_pid_name_with_pid(const QString& pid) const {
 
 QString mac_toolies::translateResponse_subaru(const QString& reply) const {
     return ::translateResponse_subaru(reply, units(), resources);
-}
-
-QString mac_toolies::work_out_vin(const QString& reply) const {
-    return ::work_out_vin(reply);
-}
-
-QString mac_toolies::pullAsciiStr(const QString& hex) const {
-    return ::pullAsciiStr(hex);
-}
-
-// --- test results ------------------------------------------------------------------------------------------
-
-QString mac_toolies::CAN_scale_and_units(const QString& uasid, const QString& this_value,
-                                         bool with_units) const {
-    return ::CAN_scale_and_units(uasid, this_value, with_units);
-}
-
-QString mac_toolies::grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier,
-                                                              bool is_OBDMID) const {
-    return ::grab_CAN_mode6_OBDMID_TESTID_description(identifier, is_OBDMID, resources);
-}
-
-void mac_toolies::fixArrayForMode6(QStringList& obdmids) const {
-    ::fixArrayForMode6(obdmids);
 }
 
 // --- trouble codes and readiness ---------------------------------------------------------------------------

@@ -4,17 +4,14 @@
 #include "base/text_resources.h"
 #include "base/user_defaults.h"
 #include "obd/readiness.h"
+#include "obd/readings/sampled_value.h"
 #include "obd/reply.h"
 #include "obd/supported_pids.h"
 #include "persistence/database.h"
-#include "persistence/sampled_value.h"
-
-#include <QMap>
 
 // The toolkit: everything that the controllers ask about replies, values, codes, vehicles and stored results,
 // one line an operation. It reads the process state and the user defaults afresh and forwards to the pure
-// modules and the database; of its own it keeps the supported-PID maps of the engine. The process state, the
-// defaults and the database outlive it.
+// modules and the database, which outlive it.
 class mac_toolies {
 public:
     mac_toolies(process_state& process, user_defaults& settings, database& store);
@@ -22,7 +19,6 @@ public:
     // Replies (obd/reply_text.h, obd/obd_messages.h, obd/ecu_names.h)
     obd_messages pullObdMsgs(const QString& reply) const;
     obd_groups pullObdMsgsGrouped(const obd_messages& messages) const;
-    QString l_pullOBDFromSingleMsg(const QString& body) const;
     QString l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const;
     QString l_pull_ECU(const QString& header) const;
     bool isThisEngineHeader(const QString& header) const;
@@ -30,9 +26,6 @@ public:
     QString encode_to_OBD(const QString& this_pid, double value) const;
 
     // Supported PIDs (obd/supported_pids.h)
-    void handle_00_replies(const QString& reply, int this_pid_group);
-    bool is_this_code_available(const QString& this_pid, int this_pid_set) const;
-    bool isEveryItemInSampleSetAvailable(const QStringList& samples, const obd_groups& availablePIDs) const;
     obd_groups grab_pids_available();
     bool checkIfSameVehicle(const obd_groups& available);
     void fixSamplePidsFornewVehicle(const obd_groups& available);
@@ -40,11 +33,10 @@ public:
     // Stores the list with the current vehicle. False when it was not stored.
     bool save_pids_available(const obd_groups& available);
 
-    // Values and names (obd/pid_translation.h, obd/pid_catalogue.h, obd/vin.h, obd/maker_values.h)
+    // Values and names (obd/pid_translation.h, obd/pid_catalogue.h, obd/maker_values.h)
     QString translateResponse(const QString& reply) const;
     double get_OBDVal(const QString& reply) const;
-    QString get_units(const QString& pid) const;
-    // Both in the reading that is shown (persistence/sampled_value.h).
+    // Both in the reading that is shown (obd/readings/sampled_value.h).
     double shown_number(const QString& reply) const;
     QString shown_units(const QString& pid) const;
     sample_reading shown_reading() const;
@@ -53,13 +45,6 @@ public:
     QString l_get_pid_name(const QString& pid, bool with_pid) const;
     QString get_pid_name_with_pid(const QString& pid) const;
     QString translateResponse_subaru(const QString& reply) const;
-    QString work_out_vin(const QString& reply) const;
-    QString pullAsciiStr(const QString& hex) const;
-
-    // Test results (obd/mode6_scaling.h)
-    QString CAN_scale_and_units(const QString& uasid, const QString& this_value, bool with_units) const;
-    QString grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier, bool is_OBDMID) const;
-    void fixArrayForMode6(QStringList& obdmids) const;
 
     // Trouble codes and readiness (obd/trouble_codes.h, obd/readiness.h)
     obd_groups l_workoutReadCodes(const reply& codes) const;
@@ -85,5 +70,4 @@ private:
     user_defaults& defaults;
     database& db;
     text_resources resources;
-    group_bitmaps bitmaps;
 };

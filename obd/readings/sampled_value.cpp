@@ -1,4 +1,4 @@
-#include "persistence/sampled_value.h"
+#include "obd/readings/sampled_value.h"
 
 #include "base/string_table.h"
 #include "obd/number_text.h"
