@@ -203,9 +203,9 @@ void main_window::refuse_questions() {
         chooser->close_sheet();
 }
 
-void main_window::reload(const QString& list) {
+void main_window::reload(part what) {
     if (view)
-        view->reload(list);
+        view->reload(what);
 }
 
 void main_window::beep() {

@@ -36,7 +36,7 @@ public:
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
     void choose_device(const QString& why, device_chooser::answer answer) override;
-    void reload(const QString& list) override;
+    void reload(part what) override;
     void play_sound(int sound) override { sounds.play(sound); }
     void beep() override;
 

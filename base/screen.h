@@ -3,6 +3,26 @@
 #include <QString>
 #include <functional>
 
+// What of a controller's results has changed.
+enum class part {
+    operation, // begun or ended
+    progress,
+    labels,
+    reading, // the other of the two readings of the replies is shown from now on
+    codes,
+    readiness,
+    permanent,
+    pending,
+    freeze,
+    vehicle,
+    mode6,
+    misfire,
+    o2,
+    extras,
+    transcript, // of the console
+    sent,
+};
+
 // All that a controller may ask of the world. The window, the terminal and the tests' recorder implement
 // it. No operation blocks: a question is answered later, through its callback, so that no nested event
 // loop runs while replies arrive.
@@ -25,9 +45,8 @@ public:
                                std::function<void(const QString& address, const QString& name)> answer) {
         answer(QString(), QString());
     }
-    // The named list or group of labels of the current controller has changed ("codes", "readiness", "labels"
-    // ...).
-    virtual void reload(const QString& list) = 0;
+    // This part of the current controller's results has changed.
+    virtual void reload(part what) = 0;
     virtual void play_sound(int sound) = 0;
     virtual void beep() = 0;
 };

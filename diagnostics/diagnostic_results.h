@@ -1,39 +1,45 @@
 #pragma once
 
+#include "diagnostics/result_rows.h"
 #include "obd/readiness.h"
 #include "obd/reply.h"
 
 #include <QMap>
 
-// The lists whose replies are kept, to be read a second time: see second_reading.
-enum class result_list { codes, pending, freeze, vehicle, mode6, misfire, o2, permanent, status };
-
-// A reply as it came, and the rows that the program made from it. It is kept before they are told.
-struct kept_reply {
-    QString request; // "03", "0902", "010C", "020C00"
+// What one request brought: the reply as it came, and the rows that the program made from it.
+struct answer {
+    QString request; // "03", "0902", "010C", "020C00"; "" for rows about what nobody was asked
     reply what_came;
-    QString ecu;        // the header of the ECU whose answer the rows hold, "" for all of them
-    qsizetype row = 0;  // the first of the rows in its list
-    qsizetype rows = 0; // how many
+    QString ecu; // the header of the ECU whose answer the rows hold, "" for all of them
+    QList<result_row> rows;
 };
 
+// Rows about what nobody was asked.
+inline answer facts(const QList<result_row>& rows) {
+    return {QString(), reply(), QString(), rows};
+}
+
+inline const QString freezing_code_request =
+    QStringLiteral("020200"); // of the answer that leads the freeze frame
+
 // What the diagnostic operations have read, kept until each operation's next run, also while another screen
-// is shown. Rows are "|"-joined texts.
+// is shown.
 struct diagnostic_results {
-    QStringList codesReadArray;               // "P0133|7E8", or the text of "NO_CODES" alone
+    // In the order of the requests. The readiness has its reply here, its rows below.
+    QMap<part, QList<answer>> answers;
+
+    QList<result_row> rows(part which) const {
+        QList<result_row> all;
+        for (const answer& one : answers.value(which))
+            all += one.rows;
+        return all;
+    }
+    bool has_rows(part which) const { return !rows(which).isEmpty(); }
+
     QList<readiness_row> readinessFlagsArray; // eleven monitors, or none
     QStringList xtraInfoArray;                // facts about the read
     QString cur_err_msg;                      // "Read on: ..." of the last read
-
-    QStringList pendingArray;     // "P0133|7E8"
-    bool pending_received = true; // false: some or all ECUs' pending codes did not come
-    QStringList freezeArray;      // "Freezed by: P0133| ...", then "Engine RPM: 1726.00 RPM" ...
-    QStringList vehInfoArray;     // see work_out_vehicle_info
-    QStringList mode6Array;       // test results: see mode6_records.h
-    QStringList misfireArray;
-    QStringList o2XtraArray;
-    QStringList xtrasArray;       // "label:| value |"
-    QStringList cur_CAN_raw_data; // a compact copy of each record of the test that ran last
+    bool pending_received = true;             // false: some or all ECUs' pending codes did not come
 
     // How far the running operation has come; 0 of 0 when that is not known.
     int progress_done = 0;
@@ -51,7 +57,4 @@ struct diagnostic_results {
     QString xtra_info_label;
 
     QMap<QString, QString> P0_Codes; // code descriptions, loaded when first needed
-
-    // Emptied with the rows of its list; in the order of the rows.
-    QMap<result_list, QList<kept_reply>> kept;
 };

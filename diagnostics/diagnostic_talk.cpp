@@ -13,12 +13,17 @@ diagnostic_talk::diagnostic_talk(process_state& process, adapter_link& its_link,
 void diagnostic_talk::progress(qsizetype done, qsizetype total) {
     results.progress_done = static_cast<int>(done);
     results.progress_total = static_cast<int>(total);
-    view.reload(QStringLiteral("progress"));
+    view.reload(part::progress);
 }
 
-void diagnostic_talk::keep(result_list list, const QString& request, const reply& what_came, qsizetype row,
-                           qsizetype rows, const QString& ecu) {
-    results.kept[list] += {request, what_came, ecu, row, rows};
+void diagnostic_talk::tell(part which, const answer& what) {
+    results.answers[which] += what;
+    view.reload(which);
+}
+
+void diagnostic_talk::forget(part which) {
+    results.answers.remove(which);
+    view.reload(which);
 }
 
 void diagnostic_talk::load_the_codes() {

@@ -16,10 +16,13 @@ public:
                     screen& its_view, diagnostic_results& its_results, const app_paths& its_paths);
 
     void progress(qsizetype done, qsizetype total);
-    // Keeps the reply beside the rows that were made from it. One that was given up on, because its first ECU
-    // refuses, may hold another's answer.
-    void keep(result_list list, const QString& request, const reply& what_came, qsizetype row = 0,
-              qsizetype rows = 0, const QString& ecu = {});
+    // Adds what a request brought to the part's results. A reply that was given up on, because its first ECU
+    // refuses, is told too: it may hold another's answer.
+    void tell(part which, const answer& what);
+    // Rows about what nobody was asked.
+    void tell(part which, const result_row& row) { tell(which, facts({row})); }
+    // Empties the part's results.
+    void forget(part which);
 
     void load_the_codes();
     // The code's description: see look_upCode of obd/trouble_codes.h.

@@ -8,27 +8,24 @@
 namespace {
 
 void take_test(diagnostic_talk& car, const mode6_test& test, const QString& identifier, qsizetype item,
-               const reply& answer, QStringList& rows) {
-    const QString request = QStringLiteral("06") + identifier;
-    if (answer.is_none())
-        car.keep(test.kept, request, answer, rows.size());
-    if (answer.holds_nothing() || answer.ecus().isEmpty())
+               const reply& what_came) {
+    answer told{QStringLiteral("06") + identifier, what_came, {}, {}};
+    if (what_came.is_none())
+        return car.tell(test.which, told);
+    if (what_came.holds_nothing() || what_came.ecus().isEmpty())
         return;
-    const ecu_said& ecu = answer.ecus().first();
-    const mode6_rows read = handle_a_mode6_TestID(ecu, static_cast<int>(item), car.toolies.lists());
-    car.keep(test.kept, request, answer, rows.size(), read.rows.size(), ecu.header);
-    rows += read.rows;
-    car.results.cur_CAN_raw_data += read.raw;
-    car.view.reload(test.list);
+    const ecu_said& ecu = what_came.ecus().first();
+    told.ecu = ecu.header;
+    for (const test_row& row : handle_a_mode6_TestID(ecu, static_cast<int>(item), car.toolies.lists()))
+        told.rows += row;
+    car.tell(test.which, told);
 }
 
-void log_rows(diagnostic_talk& car, const mode6_test& test, const QStringList& rows) {
+void log_rows(diagnostic_talk& car, const mode6_test& test) {
     car.append_to_log(fill(test.log_heading, {car.todays_date()}));
-    for (const QString& row : rows) {
-        const QStringList fields = row.split(u'|');
-        car.append_to_log(fill(QStringLiteral("%@ \n \t %@ \n\t %@ \n"),
-                               {fields.value(1), fields.value(2), fields.value(3)}));
-    }
+    for (const test_row& row : rows_of<test_row>(car.results.rows(test.which)))
+        car.append_to_log(
+            fill(QStringLiteral("%@ \n \t %@ \n\t %@ \n"), {row.title(), row.subject(), row.text()}));
 }
 
 } // namespace
@@ -41,12 +38,9 @@ void nothing_there(diagnostic_talk& car, const QString& text, int sound) {
     throw left{};
 }
 
-talk work_mode6_test(diagnostic_talk& car, mode6_test test, QStringList& rows) {
+talk work_mode6_test(diagnostic_talk& car, mode6_test test) {
     co_await car.ready(test.starting);
-    rows.clear();
-    car.results.kept.remove(test.kept);
-    car.results.cur_CAN_raw_data.clear();
-    car.view.reload(test.list);
+    car.forget(test.which);
 
     reply headers = co_await car.at("AT H1", "OK");
     if (headers.no_data() || (test.retries_silence && headers.is_none())) {
@@ -61,16 +55,15 @@ talk work_mode6_test(diagnostic_talk& car, mode6_test test, QStringList& rows) {
     co_await test.find_identifiers(car, identifiers);
     for (qsizetype item = 0; item < identifiers.size(); ++item) {
         car.progress(item, identifiers.size());
-        const reply answer = co_await car.ask(QStringLiteral("06 ") + identifiers[item]);
-        take_test(car, test, identifiers[item], item, answer, rows);
+        const reply what_came = co_await car.ask(QStringLiteral("06 ") + identifiers[item]);
+        take_test(car, test, identifiers[item], item, what_came);
         const QString querying = fill(
             test.querying, {QString::number(item + test.counts_from), QString::number(identifiers.size())});
         car.view.show_toast(querying);
         car.show(querying);
     }
-    car.view.reload(test.list);
     car.show("Current task done!");
-    log_rows(car, test, rows);
+    log_rows(car, test);
     car.write_report();
     car.view.play_sound(sound_done);
 }

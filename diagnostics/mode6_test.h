@@ -8,8 +8,7 @@ struct mode6_test {
     QString toast;                // with a place for "Starting"
     QString querying;             // with places for index and count
     QString log_heading;          // with a place for the date
-    QString list;                 // the name of the list for the screen
-    result_list kept{};           // where its replies are kept
+    part which{};                 // of the results
     bool retries_silence = false; // also when the adapter gave no answer, not only for no data
     int counts_from = 1;          // the index that is shown for the first identifier
     // The identifiers that the car has results for.
@@ -17,7 +16,7 @@ struct mode6_test {
 };
 
 // The talk that they share: one request an identifier; each test is a row.
-talk work_mode6_test(diagnostic_talk& car, mode6_test test, QStringList& rows);
+talk work_mode6_test(diagnostic_talk& car, mode6_test test);
 // A car without results of the kind: it is said, and the operation left.
 [[noreturn]] void nothing_there(diagnostic_talk& car, const QString& text, int sound);
 

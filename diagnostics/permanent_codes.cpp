@@ -8,7 +8,7 @@
 
 namespace {
 
-void read_codes(const kept_reply& kept, permanent_codes& result) {
+void read_codes(const answer& kept, permanent_codes& result) {
     QStringList faults;
     bool somebody_answered = false;
     for (const ecu_codes& ecu : read_trouble_codes(0x0A, kept.what_came.raw())) {
@@ -16,7 +16,7 @@ void read_codes(const kept_reply& kept, permanent_codes& result) {
         if (!ecu.fault.isEmpty())
             faults += ecu.ecu.isEmpty() ? ecu.fault : ecu.ecu + QStringLiteral(": ") + ecu.fault;
         for (const QString& code : ecu.codes)
-            result.rows += code + u'|' + ecu.ecu;
+            result.rows += {code_row{code, ecu.ecu}, {}};
     }
     if (result.rows.isEmpty())
         result.words = somebody_answered
@@ -28,7 +28,7 @@ void read_codes(const kept_reply& kept, permanent_codes& result) {
                         QStringLiteral("Not all ECUs answered (%1).").arg(faults.join(QStringLiteral(", ")));
 }
 
-void read_drive_cycle(const kept_reply& kept, const mac_toolies& toolies, permanent_codes& result) {
+void read_drive_cycle(const answer& kept, const mac_toolies& toolies, permanent_codes& result) {
     constexpr int drive_cycle_pid = 0x41;
     for (const monitor& m : engine_monitors(kept, drive_cycle_pid, toolies).monitors) {
         const QString state = m.complete ? QStringLiteral("OK") : QStringLiteral("X");
@@ -43,8 +43,8 @@ void read_drive_cycle(const kept_reply& kept, const mac_toolies& toolies, perman
 
 QString permanent_codes::summary() const {
     QStringList codes;
-    for (const QString& row : rows)
-        codes += row.section(u'|', 0, 0);
+    for (const code_row& row : rows_of<code_row>(plain(rows)))
+        codes += row.code;
     const QString listed =
         codes.isEmpty() ? QString() : QStringLiteral("Permanent codes: ") + codes.join(QStringLiteral(", "));
     return words.isEmpty() || listed.isEmpty() ? listed + words : listed + QStringLiteral(". ") + words;
@@ -52,7 +52,7 @@ QString permanent_codes::summary() const {
 
 permanent_codes read_permanent_codes(const diagnostic_results& results, const mac_toolies& toolies) {
     permanent_codes result;
-    for (const kept_reply& kept : results.kept.value(result_list::permanent)) {
+    for (const answer& kept : results.answers.value(part::permanent)) {
         result.was_read = true;
         if (kept.request == permanent_request)
             read_codes(kept, result);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diagnostics/diagnostic_results.h"
+#include "diagnostics/second_reading.h"
 
 class mac_toolies;
 
@@ -8,7 +8,7 @@ class mac_toolies;
 // the fault gone; clearing does not remove them.
 struct permanent_codes {
     bool was_read = false;
-    QStringList rows;                 // "P0171|7E8"
+    QList<noted_row> rows;            // of the kind code_row
     QString words;                    // why there are no rows, or may be more; "" when there is no doubt
     QList<readiness_row> drive_cycle; // of the engine; "N/A" is not enabled in this drive cycle
     QString drive_cycle_words;        // why there are none

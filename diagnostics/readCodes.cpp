@@ -17,10 +17,9 @@ void readCodes::l_readCodes() {
 }
 
 void readCodes::read_codes_and(next_operation next) {
-    for (const result_list list : {result_list::codes, result_list::status, result_list::permanent})
-        results.kept.remove(list);
-    view.reload(QStringLiteral("permanent"));
-    results.codesReadArray.clear();
+    for (const part which : {part::codes, part::readiness, part::permanent})
+        results.answers.remove(which);
+    view.reload(part::permanent);
     start_operation({op_read_codes, "Starting Read Codes", "work_out_read::Did not fully complete [ %@ ]",
                      work_out_read_codes, "work_out_read_codes"},
                     next);
@@ -42,71 +41,55 @@ void readCodes::start_clearing() {
                      work_out_clear_codes});
 }
 
-void readCodes::start_with_empty_list(const read& what, QStringList& list, const char* list_name,
-                                      result_list kept) {
-    results.kept.remove(kept);
-    list.clear();
-    view.reload(list_name);
+void readCodes::read_anew(part which, const read& what) {
+    forget(which);
     start_operation(what);
 }
 
 void readCodes::forget_pending() {
-    results.kept.remove(result_list::freeze);
-    results.kept.remove(result_list::pending);
     results.pending_received = true;
-    results.freezeArray.clear();
-    view.reload(QStringLiteral("freeze"));
+    forget(part::pending);
+    forget(part::freeze);
 }
 
 void readCodes::readPendingFreezeCodes() {
     forget_pending();
-    start_with_empty_list({op_pending_freeze, "Starting Read Pending/Freeze Codes",
-                           "work_out_pending_freeze::Did not fully complete [ %@ ]", work_out_pending_freeze},
-                          results.pendingArray, "pending", result_list::pending);
+    start_operation({op_pending_freeze, "Starting Read Pending/Freeze Codes",
+                     "work_out_pending_freeze::Did not fully complete [ %@ ]", work_out_pending_freeze});
 }
 
 void readCodes::readPermanent() {
-    results.kept.remove(result_list::permanent);
-    view.reload(QStringLiteral("permanent"));
-    start_operation({op_permanent, "Reading the permanent codes",
-                     "The permanent codes were not read completely: %@", work_out_permanent});
+    read_anew(part::permanent, {op_permanent, "Reading the permanent codes",
+                                "The permanent codes were not read completely: %@", work_out_permanent});
 }
 
 void readCodes::readVehicleInfo() {
-    start_with_empty_list({op_vehicle_info, "Starting Read vehicle Info",
-                           "work_vehicle_info::Did not fully complete(%@)", work_out_vehicle_info},
-                          results.vehInfoArray, "vehicle", result_list::vehicle);
+    read_anew(part::vehicle, {op_vehicle_info, "Starting Read vehicle Info",
+                              "work_vehicle_info::Did not fully complete(%@)", work_out_vehicle_info});
 }
 
 void readCodes::readMode6Support() {
-    start_with_empty_list({op_mode6, "Starting Read Mode 6",
-                           "work_mode6_support::Did not fully complete: ( %@)", work_mode6_support},
-                          results.mode6Array, "mode6", result_list::mode6);
+    read_anew(part::mode6, {op_mode6, "Starting Read Mode 6",
+                            "work_mode6_support::Did not fully complete: ( %@)", work_mode6_support});
 }
 
 void readCodes::readMisfire() {
-    start_with_empty_list({op_misfire, "Starting Read Misfire", "work_misfire::Did not fully complete: ( %@)",
-                           work_misfire_reading},
-                          results.misfireArray, "misfire", result_list::misfire);
+    read_anew(part::misfire, {op_misfire, "Starting Read Misfire",
+                              "work_misfire::Did not fully complete: ( %@)", work_misfire_reading});
 }
 
 void readCodes::readO2() {
-    start_with_empty_list(
-        {op_o2_tests, "Starting O2 Read ", "work_o2_mode::Did not fully complete: ( %@)", work_O2_mode},
-        results.o2XtraArray, "o2", result_list::o2);
+    read_anew(part::o2, {op_o2_tests, "Starting O2 Read ", "work_o2_mode::Did not fully complete: ( %@)",
+                         work_O2_mode});
 }
 
 void readCodes::readXtras() {
-    results.xtrasArray.clear();
-    view.reload(QStringLiteral("extras"));
-    start_operation({op_extras, "Starting Read Vehicle Xtras",
-                     "work_vehicle_info::Did not fully complete(%@)", work_out_xtras});
+    read_anew(part::extras, {op_extras, "Starting Read Vehicle Xtras",
+                             "work_vehicle_info::Did not fully complete(%@)", work_out_xtras});
 }
 
 void readCodes::read_for_report() {
-    results.pendingArray.clear(); // the report stored after the codes holds nothing of an earlier read
-    view.reload(QStringLiteral("pending"));
-    forget_pending();
+    forget_pending(); // the report stored after the codes holds nothing of an earlier read
     read_codes_and(&readCodes::readPendingFreezeCodes);
 }
 
@@ -122,7 +105,7 @@ void readCodes::start_operation(const read& what, next_operation next) {
     results.car_offers_none = false;
     progress(0, 0);
     if (what.code == op_read_codes)
-        view.reload(QStringLiteral("codes"));
+        view.reload(part::codes);
     if (what.code != op_clear_codes && what.code != op_link_info && what.code != op_permanent)
         log.work_out_log_file(what.code, toolies.settings().value(setting::log_runs),
                               toolies.units() == unit_system::metric);
@@ -139,7 +122,7 @@ void readCodes::task_done() {
 }
 
 void readCodes::regainFocus() {
-    view.reload(QStringLiteral("labels"));
+    view.reload(part::labels);
 }
 
 void readCodes::prep_and_send_cmd(const QString& command, int this_time_out) {

@@ -47,9 +47,9 @@ private:
     // `next`: what follows when it is done, as a part of it.
     void start_operation(const read& what, next_operation next = nullptr);
     void read_codes_and(next_operation next);
-    // The list of the operation is emptied with its replies and told to the view.
-    void start_with_empty_list(const read& what, QStringList& list, const char* list_name, result_list kept);
-    // The freeze frame, and the replies to both.
+    // The operation whose results are this part alone.
+    void read_anew(part which, const read& what);
+    // Pending codes and freeze frame.
     void forget_pending();
     void task_done() override;
     void let_go() override { log.close(); }

@@ -2,6 +2,7 @@
 
 #include "base/process_state.h"
 #include "base/string_table.h"
+#include "diagnostics/mode6_records.h"
 
 #include <algorithm>
 
@@ -14,9 +15,9 @@ QString heading(const char* what, const QString& today) {
 }
 
 // The row's last field in the second place, all before it in the first.
-QString vehicle_info_rows(const QStringList& rows) {
+QString vehicle_info_rows(const diagnostic_results& results) {
     QString text;
-    for (const QString& row : rows) {
+    for (const QString& row : row_texts(part::vehicle, results.rows(part::vehicle))) {
         const qsizetype last = row.lastIndexOf(u'|');
         const QString first = last < 0 ? row : row.first(last).replace(u'|', u' ');
         text += fill(QStringLiteral("%@  %@\n"), {first, last < 0 ? QString() : row.sliced(last + 1)});
@@ -24,33 +25,26 @@ QString vehicle_info_rows(const QStringList& rows) {
     return text;
 }
 
-QString test_rows(const QStringList& rows) {
+QString test_rows(const diagnostic_results& results, part which) {
     QString text;
-    for (const QString& row : rows) {
-        const QStringList fields = row.split(u'|');
-        text += fill(QStringLiteral("%@ \n \t... %@ \n\t %@ \n\n"),
-                     {fields.value(1), fields.value(2), fields.value(3)});
-    }
+    for (const test_row& row : rows_of<test_row>(results.rows(which)))
+        text += fill(QStringLiteral("%@ \n \t... %@ \n\t %@ \n\n"), {row.title(), row.subject(), row.text()});
     return text;
 }
 
 QString confirmed_codes(const diagnostic_results& results, const describer& describe) {
     QString text;
-    QString gathered;
-    int count = 0;
-    for (const QString& row : results.codesReadArray) {
-        const QString code = row.section(u'|', 0, 0);
-        if (!row.contains(u'|'))
-            continue; // the row that says that there are none
-        text += fill(QStringLiteral("%@ - %@\n"), {code, describe(code)});
-        gathered = gathered.isEmpty() ? code : fill(QStringLiteral("%@, %@"), {gathered, code});
-        ++count;
+    QStringList codes;
+    for (const code_row& row : rows_of<code_row>(results.rows(part::codes))) {
+        text += fill(QStringLiteral("%@ - %@\n"), {row.code, describe(row.code)});
+        codes += row.code;
     }
-    if (results.codesReadArray.isEmpty())
+    QString gathered = codes.join(QStringLiteral(", "));
+    if (!results.has_rows(part::codes))
         gathered = QStringLiteral("Not read"); // only the pending codes were: nothing is known of these
-    else if (count == 0)
+    else if (codes.isEmpty())
         gathered = localised(QStringLiteral("NO_CODES"));
-    return text + fill(QStringLiteral("[%d]  %@"), {QString::number(count), gathered});
+    return text + fill(QStringLiteral("[%d]  %@"), {QString::number(codes.size()), gathered});
 }
 
 QString readiness_flags(const QList<readiness_row>& rows) {
@@ -67,15 +61,13 @@ QString trouble_codes(const diagnostic_results& results, const describer& descri
     QString text = confirmed_codes(results, describe);
     text += QStringLiteral("\n\n....... Pending DTC Codes .......\n");
     QStringList pending;
-    for (const QString& row : results.pendingArray) {
-        const QString code = row.section(u'|', 0, 0);
-        pending += fill(QStringLiteral("%@ - %@"), {code, describe(code)});
-    }
+    for (const code_row& row : rows_of<code_row>(results.rows(part::pending)))
+        pending += fill(QStringLiteral("%@ - %@"), {row.code, describe(row.code)});
     if (!results.pending_received)
         pending += QStringLiteral("Failed to receive the Pending error codes");
     text += pending.join(u'\n');
     text += QStringLiteral("\n\n....... Freeze Data .......\n");
-    for (const QString& row : results.freezeArray)
+    for (const QString& row : row_texts(part::freeze, results.rows(part::freeze)))
         text += fill(QStringLiteral("%@ \n    "), {row});
     text += QStringLiteral("\n\n....... Readiness Flags .......\nFlag   Description               Group\n");
     text += readiness_flags(results.readinessFlagsArray);
@@ -89,7 +81,6 @@ QString trouble_codes(const diagnostic_results& results, const describer& descri
 
 std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagnostic_results& results,
                                                      const QString& today, const describer& describe) {
-    const QString raw = results.cur_CAN_raw_data.join(QString());
     switch (operation) {
     case op_read_codes:
     case op_pending_freeze: // its results are sections of the same report
@@ -98,22 +89,21 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
                                  heading("DTC Codes read", today) + trouble_codes(results, describe),
                                  {}};
     case op_vehicle_info:
-        return diagnostic_report{"Veh_info",
-                                 "more parms",
-                                 heading("Veh Info read", today) + vehicle_info_rows(results.vehInfoArray),
-                                 {}};
+        return diagnostic_report{
+            "Veh_info", "more parms", heading("Veh Info read", today) + vehicle_info_rows(results), {}};
     case op_mode6:
         return diagnostic_report{"Mode6",
                                  "continous/non-continous test results",
-                                 heading("Mode6 read", today) + test_rows(results.mode6Array),
+                                 heading("Mode6 read", today) + test_rows(results, part::mode6),
                                  {}};
     case op_misfire:
         return diagnostic_report{"Misfire", "EWMA is an average over driving cycles",
-                                 heading("Misfire read", today) + test_rows(results.misfireArray), raw};
+                                 heading("Misfire read", today) + test_rows(results, part::misfire),
+                                 raw_records(results, part::misfire)};
     case op_o2_tests:
         return diagnostic_report{"O2 Test", "Test results for O2 monitoring ",
-                                 heading("O2 test results read", today) + test_rows(results.o2XtraArray),
-                                 raw};
+                                 heading("O2 test results read", today) + test_rows(results, part::o2),
+                                 raw_records(results, part::o2)};
     default: return std::nullopt;
     }
 }

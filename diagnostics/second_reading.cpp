@@ -14,43 +14,33 @@ namespace {
 const QString by_standard = QStringLiteral("By SAE J1979");
 const QString nothing = QStringLiteral("no value");
 
-const QStringList& rows_of(result_list list, const diagnostic_results& results) {
-    switch (list) {
-    case result_list::codes: return results.codesReadArray;
-    case result_list::pending: return results.pendingArray;
-    case result_list::freeze: return results.freezeArray;
-    case result_list::vehicle: return results.vehInfoArray;
-    case result_list::misfire: return results.misfireArray;
-    case result_list::o2: return results.o2XtraArray;
-    default: return results.mode6Array;
-    }
-}
-
 QString named(const QString& ecu, const QString& text) {
     return ecu.isEmpty() ? text : ecu + QStringLiteral(": ") + text;
 }
 
-// The codes of rows that name one, by ECU, so that two lists can be compared whatever their order.
-QStringList comparable(const QStringList& rows, int protocol) {
+// The codes by ECU, so that two lists can be compared whatever their order.
+QStringList comparable(const QList<result_row>& rows, int protocol) {
     QStringList codes;
-    for (const QString& row : rows)
-        if (row.contains(u'|'))
-            codes += row.section(u'|', 0, 0) + u'|' + ecu_identity(row.section(u'|', 1), protocol);
+    for (const code_row& row : rows_of<code_row>(rows))
+        codes += row.code + u'|' + ecu_identity(row.ecu, protocol);
     codes.sort();
     return codes;
 }
 
-QString codes_in(const QStringList& rows) {
+QString codes_in(const QList<noted_row>& rows) {
     QStringList codes;
-    for (const QString& row : rows)
-        if (row.contains(u'|'))
-            codes += row.section(u'|', 0, 0);
+    for (const code_row& row : rows_of<code_row>(plain(rows)))
+        codes += row.code;
     return codes.join(QStringLiteral(", "));
+}
+
+const value_row* value_in(const answer& one) {
+    return one.rows.isEmpty() ? nullptr : std::get_if<value_row>(&one.rows.first());
 }
 
 // The element whose ECU was asked; without one the engine's, else the first that `is_good`.
 template <class answers, class check>
-auto* answer_of(const answers& all, const kept_reply& kept, const mac_toolies& toolies, check is_good) {
+auto* answer_of(const answers& all, const answer& kept, const mac_toolies& toolies, check is_good) {
     const auto pick = [&](auto fits) {
         const auto found = std::find_if(all.begin(), all.end(), fits);
         return found == all.end() ? nullptr : &*found;
@@ -67,7 +57,7 @@ auto* answer_of(const answers& all, const kept_reply& kept, const mac_toolies& t
 }
 
 // What the reply says about the PID; nothing when nobody answered.
-std::optional<pid_value> value_in(const kept_reply& kept, int service, const mac_toolies& toolies) {
+std::optional<pid_value> standard_value(const answer& kept, int service, const mac_toolies& toolies) {
     constexpr int freeze_frame = 2;
     const int pid = kept.request.mid(2, 2).toInt(nullptr, 16);
     const qsizetype data_at = service == freeze_frame ? 3 : 2; // behind the frame's number
@@ -90,162 +80,157 @@ std::optional<pid_value> value_in(const kept_reply& kept, int service, const mac
 
 } // namespace
 
-second_reading::second_reading(result_list which, const diagnostic_results& what_was_read,
+QList<result_row> plain(const QList<noted_row>& rows) {
+    QList<result_row> bare;
+    for (const noted_row& row : rows)
+        bare += row.row;
+    return bare;
+}
+
+second_reading::second_reading(part its_part, const diagnostic_results& what_was_read,
                                const mac_toolies& its_toolies)
-    : list(which), results(what_was_read), toolies(its_toolies), own(rows_of(which, what_was_read)) {
+    : which(its_part), results(what_was_read), toolies(its_toolies) {
     reload();
 }
 
 void second_reading::start_again() {
+    own.clear();
     standard.clear();
-    own_notes.clear();
-    standard_notes.clear();
     told.clear();
     codes_differ = false;
     changed = 0;
     vin.clear();
-    replies_read = 0;
-    own_read = 0;
+    answers_read = 0;
+    replies_read = false;
 }
 
 void second_reading::reload() {
     standard_shown = toolies.standard_reading();
-    const QList<kept_reply> kept = results.kept.value(list);
-    if (kept.size() < replies_read || own.size() < own_read)
+    const QList<answer> answers = results.answers.value(which);
+    if (answers.size() < answers_read)
         start_again();
-    // A reply is kept before its rows are added.
-    for (; replies_read < kept.size(); ++replies_read) {
-        const kept_reply& next = kept.at(replies_read);
-        if (next.row + next.rows > own.size())
-            break;
-        copy_own_rows(next.row);
-        read(next);
-        own_read = next.row + next.rows;
+    while (answers_read < answers.size())
+        read(answers.at(answers_read++));
+}
+
+void second_reading::both_say(const QList<result_row>& rows) {
+    for (const result_row& row : rows) {
+        own += {row, {}};
+        standard += {row, {}};
     }
-    copy_own_rows(own.size());
 }
 
-void second_reading::copy_own_rows(qsizetype end) {
-    for (; own_read < end; ++own_read)
-        standard += own.at(own_read);
-}
-
-void second_reading::keep_own(const kept_reply& kept) {
-    standard += own.mid(kept.row, kept.rows);
-}
-
-void second_reading::add(const QString& row, qsizetype own_row, const QString& said,
-                         const QString& own_said) {
+void second_reading::they_differ(const result_row* own_row, const QString& own_said,
+                                 const std::optional<result_row>& row, const QString& said) {
     ++changed;
-    if (own_row >= 0)
-        own_notes.insert(static_cast<int>(own_row), QStringLiteral("%1: %2").arg(by_standard, said));
-    if (row.isEmpty())
-        return;
-    standard_notes.insert(static_cast<int>(standard.size()),
-                          QStringLiteral("The program's own reading: %1").arg(own_said));
-    standard += row;
+    if (own_row)
+        own += {*own_row, QStringLiteral("%1: %2").arg(by_standard, said)};
+    if (row)
+        standard += {*row, QStringLiteral("The program's own reading: %1").arg(own_said)};
 }
 
-void second_reading::read(const kept_reply& kept) {
-    switch (list) {
-    case result_list::codes:
-    case result_list::pending: return read_codes(kept);
-    case result_list::freeze: return kept.row == 0 ? read_freezing_code(kept) : read_freeze_value(kept);
-    case result_list::vehicle:
-        return kept.request.startsWith(QLatin1String("09")) ? read_vin(kept) : read_value(kept);
-    default: return read_tests(kept);
+void second_reading::read(const answer& one) {
+    if (one.request.isEmpty() || which == part::extras) // which only their maker defines
+        return both_say(one.rows);
+    replies_read = true;
+    switch (which) {
+    case part::codes:
+    case part::pending: return read_codes(one);
+    case part::freeze:
+        return one.request == freezing_code_request ? read_freezing_code(one) : read_freeze_value(one);
+    case part::vehicle: return one.request.startsWith(QLatin1String("09")) ? read_vin(one) : read_value(one);
+    default: return read_tests(one);
     }
 }
 
-void second_reading::read_codes(const kept_reply& kept) {
-    const int service = kept.request.toInt(nullptr, 16);
-    const QList<ecu_codes> answers = read_trouble_codes(service, kept.what_came.raw());
-    QStringList rows;
+void second_reading::read_codes(const answer& one) {
+    const int service = one.request.toInt(nullptr, 16);
+    const QList<ecu_codes> answers = read_trouble_codes(service, one.what_came.raw());
+    QList<result_row> rows;
     for (const ecu_codes& ecu : answers) {
         for (const QString& code : ecu.codes)
-            rows += code + u'|' + ecu.ecu;
+            rows += code_row{code, ecu.ecu};
         if (!ecu.fault.isEmpty())
             told += named(ecu.ecu, ecu.fault);
     }
-    const int protocol = kept.what_came.protocol();
-    codes_differ = !answers.isEmpty() && comparable(rows, protocol) != comparable(own, protocol);
+    const int protocol = one.what_came.protocol();
+    codes_differ = !answers.isEmpty() && comparable(rows, protocol) != comparable(one.rows, protocol);
     if (answers.isEmpty() || (!codes_differ && told.isEmpty()))
-        return keep_own(kept);
+        return both_say(one.rows);
     if (rows.isEmpty() && !told.isEmpty())
-        rows += QStringLiteral("Not readable");
-    else if (rows.isEmpty() && list == result_list::codes)
-        rows += localised(QStringLiteral("NO_CODES"));
-    standard += rows;
+        rows += words_row{QStringLiteral("Not readable")};
+    else if (rows.isEmpty() && which == part::codes)
+        rows += words_row{localised(QStringLiteral("NO_CODES"))};
+    for (const result_row& row : one.rows)
+        own += {row, {}};
+    for (const result_row& row : rows)
+        standard += {row, {}};
 }
 
-void second_reading::read_vin(const kept_reply& kept) {
-    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, kept.what_came.raw());
+void second_reading::read_vin(const answer& one) {
+    const QList<ecu_info> answers = read_vehicle_info(info_type::vin, one.what_came.raw());
     const ecu_info* info =
-        answer_of(answers, kept, toolies, [](const ecu_info& one) { return !one.items.isEmpty(); });
-    const QString own_vin = own.at(kept.row).section(u':', 1).trimmed();
+        answer_of(answers, one, toolies, [](const ecu_info& each) { return !each.items.isEmpty(); });
+    const value_row* row = value_in(one);
+    const QString own_vin = row ? row->value : QString();
     const bool is_read = info && !info->items.isEmpty();
     if (!info || (is_read && info->items.first() == own_vin) || (!is_read && own_vin == not_available))
-        return keep_own(kept);
+        return both_say(one.rows);
     vin = is_read ? info->items.first() : QString();
     const QString said = is_read ? vin : QStringLiteral("(%1)").arg(info->fault);
-    add(QStringLiteral(" VIN: %1").arg(said), kept.row, said, own_vin);
+    they_differ(row ? &one.rows.first() : nullptr, own_vin, value_row{{}, QStringLiteral("VIN"), said, {}},
+                said);
 }
 
-void second_reading::read_value(const kept_reply& kept) {
-    const auto value = value_in(kept, 1, toolies);
-    const QString shown = kept.rows > 0 ? own.at(kept.row).section(u'|', 2) : not_available;
-    if (!value || value->is_undefined || says_the_same(shown, *value))
-        return keep_own(kept);
-    const QString pid = kept.request.mid(2);
+void second_reading::read_value(const answer& one) {
+    const auto value = standard_value(one, 1, toolies);
+    const value_row* row = value_in(one);
+    if (!value || value->is_undefined || says_the_same(row ? row->value : not_available, *value))
+        return both_say(one.rows);
+    const QString pid = one.request.mid(2);
     const QString text = pid_value_text(*value);
-    add(QStringLiteral("%1|%2|%3").arg(pid, toolies.l_get_pid_name(pid, false), text),
-        kept.rows > 0 ? kept.row : -1, text, kept.rows > 0 ? shown : nothing);
+    they_differ(row ? &one.rows.first() : nullptr, row ? row->value : nothing,
+                value_row{pid, toolies.l_get_pid_name(pid, false), text, {}}, text);
 }
 
-void second_reading::read_freezing_code(const kept_reply& kept) {
-    const auto value = value_in(kept, 2, toolies);
-    const QString shown = own.at(0).section(QLatin1String(": "), 1).section(u'|', 0, 0).trimmed();
+void second_reading::read_freezing_code(const answer& one) {
+    const auto value = standard_value(one, 2, toolies);
+    const value_row* row = value_in(one);
+    const QString shown = row ? row->value : QString();
     const QString code = value ? value->states.value(0) : QString();
     const bool no_frame = code.isEmpty() || code == QLatin1String("P0000");
     if (!value || code == shown || (shown.isEmpty() && no_frame))
-        return keep_own(kept);
+        return both_say(one.rows);
     const QString text = code.isEmpty() ? pid_value_text(*value) : code;
-    add(QStringLiteral("Freezed by: %1|%2").arg(text, look_upCode(code, results.P0_Codes)), 0, text,
-        shown.isEmpty() ? nothing : shown);
+    they_differ(&one.rows.first(), shown.isEmpty() ? nothing : shown,
+                value_row{{}, QStringLiteral("Freezed by"), text, look_upCode(text, results.P0_Codes)}, text);
 }
 
-void second_reading::read_freeze_value(const kept_reply& kept) {
-    const auto value = value_in(kept, 2, toolies);
-    const QString& row = own.at(kept.row);
-    const QString label = row.section(QLatin1String(": "), 0, 0).trimmed();
-    const QString shown = row.section(QLatin1String(": "), 1).trimmed();
-    if (!value || value->is_undefined || says_the_same(shown, *value))
-        return keep_own(kept);
+void second_reading::read_freeze_value(const answer& one) {
+    const auto value = standard_value(one, 2, toolies);
+    const value_row* row = value_in(one);
+    if (!row || !value || value->is_undefined || says_the_same(row->value, *value))
+        return both_say(one.rows);
     const QString text = pid_value_text(*value);
-    add(QStringLiteral("%1: %2").arg(label, text), kept.row, text, shown);
+    they_differ(&one.rows.first(), row->value, value_row{row->pid, row->label.trimmed(), text, {}}, text);
 }
 
-void second_reading::read_tests(const kept_reply& kept) {
-    const second_tests tests =
-        read_tests_again(kept, own.mid(kept.row, kept.rows), static_cast<int>(replies_read), toolies.lists());
+void second_reading::read_tests(const answer& one) {
+    const second_tests tests = read_tests_again(one, static_cast<int>(answers_read), toolies.lists());
     for (const second_test& test : tests.pairs) {
+        const result_row* row = test.own_row < 0 ? nullptr : &one.rows.at(test.own_row);
         if (test.same)
-            standard += own.at(kept.row + test.own_row);
+            both_say({*row});
         else
-            add(test.row, test.own_row < 0 ? -1 : kept.row + test.own_row, test.said,
-                test.own_said.isEmpty() ? nothing : test.own_said);
+            they_differ(row, test.own_said.isEmpty() ? nothing : test.own_said, test.row, test.said);
     }
-    const bool says_nothing = kept.rows == 0 && tests.pairs.isEmpty(); // and neither does the program
+    const bool says_nothing = one.rows.isEmpty() && tests.pairs.isEmpty(); // and neither does the program
     if (!tests.fault.isEmpty() && !says_nothing)
         told += tests.fault;
 }
 
-QString second_reading::note_on(int row) const {
-    return standard_shown ? standard_notes.value(row) : own_notes.value(row);
-}
-
 QString second_reading::line() const {
-    if (replies_read == 0 || (!differs() && !standard_shown))
+    if (!replies_read || (!differs() && !standard_shown))
         return {};
     if (!differs())
         return QStringLiteral("Read by SAE J1979. The program's own reading is the same");

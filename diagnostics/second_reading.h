@@ -2,64 +2,68 @@
 
 #include "diagnostics/diagnostic_results.h"
 
-#include <QHash>
+#include <optional>
 
 class mac_toolies;
 
-// One list of results read twice: the program's own rows, and the rows that the same replies give by SAE
-// J1979, in the same form. The preference "BV_standard_reading" says which of the two is shown; what the
-// other one says stands beside it. Nothing is asked from the car. All that it is given outlives it.
+// A row as it is shown, and what the other reading says in its place ("By SAE J1979: 15.000 V"), "" where
+// both say the same.
+struct noted_row {
+    result_row row;
+    QString note;
+};
+
+// One part of the results read twice: the program's own rows, and the rows that the same replies give by SAE
+// J1979. The preference "BV_standard_reading" says which of the two is shown; what the other one says stands
+// beside it. Nothing is asked from the car. All that it is given outlives it.
 class second_reading {
 public:
-    second_reading(result_list which, const diagnostic_results& what_was_read,
-                   const mac_toolies& its_toolies);
+    second_reading(part which, const diagnostic_results& what_was_read, const mac_toolies& its_toolies);
 
-    // Takes up the replies that were kept since, and the preference.
+    // Takes up the answers that came since, and the preference.
     void reload();
 
     bool shows_standard() const { return standard_shown; }
     bool differs() const { return codes_differ || changed > 0 || !told.isEmpty(); }
-    const QStringList& own_rows() const { return own; }
-    const QStringList& standard_rows() const { return standard; }
-    const QStringList& shown() const { return standard_shown ? standard : own; }
-    // What the other reading says in the place of a shown row ("By SAE J1979: 15.000 V"), "" where both say
-    // the same.
-    QString note_on(int row) const;
-    // The same for the list as a whole, in a sentence; "" before anything was read.
+    const QList<noted_row>& own_rows() const { return own; }
+    const QList<noted_row>& standard_rows() const { return standard; }
+    const QList<noted_row>& shown() const { return standard_shown ? standard : own; }
+    // What the other reading says of the list as a whole, in a sentence; "" before anything was read.
     QString line() const;
     // Where an answer was refused, damaged or cut: "7E8: a consecutive frame is missing".
     const QStringList& faults() const { return told; }
 
 private:
     void start_again();
-    void copy_own_rows(qsizetype end);
-    void read(const kept_reply& kept);
-    void read_codes(const kept_reply& kept);
-    void read_vin(const kept_reply& kept);
-    void read_value(const kept_reply& kept);
-    void read_freezing_code(const kept_reply& kept);
-    void read_freeze_value(const kept_reply& kept);
-    void read_tests(const kept_reply& kept);
-    // The standard's row in the place of the own one at `own_row` (-1: there is none), and what either says.
-    void add(const QString& row, qsizetype own_row, const QString& said, const QString& own_said);
-    void keep_own(const kept_reply& kept);
+    void read(const answer& one);
+    void read_codes(const answer& one);
+    void read_vin(const answer& one);
+    void read_value(const answer& one);
+    void read_freezing_code(const answer& one);
+    void read_freeze_value(const answer& one);
+    void read_tests(const answer& one);
+    void both_say(const QList<result_row>& rows);
+    // Either reading's row, where it has one, and what it says.
+    void they_differ(const result_row* own_row, const QString& own_said, const std::optional<result_row>& row,
+                     const QString& said);
     QString line_of_codes(const QString& because) const;
     QString line_of_values(const QString& because) const;
-    bool is_codes() const { return list == result_list::codes || list == result_list::pending; }
+    bool is_codes() const { return which == part::codes || which == part::pending; }
 
-    result_list list;
+    part which;
     const diagnostic_results& results;
     const mac_toolies& toolies;
-    const QStringList& own;
 
     bool standard_shown = false;
-    QStringList standard;
-    QHash<int, QString> own_notes; // by row, what the standard says
-    QHash<int, QString> standard_notes;
+    QList<noted_row> own;
+    QList<noted_row> standard;
     bool codes_differ = false;
     int changed = 0; // rows of values that differ
     QString vin;     // by the standard, where it differs
     QStringList told;
-    qsizetype replies_read = 0;
-    qsizetype own_read = 0; // own rows that have their place among the standard's
+    qsizetype answers_read = 0;
+    bool replies_read = false; // that can be read twice
 };
+
+// The rows without what stands beside them.
+QList<result_row> plain(const QList<noted_row>& rows);

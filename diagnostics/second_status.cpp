@@ -14,7 +14,7 @@ constexpr qsizetype most_named = 3;
 
 // What each ECU answers to the PID.
 template <class function>
-void for_each_status(const kept_reply& kept, int pid, function take) {
+void for_each_status(const answer& kept, int pid, function take) {
     constexpr int current_data = 0x01;
     constexpr qsizetype data_at = 2; // behind service and PID
     for (const ecu_answer& answer : answers_to(current_data, kept.what_came.raw()))
@@ -38,8 +38,7 @@ QList<readiness_row> rows_of(const monitor_status& status, QList<readiness_row> 
     return rows;
 }
 
-car_status standard_status(const kept_reply& kept, const QList<readiness_row>& own,
-                           const mac_toolies& toolies) {
+car_status standard_status(const answer& kept, const QList<readiness_row>& own, const mac_toolies& toolies) {
     car_status status;
     for_each_status(kept, status_pid, [&](const QString&, const monitor_status& one) {
         status.is_known |= !one.monitors.isEmpty();
@@ -93,7 +92,7 @@ QString in_words(const car_status& told, const car_status& other, const QList<re
 
 } // namespace
 
-monitor_status engine_monitors(const kept_reply& kept, int pid, const mac_toolies& toolies) {
+monitor_status engine_monitors(const answer& kept, int pid, const mac_toolies& toolies) {
     monitor_status status;
     for_each_status(kept, pid, [&](const QString& ecu, const monitor_status& one) {
         if (status.monitors.isEmpty() || toolies.isThisEngineHeader(ecu))
@@ -106,7 +105,7 @@ second_status read_status_again(const diagnostic_results& results, const mac_too
     second_status status;
     status.standard_shown = toolies.standard_reading();
     status.own = {true, results.milLamp, results.no_of_codes, results.readinessFlagsArray};
-    const QList<kept_reply> kept = results.kept.value(result_list::status);
+    const QList<answer> kept = results.answers.value(part::readiness);
     status.was_read = !kept.isEmpty();
     if (!status.was_read)
         return status;

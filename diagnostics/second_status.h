@@ -26,4 +26,4 @@ struct second_status {
 second_status read_status_again(const diagnostic_results& results, const mac_toolies& toolies);
 
 // What the engine's ECU, else the first that does, answers to PID 01 or 41.
-monitor_status engine_monitors(const kept_reply& kept, int pid, const mac_toolies& toolies);
+monitor_status engine_monitors(const answer& kept, int pid, const mac_toolies& toolies);

@@ -18,28 +18,39 @@ QString number(double value, int decimals) {
     return QString::number(value, 'f', std::max(decimals, as_the_program));
 }
 
-QString row_of(const ecu_test& test, int index, const text_resources& lists) {
-    if (test.scaling < 0) {
-        const bool is_minimum = test.minimum.has_value();
-        const double limit = is_minimum ? *test.minimum : test.maximum.value_or(0);
-        return legacy_test_row({hex(test.monitor), hex(test.test), static_cast<unsigned>(test.value),
-                                static_cast<unsigned>(limit), is_minimum},
-                               index);
+test_row row_of(const ecu_test& test, int index, const text_resources& lists) {
+    test_row row;
+    row.index = index;
+    row.is_can = test.scaling >= 0;
+    if (row.is_can) {
+        row.obdmid = hex(test.monitor);
+        row.tid = hex(test.test);
+        row.unit = test.unit;
+        row.minimum = number(test.minimum.value_or(0), test.decimals);
+        row.value = number(test.value, test.decimals);
+        row.maximum = number(test.maximum.value_or(0), test.decimals);
+        row.passed = test.passed();
+        name_the_test(row, lists);
+        return row;
     }
-    return can_test_row({hex(test.monitor), hex(test.test), test.unit,
-                         number(test.minimum.value_or(0), test.decimals), number(test.value, test.decimals),
-                         number(test.maximum.value_or(0), test.decimals), test.passed()},
-                        index, lists);
+    row.tid = hex(test.monitor);
+    row.component = hex(test.test);
+    row.limit_is_maximum = !test.minimum.has_value();
+    const double limit = row.limit_is_maximum ? test.maximum.value_or(0) : *test.minimum;
+    row.value = QString::number(static_cast<unsigned>(test.value));
+    row.minimum = row.maximum = QString::number(static_cast<unsigned>(limit));
+    row.passed = row.limit_is_maximum ? test.value <= limit : test.value >= limit;
+    return row;
 }
 
-QString said_by(const mode6_row& row) {
-    const QStringList triple = row.limits.split(u'~');
-    const QString value =
-        row.unit.trimmed().isEmpty() ? triple.value(1) : triple.value(1) + u' ' + row.unit.trimmed();
-    const QString limits = row.is_can ? QStringLiteral("%1 to %2").arg(triple.value(0), triple.value(2))
-                                      : QStringLiteral("%1 %2").arg(triple.value(2), triple.value(0));
+QString said_by(const test_row& row) {
+    const QString unit = row.unit.trimmed();
+    const QString limits =
+        row.is_can ? QStringLiteral("%1 to %2").arg(row.minimum, row.maximum)
+                   : QStringLiteral("%1 %2").arg(row.limit_is_maximum ? "max" : "min", row.minimum);
     return QStringLiteral("%1 (%2), %3")
-        .arg(value, limits, row.passed ? QStringLiteral("Passed") : QStringLiteral("FAILED"));
+        .arg(unit.isEmpty() ? row.value : row.value + u' ' + unit, limits,
+             row.passed ? QStringLiteral("Passed") : QStringLiteral("FAILED"));
 }
 
 // One spelling for the units of either side.
@@ -56,10 +67,12 @@ QString plain_unit(const QString& unit) {
 }
 
 // The same numbers as far as they are shown, and the same verdict.
-bool say_the_same(const mode6_row& own, const mode6_row& standard) {
+bool say_the_same(const test_row& own, const test_row& standard) {
     static constexpr double rounding = 0.0006;
     static constexpr double scaling = 0.002; // a factor with fewer digits
-    const auto near = [](double a, double b) {
+    const auto near = [](const QString& own_number, const QString& number) {
+        const double a = own_number.toDouble();
+        const double b = number.toDouble();
         return std::abs(a - b) <= std::max(rounding, scaling * std::abs(b));
     };
     return own.passed == standard.passed && plain_unit(own.unit) == plain_unit(standard.unit) &&
@@ -68,15 +81,14 @@ bool say_the_same(const mode6_row& own, const mode6_row& standard) {
            near(own.maximum, standard.maximum);
 }
 
-bool is_same_test(const mode6_row& own, const ecu_test& test) {
+bool is_same_test(const test_row& own, const ecu_test& test) {
     return own.tid == hex(own.is_can ? test.test : test.monitor) &&
            (own.is_can ? own.obdmid == hex(test.monitor) : own.component == hex(test.test));
 }
 
 } // namespace
 
-second_tests read_tests_again(const kept_reply& kept, const QStringList& own, int index,
-                              const text_resources& lists) {
+second_tests read_tests_again(const answer& kept, int index, const text_resources& lists) {
     ecu_tests read = read_tests(kept.what_came.raw());
     const int protocol = kept.what_came.protocol();
     read.tests.removeIf([&](const ecu_test& test) {
@@ -84,16 +96,14 @@ second_tests read_tests_again(const kept_reply& kept, const QStringList& own, in
     });
     second_tests result;
     result.fault = read.fault;
-    for (qsizetype i = 0; i < own.size(); ++i) {
-        const mode6_row row = split_mode6_row(own.at(i));
+    for (const test_row& row : rows_of<test_row>(kept.rows)) {
         const auto found = std::find_if(read.tests.begin(), read.tests.end(),
                                         [&](const ecu_test& test) { return is_same_test(row, test); });
-        second_test pair{i, false, {}, QStringLiteral("no value"), said_by(row)};
+        second_test pair{result.pairs.size(), false, {}, QStringLiteral("no value"), said_by(row)};
         if (found != read.tests.end()) {
             pair.row = row_of(*found, row.index, lists);
-            const mode6_row standard = split_mode6_row(pair.row);
-            pair.same = say_the_same(row, standard);
-            pair.said = said_by(standard);
+            pair.same = say_the_same(row, *pair.row);
+            pair.said = said_by(*pair.row);
             read.tests.erase(found);
         } else if (!read.fault.isEmpty()) {
             pair.said = QStringLiteral("(%1)").arg(read.fault);
@@ -102,8 +112,8 @@ second_tests read_tests_again(const kept_reply& kept, const QStringList& own, in
     }
     // Records that the program reads under another name stand with their own.
     for (const ecu_test& test : read.tests) {
-        const QString row = row_of(test, index, lists);
-        result.pairs += {-1, false, row, said_by(split_mode6_row(row)), {}};
+        const test_row row = row_of(test, index, lists);
+        result.pairs += {-1, false, row, said_by(row), {}};
     }
     return result;
 }

@@ -9,27 +9,18 @@ namespace {
 
 diagnostic_results as_standard(const diagnostic_results& results, const mac_toolies& toolies) {
     diagnostic_results read = results;
-    const auto rows = [&](result_list list) {
-        return second_reading(list, results, toolies).standard_rows();
-    };
     read.readinessFlagsArray = read_status_again(results, toolies).shown().monitors;
-    read.codesReadArray = rows(result_list::codes);
-    read.pendingArray = rows(result_list::pending);
-    read.freezeArray = rows(result_list::freeze);
-    read.vehInfoArray = rows(result_list::vehicle);
-    read.mode6Array = rows(result_list::mode6);
-    read.misfireArray = rows(result_list::misfire);
-    read.o2XtraArray = rows(result_list::o2);
+    for (const part which : results.answers.keys())
+        if (which != part::readiness && which != part::permanent)
+            read.answers[which] = {facts(plain(second_reading(which, results, toolies).standard_rows()))};
     return read;
 }
 
 QString permanent_section(const permanent_codes& permanent,
                           const std::function<QString(const QString&)>& describe) {
     QString text = QStringLiteral("\n\n....... Permanent DTC Codes .......\n");
-    for (const QString& row : permanent.rows) {
-        const QString code = row.section(u'|', 0, 0);
-        text += QStringLiteral("%1 - %2\n").arg(code, describe(code));
-    }
+    for (const code_row& row : rows_of<code_row>(plain(permanent.rows)))
+        text += QStringLiteral("%1 - %2\n").arg(row.code, describe(row.code));
     return permanent.words.isEmpty() ? text : text + permanent.words + u'\n';
 }
 
@@ -42,6 +33,7 @@ diagnostic_report standard_report(int operation, const diagnostic_results& resul
                                    .value_or(diagnostic_report());
     if (report.text.isEmpty())
         return report;
+    report.raw = work_out_text_4_log(operation, results, today, describe)->raw; // as they came
     report.text.insert(
         report.text.indexOf(u'\n') + 1,
         QStringLiteral("Standard reading: values and codes as SAE J1979 reads the replies.\n"));

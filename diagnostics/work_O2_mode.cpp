@@ -16,13 +16,10 @@ talk find_sensors(diagnostic_talk& car, QStringList& monitors) {
 } // namespace
 
 talk work_O2_mode(diagnostic_talk& car) {
-    return work_mode6_test(car,
-                           {.starting = QStringLiteral("Starting O2 xtra reading "),
-                            .toast = QStringLiteral("%@ Read O2 ...         "),
-                            .querying = QStringLiteral("Querying O2  items:  %d/%d"),
-                            .log_heading = QStringLiteral("------O2 Xtra read:%@------------- \n"),
-                            .list = QStringLiteral("o2"),
-                            .kept = result_list::o2,
-                            .find_identifiers = find_sensors},
-                           car.results.o2XtraArray);
+    return work_mode6_test(car, {.starting = QStringLiteral("Starting O2 xtra reading "),
+                                 .toast = QStringLiteral("%@ Read O2 ...         "),
+                                 .querying = QStringLiteral("Querying O2  items:  %d/%d"),
+                                 .log_heading = QStringLiteral("------O2 Xtra read:%@------------- \n"),
+                                 .which = part::o2,
+                                 .find_identifiers = find_sensors});
 }

@@ -15,13 +15,10 @@ talk find_counters(diagnostic_talk& car, QStringList& counters) {
 } // namespace
 
 talk work_misfire_reading(diagnostic_talk& car) {
-    return work_mode6_test(car,
-                           {.starting = QStringLiteral("Starting Read Misfire"),
-                            .toast = QString(),
-                            .querying = QStringLiteral("Querying Misfire  items:  %d/%d"),
-                            .log_heading = QStringLiteral("------Misfire read:%@------------- \n"),
-                            .list = QStringLiteral("misfire"),
-                            .kept = result_list::misfire,
-                            .find_identifiers = find_counters},
-                           car.results.misfireArray);
+    return work_mode6_test(car, {.starting = QStringLiteral("Starting Read Misfire"),
+                                 .toast = QString(),
+                                 .querying = QStringLiteral("Querying Misfire  items:  %d/%d"),
+                                 .log_heading = QStringLiteral("------Misfire read:%@------------- \n"),
+                                 .which = part::misfire,
+                                 .find_identifiers = find_counters});
 }

@@ -18,15 +18,12 @@ talk find_tests(diagnostic_talk& car, QStringList& tests) {
 } // namespace
 
 talk work_mode6_support(diagnostic_talk& car) {
-    return work_mode6_test(car,
-                           {.starting = QStringLiteral("Starting Mode 6 "),
-                            .toast = QStringLiteral("%@ Read Mode6 ...      "),
-                            .querying = QStringLiteral("Querying Mode6  items:  %d/%d"),
-                            .log_heading = QStringLiteral("------Mode 6 read:%@------------- \n"),
-                            .list = QStringLiteral("mode6"),
-                            .kept = result_list::mode6,
-                            .retries_silence = true,
-                            .counts_from = 0,
-                            .find_identifiers = find_tests},
-                           car.results.mode6Array);
+    return work_mode6_test(car, {.starting = QStringLiteral("Starting Mode 6 "),
+                                 .toast = QStringLiteral("%@ Read Mode6 ...      "),
+                                 .querying = QStringLiteral("Querying Mode6  items:  %d/%d"),
+                                 .log_heading = QStringLiteral("------Mode 6 read:%@------------- \n"),
+                                 .which = part::mode6,
+                                 .retries_silence = true,
+                                 .counts_from = 0,
+                                 .find_identifiers = find_tests});
 }

@@ -8,17 +8,14 @@ namespace {
 void forget_what_was_read(diagnostic_talk& car) {
     car.show(car.results.cur_err_msg);
     car.view.show_busy(false);
-    car.results.codesReadArray.clear();
     car.results.readinessFlagsArray.clear();
-    for (const result_list list : {result_list::codes, result_list::status, result_list::permanent})
-        car.results.kept.remove(list);
-    car.view.reload(QStringLiteral("codes"));
-    car.view.reload(QStringLiteral("readiness"));
+    for (const part which : {part::codes, part::readiness, part::permanent})
+        car.forget(which);
     car.results.code_count_label = QStringLiteral("No of DTC Codes:");
     car.results.mil_label = QStringLiteral("MIL Lamp:");
     car.results.read_on_label = QStringLiteral("Read on");
     car.results.xtra_info_label.clear();
-    car.view.reload(QStringLiteral("labels"));
+    car.view.reload(part::labels);
 }
 
 // One ECU that refuses keeps its codes, whatever the others say.

@@ -15,7 +15,7 @@ constexpr const char* pending_not_received = "Failed to receive the Pending erro
 
 // The decoder of pending codes reads replies without headers: each ECU's answer is handed to it on its own.
 // An answer that lacks frames is left out: the rest of it would read as codes that nobody sent.
-bool list_pending(diagnostic_talk& car, const reply& pending) {
+bool list_pending(diagnostic_talk& car, const reply& pending, QList<result_row>& rows) {
     car.load_the_codes();
     car.append_to_log(
         fill(QStringLiteral("------Pending Codes read:%@------------- \n"), {car.todays_date()}));
@@ -27,7 +27,7 @@ bool list_pending(diagnostic_talk& car, const reply& pending) {
                 continue; // padding, no code
             car.append_to_log(
                 fill(QStringLiteral("%@    %@\n"), {code, look_upCode(code, car.results.P0_Codes)}));
-            car.results.pendingArray += fill(QStringLiteral("%@|%@"), {code, header});
+            rows += code_row{code, header};
         }
     };
     if (!pending.headers_shown()) {
@@ -75,25 +75,22 @@ QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters) {
 }
 
 // A frame's value reads like a live one once its frame number is taken out.
-void add_freeze_item(diagnostic_talk& car, const reply& answer, const QString& pid) {
-    const QString this_label = car.toolies.get_pid_name_with_pid(pid);
+value_row freeze_item(diagnostic_talk& car, const reply& answer, const QString& pid) {
+    QString this_label = car.toolies.get_pid_name_with_pid(pid);
     const QString data = answer.holds_nothing() ? QString() : engine_value(answer);
     QString value = no_reply;
     if (data.startsWith(QLatin1String("42")) && data.size() >= frame_map_at) {
         QString live = data.first(4) + data.sliced(frame_map_at);
         value = car.toolies.translateResponse(live.replace(QLatin1String("\r\r"), QLatin1String("\r")));
     }
-    if (answer.holds_nothing() && !answer.is_none())
-        car.results.freezeArray += fill(QStringLiteral("%@: N/A"), {this_label});
-    else if (value == no_reply)
-        car.results.freezeArray += fill(QStringLiteral("%@ : N/A"), {this_label});
-    else
-        car.results.freezeArray += fill(QStringLiteral("%@: %@"), {this_label, value});
+    if (value != no_reply)
+        return {pid, this_label, value, {}};
+    if (!answer.holds_nothing() || answer.is_none())
+        this_label += u' ';
+    return {pid, this_label, not_available, {}};
 }
 
 void told(diagnostic_talk& car, bool car_answered) {
-    car.view.reload(QStringLiteral("pending"));
-    car.view.reload(QStringLiteral("freeze"));
     if (car_answered)
         car.write_report();
     // Neither says that there are no codes.
@@ -118,19 +115,19 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
     bool car_answered = !status.holds_nothing();
 
     const reply codes = co_await car.ask_as_shown("07");
-    car.results.pending_received = !codes.is_none() && list_pending(car, codes);
+    QList<result_row> rows;
+    car.results.pending_received = !codes.is_none() && list_pending(car, codes, rows);
     car_answered |= !codes.holds_nothing();
     car.show(car.results.pending_received ? "Codes read!. Scroll for full description"
                                           : pending_not_received);
-    car.keep(result_list::pending, QStringLiteral("07"), codes, 0, car.results.pendingArray.size());
-    car.view.reload(QStringLiteral("pending"));
+    car.tell(part::pending, {QStringLiteral("07"), codes, {}, rows});
 
     const reply frame = co_await car.ask_as_shown("02 02 00");
     car_answered |= !frame.holds_nothing();
-    car.keep(result_list::freeze, QStringLiteral("020200"), frame, 0, 1);
     const QString code = freezing_code(frame);
     if (code.isEmpty()) {
-        car.results.freezeArray += QStringLiteral("Not Supported or Data Not Available");
+        const words_row none{QStringLiteral("Not Supported or Data Not Available")};
+        car.tell(part::freeze, {freezing_code_request, frame, {}, {none}});
         co_return told(car, car_answered);
     }
 
@@ -152,17 +149,15 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
 
     co_await car.at("AT H0", "OK");
     car.load_the_codes();
-    car.results.freezeArray +=
-        fill(QStringLiteral("Freezed by: %@|%@"), {code, look_upCode(code, car.results.P0_Codes)});
+    const value_row freezing{{}, QStringLiteral("Freezed by"), code, look_upCode(code, car.results.P0_Codes)};
+    car.tell(part::freeze, {freezing_code_request, frame, {}, {freezing}});
     const QStringList pids = to_ask(car, parameters);
     for (qsizetype asked = 0; asked < pids.size(); ++asked) {
         car.progress(asked, pids.size());
-        car.view.reload(QStringLiteral("freeze"));
         const QString command = QStringLiteral("02 %1 00").arg(pids[asked]);
-        const reply answer = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F|?"));
-        car.keep(result_list::freeze, QStringLiteral("02") + pids[asked], answer,
-                 car.results.freezeArray.size(), 1);
-        add_freeze_item(car, answer, pids[asked]);
+        const reply item = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F|?"));
+        const value_row row = freeze_item(car, item, pids[asked]);
+        car.tell(part::freeze, {QStringLiteral("02") + pids[asked], item, {}, {row}});
     }
     car.progress(pids.size(), pids.size());
     told(car, car_answered);

@@ -9,21 +9,16 @@ car_talk::asking ask_the_car(diagnostic_talk& car, const QString& command) {
     return car.at(command, QStringLiteral("%1|7F%2|?").arg(positive_reply_of(command), command.left(2)));
 }
 
-void keep_reply(diagnostic_talk& car, const QString& request, const reply& what_came) {
-    car.keep(result_list::permanent, request, what_came);
-    car.view.reload(QStringLiteral("permanent"));
-}
-
 } // namespace
 
 talk work_out_permanent(diagnostic_talk& car) {
     co_await car.ready("Reading the permanent codes");
     co_await car.at("AT H1", "OK");
     const reply codes = co_await ask_the_car(car, "0A");
-    keep_reply(car, permanent_request, codes);
+    car.tell(part::permanent, {permanent_request, codes, {}, {}});
     car.show("Asking what the car has checked in this drive cycle");
     const reply monitors = co_await ask_the_car(car, "01 41");
-    keep_reply(car, drive_cycle_request, monitors);
+    car.tell(part::permanent, {drive_cycle_request, monitors, {}, {}});
     car.show(read_permanent_codes(car.results, car.toolies).summary());
     car.view.play_sound(sound_done);
 }

@@ -18,7 +18,6 @@ void evaluate_monitor_status(diagnostic_talk& car, const reply& status) {
     car.results.no_of_codes = 0;
     car.results.milLamp = false;
     car.results.readinessFlagsArray.clear();
-    car.keep(result_list::status, QStringLiteral("0101"), status);
     if (!status.holds_nothing()) {
         car.results.no_of_ecus = static_cast<int>(status.ecus().size());
         for (const ecu_said& ecu : status.ecus()) {
@@ -33,12 +32,7 @@ void evaluate_monitor_status(diagnostic_talk& car, const reply& status) {
                 car.results.readinessFlagsArray = car.toolies.handle_readiness_codes(ecu.data.sliced(6, 6));
         }
     }
-    car.view.reload(QStringLiteral("readiness"));
-}
-
-void keep_codes(diagnostic_talk& car, const reply& codes) {
-    car.keep(result_list::codes, QStringLiteral("03"), codes, 0, car.results.codesReadArray.size());
-    car.view.reload(QStringLiteral("codes"));
+    car.tell(part::readiness, {QStringLiteral("0101"), status, {}, {}});
 }
 
 void note_the_read(diagnostic_talk& car) {
@@ -58,11 +52,11 @@ void note_the_read(diagnostic_talk& car) {
     car.results.mil_label = car.results.milLamp ? QStringLiteral("ON") : QStringLiteral("OFF");
     car.results.read_on_label = car.results.cur_err_msg;
     car.results.xtra_info_label = car.results.xtraInfoArray.join(QLatin1Char('\n'));
-    car.view.reload(QStringLiteral("labels"));
+    car.view.reload(part::labels);
 }
 
-void list_codes(diagnostic_talk& car, const reply& codes) {
-    car.results.codesReadArray.clear();
+QList<result_row> list_codes(diagnostic_talk& car, const reply& codes) {
+    QList<result_row> rows;
     const bool refused = codes.text().contains(QLatin1Char('?')); // anywhere in it
     if (!refused && !codes.holds_nothing()) {
         const obd_groups codes_by_ecu = car.toolies.l_workoutReadCodes(codes);
@@ -71,16 +65,16 @@ void list_codes(diagnostic_talk& car, const reply& codes) {
             fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {car.todays_date()}));
         for (const obd_group& ecu : codes_by_ecu) {
             for (const QString& code : ecu.pidSet)
-                car.results.codesReadArray += fill(QStringLiteral("%@|%@"), {code, ecu.header});
+                rows += code_row{code, ecu.header};
         }
     }
-    if (car.results.codesReadArray.isEmpty())
-        car.results.codesReadArray += localised(QStringLiteral("NO_CODES"));
+    if (rows.isEmpty())
+        rows += words_row{localised(QStringLiteral("NO_CODES"))};
+    return rows;
 }
 
 void tell_result(diagnostic_talk& car, const reply& answer) {
-    const bool no_codes = car.results.codesReadArray.first() == localised(QStringLiteral("NO_CODES"));
-    const qsizetype codes = no_codes ? 0 : car.results.codesReadArray.size();
+    const qsizetype codes = rows_of<code_row>(car.results.rows(part::codes)).size();
     car.show("Rerieve codes successfully");
     car.show(codes == car.results.no_of_codes ? "Codes read!. Scroll for full description"
                                               : "Codes read...but different no of codes recvd");
@@ -97,7 +91,7 @@ talk work_out_read_codes(diagnostic_talk& car) {
     car.results.mil_label.clear();
     car.results.code_count_label.clear();
     car.results.read_on_label.clear();
-    car.view.reload(QStringLiteral("labels"));
+    car.view.reload(part::labels);
 
     reply status;
     for (int tries = 0; tries <= most_retries; ++tries) {
@@ -117,9 +111,8 @@ talk work_out_read_codes(diagnostic_talk& car) {
     car.view.show_toast(QStringLiteral("Querying for confirmed DTC(s) "));
     const reply codes = co_await car.ask("03");
     note_the_read(car);
-    if (!codes.is_none())
-        list_codes(car, codes);
-    keep_codes(car, codes);
+    const QList<result_row> rows = codes.is_none() ? QList<result_row>() : list_codes(car, codes);
+    car.tell(part::codes, {QStringLiteral("03"), codes, {}, rows});
     if (codes.is_none())
         throw left{QStringLiteral("Failed to receive the error codes")};
     tell_result(car, codes);

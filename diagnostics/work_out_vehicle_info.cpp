@@ -15,11 +15,6 @@ QString name_of(diagnostic_talk& car, const obd_group& ecu) {
     return label.isEmpty() ? ecu.header : label;
 }
 
-void add_row(diagnostic_talk& car, const QString& row) {
-    car.results.vehInfoArray += row;
-    car.view.reload(QStringLiteral("vehicle"));
-}
-
 void voltage_answered(diagnostic_talk& car, const reply& answer) {
     if (answer.is_none())
         throw left{QStringLiteral("Unable to connect to interface ... Timed out .. Try again")};
@@ -32,33 +27,20 @@ void voltage_answered(diagnostic_talk& car, const reply& answer) {
     } else {
         car.show(fill(QStringLiteral("Got proper reply: (%@)"), {answer.text()}));
     }
-    add_row(car, fill(QStringLiteral(" Voltage: %@"), {voltage}));
+    car.tell(part::vehicle, value_row{{}, QStringLiteral("Voltage"), voltage, {}});
 }
 
-void vin_answered(diagnostic_talk& car, const reply& answer) {
-    car.keep(result_list::vehicle, QStringLiteral("0902"), answer, car.results.vehInfoArray.size(), 1);
-    add_row(car, fill(QStringLiteral(" VIN: %@"), {vin_of(answer)}));
-}
-
-void add_heading(diagnostic_talk& car, const obd_group& ecu, bool is_first) {
-    // Every heading but the first has a blank before its closing dashes.
-    const QString format = is_first ? QStringLiteral(" --- ECU(%@) %@--- |has %d available PIDs")
-                                    : QStringLiteral(" --- ECU(%@) %@ --- |has %d available PIDs");
-    add_row(car, fill(format, {ecu.header, name_of(car, ecu), QString::number(ecu.pidSet.size())}));
-}
-
-void value_answered(diagnostic_talk& car, const reply& answer, const QString& header, const QString& pid) {
-    QString value = no_reply;
-    if (!answer.holds_nothing()) {
-        const QString data = answer.value_of(answer.ecu(header), QStringLiteral("41"));
-        if (data.startsWith(QStringLiteral("41") + pid))
-            value = car.toolies.translateResponse(data);
+void value_answered(diagnostic_talk& car, const reply& what_came, const QString& header, const QString& pid) {
+    answer told{QStringLiteral("01") + pid, what_came, header, {}};
+    const QString data = what_came.holds_nothing()
+                             ? QString()
+                             : what_came.value_of(what_came.ecu(header), QStringLiteral("41"));
+    if (data.startsWith(QStringLiteral("41") + pid)) {
+        const QString value = car.toolies.translateResponse(data);
+        if (value != no_reply)
+            told.rows += value_row{pid, car.toolies.l_get_pid_name(pid, false), value, {}};
     }
-    const int rows = value == no_reply ? 0 : 1;
-    car.keep(result_list::vehicle, QStringLiteral("01") + pid, answer, car.results.vehInfoArray.size(), rows,
-             header);
-    if (rows > 0)
-        add_row(car, fill(QStringLiteral("%@|%@|%@"), {pid, car.toolies.l_get_pid_name(pid, false), value}));
+    car.tell(part::vehicle, told);
 }
 
 } // namespace
@@ -72,14 +54,17 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
         supporting += QStringLiteral("%1: %2 PIDs").arg(name_of(car, ecu)).arg(ecu.pidSet.size());
         pids += ecu.pidSet.size();
     }
-    add_row(car, fill(QStringLiteral("No of ECUS : %d| Supporting %@"),
-                      {QString::number(ecus.size()), supporting.join(QLatin1String(", "))}));
+    car.tell(part::vehicle, value_row{{},
+                                      QStringLiteral("No of ECUS"),
+                                      QString::number(ecus.size()),
+                                      QStringLiteral("Supporting ") + supporting.join(QLatin1String(", "))});
 
     co_await car.at("AT H1", "OK");
     const reply volts = co_await car.at("AT RV", "8|9|1");
     voltage_answered(car, volts);
     const reply vin = co_await car.ask_as_shown("09 02|12.0");
-    vin_answered(car, vin);
+    const value_row vin_row{{}, QStringLiteral("VIN"), vin_of(vin), {}};
+    car.tell(part::vehicle, {QStringLiteral("0902"), vin, {}, {vin_row}});
 
     if (pids == 0) {
         console_log(QStringLiteral("work_out_vehInfo done No pids "));
@@ -91,7 +76,8 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
         if (ecu.pidSet.isEmpty())
             continue;
         car.show(std::exchange(words, "Sampling Next ECU PID(s) data "));
-        add_heading(car, ecu, &ecu == &ecus.first());
+        car.tell(part::vehicle,
+                 ecu_row{ecu.header, name_of(car, ecu), ecu.pidSet.size(), &ecu == &ecus.first()});
         for (qsizetype place = 0; place < ecu.pidSet.size(); ++place) {
             const QString pid = ecu.pidSet[place];
             const reply answer = co_await car.ask_as_shown(QStringLiteral("01 %1 ").arg(pid));

@@ -5,19 +5,14 @@
 
 namespace {
 
-void add_xtraInfo_item(diagnostic_talk& car, const reply& answer, const QString& command,
-                       const QString& this_label) {
-    const QString data = answer.data_without_headers(positive_reply_of(command));
-    if (data.isEmpty()) { // refused, no data, or not all of it
-        car.results.xtrasArray += fill(QStringLiteral("%@:| N/A|"), {this_label});
-        return;
-    }
+value_row xtraInfo_item(diagnostic_talk& car, const reply& what_came, const QString& command,
+                        const QString& this_label) {
+    const QString data = what_came.data_without_headers(positive_reply_of(command));
+    if (data.isEmpty()) // refused, no data, or not all of it
+        return {{}, this_label, not_available, {}};
     if (this_label == QLatin1String("VIN"))
-        car.results.xtrasArray +=
-            fill(QStringLiteral("%@:| %@|"), {this_label, pullAsciiStr(QString(data.mid(6)))});
-    else
-        car.results.xtrasArray +=
-            fill(QStringLiteral("%@:| %@ |"), {this_label, car.toolies.translateResponse_subaru(data)});
+        return {{}, this_label, pullAsciiStr(QString(data.mid(6))), {}};
+    return {{}, this_label, car.toolies.translateResponse_subaru(data) + u' ', {}};
 }
 
 } // namespace
@@ -26,7 +21,7 @@ talk work_out_xtras(diagnostic_talk& car) {
     co_await car.ready("Starting Read Xtras Info");
     if (const reply headers = co_await car.at("AT H0", "OK"); headers.is_none())
         throw left{QStringLiteral("Failed to receive data")};
-    car.results.xtrasArray.clear();
+    car.results.answers.remove(part::extras);
     QStringList lines = car.toolies.lists()
                             .get_array_from_resource(QStringLiteral("SUBARU_EURO4"), QStringLiteral("txt"))
                             .value_or(QStringList());
@@ -36,11 +31,11 @@ talk work_out_xtras(diagnostic_talk& car) {
     for (qsizetype item = 0; item < lines.size(); ++item) {
         car.progress(item, lines.size());
         const QString command = lines[item].section(u'|', 0, 0);
-        const reply answer = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F"));
-        if (answer.is_none() || answer.text().contains(u'?'))
+        const reply value = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F"));
+        if (value.is_none() || value.text().contains(u'?'))
             throw left{QStringLiteral("Failed to receive data")};
-        add_xtraInfo_item(car, answer, command, lines[item].section(u'|', 1));
-        car.view.reload(QStringLiteral("extras"));
+        const value_row row = xtraInfo_item(car, value, command, lines[item].section(u'|', 1));
+        car.tell(part::extras, {command, value, {}, {row}});
     }
     car.view.play_sound(sound_done);
     car.show("Read succesfully");

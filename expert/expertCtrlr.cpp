@@ -41,7 +41,7 @@ void expertCtrlr::handle_a_send(const QString& typed) {
     warn_first({command}, [this, command] {
         typed_command = command;
         own.history.add(command);
-        view.reload(QStringLiteral("sent"));
+        view.reload(part::sent);
         print_cmd_highlighted(command);
         start_operation(&expertCtrlr::say_typed, nullptr);
     });
@@ -103,12 +103,12 @@ void expertCtrlr::start_operation(talk (expertCtrlr::*what)(), const char* logge
 }
 
 void expertCtrlr::started() {
-    view.reload(QStringLiteral("operation"));
+    view.reload(part::operation);
 }
 
 void expertCtrlr::clickClear() {
     own.lines.clear();
-    view.reload(QStringLiteral("transcript"));
+    view.reload(part::transcript);
 }
 
 // --- the talks ---------------------------------------------------------------------------------------------
@@ -127,7 +127,7 @@ talk expertCtrlr::exchange_one(QString command) {
         link.forget_late_replies();
     } catch (const link_lost&) {
         own.lines.add_reply(QStringLiteral("-- the connection was lost --"));
-        view.reload(QStringLiteral("transcript"));
+        view.reload(part::transcript);
         throw;
     }
 }
@@ -191,7 +191,7 @@ void expertCtrlr::handleOBDRcvdMsg(const reply& what_came) {
         if (script_runs && !is_paused()) // else it is the reply to the second try
             print_cmd_highlighted(QString(link.current_command()).remove(u'\r'));
         own.lines.add_reply(what_came.text());
-        view.reload(QStringLiteral("transcript"));
+        view.reload(part::transcript);
     }
     if (is_paused()) {
         latest = what_came;
@@ -202,5 +202,5 @@ void expertCtrlr::handleOBDRcvdMsg(const reply& what_came) {
 
 void expertCtrlr::print_cmd_highlighted(const QString& command) {
     own.lines.add_command(command);
-    view.reload(QStringLiteral("transcript"));
+    view.reload(part::transcript);
 }

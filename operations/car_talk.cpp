@@ -71,7 +71,7 @@ bool car_talk::close(const QString& status) {
         link.set_up_next_time(true);
     if (!std::exchange(running, false))
         return false;
-    view.reload(QStringLiteral("operation"));
+    view.reload(part::operation);
     return true;
 }
 

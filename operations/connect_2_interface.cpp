@@ -36,12 +36,12 @@ void keep_interface(car_talk& car, const QString& description) {
     car.show(fill(QStringLiteral("Interface : %@"), {description}));
     if (description != no_reply && !description.contains(ok))
         car.link.describe_interface(description.left(80));
-    car.view.reload(QStringLiteral("labels"));
+    car.view.reload(part::labels);
 }
 
 void keep_protocol(car_talk& car, const QString& description) {
     car.link.describe_protocol(description);
-    car.view.reload(QStringLiteral("labels"));
+    car.view.reload(part::labels);
 }
 
 // Asks for the protocol until it is one that the adapter looks for by itself.

@@ -16,7 +16,7 @@ public:
     explicit cli_screen(bool always_yes) : yes(always_yes) {}
 
     // Called when a list has changed.
-    std::function<void(const QString& list)> on_reload;
+    std::function<void(part what)> on_reload;
     // False: it is not shown that a reply has come.
     bool shows_every_reply = true;
 
@@ -31,9 +31,9 @@ public:
     // Tells which devices there are and how one is named; nothing is chosen here.
     void choose_device(const QString& why,
                        std::function<void(const QString& address, const QString& name)> answer) override;
-    void reload(const QString& list) override {
+    void reload(part what) override {
         if (on_reload)
-            on_reload(list);
+            on_reload(what);
     }
     void play_sound(int) override {}
     void beep() override;

@@ -7,18 +7,18 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-// Pieces of results that several commands print. `rows`: "P0133|7E8"; rows that name no code are left out.
-QJsonArray codes_as_json(readCodes& controller, const QStringList& rows);
+// Pieces of results that several commands print. Rows that name no code are left out.
+QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows);
 // A line a code; the text for no codes when there is none.
-QString codes_as_text(readCodes& controller, const QStringList& rows);
+QString codes_as_text(readCodes& controller, const QList<result_row>& rows);
 
-second_reading both_readings(readCodes& controller, result_list list);
+second_reading both_readings(readCodes& controller, part which);
 // `object` with "standard": what the replies hold by SAE J1979, in the shape of the program's own result;
 // "differs"; "reading": which of the two the plain text shows, "program" or "standard".
 QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings);
 // The shown rows, made texts by `as_text`, each with its note below it; at the end the line about all of
 // them.
-QString shown_as_text(const second_reading& reading, QString (*as_text)(const QString& row));
+QString shown_as_text(const second_reading& reading, QString (*as_text)(const result_row& row));
 // That line, "" without one.
 QString line_as_text(const second_reading& reading);
 

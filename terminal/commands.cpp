@@ -47,24 +47,6 @@ QString link_info_text(readCodes& controller) {
 
 // --- read-codes ---------------------------------------------------------------------------------------
 
-struct code_row {
-    QString code;
-    QString ecu;
-    QString description;
-};
-
-// The rows that name a code; the one that says that there is none is left out.
-QList<code_row> code_rows(readCodes& controller, const QStringList& texts) {
-    QList<code_row> rows;
-    for (const QString& row : texts) {
-        const qsizetype bar = row.indexOf(QLatin1Char('|'));
-        if (bar > 0)
-            rows +=
-                {row.first(bar), row.sliced(bar + 1), controller.description_of(row.first(bar)).trimmed()};
-    }
-    return rows;
-}
-
 QJsonObject read_codes_json(readCodes& controller) {
     const diagnostic_results& results = controller.results;
     QJsonObject object{{"interface", state_of(controller).interface_description},
@@ -72,16 +54,16 @@ QJsonObject read_codes_json(readCodes& controller) {
                        {"ecus", results.no_of_ecus},
                        {"mil", results.milLamp},
                        {"expected_codes", results.no_of_codes},
-                       {"codes", codes_as_json(controller, results.codesReadArray)},
+                       {"codes", codes_as_json(controller, results.rows(part::codes))},
                        {"readiness", readiness_as_json(results.readinessFlagsArray)}};
-    if (results.kept.contains(result_list::permanent)) {
+    if (results.answers.contains(part::permanent)) {
         const QJsonObject permanent = permanent_json(controller);
         for (auto part = permanent.begin(); part != permanent.end(); ++part)
             object.insert(part.key(), part.value());
     }
-    const second_reading codes = both_readings(controller, result_list::codes);
+    const second_reading codes = both_readings(controller, part::codes);
     const second_status status = both_statuses(controller);
-    QJsonObject standard{{"codes", codes_as_json(controller, codes.standard_rows())}};
+    QJsonObject standard{{"codes", codes_as_json(controller, plain(codes.standard_rows()))}};
     if (status.standard.is_known) {
         standard.insert("mil", status.standard.mil);
         standard.insert("expected_codes", status.standard.codes);
@@ -98,13 +80,13 @@ QString read_codes_text(readCodes& controller) {
     const second_status status = both_statuses(controller);
     QString text =
         results.xtraInfoArray.join(QLatin1Char('\n')) + u'\n' + status_as_text(controller, status) + u'\n';
-    const second_reading codes = both_readings(controller, result_list::codes);
-    text += codes_as_text(controller, codes.shown()) + line_as_text(codes);
+    const second_reading codes = both_readings(controller, part::codes);
+    text += codes_as_text(controller, plain(codes.shown())) + line_as_text(codes);
     if (!status.shown().monitors.isEmpty())
         text += QStringLiteral("\nReadiness:\n");
     for (const readiness_row& row : status.shown().monitors)
         text += QStringLiteral("%1  %2 (%3)\n").arg(row.state, -4).arg(row.label, row.group);
-    if (results.kept.contains(result_list::permanent))
+    if (results.answers.contains(part::permanent))
         text += u'\n' + permanent_text(controller);
     return text;
 }
@@ -133,20 +115,25 @@ constexpr std::array<cli_command, 3> first_commands{{
 
 } // namespace
 
-QJsonArray codes_as_json(readCodes& controller, const QStringList& rows) {
+QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows) {
     QJsonArray codes;
-    for (const code_row& row : code_rows(controller, rows))
-        codes += QJsonObject{{"code", row.code}, {"ecu", row.ecu}, {"description", row.description}};
+    for (const code_row& row : rows_of<code_row>(rows))
+        codes += QJsonObject{{"code", row.code},
+                             {"ecu", row.ecu},
+                             {"description", controller.description_of(row.code).trimmed()}};
     return codes;
 }
 
-QString codes_as_text(readCodes& controller, const QStringList& rows) {
-    const QList<code_row> codes = code_rows(controller, rows);
+QString codes_as_text(readCodes& controller, const QList<result_row>& rows) {
+    const QList<code_row> codes = rows_of<code_row>(rows);
     if (codes.isEmpty())
-        return (rows.isEmpty() ? localised(QStringLiteral("NO_CODES")) : rows.first()) + QLatin1Char('\n');
+        return (rows.isEmpty() ? localised(QStringLiteral("NO_CODES"))
+                               : row_text(part::codes, rows.first())) +
+               QLatin1Char('\n');
     QString text;
     for (const code_row& row : codes)
-        text += QStringLiteral("%1  %2  %3\n").arg(row.code, row.ecu, row.description);
+        text += QStringLiteral("%1  %2  %3\n")
+                    .arg(row.code, row.ecu, controller.description_of(row.code).trimmed());
     return text;
 }
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-second_reading both_readings(readCodes& controller, result_list list) {
-    return {list, controller.results, controller.toolies};
+second_reading both_readings(readCodes& controller, part which) {
+    return {which, controller.results, controller.toolies};
 }
 
 QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings) {
@@ -29,12 +29,12 @@ QString line_as_text(const second_reading& reading) {
     return line.isEmpty() ? QString() : line + u'\n';
 }
 
-QString shown_as_text(const second_reading& reading, QString (*as_text)(const QString& row)) {
+QString shown_as_text(const second_reading& reading, QString (*as_text)(const result_row& row)) {
     QString text;
-    for (qsizetype i = 0; i < reading.shown().size(); ++i) {
-        text += as_text(reading.shown().at(i));
-        if (const QString note = reading.note_on(static_cast<int>(i)); !note.isEmpty())
-            text += QStringLiteral("    ") + note + u'\n';
+    for (const noted_row& row : reading.shown()) {
+        text += as_text(row.row);
+        if (!row.note.isEmpty())
+            text += QStringLiteral("    ") + row.note + u'\n';
     }
     return text + line_as_text(reading);
 }
@@ -70,7 +70,7 @@ QJsonObject permanent_json(readCodes& controller) {
     QJsonArray monitors;
     for (const readiness_row& row : read.drive_cycle)
         monitors += QJsonObject{{"state", row.state}, {"label", row.label}};
-    QJsonObject object{{"permanent", codes_as_json(controller, read.rows)}, {"drive_cycle", monitors}};
+    QJsonObject object{{"permanent", codes_as_json(controller, plain(read.rows))}, {"drive_cycle", monitors}};
     for (const QString& words : {read.words, read.drive_cycle_words})
         if (!words.isEmpty())
             object.insert(words == read.words ? "permanent_note" : "drive_cycle_note", words);
@@ -81,7 +81,7 @@ QString permanent_text(readCodes& controller) {
     const permanent_codes read = read_permanent_codes(controller.results, controller.toolies);
     QString text = QStringLiteral("Permanent codes:\n");
     if (!read.rows.isEmpty())
-        text += codes_as_text(controller, read.rows);
+        text += codes_as_text(controller, plain(read.rows));
     if (!read.words.isEmpty())
         text += read.words + u'\n';
     text += QStringLiteral("\nThis drive cycle:\n");

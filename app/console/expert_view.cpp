@@ -52,12 +52,12 @@ void expert_view::stop() {
         console.stop();
 }
 
-void expert_view::reload(const QString& list) {
-    if (list == QLatin1String("transcript"))
+void expert_view::reload(part what) {
+    if (what == part::transcript)
         show_transcript();
-    else if (list == QLatin1String("sent"))
+    else if (what == part::sent)
         ui.command->clear();
-    else if (list == QLatin1String("operation"))
+    else if (what == part::operation)
         show_operation();
 }
 

@@ -16,7 +16,7 @@ public:
     task_controller* controller() override { return &console; }
     void start() override { clickSend(); }
     void stop() override;
-    void reload(const QString& list) override;
+    void reload(part what) override;
     void show_busy(bool) override { show_operation(); }
     void look_changed() override;
 

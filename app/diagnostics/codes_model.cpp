@@ -9,7 +9,7 @@ const QStringList code_headings{QStringLiteral("Codes"), QStringLiteral("ECU"),
 
 } // namespace
 
-codes_model::codes_model(readCodes& its_controller, const QStringList& its_rows, QObject* parent)
+codes_model::codes_model(readCodes& its_controller, const QList<noted_row>& its_rows, QObject* parent)
     : results_model(its_rows, code_headings, parent), controller(its_controller) {}
 
 codes_model::codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent)
@@ -18,7 +18,7 @@ codes_model::codes_model(readCodes& its_controller, second_reading& its_reading,
 QVariant codes_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))
         return {};
-    const QString& row = row_at(index);
+    const result_row& row = row_at(index);
     switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole: return cell(row, index.column());
@@ -30,12 +30,12 @@ QVariant codes_model::data(const QModelIndex& index, int role) const {
     }
 }
 
-QString codes_model::cell(const QString& row, int at) const {
-    const qsizetype bar = row.indexOf(QLatin1Char('|'));
-    QString code = bar < 0 ? row : row.first(bar);
+QString codes_model::cell(const result_row& row, int at) const {
+    const auto* named = std::get_if<code_row>(&row);
+    const QString code = named ? named->code : row_text(part::codes, row);
     switch (at) {
     case code_column: return code;
-    case ecu_column: return bar < 0 ? QString() : row.sliced(bar + 1);
+    case ecu_column: return named ? named->ecu : QString();
     case description_column: return controller.description_of(code).trimmed();
     default: return {};
     }

@@ -3,7 +3,7 @@
 #include "app/diagnostics/results_model.h"
 #include "diagnostics/readCodes.h"
 
-// Rows of trouble codes ("P0133|7E8") as the columns "Codes", "ECU" and "Description". The controller and its
+// Rows of trouble codes as the columns "Codes", "ECU" and "Description". The controller and its
 // results outlive it.
 class codes_model : public results_model {
     Q_OBJECT
@@ -11,13 +11,13 @@ class codes_model : public results_model {
 public:
     enum column { code_column, ecu_column, description_column };
 
-    codes_model(readCodes& its_controller, const QStringList& its_rows, QObject* parent = nullptr);
+    codes_model(readCodes& its_controller, const QList<noted_row>& its_rows, QObject* parent = nullptr);
     codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent = nullptr);
 
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    QString cell(const QString& row, int at) const;
+    QString cell(const result_row& row, int at) const;
     QString ecu_name(const QString& header) const;
 
     readCodes& controller;

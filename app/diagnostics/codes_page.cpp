@@ -39,7 +39,7 @@ void set_up_codes(QTableView& table, codes_model& model) {
 codes_page::codes_page(const Ui::read_codes_view& its_ui, const view_context& its_context,
                        readCodes& its_controller)
     : ui(its_ui), context(its_context), controller(its_controller), results(its_controller.results),
-      reading(result_list::codes, results, its_controller.toolies), codes(its_controller, reading),
+      reading(part::codes, results, its_controller.toolies), codes(its_controller, reading),
       permanent_rows(its_controller, permanent.rows), readiness(monitors, nullptr),
       head({*ui.read, *ui.stop, *ui.note, *ui.progress}, its_context, its_controller,
            {op_read_codes, op_clear_codes, op_permanent}),
@@ -69,21 +69,21 @@ void codes_page::start() {
     head.start([this] { controller.l_readCodes(); });
 }
 
-void codes_page::reload(const QString& list) {
+void codes_page::reload(part what) {
     status = read_status_again(results, controller.toolies);
-    if (list == QLatin1String("reading"))
+    if (what == part::reading)
         show_reading();
-    else if (list == QLatin1String("codes"))
+    else if (what == part::codes)
         show_codes();
-    else if (list == QLatin1String("permanent"))
+    else if (what == part::permanent)
         show_permanent();
-    else if (list == QLatin1String("readiness"))
+    else if (what == part::readiness)
         show_readiness();
-    else if (list == QLatin1String("labels"))
+    else if (what == part::labels)
         show_labels();
-    else if (list == QLatin1String("progress"))
+    else if (what == part::progress)
         head.show_progress();
-    else if (list == QLatin1String("operation"))
+    else if (what == part::operation)
         show_operation();
 }
 
@@ -168,6 +168,6 @@ void codes_page::look_changed() {
         std::clamp(ui.side->fontMetrics().horizontalAdvance(QLatin1Char('x')) * side_letters, narrowest_side,
                    widest_side));
     ui.code_count->setFont(theme::figures(ui.code_count->font()));
-    reload(QStringLiteral("labels"));
+    reload(part::labels);
     show_operation();
 }

@@ -19,7 +19,7 @@ public:
     void start();
     // The names of base/screen.h: "codes", "permanent", "readiness", "labels", "progress", "operation";
     // "reading": the other of the two readings is shown from now on.
-    void reload(const QString& list);
+    void reload(part what);
     void show_operation();
     void look_changed();
 

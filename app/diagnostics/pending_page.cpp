@@ -5,10 +5,9 @@
 pending_page::pending_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                            const result_words& its_words)
     : result_page(pages, its_context, its_controller, its_words),
-      code_reading(result_list::pending, results, its_controller.toolies),
-      frame_reading(result_list::freeze, results, its_controller.toolies),
-      codes(its_controller, code_reading),
-      freeze(frame_reading, {QStringLiteral("Parameter"), QStringLiteral("Value")}, split_freeze_row) {
+      code_reading(part::pending, results, its_controller.toolies),
+      frame_reading(part::freeze, results, its_controller.toolies), codes(its_controller, code_reading),
+      freeze(frame_reading, {QStringLiteral("Parameter"), QStringLiteral("Value")}, freeze_cells) {
     card.set_up(codes, QStringLiteral("Pending codes"), context.frame.look());
     card.caption.setText(QStringLiteral("Pending codes"));
     card.caption.show();
@@ -20,8 +19,8 @@ pending_page::pending_page(QStackedWidget& pages, const view_context& its_contex
     side.table.horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
 }
 
-void pending_page::reload(const QString& list) {
-    result_page::reload(list == QLatin1String("freeze") ? QString::fromLatin1(words.name) : list);
+void pending_page::reload(part what) {
+    result_page::reload(what == part::freeze ? part::pending : what);
 }
 
 void pending_page::show_rows() {

@@ -11,12 +11,12 @@ public:
     pending_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                  const result_words& its_words);
 
-    void reload(const QString& list) override;
+    void reload(part what) override;
 
 protected:
     void show_rows() override;
     bool has_results() const override {
-        return !results.pendingArray.isEmpty() || !results.freezeArray.isEmpty();
+        return results.has_rows(part::pending) || results.has_rows(part::freeze);
     }
 
     QList<const second_reading*> readings() const override { return {&code_reading, &frame_reading}; }

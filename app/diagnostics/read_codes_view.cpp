@@ -17,37 +17,37 @@ constexpr rail_page codes_entry{"Codes", "nav_codes.png"};
 
 // clang-format off
 constexpr result_words pending_words{
-    "pending", "Pending and freeze frame", "nav_pending.png",
+    "pending", part::pending, "Pending and freeze frame", "nav_pending.png",
     "Not read yet. Press Read (F5) with the ignition on.\n"
     "It reads faults seen but not yet confirmed, and what the engine was doing when a code was stored.",
     "No pending codes.", op_pending_freeze,
     [](readCodes& controller) { controller.readPendingFreezeCodes(); }};
 constexpr result_words vehicle_words{
-    "vehicle", "Vehicle", "nav_vehicle.png",
+    "vehicle", part::vehicle, "Vehicle", "nav_vehicle.png",
     "Nothing read yet. Press Read (F5) with the ignition on.\n"
     "It reads battery voltage, identification number (VIN), control units, and the values that they report.",
     "Nothing was received.", op_vehicle_info,
     [](readCodes& controller) { controller.readVehicleInfo(); }};
 constexpr result_words mode6_words{
-    "mode6", "Mode 6", "nav_mode6.png",
+    "mode6", part::mode6, "Mode 6", "nav_mode6.png",
     "No tests read yet. Press Read (F5) with the ignition on.\n"
     "It reads the tests that the car runs on itself, each result with its limits.",
     "No test results were received.", op_mode6,
     [](readCodes& controller) { controller.readMode6Support(); }};
 constexpr result_words misfire_words{
-    "misfire", "Misfire", "nav_misfire.png",
+    "misfire", part::misfire, "Misfire", "nav_misfire.png",
     "No counts read yet. Press Read (F5) with the ignition on.\n"
     "It reads the misfires counted by cylinder.",
     "No misfire counts were received.", op_misfire,
     [](readCodes& controller) { controller.readMisfire(); }};
 constexpr result_words o2_words{
-    "o2", "O2 tests", "nav_o2.png",
+    "o2", part::o2, "O2 tests", "nav_o2.png",
     "No tests read yet. Press Read (F5) with the ignition on.\n"
     "It reads the test results of the oxygen sensors.",
     "No test results of oxygen sensors were received.", op_o2_tests,
     [](readCodes& controller) { controller.readO2(); }};
 constexpr result_words extras_words{
-    "extras", "Extras", "nav_extras.png",
+    "extras", part::extras, "Extras", "nav_extras.png",
     "Nothing read yet. Press Read (F5) with the ignition on.\n"
     "It reads values of one maker, from a list of commands.",
     "Nothing was received.", op_extras,
@@ -104,22 +104,19 @@ read_codes_view::~read_codes_view() {
     codes_controller.operation_ended = nullptr;
 }
 
-template <class page, class... rows>
-void read_codes_view::add_page(const result_words& words, rows&&... its_rows) {
-    others.push_back(
-        std::make_unique<page>(*ui.pages, context, codes_controller, words, std::forward<rows>(its_rows)...));
+template <class page, class... cells>
+void read_codes_view::add_page(const result_words& words, cells&&... its_cells) {
+    others.push_back(std::make_unique<page>(*ui.pages, context, codes_controller, words,
+                                            std::forward<cells>(its_cells)...));
 }
 
 void read_codes_view::add_pages() {
     const auto text = [](const char* heading) { return QString::fromLatin1(heading); };
     add_page<pending_page>(pending_words);
-    add_page<text_page>(vehicle_words, result_list::vehicle,
-                        QStringList{text("PID"), text("Name"), text("Value")}, split_vehicle_row);
-    add_page<tests_page>(mode6_words, result_list::mode6);
-    add_page<tests_page>(misfire_words, result_list::misfire);
-    add_page<tests_page>(o2_words, result_list::o2);
-    add_page<text_page>(extras_words, codes_controller.results.xtrasArray,
-                        QStringList{text("Label"), text("Value")}, split_extras_row);
+    add_page<text_page>(vehicle_words, QStringList{text("PID"), text("Name"), text("Value")}, vehicle_cells);
+    for (const result_words& words : {mode6_words, misfire_words, o2_words})
+        add_page<tests_page>(words);
+    add_page<text_page>(extras_words, QStringList{text("Label"), text("Value")}, extras_cells);
 }
 
 void read_codes_view::start() {
@@ -135,10 +132,10 @@ void read_codes_view::stop() {
         codes_controller.stop();
 }
 
-void read_codes_view::reload(const QString& list) {
-    codes.reload(list);
+void read_codes_view::reload(part what) {
+    codes.reload(what);
     for (const auto& page : others)
-        page->reload(list);
+        page->reload(what);
     report.show_operation();
 }
 

@@ -18,14 +18,14 @@ public:
     task_controller* controller() override { return &codes_controller; }
     void start() override;
     void stop() override;
-    void reload(const QString& list) override;
+    void reload(part what) override;
     void show_busy(bool) override;
     void regain_focus() override { codes_controller.regainFocus(); }
     void look_changed() override;
 
 private:
-    template <class page, class... rows>
-    void add_page(const result_words& words, rows&&... its_rows);
+    template <class page, class... cells>
+    void add_page(const result_words& words, cells&&... its_cells);
     void add_pages();
 
     const Ui::read_codes_view ui;

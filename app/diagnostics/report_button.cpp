@@ -50,14 +50,14 @@ void report_button::show_page(int its_operation) {
 bool report_button::has_results() const {
     const diagnostic_results& results = controller.results;
     switch (operation) {
-    case op_vehicle_info: return !results.vehInfoArray.isEmpty();
-    case op_mode6: return !results.mode6Array.isEmpty();
-    case op_misfire: return !results.misfireArray.isEmpty();
-    case op_o2_tests: return !results.o2XtraArray.isEmpty();
+    case op_vehicle_info: return results.has_rows(part::vehicle);
+    case op_mode6: return results.has_rows(part::mode6);
+    case op_misfire: return results.has_rows(part::misfire);
+    case op_o2_tests: return results.has_rows(part::o2);
     case op_extras: return false; // leave no report
     default:
-        return !results.codesReadArray.isEmpty() || !results.pendingArray.isEmpty() ||
-               !results.freezeArray.isEmpty() || !results.readinessFlagsArray.isEmpty();
+        return results.has_rows(part::codes) || results.has_rows(part::pending) ||
+               results.has_rows(part::freeze) || !results.readinessFlagsArray.isEmpty();
     }
 }
 

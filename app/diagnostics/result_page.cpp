@@ -61,11 +61,10 @@ void result_page::start() {
     head.start([this] { words.run(controller); });
 }
 
-void result_page::reload(const QString& list) {
-    if (list == QLatin1String("progress"))
+void result_page::reload(part what) {
+    if (what == part::progress)
         head.show_progress();
-    else if (list == QLatin1String(words.name) || list == QLatin1String("reading") ||
-             list == QLatin1String("operation"))
+    else if (what == words.results || what == part::reading || what == part::operation)
         show_operation();
 }
 
@@ -104,23 +103,10 @@ void result_page::look_changed() {
 }
 
 text_page::text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-                     const result_words& its_words, const QStringList& rows, const QStringList& headings,
-                     text_rows_model::split cells)
-    : result_page(pages, its_context, its_controller, its_words), model(rows, headings, std::move(cells)) {
-    card.set_up(model, QLatin1String(words.title), context.frame.look());
-}
-
-text_page::text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-                     const result_words& its_words, result_list list, const QStringList& headings,
-                     text_rows_model::split cells)
+                     const result_words& its_words, const QStringList& headings, text_rows_model::split cells)
     : result_page(pages, its_context, its_controller, its_words),
-      reading(std::in_place, list, results, its_controller.toolies),
-      model(*reading, headings, std::move(cells)) {
+      reading(words.results, results, its_controller.toolies), model(reading, headings, cells) {
     card.set_up(model, QLatin1String(words.title), context.frame.look());
-}
-
-QList<const second_reading*> text_page::readings() const {
-    return reading ? QList<const second_reading*>{&*reading} : QList<const second_reading*>();
 }
 
 void text_page::show_rows() {

@@ -5,11 +5,10 @@
 #include "app/screen/operation_head.h"
 #include "ui_result_page.h"
 
-#include <optional>
-
 // What tells the pages of results apart.
 struct result_words {
-    const char* name; // of the page's widgets, and of its list as base/screen.h names it
+    const char* name; // of the page's widgets
+    part results;     // that it shows
     const char* title;
     const char* icon;
     const char* not_read; // before the first read
@@ -44,9 +43,7 @@ public:
 
     void start();
     int operation() const { return words.operation; }
-    // The names of base/screen.h: the page's list, "progress", "operation"; "reading": the other of the two
-    // readings is shown from now on.
-    virtual void reload(const QString& list);
+    virtual void reload(part what);
     // The operation `code` has ended; `done`: it reached its end.
     void ended(int code, bool done);
     void show_operation();
@@ -54,7 +51,7 @@ public:
 
 protected:
     virtual void show_rows() = 0;
-    // The lists that are read twice; reloaded by show_rows().
+    // What is read twice; reloaded by show_rows().
     virtual QList<const second_reading*> readings() const { return {}; }
     // What is said about all rows, in the head.
     virtual QString summary() const { return {}; }
@@ -86,18 +83,13 @@ class text_page : public result_page {
 
 public:
     text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-              const result_words& its_words, const QStringList& rows, const QStringList& headings,
-              text_rows_model::split cells);
-    // Over a list that is read twice.
-    text_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-              const result_words& its_words, result_list list, const QStringList& headings,
-              text_rows_model::split cells);
+              const result_words& its_words, const QStringList& headings, text_rows_model::split cells);
 
 protected:
     void show_rows() override;
-    QList<const second_reading*> readings() const override;
+    QList<const second_reading*> readings() const override { return {&reading}; }
 
 private:
-    std::optional<second_reading> reading;
+    second_reading reading;
     text_rows_model model;
 };

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-results_model::results_model(const QStringList& its_rows, const QStringList& its_headings, QObject* parent)
+results_model::results_model(const QList<noted_row>& its_rows, const QStringList& its_headings,
+                             QObject* parent)
     : headed_model(its_headings, parent), plain_rows(&its_rows), shown_rows(static_cast<int>(rows().size())) {
 }
 
@@ -33,16 +34,12 @@ int results_model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : std::min(shown_rows, static_cast<int>(rows().size()));
 }
 
-text_rows_model::text_rows_model(const QStringList& its_rows, const QStringList& its_headings,
-                                 split its_cells, QObject* parent)
-    : results_model(its_rows, its_headings, parent), cells(std::move(its_cells)) {}
-
 text_rows_model::text_rows_model(second_reading& its_reading, const QStringList& its_headings,
                                  split its_cells, QObject* parent)
-    : results_model(its_reading, its_headings, parent), cells(std::move(its_cells)) {}
+    : results_model(its_reading, its_headings, parent), cells(its_cells) {}
 
 bool text_rows_model::is_heading(int row) const {
-    return row >= 0 && row < rowCount() && columnCount() > 1 && cells(rows().at(row)).size() == 1;
+    return row >= 0 && row < rowCount() && columnCount() > 1 && cells(rows().at(row).row).size() == 1;
 }
 
 QVariant text_rows_model::data(const QModelIndex& index, int role) const {
@@ -62,44 +59,27 @@ QString with_note(const QString& text, const QString& note) {
     return note.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, note);
 }
 
-QStringList split_freeze_row(const QString& row) {
-    const qsizetype colon = row.indexOf(QLatin1String(": "));
-    if (colon < 0)
-        return {row.trimmed(), QString()};
-    // The code that stored the frame and its description are two fields.
-    const QStringList fields = row.mid(colon + 2).split(QLatin1Char('|'));
-    QString value = fields.value(0).trimmed();
-    if (const QString description = fields.value(1).trimmed(); !description.isEmpty())
-        value += QStringLiteral(" - ") + description;
-    return {row.left(colon).trimmed(), value};
+QStringList freeze_cells(const result_row& row) {
+    const auto* value = std::get_if<value_row>(&row);
+    if (!value)
+        return {row_text(part::freeze, row), QString()};
+    const QString description = value->more.trimmed();
+    return {value->label.trimmed(),
+            description.isEmpty() ? value->value : value->value + QStringLiteral(" - ") + description};
 }
 
-QStringList split_vehicle_row(const QString& row) {
-    const QString text = row.trimmed();
-    const QStringList fields = text.split(QLatin1Char('|'));
-    if (text.startsWith(QLatin1String("--- ECU("))) {
-        QString name = fields.first();
-        return {name.remove(QLatin1String("---")).trimmed() + QStringLiteral(": ") +
-                fields.value(1).trimmed()};
-    }
-    if (fields.size() >= 3)
-        return {fields.at(0).trimmed(), fields.at(1).trimmed(),
-                fields.mid(2).join(QLatin1Char('|')).trimmed()};
-    const qsizetype colon = text.indexOf(QLatin1Char(':'));
-    if (colon < 0)
-        return {QString(), text, QString()};
-    QStringList values;
-    for (const QString& value : text.mid(colon + 1).split(QLatin1Char('|')))
-        values += value.trimmed();
-    return {QString(), text.left(colon).trimmed(), values.join(QStringLiteral(", "))};
+QStringList vehicle_cells(const result_row& row) {
+    if (const auto* ecu = std::get_if<ecu_row>(&row))
+        return {
+            QStringLiteral("ECU(%1) %2: has %3 available PIDs").arg(ecu->header, ecu->name).arg(ecu->pids)};
+    const auto* value = std::get_if<value_row>(&row);
+    if (!value)
+        return {QString(), row_text(part::vehicle, row), QString()};
+    return {value->pid, value->label,
+            value->more.isEmpty() ? value->value : value->value + QStringLiteral(", ") + value->more};
 }
 
-QStringList split_extras_row(const QString& row) {
-    QString label = row.section(QLatin1Char('|'), 0, 0).trimmed();
-    if (label.endsWith(QLatin1Char(':')))
-        label.chop(1);
-    QString value = row.section(QLatin1Char('|'), 1).trimmed();
-    if (value.endsWith(QLatin1Char('|')))
-        value.chop(1);
-    return {label, value.trimmed()};
+QStringList extras_cells(const result_row& row) {
+    const auto* value = std::get_if<value_row>(&row);
+    return value ? QStringList{value->label, value->value.trimmed()} : QStringList{};
 }

@@ -3,15 +3,13 @@
 #include "app/look/headed_model.h"
 #include "diagnostics/second_reading.h"
 
-#include <functional>
-
-// A table over one list of the results, or over the shown one of its two readings. It reads the rows where
-// they are; they outlive it. Rows that are added while an operation runs leave the selection as it is.
+// A table over rows, or over the shown one of two readings. It reads the rows where they are; they outlive
+// it. Rows that are added while an operation runs leave the selection as it is.
 class results_model : public headed_model {
     Q_OBJECT
 
 public:
-    results_model(const QStringList& its_rows, const QStringList& its_headings, QObject* parent);
+    results_model(const QList<noted_row>& its_rows, const QStringList& its_headings, QObject* parent);
     results_model(second_reading& its_reading, const QStringList& its_headings, QObject* parent);
 
     // The results have changed.
@@ -22,15 +20,15 @@ public:
     int rowCount(const QModelIndex& parent = {}) const override;
 
 protected:
-    const QStringList& rows() const { return reading ? reading->shown() : *plain_rows; }
-    const QString& row_at(const QModelIndex& index) const { return rows().at(index.row()); }
+    const QList<noted_row>& rows() const { return reading ? reading->shown() : *plain_rows; }
+    const result_row& row_at(const QModelIndex& index) const { return rows().at(index.row()).row; }
     bool is_shown(const QModelIndex& index) const { return index.isValid() && index.row() < rowCount(); }
     // What the other reading says about the row, "" where both say the same.
-    QString note_on(int row) const { return reading ? reading->note_on(row) : QString(); }
+    QString note_on(int row) const { return rows().value(row).note; }
 
 private:
     second_reading* reading = nullptr;
-    const QStringList* plain_rows = nullptr;
+    const QList<noted_row>* plain_rows = nullptr;
     int shown_rows = 0; // as the views know it
 };
 
@@ -45,10 +43,8 @@ class text_rows_model : public results_model {
 
 public:
     // The cells of a row; a single cell is the heading of a group.
-    using split = std::function<QStringList(const QString& row)>;
+    using split = QStringList (*)(const result_row& row);
 
-    text_rows_model(const QStringList& its_rows, const QStringList& its_headings, split its_cells,
-                    QObject* parent = nullptr);
     text_rows_model(second_reading& its_reading, const QStringList& its_headings, split its_cells,
                     QObject* parent = nullptr);
 
@@ -59,10 +55,9 @@ private:
     split cells;
 };
 
-// "Engine RPM: 1726.00 RPM" as parameter and value.
-QStringList split_freeze_row(const QString& row);
-// "0C|Engine RPM|1726.00 RPM" as PID, name and value; " VIN: ..." has no PID; a heading of an ECU is one
-// cell.
-QStringList split_vehicle_row(const QString& row);
-// "label:| value |" as label and value.
-QStringList split_extras_row(const QString& row);
+// A parameter and its value.
+QStringList freeze_cells(const result_row& row);
+// PID, name and value; a fact about the car has no PID; the heading of an ECU is one cell.
+QStringList vehicle_cells(const result_row& row);
+// Label and value.
+QStringList extras_cells(const result_row& row);

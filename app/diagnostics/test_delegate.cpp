@@ -2,7 +2,7 @@
 
 #include "app/diagnostics/tests_model.h"
 #include "app/look/painting.h"
-#include "diagnostics/limit_bar.h"
+#include "charts/limit_bar.h"
 
 #include <QApplication>
 #include <QPaintDevice>

@@ -4,21 +4,22 @@
 
 namespace {
 
-QString field(const mode6_row& row, int at) {
-    return row.limits.section(QLatin1Char('~'), at, at).trimmed();
+QString value_of(const test_row& row) {
+    return row.unit.isEmpty() ? row.value : row.value + QLatin1Char(' ') + row.unit.trimmed();
 }
 
-QString value_of(const mode6_row& row) {
-    return row.unit.isEmpty() ? field(row, 1) : field(row, 1) + QLatin1Char(' ') + row.unit.trimmed();
-}
-
-QString limits_of(const mode6_row& row) {
+QString limits_of(const test_row& row) {
     if (row.is_can)
-        return QStringLiteral("Min %1, Max %2").arg(field(row, 0), field(row, 2));
-    return (row.limit_is_maximum ? QStringLiteral("Max %1") : QStringLiteral("Min %1")).arg(field(row, 0));
+        return QStringLiteral("Min %1, Max %2").arg(row.minimum, row.maximum);
+    return (row.limit_is_maximum ? QStringLiteral("Max %1") : QStringLiteral("Min %1")).arg(row.minimum);
 }
 
-QString verdict_of(const mode6_row& row) {
+test_row test_in(const result_row& row) {
+    const auto* test = std::get_if<test_row>(&row);
+    return test ? *test : test_row();
+}
+
+QString verdict_of(const test_row& row) {
     return row.passed ? QStringLiteral("Passed") : QStringLiteral("FAILED");
 }
 
@@ -31,8 +32,8 @@ tests_model::tests_model(second_reading& its_reading, const theme& its_look, QOb
                     parent),
       look(its_look) {}
 
-mode6_row tests_model::row_of(int row) const {
-    return row >= 0 && row < rowCount() ? split_mode6_row(rows().at(row)) : mode6_row();
+test_row tests_model::row_of(int row) const {
+    return row >= 0 && row < rowCount() ? test_in(rows().at(row).row) : test_row();
 }
 
 QList<int> tests_model::failed() const {
@@ -44,15 +45,15 @@ QList<int> tests_model::failed() const {
     return found;
 }
 
-QString tests_model::title_of(const mode6_row& row) {
+QString tests_model::title_of(const test_row& row) {
     const QString monitor = row.monitor.trimmed();
-    return monitor.isEmpty() ? row.title : monitor;
+    return monitor.isEmpty() ? row.title().trimmed() : monitor;
 }
 
-QString tests_model::subject_of(const mode6_row& row) {
+QString tests_model::subject_of(const test_row& row) {
     if (!row.is_can)
-        return row.subject;
-    return QStringLiteral("OBDMID %1, TID %2  %3").arg(row.obdmid, row.tid, row.test).trimmed();
+        return row.subject().trimmed();
+    return QStringLiteral("OBDMID %1, TID %2  %3").arg(row.obdmid, row.tid, row.test.trimmed()).trimmed();
 }
 
 QVariant tests_model::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -64,7 +65,7 @@ QVariant tests_model::headerData(int section, Qt::Orientation orientation, int r
 QVariant tests_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))
         return {};
-    const mode6_row row = split_mode6_row(row_at(index));
+    const test_row row = test_in(row_at(index));
     const int column = index.column();
     switch (role) {
     case Qt::DisplayRole:
@@ -96,7 +97,7 @@ QVariant tests_model::data(const QModelIndex& index, int role) const {
         return QVariant((column == value_column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     case subject_role: return subject_of(row);
     case note_role: return column == test_column ? note_on(index.row()) : QString();
-    case limits_role: return row.limits;
+    case limits_role: return row.limits();
     default: return {};
     }
 }

@@ -2,7 +2,6 @@
 
 #include "app/diagnostics/results_model.h"
 #include "app/look/theme.h"
-#include "diagnostics/mode6_records.h"
 
 // Rows of test results as the columns "Test", "Value", "Verdict" and "Limits". The reading and the look
 // outlive it.
@@ -11,12 +10,12 @@ class tests_model : public results_model {
 
 public:
     enum { test_column, value_column, verdict_column, limits_column };
-    // The second line of a test's name, and the triple of its limit bar (see diagnostics/mode6_records.h).
+    // The second line of a test's name, and the triple of its limit bar (see diagnostics/result_rows.h).
     enum { subject_role = Qt::UserRole, limits_role };
 
     tests_model(second_reading& its_reading, const theme& its_look, QObject* parent = nullptr);
 
-    mode6_row row_of(int row) const;
+    test_row row_of(int row) const;
     // What the other reading says about the row.
     QString other_reading_of(int row) const { return note_on(row); }
     // The rows that failed, from the first.
@@ -26,8 +25,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
     // The name of a test in two lines: the monitor, and what was tested.
-    static QString title_of(const mode6_row& row);
-    static QString subject_of(const mode6_row& row);
+    static QString title_of(const test_row& row);
+    static QString subject_of(const test_row& row);
 
 private:
     const theme& look;

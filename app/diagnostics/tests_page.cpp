@@ -1,11 +1,13 @@
 #include "app/diagnostics/tests_page.h"
 
+#include "diagnostics/mode6_records.h"
+
 #include <QHeaderView>
 
 tests_page::tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-                       const result_words& its_words, result_list list)
+                       const result_words& its_words)
     : result_page(pages, its_context, its_controller, its_words),
-      reading(list, results, its_controller.toolies), model(reading, context.frame.look()),
+      reading(words.results, results, its_controller.toolies), model(reading, context.frame.look()),
       delegate(context.frame.look()) {
     card.set_up(model, QLatin1String(words.title), context.frame.look());
     card.table.setItemDelegate(&delegate);
@@ -51,14 +53,14 @@ void tests_page::show_detail() {
                                .arg(look.muted.name()));
         return;
     }
-    const mode6_row row = model.row_of(shown);
+    const test_row row = model.row_of(shown);
     ui.detail->setHtml(QStringLiteral("<p style=\"margin:4px 0 0 0; font-weight:600\">%1</p>"
                                       "<p style=\"margin:2px 0 6px 0; color:%4\">%2</p>%3"
                                       "<p style=\"margin:6px 0 0 0; color:%4\">%5</p>")
                            .arg(tests_model::title_of(row).toHtmlEscaped(),
                                 tests_model::subject_of(row).toHtmlEscaped(),
-                                work_out_result_html(row.limits, row.unit, !row.passed), look.muted.name(),
-                                QStringList{row.text, model.other_reading_of(shown)}
+                                work_out_result_html(row.limits(), row.unit, !row.passed), look.muted.name(),
+                                QStringList{row.text().trimmed(), model.other_reading_of(shown)}
                                     .join(u'\n')
                                     .trimmed()
                                     .toHtmlEscaped()

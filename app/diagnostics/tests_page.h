@@ -12,7 +12,7 @@ class tests_page : public result_page {
 
 public:
     tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
-               const result_words& its_words, result_list list);
+               const result_words& its_words);
     ~tests_page() override;
 
     void look_changed() override;

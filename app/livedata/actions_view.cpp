@@ -136,8 +136,8 @@ void actions_view::look_changed() {
 }
 
 // The other of the two readings is shown from now on; the run may go on.
-void actions_view::reload(const QString& list) {
-    if (list != QLatin1String("reading"))
+void actions_view::reload(part what) {
+    if (what != part::reading)
         return;
     read_again(results, toolies);
     if (results.o2_mask != 0)

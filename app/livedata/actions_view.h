@@ -19,7 +19,7 @@ public:
     void stop() override { head.stop(); }
     void show_busy(bool) override { head.show(); }
     void look_changed() override;
-    void reload(const QString& list) override;
+    void reload(part what) override;
 
 protected:
     void showEvent(QShowEvent*) override { pace.ask(); }

@@ -216,8 +216,8 @@ void logs_view::show_preview() {
 }
 
 // The other of the two readings is shown from now on.
-void logs_view::reload(const QString& list) {
-    if (list == QLatin1String("reading")) // a moment later: a small plot may have asked, which then goes
+void logs_view::reload(part what) {
+    if (what == part::reading) // a moment later: a small plot may have asked, which then goes
         next_preview = context.core.clock.one_shot(0, [this] { show_preview(); });
 }
 

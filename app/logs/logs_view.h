@@ -19,7 +19,7 @@ public:
     void start() override { load(); }
     void stop() override { actions.stop(); }
     void look_changed() override;
-    void reload(const QString& list) override;
+    void reload(part what) override;
 
     void viewLog();
     void plotClicked();

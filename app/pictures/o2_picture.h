@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/look/theme.h"
-#include "livedata/drawO2Sensors.h"
+#include "charts/drawO2Sensors.h"
 
 #include <QWidget>
 

@@ -37,7 +37,7 @@ private:
     void show_busy(bool busy) override;
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
-    void reload(const QString& list) override { context.window.reload(list); }
+    void reload(part what) override { context.window.reload(what); }
     void play_sound(int sound) override { context.window.play_sound(sound); }
     void beep() override { context.window.beep(); }
 

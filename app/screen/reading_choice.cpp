@@ -6,5 +6,5 @@ void choose_reading(const view_context& context, bool standard) {
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
              QStringLiteral("The settings cannot be written; it holds until the program ends.")});
-    context.window.reload(QStringLiteral("reading"));
+    context.window.reload(part::reading);
 }

@@ -3,5 +3,5 @@
 #include "app/screen/screen_view.h"
 
 // The person chooses which of the two readings is shown, wherever it is asked: the choice is kept, and the
-// screen is told by reload("reading").
+// screen is told by reload(part::reading).
 void choose_reading(const view_context& context, bool standard);

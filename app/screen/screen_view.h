@@ -58,7 +58,7 @@ public:
     virtual void start() {}
     virtual void stop() {}
     // See base/screen.h.
-    virtual void reload(const QString&) {}
+    virtual void reload(part) {}
     virtual void show_busy(bool) {}
     virtual void regain_focus() {}
     // Stores what was edited.

@@ -56,22 +56,21 @@ TEST(result_pages, show_the_tests_and_the_selected_one) {
     ASSERT_TRUE(car.wait_until_stopped("mode6_stop"));
     EXPECT_TRUE(car.part<QPushButton>("misfire_read").isEnabled());
 
-    const QStringList& results = car.core.diagnostics.mode6Array;
+    const QList<test_row> results = rows_of<test_row>(car.core.diagnostics.rows(part::mode6));
     const QStringList shown = car.rows_of("mode6_main_table");
     ASSERT_GT(results.size(), 1);
     ASSERT_EQ(shown.size(), results.size());
     auto& detail = car.part<QTextBrowser>("mode6_detail");
     for (qsizetype i = 0; i < results.size(); ++i) {
-        const QStringList fields = results.at(i).split(QLatin1Char('|'));
-        const QStringList triple = fields.at(4).split(QLatin1Char('~'));
         const QStringList cells = shown.at(i).split(QLatin1Char('\t'));
-        EXPECT_TRUE(cells.at(1).startsWith(triple.at(1))) << shown.at(i).toStdString();
-        EXPECT_TRUE(fields.at(3).endsWith(cells.at(2))) << shown.at(i).toStdString();
-        EXPECT_EQ(cells.at(3), QStringLiteral("Min %1, Max %2").arg(triple.at(0), triple.at(2)));
+        EXPECT_TRUE(cells.at(1).startsWith(results.at(i).value)) << shown.at(i).toStdString();
+        EXPECT_TRUE(results.at(i).text().endsWith(cells.at(2))) << shown.at(i).toStdString();
+        EXPECT_EQ(cells.at(3),
+                  QStringLiteral("Min %1, Max %2").arg(results.at(i).minimum, results.at(i).maximum));
 
         car.part<QTableView>("mode6_main_table").selectRow(static_cast<int>(i));
         const QString told = detail.toPlainText().simplified();
-        EXPECT_TRUE(told.contains(fields.at(3).simplified())) << told.toStdString();
+        EXPECT_TRUE(told.contains(results.at(i).text().simplified())) << told.toStdString();
     }
     EXPECT_EQ(car.rows_of("misfire_main_table"), QStringList());
     EXPECT_TRUE(car.report_text().startsWith(QStringLiteral("------Mode6 read:")));
@@ -130,12 +129,12 @@ TEST(result_pages, keep_what_was_read_before_a_stop) {
     opened_car car;
     car.open_page(vehicle_row);
     car.press(Qt::Key_F5);
-    const QStringList& rows = car.core.diagnostics.vehInfoArray;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return rows.size() > 6; }, 20000));
+    const auto rows = [&] { return car.core.diagnostics.rows(part::vehicle); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rows().size() > 6; }, 20000));
     car.press(Qt::Key_Escape);
     EXPECT_TRUE(car.part<QPushButton>("vehicle_stop").isHidden());
     const QStringList kept = car.rows_of("vehicle_main_table");
-    EXPECT_EQ(kept.size(), rows.size());
+    EXPECT_EQ(kept.size(), rows().size());
     EXPECT_TRUE(kept.contains(QStringLiteral("\tVoltage\t14.1V")))
         << kept.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(kept.filter(QStringLiteral("ECU(7E8) Eng.")).size(), 1);
@@ -144,5 +143,5 @@ TEST(result_pages, keep_what_was_read_before_a_stop) {
     EXPECT_LT(car.rows_of("vehicle_main_table").size(), kept.size()) << "the old rows are gone";
     ASSERT_TRUE(car.wait_until_stopped("vehicle_stop"));
     EXPECT_GT(car.rows_of("vehicle_main_table").size(), kept.size());
-    EXPECT_EQ(car.rows_of("vehicle_main_table").size(), rows.size());
+    EXPECT_EQ(car.rows_of("vehicle_main_table").size(), rows().size());
 }

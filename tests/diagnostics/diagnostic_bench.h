@@ -40,24 +40,20 @@ struct diagnostic_bench : adapter_bench {
             profile.defaults.set(setting::log_runs, on == "on");
         };
         actions["stop"] = [this](const QString&) { controller.stop(); };
-        facts["codes"] = [this] { return results.codesReadArray.join(", "); };
-        facts["mode6"] = [this] { return one_line(results.mode6Array); };
-        facts["misfire"] = [this] { return one_line(results.misfireArray); };
-        facts["o2"] = [this] { return one_line(results.o2XtraArray); };
-        facts["pending"] = [this] { return one_line(results.pendingArray); };
-        facts["freeze"] = [this] { return one_line(results.freezeArray); };
-        facts["vehicle"] = [this] { return one_line(results.vehInfoArray); };
-        facts["extras"] = [this] { return one_line(results.xtrasArray); };
-        for (const auto& [name, list] : {std::pair("codes", result_list::codes),
-                                         {"pending", result_list::pending},
-                                         {"freeze", result_list::freeze},
-                                         {"vehicle", result_list::vehicle},
-                                         {"o2", result_list::o2}})
-            add_second_reading(name, list);
+        for (const auto& [name, which] : {std::pair("codes", part::codes),
+                                          {"mode6", part::mode6},
+                                          {"misfire", part::misfire},
+                                          {"o2", part::o2},
+                                          {"pending", part::pending},
+                                          {"freeze", part::freeze},
+                                          {"vehicle", part::vehicle},
+                                          {"extras", part::extras}})
+            add_results(name, which);
         facts["line-status"] = [this] { return read_status_again(results, toolies).line; };
         facts["permanent"] = [this] {
             const permanent_codes read = read_permanent_codes(results, toolies);
-            return read.was_read ? (read.rows + QStringList(read.words)).join(' ').trimmed() : "not read";
+            const QStringList rows = row_texts(part::permanent, plain(read.rows));
+            return read.was_read ? (rows + QStringList(read.words)).join(' ').trimmed() : "not read";
         };
         facts["cycle"] = [this] {
             const permanent_codes read = read_permanent_codes(results, toolies);
@@ -83,23 +79,26 @@ struct diagnostic_bench : adapter_bench {
         results.P0_Codes = {{"P0133", " the sensor's answer is slow"}}; // the whole list takes its time
     }
 
-    // "std-codes", "notes-codes", "line-codes": the standard's rows of a list, what stands beside the shown
-    // ones, and the line about it.
-    void add_second_reading(const QString& name, result_list list) {
-        facts["std-" + name] = [this, list] {
-            const second_reading reading(list, results, toolies);
-            return list == result_list::codes ? reading.standard_rows().join(", ")
-                                              : one_line(reading.standard_rows());
+    // "codes", "std-codes", "notes-codes", "line-codes": the rows of a part, the standard's, what stands
+    // beside the shown ones, and the line about it.
+    void add_results(const QString& name, part which) {
+        const auto joined = [which](const QList<result_row>& rows) {
+            const QStringList texts = row_texts(which, rows);
+            return which == part::codes ? texts.join(", ") : one_line(texts);
         };
-        facts["notes-" + name] = [this, list] {
-            const second_reading reading(list, results, toolies);
+        facts[name] = [this, which, joined] { return joined(results.rows(which)); };
+        facts["std-" + name] = [this, which, joined] {
+            return joined(plain(second_reading(which, results, toolies).standard_rows()));
+        };
+        facts["notes-" + name] = [this, which] {
+            const second_reading reading(which, results, toolies);
             QStringList notes;
             for (int row = 0; row < reading.shown().size(); ++row)
-                if (!reading.note_on(row).isEmpty())
-                    notes += QString::number(row) + ' ' + reading.note_on(row);
+                if (!reading.shown()[row].note.isEmpty())
+                    notes += QString::number(row) + ' ' + reading.shown()[row].note;
             return one_line(notes);
         };
-        facts["line-" + name] = [this, list] { return second_reading(list, results, toolies).line(); };
+        facts["line-" + name] = [this, which] { return second_reading(which, results, toolies).line(); };
     }
 
     static QString one_line(const QStringList& rows) {

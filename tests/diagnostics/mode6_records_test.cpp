@@ -31,10 +31,26 @@ QString thirteen_records() {
     return data;
 }
 
-mode6_rows read(const QStringList& bodies, int protocol, int index = 0) {
+QList<test_row> read(const QStringList& bodies, int protocol, int index = 0) {
     static const text_resources lists;
     const QString data = l_pullOBDFromSingleGroupedMsg(bodies, protocol);
     return handle_a_mode6_TestID({"7E8", bodies, protocol, data}, index, lists);
+}
+
+QStringList texts(const QList<test_row>& tests) {
+    QStringList rows;
+    for (const test_row& test : tests)
+        rows += row_text(part::mode6, test);
+    return rows;
+}
+
+QString raw(const QList<test_row>& tests) {
+    answer one;
+    for (const test_row& test : tests)
+        one.rows += test;
+    diagnostic_results results;
+    results.answers[part::o2] = {one};
+    return raw_records(results, part::o2);
 }
 
 } // namespace
@@ -43,7 +59,7 @@ TEST(mode6_records, rows_on_can) {
     const struct {
         const char* record;
         const char* row;
-        const char* raw;
+        const char* compact;
     } examples[] = {
         {"01010A01F4000003E8",
          "7|OBDMID(01) - Exhaust gas sensor monitor bank 1 sensor 1|mV - (01)Rich to lean sensor threshold "
@@ -59,10 +75,10 @@ TEST(mode6_records, rows_on_can) {
          "|Min(14.000) VAL[14.700] Max(15.200)  - Passed|14.000~14.700~15.200",
          "|01_E0~14.700000 A/F ratio"},
     };
-    for (const auto& [record, row, raw] : examples) {
-        const mode6_rows result = read(frames(QString("46") + record), can, 7);
-        EXPECT_EQ(result.rows.join('\n'), row);
-        EXPECT_EQ(result.raw.join('\n'), raw);
+    for (const auto& [record, row, compact] : examples) {
+        const QList<test_row> result = read(frames(QString("46") + record), can, 7);
+        EXPECT_EQ(texts(result).join('\n'), row);
+        EXPECT_EQ(raw(result), compact);
     }
 }
 
@@ -78,19 +94,19 @@ TEST(mode6_records, verdict_on_can) {
         {"81FFFF00000001", false},                            // values of signed scalings stay as they come
     };
     for (const auto& [numbers, passed] : examples) {
-        const QStringList rows = read(frames(QString("460101") + numbers), can).rows;
+        const QList<test_row> rows = read(frames(QString("460101") + numbers), can);
         ASSERT_EQ(rows.size(), 1);
-        EXPECT_EQ(rows[0].contains(" - Passed|"), passed) << numbers;
-        EXPECT_EQ(rows[0].contains(" - FAILED|"), !passed) << numbers;
+        EXPECT_EQ(rows[0].passed, passed) << numbers;
+        EXPECT_TRUE(rows[0].text().endsWith(passed ? " - Passed" : " - FAILED")) << numbers;
     }
 }
 
 TEST(mode6_records, answer_of_thirteen_records_whole_and_cut) {
     const QStringList bodies = frames(thirteen_records()); // seventeen frames
-    const mode6_rows whole = read(bodies, can);
-    ASSERT_EQ(whole.rows.size(), 13);
-    EXPECT_EQ(split_mode6_row(whole.rows[12]).value, 12);
-    EXPECT_EQ(whole.raw.join(QString()).left(44), "|A2_0B~0.000000 counts_0B~1.000000 counts_0B");
+    const QList<test_row> whole = read(bodies, can);
+    ASSERT_EQ(whole.size(), 13);
+    EXPECT_EQ(whole[12].value, "12.000");
+    EXPECT_EQ(raw(whole).left(44), "|A2_0B~0.000000 counts_0B~1.000000 counts_0B");
 
     const auto without = [&bodies](qsizetype frame) {
         QStringList rest = bodies;
@@ -108,24 +124,22 @@ TEST(mode6_records, answer_of_thirteen_records_whole_and_cut) {
         {QStringList{"10"} + bodies.mid(1), 0},
     };
     for (const auto& [rest, rows] : cut)
-        EXPECT_EQ(read(rest, can).rows, whole.rows.first(rows));
+        EXPECT_TRUE(read(rest, can) == whole.first(rows));
 
     // One record that cannot be read leaves the others alone.
     QString noisy = thirteen_records();
     noisy.replace(2 + 18 * 4 + 6, 1, "?");
-    EXPECT_EQ(read(frames(noisy), can).rows.size(), 12);
+    EXPECT_EQ(read(frames(noisy), can).size(), 12);
 }
 
 TEST(mode6_records, what_is_no_answer_gives_no_row) {
     const QStringList none[] = {{},           {""},    {"037F0612"},
                                 {"0346A100"}, {"N/A"}, frames("49020131473148433534343452373235")};
-    for (const QStringList& bodies : none) {
-        EXPECT_EQ(read(bodies, can).rows, QStringList()) << bodies.join(' ').toStdString();
-        EXPECT_EQ(read(bodies, can).raw, QStringList());
-    }
-    EXPECT_EQ(read({"7F0612AA"}, iso).rows, QStringList());
-    EXPECT_EQ(read({"46018100?"}, iso).rows, QStringList());
-    EXPECT_EQ(read(frames(thirteen_records()), 13).rows, QStringList());
+    for (const QStringList& bodies : none)
+        EXPECT_TRUE(read(bodies, can).isEmpty()) << bodies.join(' ').toStdString();
+    EXPECT_TRUE(read({"7F0612AA"}, iso).isEmpty());
+    EXPECT_TRUE(read({"46018100?"}, iso).isEmpty());
+    EXPECT_TRUE(read(frames(thirteen_records()), 13).isEmpty());
 }
 
 TEST(mode6_records, rows_on_older_protocols) {
@@ -156,33 +170,10 @@ TEST(mode6_records, rows_on_older_protocols) {
           "Test ID(08) | CID(02) |Test val(32)\n Greater than Min(16)   Passed|16~32~min"}},
     };
     for (const auto& [bodies, rows] : examples) {
-        const mode6_rows result = read(bodies, iso, 3);
-        EXPECT_EQ(result.rows, QStringList(rows).replaceInStrings(QRegularExpression("^"), "3|"));
-        EXPECT_EQ(result.raw, QStringList());
+        const QList<test_row> result = read(bodies, iso, 3);
+        EXPECT_EQ(texts(result), QStringList(rows).replaceInStrings(QRegularExpression("^"), "3|"));
+        EXPECT_EQ(raw(result), "");
     }
-}
-
-TEST(mode6_records, a_row_taken_apart) {
-    const mode6_row on_can = split_mode6_row(read(frames("4601E01F012601180130"), can, 4).rows.value(0));
-    EXPECT_EQ(on_can.index, 4);
-    EXPECT_EQ(on_can.obdmid + '/' + on_can.monitor, "01/Exhaust gas sensor monitor bank 1 sensor 1");
-    EXPECT_EQ(on_can.tid + '/' + on_can.test + '/' + on_can.unit, "E0/Manufacturer defined test/A/F ratio");
-    EXPECT_EQ(on_can.text, "Min(14.000) VAL[14.700] Max(15.200)  - Passed");
-    EXPECT_EQ(on_can.minimum, 14);
-    EXPECT_EQ(on_can.value, 14.7);
-    EXPECT_EQ(on_can.maximum, 15.2);
-    EXPECT_TRUE(on_can.is_can && on_can.passed);
-
-    const mode6_row older = split_mode6_row(read({"46050200300020"}, iso).rows.value(0));
-    EXPECT_EQ(older.tid + '/' + older.component, "05/02");
-    EXPECT_EQ(older.minimum, 32);
-    EXPECT_EQ(older.maximum, 32);
-    EXPECT_EQ(older.value, 48);
-    EXPECT_TRUE(older.limit_is_maximum);
-    EXPECT_FALSE(older.is_can || older.passed);
-
-    for (const char* damaged : {"", "|", "1|2|3|4", "||||", "1|OBDMID(|(|~|~~", "x|y|z|w|a~b~c"})
-        EXPECT_EQ(split_mode6_row(damaged).value, 0) << damaged;
 }
 
 TEST(mode6_records, detail_text) {

@@ -16,13 +16,17 @@ diagnostic_report report_of(int operation, const diagnostic_results& results) {
     return work_out_text_4_log(operation, results, today, described).value_or(diagnostic_report());
 }
 
+void put(diagnostic_results& results, part which, const QList<result_row>& rows) {
+    results.answers[which] = {facts(rows)};
+}
+
 } // namespace
 
 TEST(report, of_several_codes_and_unready_monitors) {
     diagnostic_results results;
-    results.codesReadArray = {"P0133|7E8", "P3456|7E9"};
-    results.pendingArray = {"P0171|7E8", "U0100|"};
-    results.freezeArray = {"Not Supported or Data Not Available"};
+    put(results, part::codes, {code_row{"P0133", "7E8"}, code_row{"P3456", "7E9"}});
+    put(results, part::pending, {code_row{"P0171", "7E8"}, code_row{"U0100", ""}});
+    put(results, part::freeze, {words_row{"Not Supported or Data Not Available"}});
     results.readinessFlagsArray = {{"OK", "Misfire\r", "Continous"},
                                    {"X", "Evaporative system of the tank", "Non-Continous"}};
     for (const char* state : {"OK", "OK", "X", "N/A", "N/A", "N/A", "N/A", "N/A", "N/A"})
@@ -47,13 +51,11 @@ TEST(report, of_nothing_read) {
     EXPECT_TRUE(
         nothing.startsWith("------DTC Codes read:21 Nov 2025 04:43:06------------- \n[0]  Not read\n\n"));
     EXPECT_TRUE(nothing.contains("\n0<font color=#66ff33>[OK]</font> out of 0 [avail] "));
-    results.codesReadArray = {"No codes"};
+    put(results, part::codes, {words_row{"No codes"}});
     EXPECT_EQ(report_of(op_pending_freeze, results).text, QString(nothing).replace("Not read", "No codes"));
 
-    // A row that is damaged, and one with quotes: doubled on the way into the database, not here.
-    results.o2XtraArray = {"damaged"};
-    results.vehInfoArray = {"1F|Run time|0 'Hours' 5 'mins'"};
-    EXPECT_TRUE(report_of(op_o2_tests, results).text.endsWith("------------- \n \n \t...  \n\t  \n\n"));
+    // Quotes are doubled on the way into the database, not here.
+    put(results, part::vehicle, {value_row{"1F", "Run time", "0 'Hours' 5 'mins'", {}}});
     EXPECT_TRUE(report_of(op_vehicle_info, results).text.endsWith("\n1F Run time  0 'Hours' 5 'mins'\n"));
     for (const int silent : {0, 2, 3, 4, 7, 9, 10, 12, 13, 14, 20})
         EXPECT_EQ(report_of(silent, results).title, "") << silent;

@@ -14,43 +14,50 @@ struct read_twice : adapter_bench {
     void show_standard(bool shown) { profile.defaults.set(setting::standard_reading, shown); }
 };
 
-kept_reply rpm(const QString& digits, qsizetype row, qsizetype rows = 1) {
-    return {"010C", reply({"7E804410C" + digits, 6, true}), "7E8", row, rows};
+answer rpm(const QString& digits, const QList<result_row>& rows) {
+    return {"010C", reply({"7E804410C" + digits, 6, true}), "7E8", rows};
+}
+
+value_row rpm_row(const QString& value) {
+    return {"0C", "Engine RPM", value, {}};
+}
+
+QStringList texts(const QList<noted_row>& rows) {
+    return row_texts(part::vehicle, plain(rows));
 }
 
 } // namespace
 
 TEST(second_reading, follows_a_list_that_grows_and_one_that_begins_anew) {
     read_twice bench;
-    second_reading reading(result_list::vehicle, bench.results, bench.toolies);
+    QList<answer>& answers = bench.results.answers[part::vehicle];
+    second_reading reading(part::vehicle, bench.results, bench.toolies);
     EXPECT_EQ(reading.line(), "");
-    bench.results.vehInfoArray = {"heading"};
-    bench.results.kept[result_list::vehicle] = {rpm("1AF8", 1)};
-    reading.reload(); // the reply is there before its row
-    EXPECT_EQ(reading.standard_rows(), QStringList{"heading"});
-    bench.results.vehInfoArray += "0C|Engine RPM|99.00 RPM";
+    answers = {facts({words_row{"heading"}})};
     reading.reload();
-    EXPECT_EQ(reading.standard_rows(), (QStringList{"heading", "0C|Engine RPM|1726.00 rpm"}));
-    bench.results.kept[result_list::vehicle] += rpm("0000", 2, 0); // no row came of it
-    bench.results.vehInfoArray += "another heading";
+    EXPECT_EQ(texts(reading.standard_rows()), QStringList{"heading"});
+    answers += rpm("1AF8", {rpm_row("99.00 RPM")});
     reading.reload();
-    EXPECT_EQ(reading.standard_rows().mid(2), (QStringList{"0C|Engine RPM|0.00 rpm", "another heading"}));
-    EXPECT_EQ(reading.note_on(1), "By SAE J1979: 1726.00 rpm");
+    EXPECT_EQ(texts(reading.standard_rows()), (QStringList{"heading", "0C|Engine RPM|1726.00 rpm"}));
+    answers += rpm("0000", {}); // no row came of it
+    answers += facts({words_row{"another heading"}});
+    reading.reload();
+    EXPECT_EQ(texts(reading.standard_rows()).mid(2),
+              (QStringList{"0C|Engine RPM|0.00 rpm", "another heading"}));
+    EXPECT_EQ(reading.shown()[1].note, "By SAE J1979: 1726.00 rpm");
     bench.show_standard(true);
-    EXPECT_EQ(reading.note_on(1), "By SAE J1979: 1726.00 rpm") << "only a reload changes what is shown";
+    EXPECT_EQ(reading.shown()[1].note, "By SAE J1979: 1726.00 rpm") << "only a reload changes what is shown";
     reading.reload();
-    EXPECT_EQ(reading.note_on(1), "The program's own reading: 99.00 RPM");
-    EXPECT_EQ(reading.note_on(2), "The program's own reading: no value");
+    EXPECT_EQ(reading.shown()[1].note, "The program's own reading: 99.00 RPM");
+    EXPECT_EQ(reading.shown()[2].note, "The program's own reading: no value");
 
-    bench.results.vehInfoArray.clear();
-    bench.results.kept.clear();
+    answers.clear();
     reading.reload();
-    EXPECT_EQ(reading.shown(), QStringList());
+    EXPECT_TRUE(reading.shown().isEmpty());
     EXPECT_EQ(reading.line(), "");
-    bench.results.vehInfoArray = {"0C|Engine RPM|1726.00 RPM"};
-    bench.results.kept[result_list::vehicle] = {rpm("1AF8", 0)};
+    answers = {rpm("1AF8", {rpm_row("1726.00 RPM")})};
     reading.reload();
-    EXPECT_EQ(reading.shown(), bench.results.vehInfoArray);
+    EXPECT_EQ(texts(reading.shown()), texts(reading.own_rows()));
     EXPECT_FALSE(reading.differs());
 }
 
@@ -72,8 +79,8 @@ TEST(second_status, counts_every_ecu_and_names_the_monitors_that_differ) {
     };
     for (const auto& row : rows) {
         bench.results.readinessFlagsArray = row.monitors;
-        bench.results.kept[result_list::status] = {
-            {"0101", reply({QString(row.reply).remove(' '), 6, true}), {}, 0, 0}};
+        bench.results.answers[part::readiness] = {
+            {"0101", reply({QString(row.reply).remove(' '), 6, true}), {}, {}}};
         const second_status status = read_status_again(bench.results, bench.toolies);
         EXPECT_EQ(status.line.isEmpty(), *row.line == 0);
         EXPECT_TRUE((u' ' + status.line).startsWith(QString(u' ') + row.line)) << status.line.toStdString();
@@ -87,14 +94,15 @@ TEST(second_status, counts_every_ecu_and_names_the_monitors_that_differ) {
 
 TEST(second_reading, report_says_which_reading_it_holds) {
     diagnostic_bench bench;
-    bench.results.codesReadArray = {"P0133|7E8", "P0300|7E8"};
-    bench.results.kept[result_list::codes] = {
-        {"03", reply({"7E8100843030133 0220\r7E82103000000000000", 6, true}), {}, 0, 2}};
+    bench.results.answers[part::codes] = {{"03",
+                                           reply({"7E8100843030133 0220\r7E82103000000000000", 6, true}),
+                                           {},
+                                           {code_row{"P0133", "7E8"}, code_row{"P0300", "7E8"}}}};
     const QString own = bench.controller.report_of(op_read_codes).text;
     EXPECT_TRUE(own.contains("[2]  P0133, P0300\n\n")) << own.toStdString();
     EXPECT_FALSE(own.contains("J1979"));
     bench.profile.defaults.set(setting::standard_reading, true);
-    bench.results.kept[result_list::permanent] = {{"0A", reply({"7E8044A010133", 6, true}), {}, 0, 0}};
+    bench.results.answers[part::permanent] = {{"0A", reply({"7E8044A010133", 6, true}), {}, {}}};
     const QStringList lines = bench.controller.report_of(op_read_codes).text.split('\n');
     EXPECT_EQ(lines.value(1), "Standard reading: values and codes as SAE J1979 reads the replies.");
     EXPECT_TRUE(lines.contains("[3]  P0133, P0220, P0300"));

@@ -24,8 +24,12 @@ QStringList after_the_index(const QStringList& rows) {
     return texts;
 }
 
+QStringList texts(const matrix_bench& bench, part which) {
+    return row_texts(which, bench.results.rows(which));
+}
+
 QStringList codes_and_readiness(const matrix_bench& bench) {
-    QStringList rows = bench.results.codesReadArray;
+    QStringList rows = texts(bench, part::codes);
     for (const readiness_row& row : bench.results.readinessFlagsArray)
         rows += row.label + ": " + row.state;
     return rows;
@@ -65,12 +69,12 @@ struct operation_row {
 const operation_row operations[] = {
     {"read",    diagnose<&readCodes::l_readCodes>,            [](matrix_bench& b) { return codes_and_readiness(b); }},
     {"clear",   diagnose<&readCodes::start_clearing>,         [](matrix_bench&)   { return QStringList(); }},
-    {"pending", diagnose<&readCodes::readPendingFreezeCodes>, [](matrix_bench& b) { return b.results.pendingArray + b.results.freezeArray; }},
-    {"vehicle", diagnose<&readCodes::readVehicleInfo>,        [](matrix_bench& b) { return b.results.vehInfoArray; }},
-    {"mode 6",  diagnose<&readCodes::readMode6Support>,       [](matrix_bench& b) { return after_the_index(b.results.mode6Array); }},
-    {"misfire", diagnose<&readCodes::readMisfire>,            [](matrix_bench& b) { return after_the_index(b.results.misfireArray); }},
-    {"O2",      diagnose<&readCodes::readO2>,                 [](matrix_bench& b) { return after_the_index(b.results.o2XtraArray); }},
-    {"extras",  diagnose<&readCodes::readXtras>,              [](matrix_bench& b) { return b.results.xtrasArray; }},
+    {"pending", diagnose<&readCodes::readPendingFreezeCodes>, [](matrix_bench& b) { return texts(b, part::pending) + texts(b, part::freeze); }},
+    {"vehicle", diagnose<&readCodes::readVehicleInfo>,        [](matrix_bench& b) { return texts(b, part::vehicle); }},
+    {"mode 6",  diagnose<&readCodes::readMode6Support>,       [](matrix_bench& b) { return after_the_index(texts(b, part::mode6)); }},
+    {"misfire", diagnose<&readCodes::readMisfire>,            [](matrix_bench& b) { return after_the_index(texts(b, part::misfire)); }},
+    {"O2",      diagnose<&readCodes::readO2>,                 [](matrix_bench& b) { return after_the_index(texts(b, part::o2)); }},
+    {"extras",  diagnose<&readCodes::readXtras>,              [](matrix_bench& b) { return texts(b, part::extras); }},
     {"log run", [](matrix_bench& b) { start_live(b, 0); },    live_rows},
     {"fuel",    [](matrix_bench& b) { start_live(b, 1); },    live_rows},
     {"O2 run",  [](matrix_bench& b) { start_live(b, 2); },    live_rows},

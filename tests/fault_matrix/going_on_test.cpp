@@ -127,6 +127,7 @@ TEST(going_on, without_a_command_at_which_the_adapter_hangs) {
     EXPECT_TRUE(bench.pump());
     EXPECT_EQ(bench.ended, "done");
     EXPECT_EQ(bench.adapter->commands.count("ATRV"), asked);
-    EXPECT_TRUE(bench.results.vehInfoArray.contains(" Voltage: N/A"));
-    EXPECT_TRUE(bench.results.vehInfoArray.contains(" VIN: 1G1JC5444R7252367"));
+    EXPECT_TRUE(row_texts(part::vehicle, bench.results.rows(part::vehicle)).contains(" Voltage: N/A"));
+    EXPECT_TRUE(
+        row_texts(part::vehicle, bench.results.rows(part::vehicle)).contains(" VIN: 1G1JC5444R7252367"));
 }

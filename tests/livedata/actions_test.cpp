@@ -6,7 +6,7 @@
 
 namespace {
 
-conversation part(const char* text) {
+conversation conversation_of(const char* text) {
     return conversation::parse(text, "here", QStringLiteral(BV_TEST_DATA "/conversations"));
 }
 
@@ -81,11 +81,12 @@ TEST(actions, zoom) {
 
 TEST(actions, what_was_read_outlives_the_screen_until_it_no_longer_fits) {
     live_bench bench;
-    const QString played = play(part("! pids 0C\n"
-                                     "! do button\n"
-                                     "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
-                                     "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C\n! do stop"),
-                                bench);
+    const QString played =
+        play(conversation_of("! pids 0C\n"
+                             "! do button\n"
+                             "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                             "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C\n! do stop"),
+             bench);
     EXPECT_EQ(played, "");
     bench.toolies.save_pids_2_sample_prefs({"0C|7E8"});
     const auto screen_again = [&bench] {
@@ -102,10 +103,11 @@ TEST(actions, what_was_read_outlives_the_screen_until_it_no_longer_fits) {
 
 TEST(actions, a_database_that_is_lost_is_told_once_and_the_run_goes_on) {
     live_bench bench;
-    const QString begun = play(part("! store\n! pids 0C\n! do button\n"
-                                    "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
-                                    "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C"),
-                               bench);
+    const QString begun =
+        play(conversation_of("! store\n! pids 0C\n! do button\n"
+                             "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                             "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C"),
+             bench);
     EXPECT_EQ(begun, "");
     for (const char* companion : {"", "-wal", "-shm"})
         QFile::remove(bench.profile.db.path() + companion);

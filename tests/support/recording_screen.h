@@ -3,6 +3,7 @@
 #include "base/screen.h"
 
 #include <QStringList>
+#include <array>
 #include <utility>
 
 // Writes down what a person would see and hear, one line each, in order; a line end in a text stands as "\n".
@@ -46,7 +47,12 @@ public:
         note("choose", why);
         device_question = std::move(answer);
     }
-    void reload(const QString& list) override { note("reload", list); }
+    void reload(part what) override {
+        static constexpr std::array names{
+            "operation", "progress", "labels", "reading", "codes", "readiness", "permanent",  "pending",
+            "freeze",    "vehicle",  "mode6",  "misfire", "o2",    "extras",    "transcript", "sent"};
+        note("reload", names.at(static_cast<size_t>(what)));
+    }
     void play_sound(int sound) override { note("sound", QString::number(sound)); }
     void beep() override { note("beep", {}); }
 

@@ -1,4 +1,4 @@
-#include "livedata/drawO2Sensors.h"
+#include "charts/drawO2Sensors.h"
 #include "tests/support/print_qt.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
-#include "diagnostics/limit_bar.h"
+#include "charts/limit_bar.h"
 
-#include "diagnostics/mode6_records.h"
 #include "obd/number_text.h"
 
 #include <QPainter>
@@ -16,6 +15,26 @@ constexpr double bar_height = 3;
 constexpr double minimum_at = 35;
 constexpr double maximum_at = 85;
 constexpr double limit_at = 60;
+
+struct limits_told {
+    double minimum = 0; // the limit, where there is only one
+    double value = 0;
+    double maximum = 0;
+    bool is_can = false;
+    bool limit_is_maximum = false;
+};
+
+limits_told read_triple(const QString& limits) {
+    const QStringList triple = limits.split(u'~');
+    const QString kind = triple.value(2);
+    limits_told told;
+    told.limit_is_maximum = kind == QLatin1String("max");
+    told.is_can = !told.limit_is_maximum && kind != QLatin1String("min");
+    told.minimum = triple.value(0).toDouble();
+    told.value = triple.value(1).toDouble();
+    told.maximum = told.is_can ? kind.toDouble() : told.minimum;
+    return told;
+}
 
 QFont font(const char* family, int points) {
     QFont chosen{QLatin1String(family)};
@@ -39,9 +58,21 @@ double limit_bar_position(double value, double minimum, double maximum) {
     return maximum == 0 ? (value > 0 ? scale_end : scale_begin) : 100 / (2 * maximum) * value + scale_begin;
 }
 
+bar_color work_out_bar_color(double value, double max, double min, bool is_CAN, bool non_can_max,
+                             bool is_misfire) {
+    Q_UNUSED(is_misfire)
+    constexpr bar_color red{1, 0, 0, 1};
+    constexpr bar_color green{0, 1, 0, 1};
+    const bool above = value > max;
+    const bool below = min > value;
+    if (is_CAN)
+        return above || below ? red : green;
+    return (non_can_max ? above : below) ? red : green;
+}
+
 QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look,
                            const QImage& range_picture) {
-    const mode6_row row = split_mode6_row(QStringLiteral("0||||") + limits);
+    const limits_told row = read_triple(limits);
     QImage image(size * look.pixel_ratio, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image; // no room for it

@@ -1,6 +1,6 @@
-#include "livedata/drawO2Sensors.h"
+#include "charts/drawO2Sensors.h"
 
-#include "livedata/o2_layouts.h"
+#include "charts/o2_layouts.h"
 
 #include <QPainter>
 #include <algorithm>

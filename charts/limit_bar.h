@@ -10,6 +10,18 @@
 // and the maximum at 85, with equal ones the limit is at 60. Not brought inside the scale.
 double limit_bar_position(double value, double minimum, double maximum);
 
+struct bar_color {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+    bool operator==(const bar_color&) const = default;
+};
+// Red outside the limits, else green. A value that equals its limit is inside. The misfire flag changes
+// nothing.
+bar_color work_out_bar_color(double value, double max, double min, bool is_CAN, bool non_can_max,
+                             bool is_misfire);
+
 struct limit_bar_look {
     QColor ground{232, 245, 255}; // pale blue
     QColor ink{30, 40, 50};

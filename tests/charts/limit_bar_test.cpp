@@ -1,4 +1,4 @@
-#include "diagnostics/limit_bar.h"
+#include "charts/limit_bar.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "livedata/o2_layouts.h"
+#include "charts/o2_layouts.h"
 
 #include <bit>
 
