@@ -28,8 +28,8 @@ QFrame* thin_line() {
 } // namespace
 
 main_window::main_window(program_core& its_core)
-    : core(its_core), delegate(core.state, core.defaults, core.toolies, core.clock, *this), toast(&area),
-      help(&area), sheet(this) {
+    : core(its_core), delegate(core.place, core.state, core.defaults, core.toolies, core.clock, *this),
+      toast(&area), help(&area), sheet(this) {
     lay_out();
     add_keys();
     apply_look();
@@ -193,7 +193,7 @@ void main_window::choose_device(const QString& why, device_chooser::answer answe
             status.set_status(QStringLiteral("Ready")); // what was starting does not start
         answer(address, name);
     };
-    chooser = new device_chooser(area, colours, core.clock, core.state.bt_address, why, tell_choice);
+    chooser = new device_chooser(area, colours, core.clock, core.place.bt_address(), why, tell_choice);
     chooser->open();
 }
 
@@ -219,7 +219,7 @@ void main_window::show_surroundings() {
 }
 
 main_window::link_in_force main_window::link_now() const {
-    return {core.state.interface_kind, core.state.wifi_ip, core.state.wifi_port};
+    return {core.place.interface_kind(), core.place.wifi_ip(), core.place.wifi_port()};
 }
 
 bool main_window::is_demo() const {

@@ -22,18 +22,11 @@ enum operation : int {
     op_permanent = 21,
 };
 
-enum interface_code : int { interface_bluetooth = 5, interface_wifi = 6, interface_simulated = 7 };
-
 // The process-wide values. Made once in main and handed on by reference; each test makes its own.
 // Touched on the main thread only.
 struct process_state {
 
     // The link and what stands at its far end
-    int interface_kind = interface_bluetooth;
-    QString wifi_ip = setting::wifi_ip.first_value();
-    QString wifi_port = setting::wifi_port.first_value();
-    QString bt_address;         // of the Bluetooth device, "" when none was chosen yet
-    QString last_BT_Device;     // its name
     bool adapter_ready = false; // initialised on this link
     bool adapter_known = false; // answered to a reset on this link: a reset is not needed again
     bool headers_shown = false; // "AT H1" is in force

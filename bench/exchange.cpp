@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
     redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
 
     quiet_screen view;
-    adapter_link link(core.state, core.clock, view, make_transport);
+    adapter_link link(core.place, core.state, core.clock, view, make_transport);
     core.db.init_DB();
     readCodes controller(core.state, link, core.toolies, view, core.diagnostics, core.paths);
     initialise(link, controller);

@@ -171,7 +171,7 @@ int main(int argc, char** argv) {
     core.state.cur_veh_id = 1;
 
     quiet_screen view;
-    adapter_link link(core.state, core.clock, view, make_transport);
+    adapter_link link(core.place, core.state, core.clock, view, make_transport);
     program run(core, link, view);
     const auto storing = [&core](bool on) { core.defaults.set(setting::log_runs, on); };
     storing(false);

@@ -14,18 +14,18 @@ constexpr int car_running_hint_tick = 15;
 constexpr int reset_ms = 1000;
 } // namespace
 
-std::unique_ptr<transport> make_transport(const process_state& process) {
-    switch (process.interface_kind) {
-    case interface_wifi: return std::make_unique<wifi_transport>(process);
+std::unique_ptr<transport> make_transport(const adapter_place& place) {
+    switch (place.interface_kind()) {
+    case interface_wifi: return std::make_unique<wifi_transport>(place);
     case interface_simulated: return std::make_unique<simulated_adapter>();
-    default: return std::make_unique<bluetooth_transport>(process);
+    default: return std::make_unique<bluetooth_transport>(place);
     }
 }
 
-adapter_link::adapter_link(process_state& process, timers& time_source, screen& its_screen,
-                           transport_maker make_transport)
-    : state(process), clock(time_source), view(its_screen), maker(std::move(make_transport)),
-      traffic(process, time_source, *this), quirks(process),
+adapter_link::adapter_link(adapter_place& its_place, process_state& process, timers& time_source,
+                           screen& its_screen, transport_maker make_transport)
+    : far_end(its_place), state(process), clock(time_source), view(its_screen),
+      maker(std::move(make_transport)), traffic(its_place, process, time_source, *this), quirks(its_place),
       watchdog(
           time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); },
           [this] { never_opened(); }),
@@ -51,12 +51,12 @@ void adapter_link::set_controller(task_controller* next) {
 // --- opening and closing -----------------------------------------------------------------------------------
 
 void adapter_link::make_sure_of_transport() {
-    if (link && link_kind == state.interface_kind)
+    if (link && link_kind == far_end.interface_kind())
         return;
     if (link)
         disconnect();
-    link = maker(state);
-    link_kind = state.interface_kind;
+    link = maker(far_end);
+    link_kind = far_end.interface_kind();
     connect(link.get(), &transport::opened, this, &adapter_link::link_opened);
     connect(link.get(), &transport::failed, this, &adapter_link::link_failed);
     connect(link.get(), &transport::closed, this, &adapter_link::link_closed);
@@ -70,7 +70,7 @@ void adapter_link::make_sure_of_transport() {
 bool adapter_link::openInterfaceConnection() {
     again.stop();
     make_sure_of_transport();
-    return state.interface_kind == interface_bluetooth ? openSerialPortProfile() : openTCP_socky();
+    return far_end.interface_kind() == interface_bluetooth ? openSerialPortProfile() : openTCP_socky();
 }
 
 bool adapter_link::openTCP_socky() {
@@ -85,9 +85,9 @@ bool adapter_link::openTCP_socky() {
     late_toast_clearing.reset();
     forget_adapter();
     watchdog.start();
-    if (state.interface_kind == interface_wifi) {
+    if (far_end.interface_kind() == interface_wifi) {
         const QString trying = fill(QStringLiteral("Trying: %@:%d "),
-                                    {state.wifi_ip, QString::number(state.wifi_port.toUShort())});
+                                    {far_end.wifi_ip(), QString::number(far_end.wifi_port().toUShort())});
         l_set_status_msg(trying);
         l_set_toast_msg(
             fill(QStringLiteral("%@\n\nMake sure you connected to your\n OBD WiFi interface beforehand "),
@@ -124,9 +124,9 @@ void adapter_link::link_opened() {
     watchdog.stop();
     again.opened();
     forget_adapter();
-    if (state.interface_kind == interface_simulated) {
+    if (far_end.interface_kind() == interface_simulated) {
         tcpConnectReady = true;
-    } else if (state.interface_kind == interface_bluetooth) {
+    } else if (far_end.interface_kind() == interface_bluetooth) {
         channel_opened();
     } else {
         l_set_status_msg(QStringLiteral("TCP Connected!! ... Sending intial request"));
@@ -146,7 +146,7 @@ void adapter_link::link_failed(const QString& reason) {
             again.next_try();
         return;
     }
-    if (state.interface_kind == interface_bluetooth)
+    if (far_end.interface_kind() == interface_bluetooth)
         return channel_refused(reason, QStringLiteral("Connection to BT lost"));
     l_set_status_msg(fill(QStringLiteral("Couldn't connect...Please Check\n\n%@"), {reason}));
     Q_EMIT condition_changed();
@@ -155,7 +155,7 @@ void adapter_link::link_failed(const QString& reason) {
 void adapter_link::link_closed() {
     if (fell_at_reset())
         return;
-    const bool is_bluetooth = state.interface_kind == interface_bluetooth;
+    const bool is_bluetooth = far_end.interface_kind() == interface_bluetooth;
     link_lost loss{.status = is_bluetooth ? QStringLiteral("Connection to BT lost")
                                           : QStringLiteral("Disconnected"),
                    .status_stays = !is_bluetooth,
@@ -182,11 +182,11 @@ void adapter_link::still_waiting(int tick, bool quiet) {
     if (quiet || is_connected())
         return;
     const QString seconds = QString::number(tick), of = QString::number(connect_watchdog::last_tick);
-    QString text =
-        state.interface_kind == interface_bluetooth
-            ? fill(localised(QStringLiteral("TOAST_BT_NOT_RESP_RETRY")), {state.last_BT_Device, seconds, of})
-            : fill(localised(QStringLiteral("TOAST_WIFI_NOT_RESP_RETRY")),
-                   {state.wifi_ip, state.wifi_port, seconds, of});
+    QString text = far_end.interface_kind() == interface_bluetooth
+                       ? fill(localised(QStringLiteral("TOAST_BT_NOT_RESP_RETRY")),
+                              {far_end.last_BT_Device(), seconds, of})
+                       : fill(localised(QStringLiteral("TOAST_WIFI_NOT_RESP_RETRY")),
+                              {far_end.wifi_ip(), far_end.wifi_port(), seconds, of});
     if (tick >= car_running_hint_tick)
         text += QStringLiteral("\n\n") + localised(QStringLiteral("TOAST_SOME_VEH_RUNNG"));
     l_set_toast_msg(text);
@@ -196,19 +196,19 @@ void adapter_link::still_waiting(int tick, bool quiet) {
 void adapter_link::never_opened() {
     view.play_sound(sound_alert);
     disconnect();
-    const bool is_bluetooth = state.interface_kind == interface_bluetooth;
+    const bool is_bluetooth = far_end.interface_kind() == interface_bluetooth;
     if (!is_bluetooth)
         l_leave_cur_op_gracefully(QStringLiteral("")); // first: it hides the toast
-    const QString text = is_bluetooth
-                             ? fill(localised(QStringLiteral("TOAST_BT_CONN_FAILED")), {state.last_BT_Device})
-                             : localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"));
+    const QString text =
+        is_bluetooth ? fill(localised(QStringLiteral("TOAST_BT_CONN_FAILED")), {far_end.last_BT_Device()})
+                     : localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"));
     l_set_toast_msg(text);
     l_set_status_msg(text);
     if (is_bluetooth)
         ask_for_device(
             QStringLiteral("%1 did not answer. Check that its lamp is lit and that it is paired, or "
                            "choose another device.")
-                .arg(state.last_BT_Device),
+                .arg(far_end.last_BT_Device()),
             QStringLiteral(""));
     late_toast_clearing = clock.one_shot(toast_clearing_ms, [this] { l_set_toast_msg(QStringLiteral("")); });
 }

@@ -16,21 +16,23 @@
 
 // The one link to the adapter, for the life of the process: it opens and closes the transport, carries
 // commands and replies through the exchange, and tells the current task controller what happens. Everything
-// runs on the main thread. The process state, the timers and the screen outlive it.
+// runs on the main thread. The place, the process state, the timers and the screen outlive it.
 class adapter_link : public QObject, private exchange_owner {
     Q_OBJECT
 
 public:
-    using transport_maker = std::function<std::unique_ptr<transport>(const process_state&)>;
+    using transport_maker = std::function<std::unique_ptr<transport>(const adapter_place&)>;
 
-    // `make_transport` builds the transport for the interface kind of the process state, anew for each kind.
-    adapter_link(process_state& process, timers& time_source, screen& its_screen,
+    // `make_transport` builds the transport for the interface kind of the place, anew for each kind.
+    adapter_link(adapter_place& its_place, process_state& process, timers& time_source, screen& its_screen,
                  transport_maker make_transport);
     ~adapter_link() override;
 
     // The controller that gets replies; the one before leaves its operation first. May be null.
     void set_controller(task_controller* controller);
     task_controller* mainViewController() const { return controller; }
+    // Where it leads.
+    const adapter_place& place() const { return far_end; }
 
     // Opens the link. True when it is up, so that the operation may start at once; false when it is still
     // opening (the controller's work_current_task() is called when it is up) or could not be opened.
@@ -89,7 +91,7 @@ public:
     void pop_a_messy(const QString& text, const QString& title = QString()) override;
 
 Q_SIGNALS:
-    // The Bluetooth device in the process state is the one to remember.
+    // The Bluetooth device of the place is the one to remember.
     void device_taken();
     // The link opened, closed or began to open; or what stands at its far end became known.
     void condition_changed();
@@ -124,6 +126,7 @@ private:
     void still_waiting(int tick, bool quiet);
     void never_opened();
 
+    adapter_place& far_end;
     process_state& state;
     timers& clock;
     screen& view;
@@ -146,5 +149,5 @@ private:
     timer_handle late_message;
 };
 
-// The transport for the state's interface kind, null for one that is not available.
-std::unique_ptr<transport> make_transport(const process_state& process);
+// The transport for the interface kind of the place.
+std::unique_ptr<transport> make_transport(const adapter_place& place);

@@ -6,7 +6,7 @@
 // What the link does for Bluetooth alone: which device, and its channel.
 
 void adapter_link::choose_bluetooth_device() {
-    if (state.interface_kind == interface_bluetooth)
+    if (far_end.interface_kind() == interface_bluetooth)
         ask_for_device(QString(), QString());
 }
 
@@ -21,7 +21,7 @@ bool adapter_link::openSerialPortProfile() {
             watchdog.start(); // the operation before stopped it
         return false;
     }
-    if (state.bt_address.isEmpty())
+    if (far_end.bt_address().isEmpty())
         ask_for_device(QString(), QStringLiteral(""));
     else
         open_channel();
@@ -45,15 +45,14 @@ void adapter_link::ask_for_device(const QString& why, const QString& status_for_
 }
 
 void adapter_link::take_device(const QString& address, const QString& name) {
-    if (is_connected() && address == state.bt_address)
+    if (is_connected() && address == far_end.bt_address())
         return; // as it is
     const bool for_an_operation = task_waits && !is_connected();
     if (!for_an_operation)
         l_leave_cur_op_gracefully(QStringLiteral("")); // it runs over another device
     disconnect();
     task_waits = for_an_operation;
-    state.bt_address = address;
-    state.last_BT_Device = name;
+    far_end.take_device(address, name);
     open_channel();
 }
 
@@ -62,7 +61,7 @@ void adapter_link::open_channel() {
     tcpConnectReady = false;
     late_toast_clearing.reset();
     forget_adapter();
-    const QString connecting = fill(QStringLiteral("Connecting to:%@"), {state.last_BT_Device});
+    const QString connecting = fill(QStringLiteral("Connecting to:%@"), {far_end.last_BT_Device()});
     l_set_status_msg(connecting);
     l_set_toast_msg(
         fill(QStringLiteral("%@\n\nMake sure you are connecting to your\n OBD Bluetooth interface "),
@@ -74,7 +73,7 @@ void adapter_link::open_channel() {
 
 void adapter_link::channel_opened() {
     if (const QString name = link->far_end_name(); !name.isEmpty())
-        state.last_BT_Device = name; // of a device that was given by its address
+        far_end.take_device(far_end.bt_address(), name); // of a device that was given by its address
     l_set_status_msg(QStringLiteral("BT Connected"));
     Q_EMIT device_taken(); // one that never answered is not worth remembering
     l_set_status_msg(QStringLiteral("BT Connected!!"));

@@ -52,7 +52,7 @@ bool adapter_link::fell_at_reset() {
                        "set up without a reset."));
     reopening = clock.one_shot(return_after_reset_ms, [this] {
         reopening.reset();
-        if (state.interface_kind != interface_bluetooth)
+        if (far_end.interface_kind() != interface_bluetooth)
             return void(openTCP_socky());
         task_waits = true;
         open_channel();

@@ -21,8 +21,8 @@ int silences_needed(const QString& command) {
 } // namespace
 
 QString adapter_quirks::current_adapter() const {
-    return state.interface_kind == interface_bluetooth ? state.bt_address
-                                                       : state.wifi_ip + u':' + state.wifi_port;
+    return place.interface_kind() == interface_bluetooth ? place.bt_address()
+                                                         : place.wifi_ip() + u':' + place.wifi_port();
 }
 
 bool adapter_quirks::link_fell_at_reset() {

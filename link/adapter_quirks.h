@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "link/adapter_place.h"
 
 #include <QMap>
 #include <QSet>
@@ -10,8 +10,8 @@
 // know.
 class adapter_quirks {
 public:
-    // The adapter that the process state leads to.
-    explicit adapter_quirks(const process_state& process) : state(process) {}
+    // The adapter that is led to.
+    explicit adapter_quirks(const adapter_place& its_place) : place(its_place) {}
 
     // The link fell at "AT Z". True when that is news.
     bool link_fell_at_reset();
@@ -33,6 +33,6 @@ private:
     QString current_adapter() const;
     knowledge of_current() const { return known.value(current_adapter()); }
 
-    const process_state& state;
+    const adapter_place& place;
     QMap<QString, knowledge> known;
 };

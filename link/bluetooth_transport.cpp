@@ -20,12 +20,12 @@ void bluetooth_transport::connect_when_usable(const bluetooth_surroundings& surr
         return fail(why_unusable(surroundings.condition));
     const auto found = std::find_if(
         surroundings.devices.begin(), surroundings.devices.end(), [this](const bluetooth_device& known) {
-            return known.address.compare(wanted.bt_address, Qt::CaseInsensitive) == 0;
+            return known.address.compare(wanted.bt_address(), Qt::CaseInsensitive) == 0;
         });
     if (found == surroundings.devices.end())
         return fail(
             QStringLiteral("This computer does not know the device %1 (any more). %2, or look for it again.")
-                .arg(wanted.last_BT_Device, pairing_advice()));
+                .arg(wanted.last_BT_Device(), pairing_advice()));
     device = *found;
     if (device.paired && device.knows_services && !device.serial_port) {
         console_log(QStringLiteral(

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "link/adapter_place.h"
 #include "link/bluetooth_service.h"
 #include "link/own_thread.h"
 #include "link/transport.h"
@@ -9,13 +9,13 @@
 
 class serial_port_socket;
 
-// The RFCOMM channel to the serial port of the Bluetooth device in the process state. Each command is
+// The RFCOMM channel to the serial port of the Bluetooth device of its place. Each command is
 // followed by one zero byte.
 class bluetooth_transport : public transport {
     Q_OBJECT
 
 public:
-    explicit bluetooth_transport(const process_state& process) : wanted(process) {}
+    explicit bluetooth_transport(const adapter_place& place) : wanted(place) {}
     ~bluetooth_transport() override { close(); }
 
     condition state() const override { return current; }
@@ -31,7 +31,7 @@ private:
     void fail(const QString& reason);
     QString why_refused() const;
 
-    const process_state& wanted;
+    const adapter_place& wanted;
     bluetooth_service service;
     std::unique_ptr<own_thread> thread; // from the first attempt on
     serial_port_socket* channel = nullptr;

@@ -13,8 +13,9 @@ constexpr qsizetype most_on_the_way = 8;
 
 } // namespace
 
-exchange::exchange(process_state& process, timers& time_source, exchange_owner& its_owner)
-    : state(process), clock(time_source), owner(its_owner) {}
+exchange::exchange(const adapter_place& its_place, const process_state& process, timers& time_source,
+                   exchange_owner& its_owner)
+    : place(its_place), state(process), clock(time_source), owner(its_owner) {}
 
 void exchange::send(const sent_command& command) {
     cur_cmd = command;
@@ -215,7 +216,7 @@ void exchange::obdTimedOutHandler() {
     }
     ++timeout_retry_count;
     owner.show_status(fill(QStringLiteral("OBD Cmd: (%s:%s) Timed out!! \n    Retrying...%d/4"),
-                           {state.wifi_ip, state.wifi_port, QString::number(timeout_retry_count)}));
+                           {place.wifi_ip(), place.wifi_port(), QString::number(timeout_retry_count)}));
     if (cur_cmd.is_asked_again)
         return write();
     hand_on(reply::none());

@@ -3,6 +3,7 @@
 #include "base/process_state.h"
 #include "base/rx_buffer.h"
 #include "base/timers.h"
+#include "link/adapter_place.h"
 #include "link/reply_check.h"
 
 // What the exchange asks of its owner.
@@ -27,7 +28,8 @@ public:
 // the process state it works on.
 class exchange {
 public:
-    exchange(process_state& process, timers& time_source, exchange_owner& its_owner);
+    exchange(const adapter_place& its_place, const process_state& process, timers& time_source,
+             exchange_owner& its_owner);
 
     // While an earlier try of the same command is still on its way, its reply is waited for instead: nothing
     // would tell it from the reply to this one, and the exchange would stay one reply behind.
@@ -71,7 +73,8 @@ private:
     void stop_waiting();
     void hand_on(const reply& what_came);
 
-    process_state& state;
+    const adapter_place& place;
+    const process_state& state;
     timers& clock;
     exchange_owner& owner;
 

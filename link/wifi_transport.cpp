@@ -14,7 +14,7 @@ QString decode_received(QByteArrayView bytes) {
     return QString::fromUtf8(bytes).remove(QChar::Null);
 }
 
-wifi_transport::wifi_transport(const process_state& process) : address(process) {
+wifi_transport::wifi_transport(const adapter_place& place) : address(place) {
     connect(&socket, &QTcpSocket::connected, this, [this] {
         socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         console_log(QStringLiteral("Connected\n"));
@@ -32,7 +32,7 @@ void wifi_transport::open() {
     if (current != condition::closed)
         return;
     current = condition::opening;
-    socket.connectToHost(address.wifi_ip, address.wifi_port.toUShort());
+    socket.connectToHost(address.wifi_ip(), address.wifi_port().toUShort());
 }
 
 void wifi_transport::close() {

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "link/adapter_place.h"
 #include "link/transport.h"
 
 #include <QTcpSocket>
 
-// The TCP connection to a Wi-Fi adapter at the address and port of the process state. Commands are written
+// The TCP connection to a Wi-Fi adapter at the address and port of its place. Commands are written
 // without delay (Nagle's algorithm is off): each is answered before the next is sent.
 class wifi_transport : public transport {
     Q_OBJECT
 
 public:
-    explicit wifi_transport(const process_state& process);
+    explicit wifi_transport(const adapter_place& place);
     ~wifi_transport() override { close(); }
 
     condition state() const override { return current; }
@@ -24,7 +24,7 @@ private:
     void stream_error(QAbstractSocket::SocketError error);
     void end_of_stream();
 
-    const process_state& address;
+    const adapter_place& address;
     QTcpSocket socket;
     condition current = condition::closed;
 };

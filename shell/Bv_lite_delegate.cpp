@@ -30,15 +30,16 @@ constexpr std::array<help_of_screen, 5> help_panels{{
 
 } // namespace
 
-Bv_lite_delegate::Bv_lite_delegate(process_state& process, user_defaults& settings, mac_toolies& its_toolies,
-                                   timers& time_source, screen& its_screen,
+Bv_lite_delegate::Bv_lite_delegate(adapter_place& its_place, process_state& process, user_defaults& settings,
+                                   mac_toolies& its_toolies, timers& time_source, screen& its_screen,
                                    adapter_link::transport_maker make)
-    : link(process, time_source, its_screen, std::move(make)), state(process), defaults(settings),
-      toolies(its_toolies), db(its_toolies.store()), clock(time_source), view(its_screen) {
+    : link(its_place, process, time_source, its_screen, std::move(make)), place(its_place), state(process),
+      defaults(settings), toolies(its_toolies), db(its_toolies.store()), clock(time_source),
+      view(its_screen) {
     read_defaults();
     QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
-        defaults.set(setting::bluetooth_address, state.bt_address);
-        defaults.set(setting::bluetooth_name, state.last_BT_Device);
+        defaults.set(setting::bluetooth_address, place.bt_address());
+        defaults.set(setting::bluetooth_name, place.last_BT_Device());
         defaults.synchronise();
     });
     console_log(QStringLiteral("finish kloading"));
@@ -49,17 +50,13 @@ void Bv_lite_delegate::read_defaults() {
     if (!defaults.has(setting::interface_kind))
         defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
                                      setting::metric_units, setting::log_runs});
-    state.interface_kind = defaults.value(setting::interface_kind);
-    if (state.interface_kind == interface_wifi) {
-        state.wifi_ip = defaults.value(setting::wifi_ip);
-        state.wifi_port = defaults.value(setting::wifi_port);
-    }
+    place.choose(defaults.value(setting::interface_kind));
+    if (place.interface_kind() == interface_wifi)
+        place.choose_wifi(defaults.value(setting::wifi_ip), defaults.value(setting::wifi_port));
     const QString device = defaults.value(setting::bluetooth_address).toUpper();
-    if (is_bluetooth_address(device)) {
-        state.bt_address = device;
-        state.last_BT_Device =
-            defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device;
-    }
+    if (is_bluetooth_address(device))
+        place.take_device(
+            device, defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device);
     state.sample_pids.clear();
     state.available_pids.clear();
 }

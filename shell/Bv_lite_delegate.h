@@ -10,9 +10,9 @@
 // it only starts up. All that it is given outlives it.
 class Bv_lite_delegate {
 public:
-    // Reads the defaults into the process state.
-    Bv_lite_delegate(process_state& process, user_defaults& settings, mac_toolies& its_toolies,
-                     timers& time_source, screen& its_screen,
+    // Reads the defaults into the place and the process state.
+    Bv_lite_delegate(adapter_place& its_place, process_state& process, user_defaults& settings,
+                     mac_toolies& its_toolies, timers& time_source, screen& its_screen,
                      adapter_link::transport_maker make = make_transport);
 
     // Opens the database and shows the current vehicle; with a main area also the first screen.
@@ -49,6 +49,7 @@ private:
     void pick_current_vehicle();
     void handly3();
 
+    adapter_place& place;
     process_state& state;
     user_defaults& defaults;
     mac_toolies& toolies;

@@ -20,9 +20,9 @@ bool looks_like_ipv4(const QString& address) {
 
 } // namespace
 
-preferences::preferences(user_defaults& settings, process_state& process, adapter_link& its_link,
+preferences::preferences(user_defaults& settings, adapter_place& its_place, adapter_link& its_link,
                          mac_toolies& its_toolies)
-    : defaults(settings), state(process), link(its_link), toolies(its_toolies) {}
+    : defaults(settings), place(its_place), link(its_link), toolies(its_toolies) {}
 
 general_settings preferences::stored() const {
     return {.interface_kind = defaults.value(setting::interface_kind),
@@ -77,9 +77,8 @@ void preferences::put_in_force(const general_settings& before) {
     const general_settings now = stored();
     if (same_link(before, now))
         return;
-    state.interface_kind = now.interface_kind;
-    state.wifi_ip = now.wifi_ip;
-    state.wifi_port = now.wifi_port;
+    place.choose_wifi(now.wifi_ip, now.wifi_port);
+    place.choose(now.interface_kind);
     link.l_leave_cur_op_gracefully(QStringLiteral(""));
     link.disconnect(); // it leads to the old place
 }

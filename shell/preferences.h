@@ -19,7 +19,7 @@ struct general_settings {
 // Checks and stores the settings, and puts them into force. All that it is given outlives it.
 class preferences {
 public:
-    preferences(user_defaults& settings, process_state& process, adapter_link& its_link,
+    preferences(user_defaults& settings, adapter_place& its_place, adapter_link& its_link,
                 mac_toolies& its_toolies);
 
     general_settings stored() const;
@@ -43,7 +43,7 @@ private:
     void put_in_force(const general_settings& before);
 
     user_defaults& defaults;
-    process_state& state;
+    adapter_place& place;
     adapter_link& link;
     mac_toolies& toolies;
 };

@@ -40,22 +40,15 @@ bool program_core::start_demo(QString& problem, int answer_ms) {
 void program_core::choose_link() {
     switch (options.link) {
     case launch_options::link_choice::as_stored: return;
-    case launch_options::link_choice::wifi:
-        state.interface_kind = interface_wifi;
-        state.wifi_ip = options.wifi_host;
-        state.wifi_port = options.wifi_port;
-        return;
+    case launch_options::link_choice::wifi: place.choose_wifi(options.wifi_host, options.wifi_port); return;
     case launch_options::link_choice::bluetooth:
-        state.interface_kind = interface_bluetooth;
-        if (state.bt_address != options.bluetooth_address)
-            state.last_BT_Device = options.bluetooth_address; // its name is not known
-        state.bt_address = options.bluetooth_address;
+        place.choose(interface_bluetooth);
+        if (place.bt_address() != options.bluetooth_address) // its name is not known
+            place.take_device(options.bluetooth_address, options.bluetooth_address);
         return;
     case launch_options::link_choice::demo:
-        state.interface_kind = interface_wifi;
-        state.wifi_ip = QStringLiteral("127.0.0.1");
-        state.wifi_port = QString::number(demo_port);
+        place.choose_wifi(QStringLiteral("127.0.0.1"), QString::number(demo_port));
         return;
-    case launch_options::link_choice::simulate: state.interface_kind = interface_simulated; return;
+    case launch_options::link_choice::simulate: place.choose(interface_simulated); return;
     }
 }

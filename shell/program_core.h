@@ -6,6 +6,7 @@
 #include "base/user_defaults.h"
 #include "diagnostics/diagnostic_results.h"
 #include "expert/expert_session.h"
+#include "link/adapter_place.h"
 #include "livedata/live_results.h"
 #include "persistence/database.h"
 #include "shell/launch_options.h"
@@ -42,6 +43,7 @@ private:
 
 public:
     const app_paths paths;
+    adapter_place place;
     process_state state;
     user_defaults defaults;
     database db;

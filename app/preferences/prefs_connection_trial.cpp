@@ -111,8 +111,8 @@ void prefs_connection_trial::show_failure() {
 }
 
 bool prefs_connection_trial::has_no_device() const {
-    const process_state& state = context.core.state;
-    return state.interface_kind == interface_bluetooth && state.bt_address.isEmpty();
+    const adapter_place& place = context.link.place();
+    return place.interface_kind() == interface_bluetooth && place.bt_address().isEmpty();
 }
 
 void prefs_connection_trial::show_running(const QString& text) {

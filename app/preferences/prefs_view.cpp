@@ -28,7 +28,7 @@ void show_problem(QLabel& beside, QLabel& help, const QString& problem) {
 
 prefs_view::prefs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::prefs>(*this)),
-      settings(context.core.defaults, context.core.state, context.link, context.core.toolies),
+      settings(context.core.defaults, context.core.place, context.link, context.core.toolies),
       connection(ui, context, context.core.toolies), pids(*new pid_chooser(context, ui.pids)),
       vehicles(*this, ui, context, context.core.toolies) {
     ui.pids_column->addWidget(&pids);
@@ -149,12 +149,12 @@ void prefs_view::handle_interface() {
 }
 
 void prefs_view::show_device() {
-    const process_state& state = context.core.state;
-    ui.bluetooth_pane->setVisible(ui.bluetooth->isChecked() && state.interface_kind == interface_bluetooth);
-    const QString named = state.last_BT_Device == state.bt_address
-                              ? state.bt_address
-                              : QStringLiteral("%1 (%2)").arg(state.last_BT_Device, state.bt_address);
-    ui.device_name->setText(state.bt_address.isEmpty() ? QStringLiteral("None chosen yet.") : named);
+    const adapter_place& place = context.link.place();
+    ui.bluetooth_pane->setVisible(ui.bluetooth->isChecked() && place.interface_kind() == interface_bluetooth);
+    const QString named = place.last_BT_Device() == place.bt_address()
+                              ? place.bt_address()
+                              : QStringLiteral("%1 (%2)").arg(place.last_BT_Device(), place.bt_address());
+    ui.device_name->setText(place.bt_address().isEmpty() ? QStringLiteral("None chosen yet.") : named);
 }
 
 void prefs_view::show_problems() {

@@ -4,13 +4,13 @@ namespace {
 
 constexpr qsizetype longest_name = 24;
 
-QString far_end_of(const process_state& state, bool is_demo) {
+QString far_end_of(const adapter_place& place, bool is_demo) {
     if (is_demo)
         return QStringLiteral("Demo car");
-    switch (state.interface_kind) {
-    case interface_wifi: return QStringLiteral("Wi-Fi %1").arg(state.wifi_ip);
+    switch (place.interface_kind()) {
+    case interface_wifi: return QStringLiteral("Wi-Fi %1").arg(place.wifi_ip());
     case interface_simulated: return QStringLiteral("Stand-in adapter");
-    default: return QStringLiteral("Bluetooth %1").arg(state.last_BT_Device.left(longest_name)).trimmed();
+    default: return QStringLiteral("Bluetooth %1").arg(place.last_BT_Device().left(longest_name)).trimmed();
     }
 }
 
@@ -33,9 +33,10 @@ QString details_of(const process_state& state, const mac_toolies& toolies) {
 
 link_words report_link(const adapter_link& link, const process_state& state, const mac_toolies& toolies,
                        bool is_demo) {
+    const adapter_place& place = link.place();
     link_words words;
-    words.far_end = far_end_of(state, is_demo);
-    words.can_choose = state.interface_kind == interface_bluetooth;
+    words.far_end = far_end_of(place, is_demo);
+    words.can_choose = place.interface_kind() == interface_bluetooth;
     if (link.is_connected()) {
         words.now = link_words::condition::open;
         words.protocol = state.adapter_ready ? state.protocol_description : QString();
@@ -46,9 +47,9 @@ link_words report_link(const adapter_link& link, const process_state& state, con
     words.now = opening ? link_words::condition::opening : link_words::condition::closed;
     words.details = opening ? QStringLiteral("The link to the adapter is being opened.")
                             : QStringLiteral("The link is opened when you start an operation (F5).");
-    if (state.interface_kind == interface_wifi && !is_demo)
-        words.details += QStringLiteral("\nAddress %1, port %2").arg(state.wifi_ip, state.wifi_port);
-    if (state.interface_kind == interface_bluetooth && !state.bt_address.isEmpty())
-        words.details += QStringLiteral("\n%1, address %2").arg(state.last_BT_Device, state.bt_address);
+    if (place.interface_kind() == interface_wifi && !is_demo)
+        words.details += QStringLiteral("\nAddress %1, port %2").arg(place.wifi_ip(), place.wifi_port());
+    if (place.interface_kind() == interface_bluetooth && !place.bt_address().isEmpty())
+        words.details += QStringLiteral("\n%1, address %2").arg(place.last_BT_Device(), place.bt_address());
     return words;
 }

@@ -45,7 +45,7 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.part<QRadioButton>("wifi").click();
     EXPECT_FALSE(program.is_hidden("wifi_pane"));
     EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6"));
-    EXPECT_EQ(program.core.state.interface_kind, interface_wifi);
+    EXPECT_EQ(program.core.place.interface_kind(), interface_wifi);
 
     program.type("address", "10.0.0.5");
     program.type("port", "70000");
@@ -53,8 +53,8 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     EXPECT_FALSE(program.is_hidden("port_problem"));
     EXPECT_EQ(program.stored("wifi_IP"), QStringLiteral("10.0.0.5"));
     EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35000"));
-    EXPECT_EQ(program.core.state.wifi_ip, QStringLiteral("10.0.0.5"));
-    EXPECT_EQ(program.core.state.wifi_port, QStringLiteral("35000"));
+    EXPECT_EQ(program.core.place.wifi_ip(), QStringLiteral("10.0.0.5"));
+    EXPECT_EQ(program.core.place.wifi_port(), QStringLiteral("35000"));
 
     program.part<QCheckBox>("metric_units").click();
     program.part<QCheckBox>("log_runs").click();
@@ -72,7 +72,7 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.open();
     program.click("set_defaults");
     EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
-    EXPECT_EQ(program.core.state.interface_kind, interface_bluetooth);
+    EXPECT_EQ(program.core.place.interface_kind(), interface_bluetooth);
     EXPECT_EQ(program.stored("BV_log_runs"), QStringLiteral("true"));
     EXPECT_FALSE(program.core.defaults.value(setting::metric_units));
 }
@@ -82,19 +82,19 @@ TEST(prefs_view, leaves_the_link_of_the_command_line_until_it_is_changed) {
     program.press(Qt::Key_1, Qt::ControlModifier);
     program.press(Qt::Key_F5);
     ASSERT_TRUE(program.wait_until_idle());
-    const QString port = program.core.state.wifi_port;
+    const QString port = program.core.place.wifi_port();
 
     program.open();
     EXPECT_FALSE(program.is_hidden("run_note"));
     program.part<QCheckBox>("metric_units").click();
     program.window->choose_screen(screen_kind::logs);
-    EXPECT_EQ(program.core.state.interface_kind, interface_wifi);
-    EXPECT_EQ(program.core.state.wifi_port, port);
+    EXPECT_EQ(program.core.place.interface_kind(), interface_wifi);
+    EXPECT_EQ(program.core.place.wifi_port(), port);
     EXPECT_EQ(program.link(), link_words::condition::open);
 
     program.open();
     program.part<QRadioButton>("wifi").click();
-    EXPECT_EQ(program.core.state.wifi_port, QStringLiteral("35000"));
+    EXPECT_EQ(program.core.place.wifi_port(), QStringLiteral("35000"));
     EXPECT_EQ(program.link(), link_words::condition::closed) << "it led to the old place";
     EXPECT_TRUE(program.is_hidden("run_note"));
 }

@@ -81,8 +81,7 @@ TEST(device_chooser, first_start_to_codes_and_the_next_time_without_asking) {
 TEST(device_chooser, comes_by_itself_when_the_device_does_not_answer) {
     stand_in service;
     bluetooth_window car;
-    car.core.state.bt_address = obd_address;
-    car.core.state.last_BT_Device = "OBDII";
+    car.core.place.take_device(obd_address, "OBDII");
     service.fault("ConnectProfile", "org.bluez.Error.Failed");
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.shows_chooser());

@@ -8,10 +8,11 @@ namespace {
 class bluetooth_channel : public testing::Test {
 protected:
     stand_in service;
+    adapter_place place;
     process_state state;
     hand_timers clock;
     recording_screen view;
-    adapter_link link{state, clock, view, make_transport};
+    adapter_link link{place, state, clock, view, make_transport};
     recording_controller operation{link, view};
 
     bluetooth_channel() { link.set_controller(&operation); }
@@ -50,8 +51,7 @@ TEST_F(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_se
 TEST_F(bluetooth_channel, one_that_is_lost_is_opened_again_until_it_holds) {
     operation.goes_on = true;
     operation.on_work = [&] { link.sendOBDcmd_n("AT I\r", "ELM", false); };
-    state.bt_address = obd_address;
-    state.last_BT_Device = "OBDII";
+    place.take_device(obd_address, "OBDII");
     link.openInterfaceConnection();
     const auto answers = [&](qsizetype count) {
         return wait_until([&] { return operation.heard.filter("ELM327").size() == count; });

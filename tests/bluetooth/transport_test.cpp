@@ -12,8 +12,8 @@ namespace {
 class bluetooth : public testing::Test {
 protected:
     stand_in service;
-    process_state state;
-    bluetooth_transport transport{state};
+    adapter_place place;
+    bluetooth_transport transport{place};
     QString received;
     QStringList events;
     QString reason;
@@ -27,8 +27,7 @@ protected:
         });
         QObject::connect(&transport, &transport::OBDevent, [this](const QString& text) { received += text; });
         service.call("set_port", {0}); // the test speaks for the adapter
-        state.bt_address = obd_address;
-        state.last_BT_Device = "OBDII";
+        place.take_device(obd_address, "OBDII");
     }
     // What was told until something was, joined by " ".
     QString told() {

@@ -182,8 +182,8 @@ TEST(script, stops_when_the_car_is_out_of_reach) {
 
 TEST(script, answers_inside_the_send_neither_pile_up_nor_keep_the_event_loop) {
     adapter_bench bench;
-    bench.state.interface_kind = interface_simulated;
-    adapter_link link{bench.state, bench.clock, bench.view, make_transport};
+    bench.place.choose(interface_simulated);
+    adapter_link link{bench.place, bench.state, bench.clock, bench.view, make_transport};
     expert_session session{bench.profile.defaults};
     expertCtrlr controller(bench.state, link, bench.toolies, bench.view, bench.profile.defaults, session);
     link.set_controller(&controller);

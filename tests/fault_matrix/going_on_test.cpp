@@ -31,8 +31,8 @@ void run_to(matrix_bench& bench, qint64 sweeps) {
 TEST(going_on, over_a_lost_link_in_the_same_log) {
     for (const int kind : {interface_wifi, interface_bluetooth}) {
         matrix_bench bench(steady_car("can11"));
-        bench.state.interface_kind = kind;
-        bench.state.bt_address = "AA:BB:CC:DD:EE:01";
+        bench.place.choose(kind);
+        bench.place.take_device("AA:BB:CC:DD:EE:01", QString());
         bench.on_sweep = [] {}; // nobody stops it
         start_a_run(bench, {"0C", "0D", "05"});
         run_to(bench, 3);

@@ -22,7 +22,7 @@ public:
 
     explicit matrix_bench(in_process_adapter::car_pointer its_car) : car(its_car) {
         silence_console_log();
-        state.interface_kind = interface_wifi;
+        place.choose(interface_wifi);
         profile.db.init_DB();
         if (const auto first = vehicle_or_first(profile.db, -1))
             state.cur_veh_id = first->id;
@@ -38,11 +38,12 @@ public:
 
     in_process_adapter::car_pointer car;
     temporary_profile profile;
+    adapter_place place;
     process_state state;
     hand_timers clock;
     recording_screen view;
     in_process_adapter* adapter = nullptr;
-    adapter_link link{state, clock, view, [this](const process_state&) {
+    adapter_link link{place, state, clock, view, [this](const adapter_place&) {
                           auto made = std::make_unique<in_process_adapter>(clock, car);
                           adapter = made.get();
                           return made;

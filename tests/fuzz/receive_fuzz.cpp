@@ -169,10 +169,11 @@ private:
         held.clear();
     }
 
+    const adapter_place somewhere;
     process_state state;
     bool is_console = false;
     still_timers clock;
-    exchange traffic{state, clock, *this};
+    exchange traffic{somewhere, state, clock, *this};
     QByteArray piece; // not yet received
     QByteArray held;
     QByteArrayList replies;

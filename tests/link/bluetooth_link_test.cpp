@@ -11,15 +11,12 @@ protected:
     QStringList remembered;
 
     bluetooth_link() {
-        state.interface_kind = interface_bluetooth;
+        place.choose(interface_bluetooth);
         opens_at_once = false;
         QObject::connect(&link, &adapter_link::device_taken,
-                         [this] { remembered += state.bt_address + " " + state.last_BT_Device; });
+                         [this] { remembered += place.bt_address() + " " + place.last_BT_Device(); });
     }
-    void know_device() {
-        state.bt_address = address;
-        state.last_BT_Device = "OBDII";
-    }
+    void know_device() { place.take_device(address, "OBDII"); }
     // What was shown since the last call, joined by ", ".
     QString shown() { return std::exchange(view.events, {}).join(", "); }
 };

@@ -129,12 +129,12 @@ TEST_F(link_test, a_link_lost_forgets_the_adapter) {
 }
 
 TEST_F(link_test, the_kinds_of_link) {
-    state.interface_kind = interface_bluetooth;
-    EXPECT_TRUE(dynamic_cast<bluetooth_transport*>(make_transport(state).get()));
-    state.interface_kind = interface_simulated;
-    EXPECT_TRUE(dynamic_cast<simulated_adapter*>(make_transport(state).get()));
+    place.choose(interface_bluetooth);
+    EXPECT_TRUE(dynamic_cast<bluetooth_transport*>(make_transport(place).get()));
+    place.choose(interface_simulated);
+    EXPECT_TRUE(dynamic_cast<simulated_adapter*>(make_transport(place).get()));
     open();
-    state.interface_kind = interface_wifi; // another kind was chosen: the old link goes
+    place.choose(interface_wifi); // another kind was chosen: the old link goes
     EXPECT_FALSE(link.openInterfaceConnection());
     EXPECT_EQ(adapter->attempts, 1);
     clock.advance(800);

@@ -11,8 +11,8 @@ protected:
     }
     // The link is up, and the operation goes on when it is lost.
     void begin(int kind = interface_wifi) {
-        state.interface_kind = kind;
-        state.bt_address = "AA:BB:CC:DD:EE:01";
+        place.choose(kind);
+        place.take_device("AA:BB:CC:DD:EE:01", QString());
         open();
         controller.goes_on = true;
         opens_at_once = adapter->opens_at_once = false;
@@ -110,8 +110,8 @@ TEST_F(lost_link, a_new_operation_does_not_wait_for_the_pause) {
 // It is opened again once, and set up without a reset from then on.
 TEST_F(lost_link, an_adapter_that_closes_its_link_on_a_reset) {
     for (const int kind : {interface_wifi, interface_bluetooth}) {
-        state.interface_kind = kind;
-        state.bt_address = "AA:BB:CC:DD:EE:01";
+        place.choose(kind);
+        place.take_device("AA:BB:CC:DD:EE:01", QString());
         open();
         EXPECT_TRUE(link.may_be_reset());
         ask("AT I", "ELM");
@@ -134,8 +134,7 @@ TEST_F(lost_link, an_adapter_that_closes_its_link_on_a_reset) {
         link.disconnect();
         view.events.clear();
     }
-    state.interface_kind = interface_wifi;
-    state.wifi_ip = "192.168.0.11"; // nothing is known of another one
+    place.choose_wifi("192.168.0.11", "35000"); // nothing is known of another one
     open();
     EXPECT_TRUE(link.may_be_reset());
     set_up("AT Z");

@@ -12,8 +12,8 @@ namespace {
 class wifi : public testing::Test {
 protected:
     QTcpServer server;
-    process_state state;
-    wifi_transport transport{state};
+    adapter_place place;
+    wifi_transport transport{place};
     QTcpSocket* far_end = nullptr;
     QString received;
     QStringList events;
@@ -26,8 +26,7 @@ protected:
         });
         QObject::connect(&transport, &transport::OBDevent, [this](const QString& text) { received += text; });
         EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
-        state.wifi_ip = "127.0.0.1";
-        state.wifi_port = QString::number(server.serverPort());
+        place.choose_wifi("127.0.0.1", QString::number(server.serverPort()));
     }
     void open() {
         transport.open();
@@ -112,7 +111,7 @@ TEST_F(wifi, tells_a_refused_or_senseless_port) {
     for (const QString& port :
          {QString::number(closed_port), QString("0"), QString("words"), QString("70000")}) {
         events.clear();
-        state.wifi_port = port;
+        place.choose_wifi("127.0.0.1", port);
         transport.open();
         EXPECT_TRUE(wait_until([this] { return !events.isEmpty(); })) << port.toStdString();
         EXPECT_EQ(events.join(' '), "failed") << port.toStdString();

@@ -152,14 +152,15 @@ private:
 class soak : private run_observer {
 public:
     soak(const QString& car_name, unsigned seed) : random(seed) {
-        state.interface_kind = interface_wifi;
+        place.choose(interface_wifi);
         profile.db.init_DB();
         state.cur_veh_id = 1;
-        link = std::make_unique<adapter_link>(state, clock, view, [this, car_name](const process_state&) {
-            auto made = std::make_unique<troubled_transport>(car_name, random);
-            adapter = made.get();
-            return made;
-        });
+        link =
+            std::make_unique<adapter_link>(place, state, clock, view, [this, car_name](const adapter_place&) {
+                auto made = std::make_unique<troubled_transport>(car_name, random);
+                adapter = made.get();
+                return made;
+            });
         controller = std::make_unique<actions>(state, *link, toolies, view, profile.defaults, clock, results,
                                                profile.paths);
         controller->set_observer(this);
@@ -209,6 +210,7 @@ private:
 
     std::mt19937 random;
     temporary_profile profile;
+    adapter_place place;
     process_state state;
     hand_timers clock;
     blank_screen view;

@@ -38,6 +38,7 @@ public:
 
 // One start of the program on a profile that may have been used before.
 struct program {
+    adapter_place place;
     process_state state;
     hand_timers clock;
     recording_screen view;
@@ -52,8 +53,8 @@ struct program {
         : defaults(profile.paths.settings_file), db(profile.paths.documents) {}
     void start() {
         delegate = std::make_unique<Bv_lite_delegate>(
-            state, defaults, toolies, clock, view,
-            [this](const process_state&) { return std::make_unique<scripted_transport>(written, true); });
+            place, state, defaults, toolies, clock, view,
+            [this](const adapter_place&) { return std::make_unique<scripted_transport>(written, true); });
         delegate->applicationDidFinishLaunching(&area);
     }
 };
@@ -71,7 +72,7 @@ protected:
 TEST_F(start_up, the_first_time) {
     again.start();
     EXPECT_EQ(again.area.seen(), "vehicle Cur Veh., title Brivant Lite " BV_VERSION ", open 1, button 1");
-    EXPECT_EQ(again.state.interface_kind, interface_bluetooth);
+    EXPECT_EQ(again.place.interface_kind(), interface_bluetooth);
     EXPECT_FALSE(again.defaults.value(setting::metric_units));
     EXPECT_EQ(again.state.sample_pids, QStringList({"0D", "11", "0C", "05"}));
     EXPECT_EQ(again.defaults.value(setting::sample_set.of_vehicle(again.state.cur_veh_id)),
@@ -108,16 +109,16 @@ TEST_F(start_up, the_stored_link) {
         next.defaults.set(setting::wifi_port, "123456789012");
         next.defaults.set(setting::metric_units, true);
         next.start();
-        EXPECT_EQ(next.state.interface_kind, row.expected_kind) << row.why;
-        EXPECT_EQ(next.state.wifi_ip, row.expected_address) << row.why;
-        EXPECT_EQ(next.state.wifi_port, row.expected_kind == 6 ? "1234567890" : "35000") << row.why;
+        EXPECT_EQ(next.place.interface_kind(), row.expected_kind) << row.why;
+        EXPECT_EQ(next.place.wifi_ip(), row.expected_address) << row.why;
+        EXPECT_EQ(next.place.wifi_port(), row.expected_kind == 6 ? "1234567890" : "35000") << row.why;
     }
 }
 
 TEST_F(start_up, the_bluetooth_device_used_last) {
     again.defaults.set(setting::bluetooth_address, "00:1d:a5:68:98:8d"); // and no name
     again.start();
-    EXPECT_EQ(again.state.last_BT_Device, "00:1D:A5:68:98:8D");
+    EXPECT_EQ(again.place.last_BT_Device(), "00:1D:A5:68:98:8D");
     const std::pair<const char*, const char*> rows[] = {
         {"00:1d:a5:68:98:8b", "00:1D:A5:68:98:8B OBDII"}, {"00:1D:A5:68:98", " "}, {"words", " "}};
     for (const auto& [stored, expected] : rows) {
@@ -125,14 +126,13 @@ TEST_F(start_up, the_bluetooth_device_used_last) {
         next.defaults.set(setting::bluetooth_address, stored);
         next.defaults.set(setting::bluetooth_name, "OBDII");
         next.start();
-        EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, expected) << stored;
+        EXPECT_EQ(next.place.bt_address() + " " + next.place.last_BT_Device(), expected) << stored;
     }
-    again.state.bt_address = "00:1D:A5:68:98:8C";
-    again.state.last_BT_Device = "Another";
+    again.place.take_device("00:1D:A5:68:98:8C", "Another");
     Q_EMIT again.delegate->link.device_taken();
     program next(profile);
     next.start();
-    EXPECT_EQ(next.state.bt_address + " " + next.state.last_BT_Device, "00:1D:A5:68:98:8C Another");
+    EXPECT_EQ(next.place.bt_address() + " " + next.place.last_BT_Device(), "00:1D:A5:68:98:8C Another");
 }
 
 TEST_F(start_up, settings_without_log_runs_get_the_whole_table) {

@@ -42,9 +42,9 @@ TEST(launch_options, choose_the_link_for_this_run) {
     for (const auto& [words, kind, address, port] : rows) {
         program_core core(asked_for(QString(words).split(' ') + QStringList{"--profile", folder.path()}));
         core.choose_link();
-        EXPECT_EQ(core.state.interface_kind, kind) << words;
-        EXPECT_EQ(core.state.wifi_ip, address) << words;
-        EXPECT_EQ(core.state.wifi_port, port) << words;
+        EXPECT_EQ(core.place.interface_kind(), kind) << words;
+        EXPECT_EQ(core.place.wifi_ip(), address) << words;
+        EXPECT_EQ(core.place.wifi_port(), port) << words;
         EXPECT_FALSE(core.defaults.has(setting::interface_kind)) << words; // nothing of it is stored
     }
 }
@@ -85,8 +85,8 @@ TEST(program_core, a_demo_has_a_car_and_leaves_nothing) {
         QString problem;
         ASSERT_TRUE(core.start_demo(problem)) << problem.toStdString();
         core.choose_link();
-        EXPECT_EQ(core.state.interface_kind, interface_wifi);
-        EXPECT_EQ(core.state.wifi_ip, "127.0.0.1");
+        EXPECT_EQ(core.place.interface_kind(), interface_wifi);
+        EXPECT_EQ(core.place.wifi_ip(), "127.0.0.1");
         its_folder = core.paths.documents;
         EXPECT_TRUE(QDir(its_folder).exists());
     }

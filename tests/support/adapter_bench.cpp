@@ -5,7 +5,7 @@
 
 adapter_bench::adapter_bench() {
     silence_console_log();
-    state.interface_kind = interface_wifi;
+    place.choose(interface_wifi);
     profile.db.init_DB();
     if (const auto first = vehicle_or_first(profile.db, -1))
         state.cur_veh_id = first->id;

@@ -12,13 +12,14 @@
 // A link to a scripted adapter, with everything below a controller, the first vehicle current.
 struct adapter_bench {
     temporary_profile profile;
+    adapter_place place;
     process_state state;
     hand_timers clock;
     recording_screen view;
     QStringList written; // every command sent, without its "\r"
     scripted_transport* adapter = nullptr;
     bool opens_at_once = true;
-    adapter_link link{state, clock, view, [this](const process_state&) {
+    adapter_link link{place, state, clock, view, [this](const adapter_place&) {
                           auto made = std::make_unique<scripted_transport>(written, opens_at_once);
                           adapter = made.get();
                           return made;
