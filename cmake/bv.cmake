@@ -36,7 +36,7 @@ function(bv_test folder)
     list(TRANSFORM its_SOURCES PREPEND ${CMAKE_SOURCE_DIR}/tests/${folder}/)
     add_executable(${name}_tests ${its_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${its_LINKS} bv_flags GTest::gtest_main)
-    target_compile_definitions(${name}_tests PRIVATE BV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/${folder}")
+    target_compile_definitions(${name}_tests PRIVATE BV_TESTS="${CMAKE_SOURCE_DIR}/tests")
     bv_cases(${name} ${name}. *)
 endfunction()
 

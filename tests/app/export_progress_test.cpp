@@ -73,20 +73,3 @@ TEST(export_progress, stopped_leaves_no_half_file) {
     t.strip.stop();
     EXPECT_EQ(t.loggies().entryList(QDir::Files).size(), t.strip.files().size());
 }
-
-TEST(export_progress, a_folder_that_cannot_take_the_file) {
-    export_strip t;
-    const int id = t.stored(1, QStringLiteral("Log"));
-    QFile in_the_way(t.loggies().path());
-    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
-    t.strip.start({id, id}, false);
-    EXPECT_FALSE(t.strip.is_running());
-    EXPECT_TRUE(t.strip.words().contains(QStringLiteral("cannot be written (Not a directory)")))
-        << t.strip.words().toStdString();
-    EXPECT_EQ(t.ends.size(), 1);
-
-    ASSERT_TRUE(in_the_way.remove());
-    t.strip.start({id}, false);
-    ASSERT_TRUE(t.wait_until_ended());
-    EXPECT_EQ(t.strip.files().size(), 1);
-}

@@ -253,8 +253,7 @@ TEST(connection_test, tells_which_of_them_did_not_answer) {
             what.cut_after = 1;
         server.set_faults(what);
         const auto car = virtual_adapter::load_car(
-            what.cut_after ? QStringLiteral("can11")
-                           : QStringLiteral(BV_TEST_DATA "/../terminal/ignition_off.car"),
+            what.cut_after ? QStringLiteral("can11") : QStringLiteral(BV_TESTS "/terminal/ignition_off.car"),
             problem);
         const quint16 port = server.start(car);
         ASSERT_NE(port, 0) << problem.toStdString();

@@ -58,6 +58,7 @@ public:
 
     QString ended;                      // how the last operation ended; "" while it runs
     std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix
+    qint64 missing = 0;                 // cells that were left without a value
     std::function<void()> on_sweep;     // the person's doing
     QList<qsizetype> commands_by_sweep; // how many commands the adapter had carried out at the end of each
 
@@ -110,7 +111,9 @@ private:
     void run_ended() override { ended = live.sample_cnt >= sweeps_of_a_run ? "done" : "failed"; }
     void sample_arrived(int index) override {
         const QString body = live.cur_log_points.body(live.cur_log_points.rows() - 1, index);
-        if (body != no_reply)
+        if (body == no_reply)
+            ++missing;
+        else
             columns.insert(live.these_samples[index].pid + ' ' + body);
     }
     void sweep_completed() override {

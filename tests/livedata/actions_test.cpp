@@ -7,7 +7,7 @@
 namespace {
 
 conversation part(const char* text) {
-    return conversation::parse(text, "here", QStringLiteral(BV_TEST_DATA "/conversations"));
+    return conversation::parse(text, "here", QStringLiteral(BV_TESTS "/livedata/conversations"));
 }
 
 QString set_of(live_bench& bench) {
