@@ -1,58 +1,9 @@
-#include "tools/virtual_adapter/car.h"
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/car_file.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using namespace virtual_adapter;
-
-namespace {
-
-std::shared_ptr<car> built_in(const char* name) {
-    QString problem;
-    auto made = load_car(QString::fromLatin1(name), problem);
-    EXPECT_TRUE(made) << problem.toStdString();
-    return made;
-}
-
-} // namespace
-
-// What the maps announce is what the ECU answers, for every group of services 01, 02 and 06.
-TEST(car, maps_and_answers_agree) {
-    ASSERT_GE(built_in_cars().size(), 8);
-    for (const QString& name : built_in_cars()) {
-        const auto on = built_in(name.toLatin1().constData());
-        on->set_clock([] { return steady_moment_s; });
-        const bool can = is_can(on->network().kind);
-        for (const std::uint8_t service : {0x01, 0x02, 0x06}) {
-            const bytes tail = service == 0x02 ? bytes{0x00} : bytes{};
-            const std::size_t map_at = service == 0x02 || (service == 0x06 && !can) ? 3 : 2;
-            for (int group = 0; group <= 0xE0; group += 0x20) {
-                std::map<std::uint32_t, bytes> maps;
-                bytes request{service, std::uint8_t(group)};
-                request.insert(request.end(), tail.begin(), tail.end());
-                for (const answer& one : on->ask(request))
-                    if (one.messages.front()[0] != 0x7F)
-                        maps[one.address] = one.messages.front();
-                for (int id = group + 1; id < group + 0x20; ++id) {
-                    request[1] = std::uint8_t(id);
-                    std::vector<std::uint32_t> announced, answering;
-                    for (const auto& [address, map] : maps)
-                        if (map.at(map_at + std::size_t(id - group - 1) / 8) & 0x80 >> (id - group - 1) % 8)
-                            announced.push_back(address);
-                    for (const answer& one : on->ask(request))
-                        if (one.messages.front()[0] == service + 0x40)
-                            answering.push_back(one.address);
-                    std::sort(answering.begin(), answering.end());
-                    EXPECT_EQ(announced, answering)
-                        << name.toStdString() << " service " << int(service) << " id " << id;
-                }
-            }
-        }
-    }
-}
 
 TEST(car_file, mistakes_name_their_line) {
     struct {
