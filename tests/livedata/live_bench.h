@@ -19,6 +19,7 @@ struct live_bench : adapter_bench, private run_observer {
         bench_actions();
         facts["running"]  = [this] { return QString(controller->is_running() ? "yes" : "no"); };
         facts["set"]      = [this] { return results.pid_logitems_list.join(' '); };
+        facts["names"]    = [this] { return column([](const sample_row& r) { return r.name; }); };
         facts["sweeps"]   = [this] { return QString::number(results.sample_cnt); };
         facts["lines"]    = [this] { return QString::number(results.log_sample_cnt); };
         facts["latest"]   = [this] { return column([](const sample_row& r) { return r.value; }); };
@@ -65,6 +66,7 @@ private:
         actions["choose"] = [this](const QString& mode) {
             opened().comboBoxSelectionDidChange(mode.toInt());
         };
+        actions["set-changed"] = [this](const QString&) { opened().sample_set_changed(); };
     }
     void choose_and_start(int mode) {
         opened().comboBoxSelectionDidChange(mode);
