@@ -63,7 +63,8 @@ TEST(reply, says_what_each_ecu_said) {
     EXPECT_EQ(two.ecus()[0].refused(), std::nullopt);
     EXPECT_EQ(two.ecus()[1].refused(), (negative_response{0x01, 0x0C}));
     EXPECT_TRUE(two.ecus()[2].refused()->is_pending());
-    const reply copy = two;
+    reply copy;
+    copy = two;
     EXPECT_EQ(&copy.ecus(), &two.ecus()) << "taken apart once";
 
     // On ISO 14230-4 a header tells the length of its message.
