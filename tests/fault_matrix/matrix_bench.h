@@ -34,7 +34,7 @@ public:
         link.openInterfaceConnection(); // so that there is an adapter to be given faults
         link.disconnect();
     }
-    ~matrix_bench() { link.set_controller(nullptr); }
+    ~matrix_bench() override { link.set_controller(nullptr); }
 
     in_process_adapter::car_pointer car;
     temporary_profile profile;

@@ -169,7 +169,7 @@ private:
         held.clear();
     }
 
-    const adapter_place somewhere;
+    const adapter_place somewhere{};
     process_state state;
     bool is_console = false;
     still_timers clock;
