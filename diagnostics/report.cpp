@@ -1,7 +1,7 @@
 #include "diagnostics/report.h"
 
-#include "base/process_state.h"
 #include "base/string_table.h"
+#include "operations/operation_code.h"
 
 #include <algorithm>
 

@@ -65,7 +65,7 @@ void value_answered(diagnostic_talk& car, const reply& answer, const QString& he
 
 talk work_out_vehicle_info(diagnostic_talk& car) {
     co_await car.ready("Starting Read vehicle Info");
-    const obd_groups ecus = car.state.available_pids; // as they are now
+    const obd_groups ecus = car.state.available_pids(); // as they are now
     QStringList supporting;
     qsizetype pids = 0;
     for (const obd_group& ecu : ecus) {

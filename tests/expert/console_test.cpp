@@ -24,7 +24,7 @@ struct console_bench : adapter_bench {
             controller.handle_a_send(typed);
         };
         actions["script"] = [this](const QString& values) { script(values.split(", ")); };
-        actions["initialised"] = [this](const QString&) { state.adapter_ready = true; };
+        actions["initialised"] = [this](const QString&) { found_out.ready = true; };
         facts["ended"] = [this] { return ended; };
         facts["transcript"] = [this] { return shown().chopped(1).replace('\n', " / "); };
     }
@@ -93,7 +93,7 @@ TEST(script, passes) {
 TEST(script, answers_inside_the_send_neither_pile_up_nor_keep_the_event_loop) {
     adapter_bench bench;
     bench.place.choose(interface_simulated);
-    adapter_link link{bench.place, bench.state, bench.clock, bench.view, make_transport};
+    adapter_link link{bench.place, bench.found_out, bench.clock, bench.view, make_transport};
     expert_session session{bench.profile.defaults};
     expertCtrlr controller(bench.state, link, bench.toolies, bench.view, bench.profile.defaults, session);
     link.set_controller(&controller);

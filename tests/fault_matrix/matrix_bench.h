@@ -25,7 +25,7 @@ public:
         place.choose(interface_wifi);
         profile.db.init_DB();
         if (const auto first = vehicle_or_first(profile.db, -1))
-            state.cur_veh_id = first->id;
+            state.make_current(first->id, {});
         profile.defaults.set(setting::metric_units, true);
         profile.defaults.set(setting::log_runs, true);
         live_controller.set_observer(this);
@@ -39,16 +39,17 @@ public:
     in_process_adapter::car_pointer car;
     temporary_profile profile;
     adapter_place place;
-    process_state state;
+    adapter_facts facts;
+    car_state state;
     hand_timers clock;
     recording_screen view;
     in_process_adapter* adapter = nullptr;
-    adapter_link link{place, state, clock, view, [this](const adapter_place&) {
+    adapter_link link{place, facts, clock, view, [this](const adapter_place&) {
                           auto made = std::make_unique<in_process_adapter>(clock, car);
                           adapter = made.get();
                           return made;
                       }};
-    mac_toolies toolies{state, profile.defaults, profile.db};
+    mac_toolies toolies{facts, state, profile.defaults, profile.db};
     diagnostic_results results;
     live_results live{[this](const QString& body) { return toolies.get_OBDVal(body); }};
     readCodes diagnostics{state, link, toolies, view, results, profile.paths};

@@ -74,12 +74,12 @@ void soak(const char* car, unsigned seed, const QStringList& pids, qint64 exchan
     const std::set<QString> values = bench.columns;
     ASSERT_EQ(values.size(), size_t(pids.size()));
 
-    troubled_line line(seed, bench.state.cur_protocol >= 6);
+    troubled_line line(seed, bench.facts.cur_protocol() >= 6);
     while (line.exchanges < exchanges) {
         if (!bench.is_running()) // behind five time-outs at the start
             bench.live_controller.runLogs();
         bench.adapter->trouble = [&](const std::string& text) -> std::vector<in_process_adapter::piece> {
-            if (!bench.state.adapter_ready) // the initialisation is not what is looked at
+            if (!bench.facts.adapter_ready()) // the initialisation is not what is looked at
                 return {{text}};
             return line.pass(QByteArray::fromStdString(text));
         };

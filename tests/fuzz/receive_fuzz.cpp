@@ -85,7 +85,7 @@ public:
                 break;
             case 4:
                 ++i;
-                state.cur_protocol = hex_digit(QLatin1Char(next));
+                told.protocol = hex_digit(QLatin1Char(next));
                 break;
             case 5: leave(); break;
             case 6:
@@ -170,10 +170,12 @@ private:
     }
 
     const adapter_place somewhere{};
-    process_state state;
+    struct : adapter_facts {
+        using adapter_facts::protocol;
+    } told;
     bool is_console = false;
     still_timers clock;
-    exchange traffic{somewhere, state, clock, *this};
+    exchange traffic{somewhere, told, clock, *this};
     QByteArray piece; // not yet received
     QByteArray held;
     QByteArrayList replies;

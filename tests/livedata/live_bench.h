@@ -13,7 +13,6 @@ struct live_bench : adapter_bench, private run_observer {
     int stop_after = -1; // sweeps
 
     live_bench() {
-        state.available_pids.clear();
         profile.defaults.set(setting::metric_units, true);
         // clang-format off
         bench_actions();

@@ -23,9 +23,9 @@ talk set_up(car_talk& car) {
     co_await car.ready(QString());
 }
 
-talk list_tests(car_talk& car, QString& found) {
-    car.state.cur_protocol = 6;
-    car.state.headers_shown = car.state.adapter_ready = true;
+talk list_tests(car_talk& car, told_facts& found_out, QString& found) {
+    found_out.protocol = 6;
+    found_out.headers = found_out.ready = true;
     obd_groups ecus;
     co_await inner_process_pid_support(car, QStringLiteral("06"), ecus);
     found = text_of(ecus);
@@ -42,13 +42,15 @@ struct operation_bench : adapter_bench {
         view.events.clear();
         car.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
         actions["start"] = [this](const QString&) { begin([this] { return set_up(car); }); };
-        actions["loop"] = [this](const QString&) { begin([this] { return list_tests(car, found); }); };
+        actions["loop"] = [this](const QString&) {
+            begin([this] { return list_tests(car, found_out, found); });
+        };
         actions["lose_database"] = [this](const QString&) {
             EXPECT_TRUE(QFile::remove(profile.db.path()) && QDir().mkpath(profile.db.path()));
             EXPECT_TRUE(redirect_console_log(profile.folder.filePath("log")));
         };
         QObject::connect(&link, &adapter_link::condition_changed, &link,
-                         [this] { told_ready = state.adapter_ready; });
+                         [this] { told_ready = found_out.ready; });
         facts["told"] = [this] { return told_ready ? "ready" : "not ready"; };
         facts["found"] = [this] { return found; };
         facts["ended"] = [this] { return ended; };
