@@ -28,7 +28,7 @@ QFrame* thin_line() {
 } // namespace
 
 main_window::main_window(program_core& its_core)
-    : core(its_core), delegate(core.place, core.state, core.defaults, core.toolies, core.clock, *this),
+    : core(its_core), delegate(core.place, core.adapter, core.car, core.toolies, core.clock, *this),
       toast(&area), help(&area), sheet(this) {
     lay_out();
     add_keys();
@@ -213,7 +213,7 @@ void main_window::beep() {
 }
 
 void main_window::show_surroundings() {
-    status.set_link(report_link(delegate.link, core.state, core.toolies, is_demo()));
+    status.set_link(report_link(delegate.link, core.car, core.toolies, is_demo()));
     tools.set_vehicle_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
                            is_demo());
 }

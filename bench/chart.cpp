@@ -3,7 +3,6 @@
 // million sweeps of eight PIDs. Run a release build on an otherwise idle machine. With a folder as argument
 // the pictures of the last round are left there.
 
-#include "base/process_state.h"
 #include "base/user_defaults.h"
 #include "charts/drawChartyItem.h"
 #include "charts/myGauge.h"
@@ -94,10 +93,11 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const QTemporaryDir folder;
-    process_state state;
+    const adapter_facts adapter{};
+    const car_state no_car{};
     user_defaults defaults(folder.filePath("settings.ini"));
     database db(folder.path());
-    mac_toolies toolies(state, defaults, db);
+    mac_toolies toolies(adapter, no_car, defaults, db);
     drive car;
 
     std::printf("%10s %14s %14s %14s %14s %12s\n", "sweeps", "reply ms", "chart ms", "group of 4 ms",

@@ -25,8 +25,7 @@ const QByteArray asked_for = "01 0C\r";
 // What a live run does with each reply, without a matrix to put the value in.
 class sampler : public task_controller {
 public:
-    sampler(process_state& process, adapter_link& its_link, const mac_toolies& its_toolies)
-        : state(process), link(its_link), toolies(its_toolies) {}
+    sampler(adapter_link& its_link, const mac_toolies& its_toolies) : link(its_link), toolies(its_toolies) {}
 
     double run() {
         return counter.run([this] { send(); });
@@ -49,7 +48,6 @@ public:
 private:
     void send() { link.sendOBDcmd_n(QString::fromLatin1(asked_for), QString(), true); }
 
-    process_state& state;
     adapter_link& link;
     const mac_toolies& toolies;
     round_counter counter;
@@ -87,12 +85,12 @@ int main(int argc, char** argv) {
     redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
 
     quiet_screen view;
-    adapter_link link(core.place, core.state, core.clock, view, make_transport);
+    adapter_link link(core.place, core.adapter, core.clock, view, make_transport);
     core.db.init_DB();
-    readCodes controller(core.state, link, core.toolies, view, core.diagnostics, core.paths);
+    readCodes controller(core.car, link, core.toolies, view, core.diagnostics, core.paths);
     initialise(link, controller);
 
-    sampler program(core.state, link, core.toolies);
+    sampler program(link, core.toolies);
     link.set_controller(&program);
     bare_socket bare(port, {asked_for});
     std::vector<double> with_program, without, ratios;

@@ -28,7 +28,7 @@ public:
     void ask_yes_no(const QString&, const QString&, std::function<void(bool)> answer) override {
         answer(true);
     }
-    void reload(const QString&) override {}
+    void reload(part) override {}
     void play_sound(int) override {}
     void beep() override {}
 };

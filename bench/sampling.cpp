@@ -41,7 +41,7 @@ qint64 memory_kb() {
 class program : private run_observer {
 public:
     program(program_core& core, adapter_link& its_link, screen& view)
-        : results(core.live), controller(core.state, its_link, core.toolies, view, core.defaults, core.clock,
+        : results(core.live), controller(core.car, its_link, core.toolies, view, core.defaults, core.clock,
                                          core.live, core.paths) {
         controller.set_observer(this);
         its_link.set_controller(&controller);
@@ -168,10 +168,10 @@ int main(int argc, char** argv) {
     redirect_console_log(core.paths.documents + QStringLiteral("/console.log"));
     if (!core.db.init_DB())
         give_up(core.db.problem());
-    core.state.cur_veh_id = 1;
+    core.car.make_current(1, {});
 
     quiet_screen view;
-    adapter_link link(core.place, core.state, core.clock, view, make_transport);
+    adapter_link link(core.place, core.adapter, core.clock, view, make_transport);
     program run(core, link, view);
     const auto storing = [&core](bool on) { core.defaults.set(setting::log_runs, on); };
     storing(false);

@@ -15,7 +15,6 @@ namespace {
 
 constexpr int rounds = 11;
 constexpr int passes = 20000;
-constexpr int sea_level_kpa = 101;
 
 // What a live run receives, as the link hands it on: most of it one or two data bytes.
 const QStringList& typical_replies() {
@@ -50,16 +49,14 @@ int main() {
     const text_resources lists;
     qsizetype made = 0; // printed, so that no conversion can be left out
     const auto translate = [&lists](unit_system units) {
-        return [&lists, units](const QString& reply) {
-            return translateResponse(reply, units, sea_level_kpa, lists).size();
-        };
+        return
+            [&lists, units](const QString& reply) { return translateResponse(reply, units, lists).size(); };
     };
     const double metric = median_rate(translate(unit_system::metric), made);
     const double imperial = median_rate(translate(unit_system::imperial), made);
     const double value = median_rate(
         [&lists](const QString& reply) {
-            return get_OBDVal(reply, unit_system::metric, sea_level_kpa, lists) > 0 ? qsizetype{1}
-                                                                                    : qsizetype{0};
+            return get_OBDVal(reply, unit_system::metric, lists) > 0 ? qsizetype{1} : qsizetype{0};
         },
         made);
     const double bytes =

@@ -20,23 +20,42 @@ if(BV_FUZZ)
     target_link_options(bv_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
-# bv_library(name SOURCES files... LINKS libraries...): the static library of the current folder. A header stands in the
-# list only when it has Q_OBJECT and no .cpp of its name. tools/check_floors tells of a .cpp that no list names.
-function(bv_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS")
-    add_library(${name} STATIC ${its_SOURCES})
-    target_link_libraries(${name} PUBLIC bv_flags ${its_LINKS})
+# What most sources include is parsed once: for the libraries, for the tests, and for both where there are widgets. A
+# source includes what it uses all the same; the presets without precompiled headers tell.
+set(bv_headers <QByteArray> <QFile> <QHash> <QList> <QMap> <QObject> <QRegularExpression> <QString> <QStringList>
+    <QVariant> <algorithm> <array> <cmath> <functional> <memory> <optional> <utility> <vector>)
+set(bv_widget_headers ${bv_headers} <QAbstractItemModel> <QApplication> <QBoxLayout> <QLabel> <QPainter> <QPushButton>
+    <QWidget>)
+
+# bv_precompile(target shared [headers...]): headers of its own, or those of the target `shared`, whose flags are the same.
+function(bv_precompile target shared)
+    if(ARGN)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${shared})
+    endif()
 endfunction()
 
-# bv_test(folder SOURCES files... LINKS libraries...): the test program of tests/<folder>, which links only that
-# folder's floor.
+# bv_library(name SOURCES files... LINKS libraries... [PRECOMPILES headers...]): the static library of the current
+# folder. A header stands in the list only when it has Q_OBJECT and no .cpp of its name. tools/check_floors tells of a
+# .cpp that no list names.
+function(bv_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS;PRECOMPILES")
+    add_library(${name} STATIC ${its_SOURCES})
+    target_link_libraries(${name} PUBLIC bv_flags ${its_LINKS})
+    bv_precompile(${name} base ${its_PRECOMPILES})
+endfunction()
+
+# bv_test(folder SOURCES files... LINKS libraries... [PRECOMPILES headers...]): the test program of tests/<folder>, which
+# links only that folder's floor.
 function(bv_test folder)
-    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 its "" "" "SOURCES;LINKS;PRECOMPILES")
     string(REPLACE "/" "_" name ${folder})
     list(TRANSFORM its_SOURCES PREPEND ${CMAKE_SOURCE_DIR}/tests/${folder}/)
     add_executable(${name}_tests ${its_SOURCES})
     target_link_libraries(${name}_tests PRIVATE ${its_LINKS} bv_flags GTest::gtest_main)
-    target_compile_definitions(${name}_tests PRIVATE BV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/${folder}")
+    target_compile_definitions(${name}_tests PRIVATE BV_TESTS="${CMAKE_SOURCE_DIR}/tests")
+    bv_precompile(${name}_tests test_main ${its_PRECOMPILES})
     bv_cases(${name} ${name}. *)
 endfunction()
 

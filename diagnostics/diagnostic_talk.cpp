@@ -4,10 +4,10 @@
 #include "obd/trouble_codes.h"
 #include "persistence/log_files.h"
 
-diagnostic_talk::diagnostic_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+diagnostic_talk::diagnostic_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies,
                                  screen& its_view, diagnostic_results& its_results,
                                  const app_paths& its_paths)
-    : car_talk(process, its_link, its_toolies, its_view), results(its_results),
+    : car_talk(its_car, its_link, its_toolies, its_view), results(its_results),
       log(its_paths, its_toolies.store()) {}
 
 void diagnostic_talk::progress(qsizetype done, qsizetype total) {
@@ -54,7 +54,7 @@ diagnostic_report diagnostic_talk::report_of(int operation_code) {
 void diagnostic_talk::write_report() {
     if (!log.is_on())
         return;
-    const QString problem = log.store(report_of(cur_op()), state.cur_veh_id);
+    const QString problem = log.store(report_of(cur_op()), state.cur_veh_id());
     if (!problem.isEmpty())
         view.show_message(QString(), problem);
 }

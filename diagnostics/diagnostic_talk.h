@@ -12,8 +12,8 @@ inline const QString no_ecu_answers =
 class diagnostic_talk : public car_talk {
 public:
     // Everything referred to outlives it.
-    diagnostic_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
-                    screen& its_view, diagnostic_results& its_results, const app_paths& its_paths);
+    diagnostic_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+                    diagnostic_results& its_results, const app_paths& its_paths);
 
     void progress(qsizetype done, qsizetype total);
     // Adds what a request brought to the part's results. A reply that was given up on, because its first ECU

@@ -69,7 +69,7 @@ talk work_mode6_test(diagnostic_talk& car, mode6_test test) {
 }
 
 talk find_monitors(diagnostic_talk& car, monitor_range monitors, QStringList& identifiers) {
-    if (!is_can(car.state.cur_protocol))
+    if (!is_can(car.link.adapter().cur_protocol()))
         nothing_there(car, QStringLiteral("Not Supported by your vehicle"), sound_done);
     const reply support = co_await car.ask(monitors.support_request);
     if (support.no_data())

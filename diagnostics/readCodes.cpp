@@ -2,9 +2,9 @@
 
 #include "persistence/log_files.h"
 
-readCodes::readCodes(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
-                     screen& its_view, diagnostic_results& its_results, const app_paths& its_paths)
-    : diagnostic_talk(process, its_link, its_toolies, its_view, its_results, its_paths) {}
+readCodes::readCodes(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+                     diagnostic_results& its_results, const app_paths& its_paths)
+    : diagnostic_talk(its_car, its_link, its_toolies, its_view, its_results, its_paths) {}
 
 readCodes::~readCodes() {
     operation_ended = nullptr;

@@ -6,7 +6,7 @@
 class readCodes : public diagnostic_talk {
 public:
     // Everything referred to outlives the controller.
-    readCodes(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+    readCodes(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
               diagnostic_results& its_results, const app_paths& its_paths);
     ~readCodes() override;
 

@@ -1,8 +1,8 @@
 #include "diagnostics/report.h"
 
-#include "base/process_state.h"
 #include "base/string_table.h"
 #include "diagnostics/mode6_records.h"
+#include "operations/operation_code.h"
 
 #include <algorithm>
 

@@ -13,7 +13,7 @@ struct diagnostic_report {
     QString raw; // a second chunk: the raw records of a misfire or O2 test; "" for none
 };
 
-// The report of the operation (a code of process_state.h); nothing for an operation that leaves none.
+// The report of the operation (a code of operation_code.h); nothing for an operation that leaves none.
 // `today`: the date of its heading. `describe`: a code's description. The text is for reading: for the
 // database, single quotes have to be doubled.
 std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagnostic_results& results,

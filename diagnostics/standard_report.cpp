@@ -1,9 +1,9 @@
 #include "diagnostics/standard_report.h"
 
-#include "base/process_state.h"
 #include "diagnostics/permanent_codes.h"
 #include "diagnostics/second_reading.h"
 #include "diagnostics/second_status.h"
+#include "operations/operation_code.h"
 
 namespace {
 

@@ -38,14 +38,14 @@ void evaluate_monitor_status(diagnostic_talk& car, const reply& status) {
 void note_the_read(diagnostic_talk& car) {
     const QString now = QLocale::system().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
     car.results.cur_err_msg = fill(QStringLiteral("Read on: %@"), {now});
-    const qsizetype bar = car.state.protocol_description.indexOf(QLatin1Char('|'));
+    const qsizetype bar = car.link.adapter().protocol_description().indexOf(QLatin1Char('|'));
     if (bar >= 0)
-        car.link.describe_protocol(car.state.protocol_description.sliced(bar + 1));
+        car.link.describe_protocol(car.link.adapter().protocol_description().sliced(bar + 1));
 
     car.results.xtraInfoArray = {
         car.results.cur_err_msg,
-        fill(QStringLiteral("Interface: %@"), {car.state.interface_description}),
-        fill(QStringLiteral("Protocol: %@"), {car.state.protocol_description}),
+        fill(QStringLiteral("Interface: %@"), {car.link.adapter().interface_description()}),
+        fill(QStringLiteral("Protocol: %@"), {car.link.adapter().protocol_description()}),
         fill(QStringLiteral("No of ECUS: %d"), {QString::number(car.results.no_of_ecus)}),
     };
     car.results.code_count_label = QString::number(car.results.no_of_codes);

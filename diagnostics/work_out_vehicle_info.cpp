@@ -47,7 +47,7 @@ void value_answered(diagnostic_talk& car, const reply& what_came, const QString&
 
 talk work_out_vehicle_info(diagnostic_talk& car) {
     co_await car.ready("Starting Read vehicle Info");
-    const obd_groups ecus = car.state.available_pids; // as they are now
+    const obd_groups ecus = car.state.available_pids(); // as they are now
     QStringList supporting;
     qsizetype pids = 0;
     for (const obd_group& ecu : ecus) {

@@ -12,9 +12,9 @@ constexpr int late_reply_ms = 3000;
 
 } // namespace
 
-expertCtrlr::expertCtrlr(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+expertCtrlr::expertCtrlr(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies,
                          screen& its_view, user_defaults& settings, expert_session& its_session)
-    : car_talk(process, its_link, its_toolies, its_view), defaults(settings), own(its_session) {}
+    : car_talk(its_car, its_link, its_toolies, its_view), defaults(settings), own(its_session) {}
 
 expertCtrlr::~expertCtrlr() {
     operation_ended = nullptr;

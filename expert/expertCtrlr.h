@@ -10,7 +10,7 @@
 class expertCtrlr : public car_talk {
 public:
     // Everything referred to outlives the controller.
-    expertCtrlr(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+    expertCtrlr(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
                 user_defaults& settings, expert_session& its_session);
     ~expertCtrlr() override;
 

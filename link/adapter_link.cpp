@@ -22,10 +22,10 @@ std::unique_ptr<transport> make_transport(const adapter_place& place) {
     }
 }
 
-adapter_link::adapter_link(adapter_place& its_place, process_state& process, timers& time_source,
+adapter_link::adapter_link(adapter_place& its_place, adapter_facts& its_facts, timers& time_source,
                            screen& its_screen, transport_maker make_transport)
-    : far_end(its_place), state(process), clock(time_source), view(its_screen),
-      maker(std::move(make_transport)), traffic(its_place, process, time_source, *this), quirks(its_place),
+    : far_end(its_place), facts(its_facts), clock(time_source), view(its_screen),
+      maker(std::move(make_transport)), traffic(its_place, its_facts, time_source, *this), quirks(its_place),
       watchdog(
           time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); },
           [this] { never_opened(); }),
@@ -100,10 +100,10 @@ bool adapter_link::openTCP_socky() {
 
 void adapter_link::forget_adapter() {
     traffic.reset();
-    state.adapter_ready = false;
-    state.adapter_known = false;
-    state.headers_shown = false;
-    state.cur_protocol = -1;
+    facts.ready = false;
+    facts.known = false;
+    facts.headers = false;
+    facts.protocol = -1;
 }
 
 void adapter_link::disconnect() {
@@ -237,13 +237,13 @@ void adapter_link::transmit(const QByteArray& command) {
 }
 
 void adapter_link::adapter_is_set_up() {
-    state.adapter_ready = true;
+    facts.ready = true;
     Q_EMIT condition_changed();
 }
 
 void adapter_link::set_up_next_time(bool from_a_reset) {
-    state.adapter_ready = false;
-    state.adapter_known = state.adapter_known && !from_a_reset;
+    facts.ready = false;
+    facts.known = facts.known && !from_a_reset;
     Q_EMIT condition_changed();
 }
 
@@ -254,11 +254,11 @@ void adapter_link::reply_arrived(const reply& what_came) {
     if (traffic.current_command().why != sent_command::purpose::sets_up && !what_came.is_none())
         again.stop(); // the new link holds
     if (command.startsWith(QLatin1String("AT H1")) && what_came.text().contains(QLatin1String("OK")))
-        state.headers_shown = true;
+        facts.headers = true;
     else if (command.startsWith(QLatin1String("AT H0")) && what_came.text().contains(QLatin1String("OK")))
-        state.headers_shown = false;
+        facts.headers = false;
     else if (command.startsWith(QLatin1String("AT Z")))
-        state.headers_shown = false;
+        facts.headers = false;
     reset_under_way.reset();
     if (tcpConnectReady && controller)
         controller->handleOBDRcvdMsg(what_came);
@@ -266,7 +266,7 @@ void adapter_link::reply_arrived(const reply& what_came) {
 
 void adapter_link::command_unanswered() {
     view.beep();
-    if (state.adapter_known) // so it is alive, and did not answer this
+    if (facts.known) // so it is alive, and did not answer this
         quirks.unanswered(current_command());
     tell_loss({});
     if (again.tries() <= 1) // once for a link that is tried for again and again

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "base/adapter_facts.h"
 #include "base/screen.h"
 #include "base/timers.h"
 #include "link/adapter_quirks.h"
@@ -16,7 +16,7 @@
 
 // The one link to the adapter, for the life of the process: it opens and closes the transport, carries
 // commands and replies through the exchange, and tells the current task controller what happens. Everything
-// runs on the main thread. The place, the process state, the timers and the screen outlive it.
+// runs on the main thread. The place, the facts, the timers and the screen outlive it.
 class adapter_link : public QObject, private exchange_owner {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ public:
     using transport_maker = std::function<std::unique_ptr<transport>(const adapter_place&)>;
 
     // `make_transport` builds the transport for the interface kind of the place, anew for each kind.
-    adapter_link(adapter_place& its_place, process_state& process, timers& time_source, screen& its_screen,
+    adapter_link(adapter_place& its_place, adapter_facts& its_facts, timers& time_source, screen& its_screen,
                  transport_maker make_transport);
     ~adapter_link() override;
 
@@ -33,6 +33,8 @@ public:
     task_controller* mainViewController() const { return controller; }
     // Where it leads.
     const adapter_place& place() const { return far_end; }
+    // What is known of the adapter there.
+    const adapter_facts& adapter() const { return facts; }
 
     // Opens the link. True when it is up, so that the operation may start at once; false when it is still
     // opening (the controller's work_current_task() is called when it is up) or could not be opened.
@@ -69,11 +71,11 @@ public:
     void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command().text; }
-    // What is known of the adapter, which the link alone writes. The initialisation tells what it finds out:
-    void adapter_answered() { state.adapter_known = true; } // to a reset
-    void protocol_told(int number) { state.cur_protocol = number; }
-    void describe_interface(const QString& text) { state.interface_description = text; }
-    void describe_protocol(const QString& text) { state.protocol_description = text; }
+    // The initialisation tells what it finds out about the adapter:
+    void adapter_answered() { facts.known = true; } // to a reset
+    void protocol_told(int number) { facts.protocol = number; }
+    void describe_interface(const QString& text) { facts.interface_text = text; }
+    void describe_protocol(const QString& text) { facts.protocol_text = text; }
     void adapter_is_set_up();
     // The next operation initialises it anew, `from_a_reset`: beginning with one.
     void set_up_next_time(bool from_a_reset);
@@ -127,7 +129,7 @@ private:
     void never_opened();
 
     adapter_place& far_end;
-    process_state& state;
+    adapter_facts& facts;
     timers& clock;
     screen& view;
     transport_maker maker;

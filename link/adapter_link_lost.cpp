@@ -35,7 +35,7 @@ void adapter_link::left_by_loss(const link_lost& loss) {
 // Its supply dipped, as when the engine is started: echo is on again and headers are off.
 void adapter_link::adapter_started_anew() {
     console_log(QStringLiteral("The adapter has started anew"));
-    state.headers_shown = false;
+    facts.headers = false;
     set_up_next_time(true);
 }
 

@@ -13,9 +13,9 @@ constexpr qsizetype most_on_the_way = 8;
 
 } // namespace
 
-exchange::exchange(const adapter_place& its_place, const process_state& process, timers& time_source,
+exchange::exchange(const adapter_place& its_place, const adapter_facts& its_adapter, timers& time_source,
                    exchange_owner& its_owner)
-    : place(its_place), state(process), clock(time_source), owner(its_owner) {}
+    : place(its_place), adapter(its_adapter), clock(time_source), owner(its_owner) {}
 
 void exchange::send(const sent_command& command) {
     cur_cmd = command;
@@ -109,7 +109,7 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
 }
 
 reply exchange::taken_apart(const QString& text) const {
-    return reply({text, state.cur_protocol, state.headers_shown});
+    return reply({text, adapter.cur_protocol(), adapter.headers_shown()});
 }
 
 // Works on the text up to the prompt. True when the next reply is the one to look at: this was a late one, or

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "base/adapter_facts.h"
 #include "base/rx_buffer.h"
 #include "base/timers.h"
 #include "link/adapter_place.h"
@@ -24,11 +24,11 @@ public:
 };
 
 // The command in flight: sent, timed, its reply cut at ">", normalised, checked, asked again or given up. At
-// most one command waits for a reply at any time; only its reply is handed on. Lives as long as its owner and
-// the process state it works on.
+// most one command waits for a reply at any time; only its reply is handed on. Its
+// owner, and what it reads, live as long as it does.
 class exchange {
 public:
-    exchange(const adapter_place& its_place, const process_state& process, timers& time_source,
+    exchange(const adapter_place& its_place, const adapter_facts& its_adapter, timers& time_source,
              exchange_owner& its_owner);
 
     // While an earlier try of the same command is still on its way, its reply is waited for instead: nothing
@@ -74,7 +74,7 @@ private:
     void hand_on(const reply& what_came);
 
     const adapter_place& place;
-    const process_state& state;
+    const adapter_facts& adapter;
     timers& clock;
     exchange_owner& owner;
 

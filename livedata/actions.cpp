@@ -37,10 +37,10 @@ nobody no_observer;
 
 } // namespace
 
-actions::actions(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+actions::actions(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
                  user_defaults& settings, timers& time_source, live_results& its_results,
                  const app_paths& its_paths)
-    : sampling_talk(process, its_link, its_toolies, its_view, time_source, its_results, its_paths),
+    : sampling_talk(its_car, its_link, its_toolies, its_view, time_source, its_results, its_paths),
       defaults(settings), watching(&no_observer) {
     storing.set_rate(defaults.value(setting::sample_rate));
     storing.saved_delayed_sample = [this] { set_status_msg(QStringLiteral("Saved delayed sample")); };
@@ -112,12 +112,12 @@ void actions::choose_mode(int mode) {
 }
 
 QStringList actions::log_run_set() {
-    return stored_log_run_set(defaults, toolies, state.cur_veh_id);
+    return stored_log_run_set(defaults, toolies, state.cur_veh_id());
 }
 
 void actions::take_set(const QStringList& items) {
     results.pid_logitems_list = items;
-    results.veh_id = state.cur_veh_id;
+    results.veh_id = state.cur_veh_id();
     results.metric = toolies.units() == unit_system::metric;
     results.by_standard = toolies.standard_reading();
     results.sample_cnt = 0;
@@ -142,7 +142,7 @@ void actions::rework_gui_objects() {
 
 // What is shown of the run before must be of this vehicle, its set, and the units in force.
 bool actions::results_still_fit() {
-    if (results.mode == 0 || results.veh_id != state.cur_veh_id ||
+    if (results.mode == 0 || results.veh_id != state.cur_veh_id() ||
         results.metric != (toolies.units() == unit_system::metric))
         return false;
     return results.mode != op_log_run || results.pid_logitems_list == log_run_set();
@@ -154,7 +154,8 @@ void actions::addEngECU_toPidList() {
         // The initialisation rewrites the stored set when it finds another car.
         if (const QStringList stored = log_run_set(); stored != results.pid_logitems_list)
             take_set(stored);
-        if (QStringList named = state.sample_pids; name_ecu(named, header))
+        if (QStringList named = defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id()));
+            name_ecu(named, header))
             toolies.save_pids_2_sample_prefs(named);
     }
     name_ecu(results.pid_logitems_list, header);
@@ -176,7 +177,7 @@ void actions::begin_run() {
     results.is_stored = false;
     results.log_id = -1;
     if (defaults.value(setting::log_runs)) {
-        storing.create_row(results.mode, state.cur_veh_id);
+        storing.create_row(results.mode, state.cur_veh_id());
         storing.work_out_log_file(results.mode, results.metric);
         results.is_stored = storing.is_on();
         results.log_id = storing.log_id();

@@ -14,7 +14,7 @@ class actions : public sampling_talk {
 public:
     // Everything referred to outlives the controller. The results of the run before are kept when they still
     // fit the units and the sample set; otherwise the screen begins with an empty Log Run.
-    actions(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+    actions(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
             user_defaults& settings, timers& time_source, live_results& its_results,
             const app_paths& its_paths);
     ~actions() override;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/process_state.h"
 #include "charts/sample_matrix.h"
 #include "livedata/sweep_times.h"
 

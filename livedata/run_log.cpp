@@ -1,8 +1,8 @@
 #include "livedata/run_log.h"
 
 #include "base/console_log.h"
-#include "base/process_state.h"
 #include "base/string_table.h"
+#include "operations/operation_code.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 

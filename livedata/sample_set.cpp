@@ -1,6 +1,7 @@
 #include "livedata/sample_set.h"
 
 #include "obd/supported_pids.h"
+#include "operations/operation_code.h"
 
 namespace {
 

@@ -28,10 +28,10 @@ void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val,
         vector.set(this_idx, this_item_val);
 }
 
-sampling_talk::sampling_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies,
+sampling_talk::sampling_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies,
                              screen& its_view, timers& time_source, live_results& its_results,
                              const app_paths& its_paths)
-    : car_talk(process, its_link, its_toolies, its_view), results(its_results),
+    : car_talk(its_car, its_link, its_toolies, its_view), results(its_results),
       storing(its_toolies.store(), time_source, its_paths) {}
 
 void sampling_talk::started() {
@@ -45,7 +45,7 @@ void sampling_talk::started() {
 
 talk sampling_talk::ready_to_ask(QString opening) {
     co_await ready(opening);
-    if (!state.headers_shown && !std::exchange(headers_asked, true)) {
+    if (!link.adapter().headers_shown() && !std::exchange(headers_asked, true)) {
         // One that refuses is not asked again; its replies are taken without.
         sent_command headers_on = command_of(QStringLiteral("AT H1\r"), QStringLiteral("OK"), false);
         headers_on.why = sent_command::purpose::on_its_own;
@@ -65,8 +65,8 @@ void sampling_talk::make_sure_all_are_supported() {
         const std::optional<sample_item> entry = split_sample_item(item);
         if (!entry || entry->pid == fuel_economy)
             continue;
-        if (!isPID_in_avail_pid_list(state.available_pids, {requested_pid(entry->pid), entry->header},
-                                     state.cur_protocol)) {
+        if (!isPID_in_avail_pid_list(state.available_pids(), {requested_pid(entry->pid), entry->header},
+                                     link.adapter().cur_protocol())) {
             show("One or more PIDs needed not available for this vehicle");
             throw left{};
         }
@@ -74,16 +74,16 @@ void sampling_talk::make_sure_all_are_supported() {
 }
 
 obd_group sampling_talk::engine_ecu() {
-    if (state.available_pids.isEmpty())
-        state.available_pids = toolies.grab_pids_available();
-    if (state.available_pids.isEmpty())
+    if (state.available_pids().isEmpty())
+        current_car.make_current(state.cur_veh_id(), toolies.grab_pids_available());
+    if (state.available_pids().isEmpty())
         return {QStringLiteral("48xx10"), {}};
-    return state.available_pids.at(toolies.findEngineEcuIdx(state.available_pids));
+    return state.available_pids().at(toolies.findEngineEcuIdx(state.available_pids()));
 }
 
 car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again) {
     const QString request = QStringLiteral("01 ") + pid;
-    const bool shown = state.headers_shown;
+    const bool shown = link.adapter().headers_shown();
     return send({.text = request + u'\r',
                  .expectedReply = shown ? QString() : positive_reply_of(request),
                  .has_header = shown,
@@ -167,7 +167,7 @@ void sampling_talk::add_to_line(const QString& data) {
 void sampling_talk::check_the_run() {
     if (!is_running())
         throw left{}; // the view has ended it
-    if (!state.adapter_ready)
+    if (!link.adapter().adapter_ready())
         throw link_lost{.status = results.sample_cnt == 0 ? adapter_was_reset : QString()};
 }
 

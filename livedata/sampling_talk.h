@@ -13,7 +13,7 @@
 class sampling_talk : public car_talk {
 public:
     // Everything referred to outlives it.
-    sampling_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
+    sampling_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
                   timers& time_source, live_results& its_results, const app_paths& its_paths);
 
     // The start that every run makes: the adapter initialised, headers on where it can.

@@ -14,7 +14,7 @@ constexpr double density_factor = 7.55987;
 // A reply that does not come ends the run.
 QString value_of(sampling_talk& car, const reply& came, int index) {
     if (came.is_none()) {
-        if (!car.state.adapter_ready)
+        if (!car.link.adapter().adapter_ready())
             car.check_the_run();
         car.show("Speed or air flow did not come: the run has ended. Is the ignition on? Start again (F5)");
         throw left{};

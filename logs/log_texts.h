@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/process_state.h"
 #include "persistence/stored_logs.h"
 #include "toolkit/mac_toolies.h"
 

@@ -6,9 +6,9 @@
 #include <QDir>
 #include <QFile>
 
-manage_logsDB::manage_logsDB(const process_state& process, database& store, const app_paths& its_paths,
+manage_logsDB::manage_logsDB(const car_state& its_car, database& store, const app_paths& its_paths,
                              screen& its_view)
-    : state(process), db(store), paths(its_paths), view(its_view) {}
+    : state(its_car), db(store), paths(its_paths), view(its_view) {}
 
 bool manage_logsDB::loadLogs() {
     stop_loading();
@@ -17,7 +17,7 @@ bool manage_logsDB::loadLogs() {
     total = 0;
     const bool read = db.for_each_row(
         fill(QStringLiteral("SELECT * FROM LOGGIES where veh_id=%d ORDER by time_stamp DESC "),
-             {QString::number(state.cur_veh_id)}),
+             {QString::number(state.cur_veh_id())}),
         [this](const QStringList& newest) {
             total = newest.value(0).toInt();
             return false;
@@ -28,7 +28,7 @@ bool manage_logsDB::loadLogs() {
     }
     vehicle = name_of_vehicle();
     if (total > 0)
-        rows_left = std::make_unique<row_cursor>(db.path(), chosen.statement(state.cur_veh_id));
+        rows_left = std::make_unique<row_cursor>(db.path(), chosen.statement(state.cur_veh_id()));
     show_filtered_status();
     return true;
 }
@@ -63,7 +63,7 @@ log_header manage_logsDB::log_at(qsizetype row) const {
 QString manage_logsDB::name_of_vehicle() {
     return db
         .retrieve_from_DB(fill(QStringLiteral("SELECT * FROM VEHICLES where veh_id=%d"),
-                               {QString::number(state.cur_veh_id)}))
+                               {QString::number(state.cur_veh_id())}))
         .value(0)
         .value(1);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/app_paths.h"
-#include "base/process_state.h"
+#include "base/car_state.h"
 #include "base/screen.h"
 #include "logs/log_filter.h"
 #include "persistence/row_cursor.h"
@@ -16,8 +16,7 @@
 // up the window; likewise a deletion. Everything referred to outlives it.
 class manage_logsDB {
 public:
-    manage_logsDB(const process_state& process, database& store, const app_paths& its_paths,
-                  screen& its_view);
+    manage_logsDB(const car_state& its_car, database& store, const app_paths& its_paths, screen& its_view);
 
     const log_filter& filter() const { return chosen; }
     // Take effect with the next loadLogs().
@@ -57,7 +56,7 @@ private:
     QStringList files_of(const log_header& log) const;
     QString name_of_vehicle();
 
-    const process_state& state;
+    const car_state& state;
     database& db;
     const app_paths paths;
     screen& view;

@@ -12,17 +12,19 @@
 
 namespace {
 
+// The ambient pressure that boost is shown against.
+constexpr double ambient_kpa = 101;
+
 // What stands behind mode byte and PID in a reply.
 struct reply_data {
-    qsizetype bytes = 0;  // whole data bytes, at most 4 are counted
-    int A = 0;            // first data byte
-    int B = 0;            // second data byte
-    int W = 0;            // A x 256 + B
-    int M = 0;            // the same as sign and magnitude
-    double D = 0;         // all data digits as one unsigned 32-bit number
-    int N1 = 0;           // data characters 0-3 as a decimal number, which ends at the first digit A-F
-    int N2 = 0;           // data characters 4-7 likewise
-    double reference = 0; // boost reference pressure in kPa
+    qsizetype bytes = 0; // whole data bytes, at most 4 are counted
+    int A = 0;           // first data byte
+    int B = 0;           // second data byte
+    int W = 0;           // A x 256 + B
+    int M = 0;           // the same as sign and magnitude
+    double D = 0;        // all data digits as one unsigned 32-bit number
+    int N1 = 0;          // data characters 0-3 as a decimal number, which ends at the first digit A-F
+    int N2 = 0;          // data characters 4-7 likewise
 };
 using in = const reply_data&;
 
@@ -138,8 +140,8 @@ constexpr number_row number_rows[] = {
     {0xE4, 0xE4, metric,   {{1, [](in d) { return d.D / 100; },                   u"%.2f kpl"}}},
     // Odd on purpose: miles alone are converted, litres stay.
     {0xE4, 0xE4, imperial, {{1, [](in d) { return d.D / 100 / 1.609344; },        u"%.2f mpg"}}},
-    {0xE5, 0xE5, metric,   {{1, [](in d) { return d.A - d.reference; },           u"%.2f KPa"}}},
-    {0xE5, 0xE5, imperial, {{1, [](in d) { return (d.A - d.reference) / 6.895; }, u"%.2f psi"}}},
+    {0xE5, 0xE5, metric,   {{1, [](in d) { return d.A - ambient_kpa; },           u"%.2f KPa"}}},
+    {0xE5, 0xE5, imperial, {{1, [](in d) { return (d.A - ambient_kpa) / 6.895; }, u"%.2f psi"}}},
 };
 
 // PIDs whose first data byte stands for a state.
@@ -220,7 +222,7 @@ struct reply_line {
 
 // A byte counts only when both its digits are there and are hex digits. Digits past the eighth do not fit
 // D's 32 bits and are left out.
-reply_data read_data(QStringView data, int boost_reference_kpa) {
+reply_data read_data(QStringView data) {
     reply_data d;
     while (hex_byte(data, 2 * d.bytes) >= 0)
         ++d.bytes;
@@ -234,7 +236,6 @@ reply_data read_data(QStringView data, int boost_reference_kpa) {
         d.D = d.D * 16 + hex_digit(data[i]);
     d.N1 = leading_decimal(data.first(std::min<qsizetype>(data.size(), 4)));
     d.N2 = leading_decimal(data.sliced(std::min<qsizetype>(data.size(), 4)));
-    d.reference = boost_reference_kpa;
     return d;
 }
 
@@ -265,8 +266,7 @@ QString print_numbers(const number_row& row, const reply_data& d) {
 
 } // namespace
 
-QString translateResponse(const QString& reply, unit_system units, int boost_reference_kpa,
-                          const text_resources& lists) {
+QString translateResponse(const QString& reply, unit_system units, const text_resources& lists) {
     const reply_line line(reply);
     const QStringView text = line.text();
     // "-1", "" and "?" are among the short ones.
@@ -275,7 +275,7 @@ QString translateResponse(const QString& reply, unit_system units, int boost_ref
     const int pid = hex_byte(text, 2);
     if (pid < 0) // an adapter's word such as "BUSINIT:ERROR"
         return reply;
-    const reply_data d = read_data(text.sliced(4), boost_reference_kpa);
+    const reply_data d = read_data(text.sliced(4));
 
     const row_of_pid& rows = units == unit_system::metric ? metric_rows : imperial_rows;
     if (const unsigned char row = rows[static_cast<size_t>(pid)]; row != no_row)
@@ -297,9 +297,8 @@ QString translateResponse(const QString& reply, unit_system units, int boost_ref
     return reply;
 }
 
-double get_OBDVal(const QString& reply, unit_system units, int boost_reference_kpa,
-                  const text_resources& lists) {
-    const QString text = translateResponse(reply, units, boost_reference_kpa, lists);
+double get_OBDVal(const QString& reply, unit_system units, const text_resources& lists) {
+    const QString text = translateResponse(reply, units, lists);
     if (text.contains(no_reply))
         return std::numeric_limits<double>::quiet_NaN();
     // The whole first piece has to be a number: "4113033F" and "N/A" give 0. So does "41010007E200", a raw

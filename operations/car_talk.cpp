@@ -4,8 +4,8 @@
 #include "base/string_table.h"
 #include "operations/connect_2_interface.h"
 
-car_talk::car_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view)
-    : state(process), link(its_link), toolies(its_toolies), view(its_view),
+car_talk::car_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view)
+    : state(its_car), link(its_link), toolies(its_toolies), view(its_view), current_car(its_car),
       held([this](std::exception_ptr failure) { talk_over(std::move(failure)); }) {}
 
 car_talk::~car_talk() {
@@ -144,7 +144,7 @@ reply car_talk::take_reply(const sent_command& command) {
                         .arg(QLatin1String(current.logged))
                         .arg(replies)
                         .arg(came.text()));
-    if (command.why == sent_command::purpose::ordinary && !state.adapter_ready)
+    if (command.why == sent_command::purpose::ordinary && !link.adapter().adapter_ready())
         throw left{adapter_was_reset};
     return came;
 }
@@ -164,7 +164,7 @@ car_talk::asking car_talk::ask(const QString& request) {
 }
 
 car_talk::asking car_talk::ask_as_shown(const QString& request) {
-    return state.headers_shown ? ask(request) : at(request, positive_reply_of(request));
+    return link.adapter().headers_shown() ? ask(request) : at(request, positive_reply_of(request));
 }
 
 car_talk::asking car_talk::wait_longer() {
@@ -234,7 +234,7 @@ bool car_talk::reopening::await_suspend(talk::handle who) {
 talk car_talk::ready(QString opening) {
     if (!opening.isNull())
         show(opening);
-    if (state.adapter_ready)
+    if (link.adapter().adapter_ready())
         co_return;
     co_await connect_2_interface(*this);
     if (!opening.isNull())

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "base/process_state.h"
 #include "base/screen.h"
 #include "link/adapter_link.h"
 #include "operations/held_talk.h"
+#include "operations/operation_code.h"
 #include "toolkit/mac_toolies.h"
 
 #include <functional>
@@ -37,7 +37,7 @@ inline const QString adapter_was_reset =
 // A talk gets the car_talk by reference. Commands are written without their "\r".
 class car_talk : public task_controller {
 public:
-    car_talk(process_state& process, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view);
+    car_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view);
     ~car_talk() override;
 
     // From the start, while the link opens and the adapter is set up, to the end.
@@ -91,12 +91,17 @@ public:
     // When the talk has ended, a notice and a toast are shown, each unless "".
     void part_with(const QString& notice, const QString& toast) { parting = {notice, toast}; }
 
-    process_state& state;
+    const car_state& state;
     adapter_link& link;
     mac_toolies& toolies;
     screen& view;
 
+    // What the car itself supports.
+    void pids_told(const obd_groups& by_the_car) { current_car.pids_told(by_the_car); }
+
 protected:
+    car_state& current_car;
+
     struct operation_start {
         int code = -1;
         QString status;     // shown at once

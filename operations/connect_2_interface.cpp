@@ -53,7 +53,7 @@ talk make_protocol_automatic(car_talk& car) {
             car.show("The adapter does not tell its protocol: unplug it, plug it in again and retry");
             throw left{};
         }
-        if (!protocol.is_none() && car.state.protocol_description.isEmpty()) {
+        if (!protocol.is_none() && car.link.adapter().protocol_description().isEmpty()) {
             car.show(fill(QStringLiteral(" %@"), {protocol.text()}));
             keep_protocol(car, protocol.text().left(80));
         }
@@ -85,10 +85,10 @@ talk find_the_car(car_talk& car) {
     }
     number = co_await say(car, "AT DPN", automatic);
     car.link.protocol_told(protocol_number(number.text()));
-    if (car.state.cur_protocol == -1)
+    if (car.link.adapter().cur_protocol() == -1)
         give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
     const QString name = car.toolies.lists()
-                             .line(QStringLiteral("SUP_PROTOCOLS"), car.state.cur_protocol)
+                             .line(QStringLiteral("SUP_PROTOCOLS"), car.link.adapter().cur_protocol())
                              .value_or(number.text());
     car.show(fill(QStringLiteral("Interface : %@"), {name}));
     keep_protocol(car, name);
@@ -96,7 +96,7 @@ talk find_the_car(car_talk& car) {
 
 talk set_up(car_talk& car) {
     car.link.protocol_told(-1);
-    const bool is_reset = !car.state.adapter_known && car.link.may_be_reset();
+    const bool is_reset = !car.link.adapter().adapter_known() && car.link.may_be_reset();
     const reply greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
     if (!greeting.is_none())
         car.link.adapter_answered();
@@ -112,7 +112,7 @@ talk set_up(car_talk& car) {
     obd_groups found;
     co_await inner_process_pid_support(car, QStringLiteral("01"), found);
     car.show("Got the PIDs.. starting current task");
-    if (!car.state.available_pids.isEmpty() && !car.toolies.save_pids_available(car.state.available_pids))
+    if (!car.state.available_pids().isEmpty() && !car.toolies.save_pids_available(car.state.available_pids()))
         console_log(QStringLiteral(
             "reacCods>m::connect_2_interface >> Did not save avail pids to VEHICLES.XTRA_INFO"));
     car.link.adapter_is_set_up();

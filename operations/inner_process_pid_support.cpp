@@ -19,7 +19,7 @@ bool is_the_car(const QString& service) {
 // With headers the check is by message. Some chips refuse to show headers.
 car_talk::asking ask_for_map(car_talk& car, const QString& service, unsigned group) {
     const QString request = service + u' ' + convertByte2HexStr(group);
-    const bool shown = car.state.headers_shown;
+    const bool shown = car.link.adapter().headers_shown();
     sent_command command = command_of(request + u'\r', shown ? QString() : positive_reply_of(request), shown);
     if (is_the_car(service))
         command.why = sent_command::purpose::sets_up;
@@ -55,7 +55,7 @@ talk make_sure_it_is_the_car(car_talk& car, const obd_groups& found) {
         }
         car.toolies.fixSamplePidsFornewVehicle(found);
     }
-    car.state.available_pids = found;
+    car.pids_told(found);
 }
 
 } // namespace

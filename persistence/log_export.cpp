@@ -19,8 +19,7 @@ QString value_text(double value) {
 
 log_export::log_export(database& store, const text_resources& texts, export_settings its_settings)
     : db(store), lists(texts),
-      settings(std::move(its_settings)), reading{settings.units, settings.boost_reference_kpa,
-                                                 settings.by_standard} {}
+      settings(std::move(its_settings)), reading{settings.units, settings.by_standard} {}
 
 log_export::~log_export() {
     stop();

@@ -14,7 +14,6 @@ struct export_settings {
     QString documents;          // its "loggies" folder takes the file
     QString application_folder; // see log_export::begin
     unit_system units = unit_system::imperial;
-    int boost_reference_kpa = 101;
     bool by_standard = false; // the reading of the values: see sampled_value.h
     bool time_column = false;
 };

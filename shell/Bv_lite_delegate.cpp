@@ -30,11 +30,11 @@ constexpr std::array<help_of_screen, 5> help_panels{{
 
 } // namespace
 
-Bv_lite_delegate::Bv_lite_delegate(adapter_place& its_place, process_state& process, user_defaults& settings,
+Bv_lite_delegate::Bv_lite_delegate(adapter_place& its_place, adapter_facts& its_adapter, car_state& its_car,
                                    mac_toolies& its_toolies, timers& time_source, screen& its_screen,
                                    adapter_link::transport_maker make)
-    : link(its_place, process, time_source, its_screen, std::move(make)), place(its_place), state(process),
-      defaults(settings), toolies(its_toolies), db(its_toolies.store()), clock(time_source),
+    : link(its_place, its_adapter, time_source, its_screen, std::move(make)), place(its_place), car(its_car),
+      defaults(its_toolies.settings()), toolies(its_toolies), db(its_toolies.store()), clock(time_source),
       view(its_screen) {
     read_defaults();
     QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
@@ -46,7 +46,6 @@ Bv_lite_delegate::Bv_lite_delegate(adapter_place& its_place, process_state& proc
 }
 
 void Bv_lite_delegate::read_defaults() {
-    state.cur_veh_id = -1;
     if (!defaults.has(setting::interface_kind))
         defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
                                      setting::metric_units, setting::log_runs});
@@ -57,8 +56,7 @@ void Bv_lite_delegate::read_defaults() {
     if (is_bluetooth_address(device))
         place.take_device(
             device, defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device);
-    state.sample_pids.clear();
-    state.available_pids.clear();
+    car.make_current(-1, {});
 }
 
 void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
@@ -79,18 +77,16 @@ void Bv_lite_delegate::pick_current_vehicle() {
     const auto current = vehicle_or_first(db, db.is_new() ? -1 : remembered);
     if (!current)
         return;
-    state.cur_veh_id = current->id;
+    car.make_current(current->id, grab_pids_available(db, current->id));
     if (db.is_new()) {
         defaults.set(setting::current_vehicle, current->id);
         toolies.save_pids_2_sample_prefs(setting::sample_set.first_value());
     }
-    state.sample_pids = defaults.value(setting::sample_set.of_vehicle(current->id));
-    state.available_pids = toolies.grab_pids_available();
     show_current_vehicle();
 }
 
 void Bv_lite_delegate::show_current_vehicle() {
-    const auto current = vehicle_with_id(db, state.cur_veh_id);
+    const auto current = vehicle_with_id(db, car.cur_veh_id());
     if (current)
         setCurCarVals(current->name, photo_of_vehicle(db, current->id));
 }

@@ -10,8 +10,8 @@
 // it only starts up. All that it is given outlives it.
 class Bv_lite_delegate {
 public:
-    // Reads the defaults into the place and the process state.
-    Bv_lite_delegate(adapter_place& its_place, process_state& process, user_defaults& settings,
+    // Reads from the defaults where the adapter is.
+    Bv_lite_delegate(adapter_place& its_place, adapter_facts& its_adapter, car_state& its_car,
                      mac_toolies& its_toolies, timers& time_source, screen& its_screen,
                      adapter_link::transport_maker make = make_transport);
 
@@ -39,7 +39,7 @@ public:
     void handly();
     void handly2();
 
-    // Shows the vehicle with the id in the process state.
+    // Shows the vehicle that is current.
     void show_current_vehicle();
 
     adapter_link link;
@@ -50,7 +50,7 @@ private:
     void handly3();
 
     adapter_place& place;
-    process_state& state;
+    car_state& car;
     user_defaults& defaults;
     mac_toolies& toolies;
     database& db;

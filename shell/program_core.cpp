@@ -26,12 +26,12 @@ QString program_core::profile_folder() {
 bool program_core::start_demo(QString& problem, int answer_ms) {
     if (options.link != launch_options::link_choice::demo)
         return true;
-    std::shared_ptr<virtual_adapter::car> car = virtual_adapter::load_car(options.demo_car, problem);
-    if (!car)
+    std::shared_ptr<virtual_adapter::car> its_car = virtual_adapter::load_car(options.demo_car, problem);
+    if (!its_car)
         return false;
     demo = std::make_unique<virtual_adapter_server>();
     demo->set_faults({.delay_ms = answer_ms});
-    demo_port = demo->start(std::move(car));
+    demo_port = demo->start(std::move(its_car));
     if (demo_port == 0)
         problem = demo->error();
     return demo_port != 0;

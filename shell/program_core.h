@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/app_paths.h"
-#include "base/process_state.h"
 #include "base/qt_timers.h"
 #include "base/user_defaults.h"
 #include "diagnostics/diagnostic_results.h"
@@ -17,9 +16,9 @@
 
 class virtual_adapter_server;
 
-// What stands below both programs for the life of the process: the folders, the state, the settings, the
-// database, time, and for a demo the car. A demo without a profile of its own keeps its files in a folder
-// that goes with it.
+// What stands below both programs for the life of the process: the folders, where the adapter is, what is
+// known of it and of the vehicle, the settings, the database, time, and for a demo the car. A demo without a
+// profile of its own keeps its files in a folder that goes with it.
 class program_core {
 public:
     explicit program_core(const launch_options& what_was_asked);
@@ -44,11 +43,12 @@ private:
 public:
     const app_paths paths;
     adapter_place place;
-    process_state state;
+    adapter_facts adapter;
+    car_state car;
     user_defaults defaults;
     database db;
     qt_timers clock;
-    mac_toolies toolies{state, defaults, db};
+    mac_toolies toolies{adapter, car, defaults, db};
     diagnostic_results diagnostics;
     live_results live{[this](const QString& body) { return toolies.shown_number(body); }};
     expert_session expert{defaults};

@@ -24,8 +24,8 @@ QString no_such_vehicle(int veh_id) {
 
 } // namespace
 
-vehicle_list::vehicle_list(process_state& process, user_defaults& settings, mac_toolies& its_toolies)
-    : state(process), defaults(settings), toolies(its_toolies), db(its_toolies.store()) {}
+vehicle_list::vehicle_list(car_state& its_car, mac_toolies& its_toolies)
+    : car(its_car), defaults(its_toolies.settings()), db(its_toolies.store()) {}
 
 QList<vehicle> vehicle_list::load_vehicles() {
     return all_vehicles(db);
@@ -75,10 +75,9 @@ QString vehicle_list::setCurrentCar(int veh_id) {
 }
 
 QString vehicle_list::make_current(int veh_id) {
-    state.cur_veh_id = veh_id;
-    state.sample_pids = defaults.value(setting::sample_set.of_vehicle(veh_id));
-    state.available_pids = toolies.grab_pids_available();
-    state.adapter_ready = false; // what the car supports is to be read and stored for this vehicle
+    car.make_current(veh_id, grab_pids_available(db, veh_id));
+    if (current_changed)
+        current_changed();
     defaults.set(setting::current_vehicle, veh_id);
     return defaults.synchronise()
                ? QString()

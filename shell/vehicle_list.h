@@ -3,6 +3,8 @@
 #include "persistence/vehicles.h"
 #include "toolkit/mac_toolies.h"
 
+#include <functional>
+
 // What the vehicle dialog edits.
 struct vehicle_values {
     QString name;
@@ -14,11 +16,14 @@ struct vehicle_values {
 // comes back as a sentence. All that it is given outlives it.
 class vehicle_list {
 public:
-    vehicle_list(process_state& process, user_defaults& settings, mac_toolies& its_toolies);
+    vehicle_list(car_state& its_car, mac_toolies& its_toolies);
+
+    // Another vehicle has become current.
+    std::function<void()> current_changed;
 
     QList<vehicle> load_vehicles();
     int count_of_logs(int veh_id) const;
-    bool is_current(int veh_id) const { return veh_id == state.cur_veh_id; }
+    bool is_current(int veh_id) const { return veh_id == car.cur_veh_id(); }
 
     struct saved {
         int id = -1;     // of the vehicle; -1 when it was not stored
@@ -31,8 +36,8 @@ public:
     // current one goes, the first of the list becomes current. "" when it is gone.
     QString deleteCar(int veh_id);
 
-    // Results, logs and sample sets are from now on those of this vehicle; the next operation sets the
-    // adapter up again. "" when it is current and will be at the next start.
+    // Results, logs and sample sets are from now on those of this vehicle. "" when it is current and will be
+    // at the next start.
     QString setCurrentCar(int veh_id);
 
     // What is wrong with a typed text, as a sentence; "" when it is good. An unknown year or displacement may
@@ -44,8 +49,7 @@ public:
 private:
     QString make_current(int veh_id);
 
-    process_state& state;
+    car_state& car;
     user_defaults& defaults;
-    mac_toolies& toolies;
     database& db;
 };

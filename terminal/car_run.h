@@ -9,7 +9,7 @@ class car_run : public terminal_run {
 public:
     explicit car_run(program_core& its_core)
         : terminal_run(its_core), view(core.options.yes),
-          delegate(core.place, core.state, core.defaults, core.toolies, core.clock, view) {}
+          delegate(core.place, core.adapter, core.car, core.toolies, core.clock, view) {}
 
 protected:
     // Starts up, on the link that was asked for.

@@ -4,7 +4,7 @@
 
 cli_run::cli_run(program_core& its_core, const cli_command& its_command)
     : car_run(its_core), command(its_command),
-      controller(core.state, delegate.link, core.toolies, view, core.diagnostics, core.paths) {}
+      controller(core.car, delegate.link, core.toolies, view, core.diagnostics, core.paths) {}
 
 void cli_run::start() {
     // What was read until then is not shown as a result.

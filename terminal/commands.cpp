@@ -11,8 +11,8 @@
 
 namespace {
 
-const process_state& state_of(readCodes& controller) {
-    return controller.state;
+const adapter_facts& adapter_of(const readCodes& controller) {
+    return controller.link.adapter();
 }
 
 QString ecu_name(readCodes& controller, const QString& header) {
@@ -24,20 +24,20 @@ QString ecu_name(readCodes& controller, const QString& header) {
 
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
-    for (const obd_group& ecu : state_of(controller).available_pids)
+    for (const obd_group& ecu : controller.state.available_pids())
         ecus += QJsonObject{{"header", ecu.header},
                             {"name", ecu_name(controller, ecu.header)},
                             {"pids", QJsonArray::fromStringList(ecu.pidSet)}};
-    return {{"interface", state_of(controller).interface_description},
-            {"protocol", state_of(controller).protocol_description},
+    return {{"interface", adapter_of(controller).interface_description()},
+            {"protocol", adapter_of(controller).protocol_description()},
             {"ecus", ecus}};
 }
 
 QString link_info_text(readCodes& controller) {
-    QString text =
-        QStringLiteral("Interface: %1\nProtocol: %2\n")
-            .arg(state_of(controller).interface_description, state_of(controller).protocol_description);
-    for (const obd_group& ecu : state_of(controller).available_pids)
+    QString text = QStringLiteral("Interface: %1\nProtocol: %2\n")
+                       .arg(adapter_of(controller).interface_description(),
+                            adapter_of(controller).protocol_description());
+    for (const obd_group& ecu : controller.state.available_pids())
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
                     .arg(ecu.header, ecu_name(controller, ecu.header))
                     .arg(ecu.pidSet.size())
@@ -49,8 +49,8 @@ QString link_info_text(readCodes& controller) {
 
 QJsonObject read_codes_json(readCodes& controller) {
     const diagnostic_results& results = controller.results;
-    QJsonObject object{{"interface", state_of(controller).interface_description},
-                       {"protocol", state_of(controller).protocol_description},
+    QJsonObject object{{"interface", adapter_of(controller).interface_description()},
+                       {"protocol", adapter_of(controller).protocol_description()},
                        {"ecus", results.no_of_ecus},
                        {"mil", results.milLamp},
                        {"expected_codes", results.no_of_codes},
@@ -94,8 +94,8 @@ QString read_codes_text(readCodes& controller) {
 // --- clear-codes --------------------------------------------------------------------------------------
 
 QJsonObject clear_codes_json(readCodes& controller) {
-    return {{"interface", state_of(controller).interface_description},
-            {"protocol", state_of(controller).protocol_description}};
+    return {{"interface", adapter_of(controller).interface_description()},
+            {"protocol", adapter_of(controller).protocol_description()}};
 }
 
 QString clear_codes_text(readCodes&) {

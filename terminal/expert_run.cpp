@@ -36,8 +36,7 @@ QString wrong_commands(const QStringList& commands, bool yes) {
 } // namespace
 
 expert_run::expert_run(program_core& its_core)
-    : car_run(its_core),
-      controller(core.state, delegate.link, core.toolies, view, core.defaults, core.expert) {
+    : car_run(its_core), controller(core.car, delegate.link, core.toolies, view, core.defaults, core.expert) {
     view.on_reload = [this](part what) {
         if (what == part::transcript)
             print_new_lines();

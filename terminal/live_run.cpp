@@ -48,7 +48,7 @@ void live_run::start() {
         controller->stop();
     });
     begin();
-    controller = std::make_unique<actions>(core.state, delegate.link, core.toolies, view, core.defaults,
+    controller = std::make_unique<actions>(core.car, delegate.link, core.toolies, view, core.defaults,
                                            core.clock, results, core.paths);
     controller->set_observer(this);
     delegate.link.set_controller(controller.get());

@@ -219,7 +219,7 @@ void logs_run::show_as_json(const log_header& log) {
     });
     print(QStringLiteral("]"));
     if (isSampledLog(log.type)) {
-        const sample_reading own{core.toolies.units(), core.state.boost_reference_kpa, false};
+        const sample_reading own{core.toolies.units(), false};
         print(",\"columns\":" + compact(columns_as_json(columns_of(log.id), own, lists)) + ",\"samples\":[");
         is_first = true;
         read = read && each_chunk(log.id, [&](const QStringList& row) {

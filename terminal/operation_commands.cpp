@@ -8,9 +8,9 @@
 namespace {
 
 QJsonObject with_link(readCodes& controller, QJsonObject object) {
-    const process_state& state = controller.state;
-    object.insert("interface", state.interface_description);
-    object.insert("protocol", state.protocol_description);
+    const adapter_facts& adapter = controller.link.adapter();
+    object.insert("interface", adapter.interface_description());
+    object.insert("protocol", adapter.protocol_description());
     return object;
 }
 

@@ -14,7 +14,7 @@ QString wrong_profile_words(const QString& command, const QStringList& words, bo
 
 int run_profile_command(program_core& core) {
     cli_screen view(core.options.yes);
-    Bv_lite_delegate delegate(core.place, core.state, core.defaults, core.toolies, core.clock, view);
+    Bv_lite_delegate delegate(core.place, core.adapter, core.car, core.toolies, core.clock, view);
     delegate.applicationDidFinishLaunching(nullptr);
 
     const profile_context context{core, delegate, core.toolies};

@@ -87,7 +87,7 @@ std::optional<setting_row> setting_named(const QString& key) {
 
 QJsonValue value_of(const profile_context& context, const setting_row& row) {
     if (row == setting::current_vehicle)
-        return context.core.state.cur_veh_id;
+        return context.core.car.cur_veh_id();
     return QJsonValue::fromVariant(context.core.defaults.value_in_force(row));
 }
 
@@ -130,8 +130,7 @@ QString store(const profile_context& context, const setting_row& row, const QStr
     if (row == setting::sample_set)
         return store_sample_set(context, row.vehicle, value);
     if (row == setting::current_vehicle)
-        return vehicle_list(context.core.state, context.core.defaults, context.toolies)
-            .setCurrentCar(value.toInt());
+        return vehicle_list(context.core.car, context.toolies).setCurrentCar(value.toInt());
     context.core.defaults.store(row, row.value_of(value));
     return {};
 }

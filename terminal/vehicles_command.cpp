@@ -128,7 +128,7 @@ command_result run_vehicles(const profile_context& context, const QStringList& w
     database& db = context.core.db;
     if (!db.problem().isEmpty())
         return {{}, {}, db.problem()};
-    vehicle_list list(context.core.state, context.core.defaults, context.toolies);
+    vehicle_list list(context.core.car, context.toolies);
     const QString what = words.value(0);
     if (what == QLatin1String("list"))
         return listed(list);

@@ -8,33 +8,34 @@
 #include "obd/trouble_codes.h"
 #include "persistence/vehicles.h"
 
-mac_toolies::mac_toolies(process_state& process, user_defaults& settings, database& store)
-    : state(process), defaults(settings), db(store) {}
+mac_toolies::mac_toolies(const adapter_facts& its_adapter, const car_state& its_car, user_defaults& settings,
+                         database& store)
+    : adapter(its_adapter), car(its_car), defaults(settings), db(store) {}
 
 // --- replies -----------------------------------------------------------------------------------------------
 
 obd_messages mac_toolies::pullObdMsgs(const QString& reply) const {
-    return ::pullObdMsgs(reply, state.cur_protocol);
+    return ::pullObdMsgs(reply, adapter.cur_protocol());
 }
 
 obd_groups mac_toolies::pullObdMsgsGrouped(const obd_messages& messages) const {
-    return ::pullObdMsgsGrouped(messages, state.cur_protocol);
+    return ::pullObdMsgsGrouped(messages, adapter.cur_protocol());
 }
 
 QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const {
-    return ::l_pullOBDFromSingleGroupedMsg(bodies, state.cur_protocol);
+    return ::l_pullOBDFromSingleGroupedMsg(bodies, adapter.cur_protocol());
 }
 
 QString mac_toolies::l_pull_ECU(const QString& header) const {
-    return ::l_pull_ECU(header, state.cur_protocol);
+    return ::l_pull_ECU(header, adapter.cur_protocol());
 }
 
 bool mac_toolies::isThisEngineHeader(const QString& header) const {
-    return ::isThisEngineHeader(header, state.cur_protocol);
+    return ::isThisEngineHeader(header, adapter.cur_protocol());
 }
 
 qsizetype mac_toolies::findEngineEcuIdx(const obd_groups& groups) const {
-    return ::findEngineEcuIdx(groups, state.cur_protocol);
+    return ::findEngineEcuIdx(groups, adapter.cur_protocol());
 }
 
 QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const {
@@ -44,36 +45,35 @@ QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const 
 // --- supported PIDs ----------------------------------------------------------------------------------------
 
 obd_groups mac_toolies::grab_pids_available() {
-    return ::grab_pids_available(db, state.cur_veh_id);
+    return ::grab_pids_available(db, car.cur_veh_id());
 }
 
 bool mac_toolies::checkIfSameVehicle(const obd_groups& available) {
-    return ::checkIfSameVehicle(db, state.cur_veh_id, available, state.cur_protocol);
+    return ::checkIfSameVehicle(db, car.cur_veh_id(), available, adapter.cur_protocol());
 }
 
 void mac_toolies::fixSamplePidsFornewVehicle(const obd_groups& available) {
-    const QStringList samples = defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id));
-    save_pids_2_sample_prefs(fixSamplePids(samples, available, state.cur_protocol));
+    const QStringList samples = defaults.value(setting::sample_set.of_vehicle(car.cur_veh_id()));
+    save_pids_2_sample_prefs(fixSamplePids(samples, available, adapter.cur_protocol()));
 }
 
 void mac_toolies::save_pids_2_sample_prefs(const QStringList& samples) {
-    state.sample_pids = samples;
-    defaults.set(setting::sample_set.of_vehicle(state.cur_veh_id), samples);
+    defaults.set(setting::sample_set.of_vehicle(car.cur_veh_id()), samples);
     defaults.synchronise();
 }
 
 bool mac_toolies::save_pids_available(const obd_groups& available) {
-    return store_pids_available(db, state.cur_veh_id, available);
+    return store_pids_available(db, car.cur_veh_id(), available);
 }
 
 // --- values and names --------------------------------------------------------------------------------------
 
 QString mac_toolies::translateResponse(const QString& reply) const {
-    return ::translateResponse(reply, units(), state.boost_reference_kpa, resources);
+    return ::translateResponse(reply, units(), resources);
 }
 
 double mac_toolies::get_OBDVal(const QString& reply) const {
-    return ::get_OBDVal(reply, units(), state.boost_reference_kpa, resources);
+    return ::get_OBDVal(reply, units(), resources);
 }
 
 double mac_toolies::shown_number(const QString& reply) const {
@@ -85,7 +85,7 @@ QString mac_toolies::shown_units(const QString& pid) const {
 }
 
 sample_reading mac_toolies::shown_reading() const {
-    return {units(), state.boost_reference_kpa, standard_reading()};
+    return {units(), standard_reading()};
 }
 
 double mac_toolies::get_PID_min_max(const QString& pid, bool get_max) const {
@@ -115,7 +115,7 @@ obd_groups mac_toolies::l_workoutReadCodes(const reply& codes) const {
 }
 
 QStringList mac_toolies::work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const {
-    return ::work_reply_to_error_codes_pid(mode, reply, state.protocol_description);
+    return ::work_reply_to_error_codes_pid(mode, reply, adapter.protocol_description());
 }
 
 QList<readiness_row> mac_toolies::handle_readiness_codes(const QString& these_flags) const {

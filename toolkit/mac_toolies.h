@@ -1,6 +1,7 @@
 #pragma once
 
-#include "base/process_state.h"
+#include "base/adapter_facts.h"
+#include "base/car_state.h"
 #include "base/text_resources.h"
 #include "base/user_defaults.h"
 #include "obd/readiness.h"
@@ -10,11 +11,12 @@
 #include "persistence/database.h"
 
 // The toolkit: everything that the controllers ask about replies, values, codes, vehicles and stored results,
-// one line an operation. It reads the process state and the user defaults afresh and forwards to the pure
-// modules and the database, which outlive it.
+// one line an operation. It reads what is known of adapter and car, and the user defaults, afresh and
+// forwards to the pure modules and the database, which outlive it.
 class mac_toolies {
 public:
-    mac_toolies(process_state& process, user_defaults& settings, database& store);
+    mac_toolies(const adapter_facts& its_adapter, const car_state& its_car, user_defaults& settings,
+                database& store);
 
     // Replies (obd/reply_text.h, obd/obd_messages.h, obd/ecu_names.h)
     obd_messages pullObdMsgs(const QString& reply) const;
@@ -66,7 +68,8 @@ public:
     database& store() { return db; }
 
 private:
-    process_state& state;
+    const adapter_facts& adapter;
+    const car_state& car;
     user_defaults& defaults;
     database& db;
     text_resources resources;

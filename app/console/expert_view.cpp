@@ -10,7 +10,7 @@ constexpr int empty_icon_size = 32;
 
 expert_view::expert_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::expertView>(*this)),
-      console(context.core.state, context.link, context.core.toolies, context.window, context.core.defaults,
+      console(context.core.car, context.link, context.core.toolies, context.window, context.core.defaults,
               context.core.expert) {
     ui.replyTxt->setMaximumBlockCount(transcript::most_lines);
     ui.replyTxt->setUndoRedoEnabled(false);

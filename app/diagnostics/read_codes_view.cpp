@@ -73,7 +73,7 @@ constexpr int rail_icon_size = 20;
 
 read_codes_view::read_codes_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::read_codes_view>(*this)),
-      codes_controller(context.core.state, context.link, context.core.toolies, context.window,
+      codes_controller(context.core.car, context.link, context.core.toolies, context.window,
                        context.core.diagnostics, context.core.paths),
       codes(ui, context, codes_controller), report(*ui.report, context, codes_controller) {
     add_pages();

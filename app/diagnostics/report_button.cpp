@@ -86,7 +86,7 @@ void report_button::fill_page(QTextDocument& document) const {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     font.setPointSizeF(print_size);
     document.setDefaultFont(font);
-    const auto car = vehicle_with_id(context.core.db, context.core.state.cur_veh_id);
+    const auto car = vehicle_with_id(context.core.db, context.core.car.cur_veh_id());
     QTextCursor end(&document);
     QTextCharFormat words;
     words.setFont(QFontDatabase::systemFont(QFontDatabase::GeneralFont));

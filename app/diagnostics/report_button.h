@@ -15,7 +15,7 @@ class report_button : public QObject {
 public:
     report_button(QPushButton& its_button, const view_context& its_context, readCodes& its_controller);
 
-    // Another page is shown, that of the operation (a code of process_state.h).
+    // Another page is shown, that of the operation (a code of operation_code.h).
     void show_page(int its_operation);
     // The results or the operation have changed.
     void show_operation();

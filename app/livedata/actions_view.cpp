@@ -57,7 +57,7 @@ void keep_room(QWidget& widget, bool also_hidden) {
 actions_view::actions_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::actions_view>(*this)), toolies(context.core.toolies),
       results(context.core.live),
-      run_controller(context.core.state, context.link, toolies, context.window, context.core.defaults,
+      run_controller(context.core.car, context.link, toolies, context.window, context.core.defaults,
                      context.core.clock, results, context.core.paths),
       pictures{results, toolies, {}, {}}, head(*this, ui, context, run_controller),
       saver(*this, context, QStringLiteral("live_data"), [this] { return ui.chart_stack->currentWidget(); }),
@@ -320,7 +320,7 @@ void actions_view::show_chart_name() {
 
 QString actions_view::empty_words() const {
     if (run_controller.is_running())
-        return context.core.state.adapter_ready
+        return context.core.adapter.adapter_ready()
                    ? QStringLiteral("The car is being asked ...")
                    : QStringLiteral(
                          "The link is opened and the adapter set up. This can take half a minute ...");
@@ -345,8 +345,8 @@ QString actions_view::missing_pids() const {
         if (!entry || entry->pid == QLatin1String("E4"))
             continue;
         const QString pid = requested_pid(entry->pid);
-        const process_state& state = context.core.state;
-        if (!isPID_in_avail_pid_list(state.available_pids, {pid, entry->header}, state.cur_protocol))
+        if (!isPID_in_avail_pid_list(context.core.car.available_pids(), {pid, entry->header},
+                                     context.core.adapter.cur_protocol()))
             missing += QStringLiteral("%1 (%2)").arg(toolies.get_pid_name_with_pid(pid).trimmed(), pid);
     }
     return missing.join(QStringLiteral(", "));

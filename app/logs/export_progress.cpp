@@ -64,7 +64,6 @@ export_settings export_progress::settings() const {
     return {.documents = core.paths.documents,
             .application_folder = core.paths.application_folder,
             .units = core.toolies.units(),
-            .boost_reference_kpa = core.state.boost_reference_kpa,
             .by_standard = core.toolies.standard_reading(),
             .time_column = core.defaults.value(setting::time_stamps)};
 }

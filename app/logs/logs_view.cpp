@@ -24,7 +24,7 @@ constexpr int preview_delay_ms = 150;
 
 logs_view::logs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::logsDB_view>(*this)),
-      manager(context.core.state, context.core.db, context.core.paths, context.window), model(manager),
+      manager(context.core.car, context.core.db, context.core.paths, context.window), model(manager),
       actions(*this, context, manager) {
     ui.export_place->addWidget(&actions.exports());
     ui.split->setStretchFactor(0, 3);

@@ -9,7 +9,7 @@ constexpr int mark_size = 20;
 prefs_connection_trial::prefs_connection_trial(const Ui::prefs& its_ui, const view_context& its_context,
                                                mac_toolies& its_toolies)
     : ui(its_ui), context(its_context), toolies(its_toolies),
-      controller_(context.core.state, context.link, toolies, *this, context.core.diagnostics,
+      controller_(context.core.car, context.link, toolies, *this, context.core.diagnostics,
                   context.core.paths) {
     for (QLabel* label : {ui.test_title, ui.test_text})
         label->setTextFormat(Qt::PlainText); // texts of the adapter and the car
@@ -20,15 +20,9 @@ prefs_connection_trial::prefs_connection_trial(const Ui::prefs& its_ui, const vi
     controller_.operation_ended = [this](bool done) { ended(done); };
 }
 
-prefs_connection_trial::~prefs_connection_trial() {
-    if (is_running())
-        stop();
-}
-
 void prefs_connection_trial::start() {
     if (is_running())
         return;
-    process_state& state = context.core.state;
     far = reached::nothing;
     was_stopped = false;
     is_another_car = false;
@@ -37,7 +31,7 @@ void prefs_connection_trial::start() {
         QStringLiteral("Asking the adapter and the car who they are. Older cars may need half a minute."));
     // Also on a link that is open already the adapter and the car are to answer now.
     context.link.set_up_next_time(true);
-    known_before = std::exchange(state.available_pids, {});
+    told_before = context.core.car.times_told();
     note_progress();
     controller_.read_link_info();
 }
@@ -62,19 +56,16 @@ void prefs_connection_trial::look_changed() {
 void prefs_connection_trial::note_progress() {
     if (!context.link.is_connected())
         return;
-    far = std::max(far, context.core.state.adapter_known ? reached::adapter : reached::link);
+    far = std::max(far, context.core.adapter.adapter_known() ? reached::adapter : reached::link);
 }
 
 void prefs_connection_trial::ended(bool done) {
-    process_state& state = context.core.state;
-    if (done && !state.available_pids.isEmpty())
+    if (done && context.core.car.times_told() != told_before)
         far = reached::car;
-    else if (state.available_pids.isEmpty())
-        state.available_pids = known_before; // a silent car takes nothing away
     is_good = far == reached::car;
     if (is_good)
         show_result(QStringLiteral("Adapter and car answer"),
-                    report_link(context.link, state, toolies, false).details);
+                    report_link(context.link, context.core.car, toolies, false).details);
     else if (was_stopped)
         show_result(QStringLiteral("Stopped"), QStringLiteral("The test did not reach its end."));
     else
@@ -84,7 +75,7 @@ void prefs_connection_trial::ended(bool done) {
 }
 
 void prefs_connection_trial::show_failure() {
-    const QString adapter = QStringLiteral("Adapter: %1\n").arg(context.core.state.interface_description);
+    const QString adapter = QStringLiteral("Adapter: %1\n").arg(context.core.adapter.interface_description());
     if (is_another_car)
         return show_result(
             QStringLiteral("Another car answers"),

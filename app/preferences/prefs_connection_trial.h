@@ -14,7 +14,6 @@ public:
     // `ui` outlives it; its widgets are those whose names begin with "test_".
     prefs_connection_trial(const Ui::prefs& its_ui, const view_context& its_context,
                            mac_toolies& its_toolies);
-    ~prefs_connection_trial() override;
 
     void start();
     void stop();
@@ -51,11 +50,11 @@ private:
     const Ui::prefs& ui;
     view_context context;
     mac_toolies& toolies;
-    readCodes controller_;
     reached far = reached::nothing;
     bool was_stopped = false;
     bool is_another_car = false;
     bool is_good = false;
-    QString told; // by the controller, last
-    obd_groups known_before;
+    QString told;          // by the controller, last
+    int told_before = 0;   // car_state::times_told() when it began
+    readCodes controller_; // last: it leaves its operation when it goes, and tells so
 };

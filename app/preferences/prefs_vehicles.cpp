@@ -13,8 +13,8 @@ constexpr QSize photo_size{270, 152};
 
 prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context,
                                mac_toolies& its_toolies)
-    : context(its_context), list(context.core.state, context.core.defaults, its_toolies),
-      rows(list, context.core.db), delegate(context.frame.look()), view(its_view), ui(its_ui) {
+    : context(its_context), list(context.core.car, its_toolies), rows(list, context.core.db),
+      delegate(context.frame.look()), view(its_view), ui(its_ui) {
     ui.vehicle_table->setModel(&rows);
     ui.vehicle_table->setItemDelegate(&delegate);
     ui.vehicle_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
@@ -33,8 +33,9 @@ prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const
     });
     connect(ui.vehicle_delete, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
     connect(ui.vehicle_use, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
+    list.current_changed = [this] { context.link.set_up_next_time(false); }; // its record is to be read
     load_vehicles();
-    select(context.core.state.cur_veh_id);
+    select(context.core.car.cur_veh_id());
 }
 
 // The table outlives the model and the delegate.
@@ -98,13 +99,13 @@ void prefs_vehicles::deleteCar() {
 }
 
 void prefs_vehicles::delete_now(int veh_id) {
-    const int current_before = context.core.state.cur_veh_id;
+    const int current_before = context.core.car.cur_veh_id();
     if (list.is_current(veh_id))
         Q_EMIT about_to_change();
     const QString problem = list.deleteCar(veh_id);
     rows.reload();
-    const bool changed = context.core.state.cur_veh_id != current_before;
-    select(changed ? context.core.state.cur_veh_id : -1);
+    const bool changed = context.core.car.cur_veh_id() != current_before;
+    select(changed ? context.core.car.cur_veh_id() : -1);
     if (changed) {
         context.delegate.show_current_vehicle();
         Q_EMIT current_changed();

@@ -14,13 +14,13 @@ QString far_end_of(const adapter_place& place, bool is_demo) {
     }
 }
 
-QString details_of(const process_state& state, const mac_toolies& toolies) {
-    if (!state.adapter_ready)
+QString details_of(const adapter_facts& adapter, const car_state& car, const mac_toolies& toolies) {
+    if (!adapter.adapter_ready())
         return QStringLiteral("The adapter is not initialised yet.");
-    QStringList lines{QStringLiteral("Adapter: %1").arg(state.interface_description)};
-    lines += QStringLiteral("Protocol: %1").arg(state.protocol_description);
+    QStringList lines{QStringLiteral("Adapter: %1").arg(adapter.interface_description())};
+    lines += QStringLiteral("Protocol: %1").arg(adapter.protocol_description());
     QStringList ecus;
-    for (const obd_group& ecu : state.available_pids) {
+    for (const obd_group& ecu : car.available_pids()) {
         const QString name = toolies.l_pull_ECU(ecu.header);
         ecus += name.isEmpty() ? ecu.header : QStringLiteral("%1 (%2)").arg(ecu.header, name);
     }
@@ -31,16 +31,17 @@ QString details_of(const process_state& state, const mac_toolies& toolies) {
 
 } // namespace
 
-link_words report_link(const adapter_link& link, const process_state& state, const mac_toolies& toolies,
+link_words report_link(const adapter_link& link, const car_state& car, const mac_toolies& toolies,
                        bool is_demo) {
     const adapter_place& place = link.place();
+    const adapter_facts& adapter = link.adapter();
     link_words words;
     words.far_end = far_end_of(place, is_demo);
     words.can_choose = place.interface_kind() == interface_bluetooth;
     if (link.is_connected()) {
         words.now = link_words::condition::open;
-        words.protocol = state.adapter_ready ? state.protocol_description : QString();
-        words.details = details_of(state, toolies);
+        words.protocol = adapter.adapter_ready() ? adapter.protocol_description() : QString();
+        words.details = details_of(adapter, car, toolies);
         return words;
     }
     const bool opening = link.is_opening();

@@ -6,5 +6,5 @@
 
 // The words of the link mark: how the link stands, and the adapter, protocol and ECUs at its far end.
 // `is_demo`: the link leads to the demo's car.
-link_words report_link(const adapter_link& link, const process_state& state, const mac_toolies& toolies,
+link_words report_link(const adapter_link& link, const car_state& car, const mac_toolies& toolies,
                        bool is_demo);

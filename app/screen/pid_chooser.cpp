@@ -165,10 +165,10 @@ void pid_chooser::set_up(QTableView& table, pid_rows& rows, const QString& acces
 }
 
 void pid_chooser::show_vehicle() {
-    const process_state& state = context.core.state;
-    choice = pid_choice(context.core.toolies.grab_pids_available(),
-                        context.core.defaults.value(setting::sample_set.of_vehicle(state.cur_veh_id)),
-                        context.core.toolies);
+    choice =
+        pid_choice(context.core.toolies.grab_pids_available(),
+                   context.core.defaults.value(setting::sample_set.of_vehicle(context.core.car.cur_veh_id())),
+                   context.core.toolies);
     offered_rows.reload_all();
     chosen_rows.reload(true);
     pages->setCurrentIndex(choice.available().isEmpty() ? empty_page : lists_page);

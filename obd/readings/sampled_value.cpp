@@ -36,7 +36,7 @@ const quantity* drawn_quantity(const pid_value& value, const QString& unit) {
 double sampled_number(const QString& reply, const sample_reading& reading, const text_resources& lists) {
     const QString pid = reading.by_standard ? sampled_pid(reply) : QString();
     if (!reading.by_standard || is_computed(pid))
-        return get_OBDVal(reply, reading.units, reading.boost_reference_kpa, lists);
+        return get_OBDVal(reply, reading.units, lists);
     const pid_value value = read_pid_value(reply.trimmed(), reading.units);
     const quantity* drawn = drawn_quantity(value, standard_unit(pid, reading.units));
     return drawn ? drawn->value : std::numeric_limits<double>::quiet_NaN();
@@ -64,7 +64,7 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
     const QString unit = standard_unit(pid, reading.units);
     const pid_value value = read_pid_value(reply.trimmed(), reading.units);
     const quantity* number = drawn_quantity(value, unit);
-    const sample_reading own{reading.units, reading.boost_reference_kpa, false};
+    const sample_reading own{reading.units, false};
     if (!number) // one that lacks data, or a state, whose number says nothing in either reading
         return value.states.isEmpty() && !value.is_undefined;
     QString own_unit = sampled_unit(pid, own).trimmed();

@@ -10,7 +10,6 @@ class text_resources;
 // readings: the program's own, or that of SAE J1979.
 struct sample_reading {
     unit_system units = unit_system::imperial;
-    int boost_reference_kpa = 101;
     bool by_standard = false;
 };
 

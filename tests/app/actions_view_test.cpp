@@ -5,7 +5,6 @@
 
 #include <QClipboard>
 #include <QElapsedTimer>
-#include <QImageReader>
 
 namespace {
 
@@ -245,22 +244,14 @@ TEST(actions_view, takes_another_set_of_pids) {
     EXPECT_TRUE(car.charts("Engine RPM"));
 }
 
-TEST(actions_view, saves_and_copies_the_picture) {
+TEST(actions_view, copies_the_picture_and_tells_when_it_cannot_be_saved) {
     live_car car;
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_for_sweeps(3));
     ASSERT_TRUE(car.shows("chart"));
-    auto& saver = car.part<picture_saver>();
-    const QString file = car.folder.filePath(QStringLiteral("chart.png"));
-    saver.save_to(file);
-    QImageReader reader(file);
-    EXPECT_EQ(reader.format(), "png");
-    EXPECT_EQ(reader.size(), 2 * car.part<chart_picture>("chart").size());
-
     car.part<QPushButton>("run").setFocus();
     car.press(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), reader.size());
-
-    saver.save_to(car.folder.filePath(QStringLiteral("missing/chart.png")));
+    EXPECT_EQ(QGuiApplication::clipboard()->image().size(), 2 * car.part<chart_picture>("chart").size());
+    car.part<picture_saver>().save_to(car.folder.filePath(QStringLiteral("missing/chart.png")));
     EXPECT_TRUE(car.part<notice_banner>().isVisible());
 }

@@ -59,34 +59,10 @@ TEST(export_progress, stopped_leaves_no_half_file) {
     EXPECT_EQ(t.loggies().entryList(QDir::Files), QStringList());
     EXPECT_EQ(t.strip.words(), QStringLiteral("No file was written."));
     EXPECT_EQ(t.ends.size(), 1);
-    {
-        export_progress goes(t.core);
-        goes.start({id}, false);
-        ASSERT_EQ(t.loggies().entryList(QDir::Files).size(), 1);
-    }
-    EXPECT_EQ(t.loggies().entryList(QDir::Files), QStringList());
-
     // The file that was whole before the stop stays.
     const int one = t.stored(1, QStringLiteral("Boost"));
     t.strip.start({one, id}, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !t.strip.files().isEmpty(); }, 20000));
     t.strip.stop();
     EXPECT_EQ(t.loggies().entryList(QDir::Files).size(), t.strip.files().size());
-}
-
-TEST(export_progress, a_folder_that_cannot_take_the_file) {
-    export_strip t;
-    const int id = t.stored(1, QStringLiteral("Log"));
-    QFile in_the_way(t.loggies().path());
-    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
-    t.strip.start({id, id}, false);
-    EXPECT_FALSE(t.strip.is_running());
-    EXPECT_TRUE(t.strip.words().contains(QStringLiteral("cannot be written (Not a directory)")))
-        << t.strip.words().toStdString();
-    EXPECT_EQ(t.ends.size(), 1);
-
-    ASSERT_TRUE(in_the_way.remove());
-    t.strip.start({id}, false);
-    ASSERT_TRUE(t.wait_until_ended());
-    EXPECT_EQ(t.strip.files().size(), 1);
 }

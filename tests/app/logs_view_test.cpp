@@ -20,7 +20,7 @@ namespace {
 struct opened_logs : running_window {
     int store(const char* type, const QStringList& chunks) {
         const int id =
-            core.db.add_2_LOG_DB(QLatin1String(type), core.state.cur_veh_id, QStringLiteral("sample points"));
+            core.db.add_2_LOG_DB(QLatin1String(type), core.car.cur_veh_id(), QStringLiteral("sample points"));
         for (int line = 0; line < chunks.size(); ++line)
             core.db.append_2_LOG_DB(chunks.at(line), QString(), line, id);
         return id;

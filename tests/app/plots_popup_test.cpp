@@ -11,7 +11,7 @@ namespace {
 // A stored run of vehicle speed and engine speed, and its window, opened from the log browser.
 struct plotted_log : running_window {
     explicit plotted_log(int sweeps, const char* type = "Log") {
-        const int id = core.db.add_2_LOG_DB(QLatin1String(type), core.state.cur_veh_id,
+        const int id = core.db.add_2_LOG_DB(QLatin1String(type), core.car.cur_veh_id(),
                                             QStringLiteral("%1 Sample points  ").arg(sweeps));
         core.db.begin_lines();
         for (int i = 0; i < sweeps; ++i)

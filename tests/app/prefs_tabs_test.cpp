@@ -101,7 +101,7 @@ TEST(vehicles_tab, the_only_vehicle_stays_and_a_deleted_current_one_hands_over) 
     program.press(Qt::Key_Return);
     EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh."));
     EXPECT_EQ(program.shown_vehicle(), QStringLiteral("Cur Veh."));
-    EXPECT_EQ(program.core.state.cur_veh_id, 1);
+    EXPECT_EQ(program.core.car.cur_veh_id(), 1);
     EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 1);
 }
 
@@ -188,7 +188,6 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     program.click("pid_up");
     EXPECT_EQ(program.stored_set(1), (QStringList{"0D|7E9", "0D|7E8", "0C|7E8"}));
     EXPECT_FALSE(program.part<QPushButton>("pid_up").isEnabled());
-    EXPECT_EQ(program.core.state.sample_pids, program.stored_set(1));
     program.field("pid_search").clear();
     offered.selectRow(1);
     QTest::keyClick(&offered, Qt::Key_Return); // takes away what stands there
@@ -201,7 +200,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     program.select_vehicle(1);
     program.click("vehicle_use");
     EXPECT_TRUE(chooser.shown().available().isEmpty());
-    EXPECT_EQ(program.core.state.sample_pids, setting::sample_set.first_value());
+    EXPECT_EQ(chooser.shown().items(), setting::sample_set.first_value());
     program.select_vehicle(0);
     program.click("vehicle_use");
     EXPECT_EQ(chooser.shown().items(), (QStringList{"0D|7E9"}));
@@ -253,8 +252,7 @@ TEST(connection_test, tells_which_of_them_did_not_answer) {
             what.cut_after = 1;
         server.set_faults(what);
         const auto car = virtual_adapter::load_car(
-            what.cut_after ? QStringLiteral("can11")
-                           : QStringLiteral(BV_TEST_DATA "/../terminal/ignition_off.car"),
+            what.cut_after ? QStringLiteral("can11") : QStringLiteral(BV_TESTS "/terminal/ignition_off.car"),
             problem);
         const quint16 port = server.start(car);
         ASSERT_NE(port, 0) << problem.toStdString();

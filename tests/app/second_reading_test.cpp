@@ -91,7 +91,7 @@ TEST(second_reading_view, marks_the_values_that_differ) {
 // The menu of a thumbnail switches the reading while the run goes on, and for what it stored.
 TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     running_window car(launch_options::link_choice::demo);
-    car.core.defaults.set(setting::sample_set.of_vehicle(car.core.state.cur_veh_id), QStringList{"42", "0D"});
+    car.core.defaults.set(setting::sample_set.of_vehicle(car.core.car.cur_veh_id()), QStringList{"42", "0D"});
     car.core.defaults.set(setting::log_runs, true);
     car.press(Qt::Key_2, Qt::ControlModifier);
     car.press(Qt::Key_F5);

@@ -88,7 +88,7 @@ TEST(user_defaults, of_this_run_are_not_stored) {
 }
 
 TEST(settings_table, is_the_list_of_the_manual_page) {
-    QString page = QString::fromUtf8(content_of(BV_TEST_DATA "/../../packaging/man/brivant-cli.1"));
+    QString page = QString::fromUtf8(content_of(BV_TESTS "/../packaging/man/brivant-cli.1"));
     page = page.section("\n.RS\n", 1, 1).section("\n.RE\n", 0, 0).replace("\\-", "-");
     QString listed;
     for (const setting_row* row : setting::all) {

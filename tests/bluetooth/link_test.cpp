@@ -9,10 +9,10 @@ class bluetooth_channel : public testing::Test {
 protected:
     stand_in service;
     adapter_place place;
-    process_state state;
+    adapter_facts facts;
     hand_timers clock;
     recording_screen view;
-    adapter_link link{place, state, clock, view, make_transport};
+    adapter_link link{place, facts, clock, view, make_transport};
     recording_controller operation{link, view};
 
     bluetooth_channel() { link.set_controller(&operation); }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/process_state.h"
 #include "charts/sample_matrix.h"
 #include "tests/support/temporary_profile.h"
 #include "toolkit/mac_toolies.h"
@@ -11,8 +10,9 @@
 // A toolkit in metric units, and a run of PIDs.
 struct chart_bench {
     temporary_profile profile;
-    process_state state;
-    mac_toolies toolies{state, profile.defaults, profile.db};
+    adapter_facts adapter;
+    car_state car;
+    mac_toolies toolies{adapter, car, profile.defaults, profile.db};
     sample_matrix matrix{[this](const QString& body) { return toolies.get_OBDVal(body); }};
 
     chart_bench() { profile.defaults.set(setting::metric_units, true); }

@@ -22,7 +22,7 @@ TEST(scale_point, maps_to_whole_pixels_from_the_lower_left_corner) {
 TEST(series_points, bridge_what_is_missing_and_begin_at_the_first_value) {
     chart_bench bench;
     bench.drive({-1, 10, -1, -1, 40, -1});
-    EXPECT_EQ(series_points(bench.matrix, 0, {0, 0, 60, 50}, {0, 6, 0, 50}), QPolygon({{10, 10}, {40, 40}}));
+    EXPECT_EQ(series_points(bench.matrix, 0, {0, 0, 60, 50}, {0, 6, 0, 50}), (QPolygon{{10, 10}, {40, 40}}));
     bench.drive({-1, -1});
     EXPECT_TRUE(series_points(bench.matrix, 0, plot, {0, 2, 0, 50}).isEmpty());
     EXPECT_TRUE(series_points(bench.matrix, 0, plot, {2, 2, 0, 50}).isEmpty());

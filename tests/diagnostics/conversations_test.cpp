@@ -9,7 +9,7 @@
 
 namespace {
 
-const QString folder = QStringLiteral(BV_TEST_DATA "/conversations/");
+const QString folder = QStringLiteral(BV_TESTS "/diagnostics/conversations/");
 
 QString played(const conversation& talk, delivery pace = delivery::whole) {
     diagnostic_bench bench;

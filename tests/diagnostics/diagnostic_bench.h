@@ -118,7 +118,7 @@ struct diagnostic_bench : adapter_bench {
         ended = "no";
         profile.defaults.set(setting::log_runs, false);
         profile.defaults.set(setting::standard_reading, false);
-        state.protocol_description.clear(); // told once while the program runs
+        link.describe_protocol(QString()); // told once while the program runs
         for (const QStringList& log : profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES"))
             profile.db.delete_a_DB_log(log[0].toInt());
     }

@@ -1,6 +1,6 @@
 #include "diagnostics/report.h"
 
-#include "base/process_state.h"
+#include "operations/operation_code.h"
 #include "tests/support/print_qt.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "diagnostics/session_log.h"
 
-#include "base/process_state.h"
+#include "operations/operation_code.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
 

@@ -1,6 +1,7 @@
 #include "base/string_table.h"
 #include "expert/expertCtrlr.h"
 #include "tests/support/adapter_bench.h"
+#include "tests/support/conversation.h"
 #include "tests/support/print_qt.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +17,22 @@ struct console_bench : adapter_bench {
         link.set_controller(&controller);
         controller.load();
         controller.operation_ended = [this](bool done) { ended = done ? "done" : "left"; };
+        actions["load"] = [this](const QString&) { controller.load(); };
+        actions["stop"] = [this](const QString&) { controller.stop(); };
+        actions["send"] = [this](const QString& typed) {
+            ended = "no";
+            controller.handle_a_send(typed);
+        };
+        actions["script"] = [this](const QString& values) { script(values.split(", ")); };
+        actions["initialised"] = [this](const QString&) { found_out.ready = true; };
+        facts["ended"] = [this] { return ended; };
+        facts["transcript"] = [this] { return shown().chopped(1).replace('\n', " / "); };
     }
     // Up to the first command: the link is given its time.
-    void connect() { clock.advance(800); }
-    void script(const QString& text, const QString& from, const QString& to, const QString& loops) {
-        controller.start_script({text, from, to, loops});
-        connect();
+    void script(const QStringList& values) {
+        ended = "no";
+        controller.start_script(values);
+        clock.advance(800);
     }
     // Answers every command with "41" until nothing is asked any more.
     QString sent_to_the_end() {
@@ -34,59 +45,14 @@ struct console_bench : adapter_bench {
 
 } // namespace
 
-TEST(console, sends_what_is_typed_and_shows_every_answer) {
-    console_bench bench;
-    bench.controller.load();
-    bench.controller.handle_a_send("  01 00 ");
-    EXPECT_EQ(bench.shown(), "> 01 00\n");
-    bench.connect();
-    EXPECT_EQ(bench.written, QStringList("01 00"));
-    bench.controller.handle_a_send("AT RV");
-    EXPECT_EQ(bench.written.size(), 1) << "one command waits for its answer at a time";
-
-    bench.clock.advance(2999);
-    EXPECT_EQ(bench.written.size(), 1);
-    bench.clock.advance(1);
-    EXPECT_EQ(bench.written, QStringList({"01 00", "01 00"})) << "after three seconds, not the twelve before";
-    bench.adapter->receive("7E8 06 41 00\r7E9 06");
-    bench.adapter->receive(" 41 00\r\r>?\r\r>");
-    EXPECT_EQ(bench.shown(), "> 01 00\n7E8064100\n7E9064100\n");
-    bench.clock.advance(3000);
-    EXPECT_EQ(bench.ended, "done");
-    EXPECT_FALSE(bench.view.is_busy);
-    EXPECT_EQ(bench.clock.running(), 0u);
-
-    // Nothing is checked: what no other screen would take is an answer here.
-    bench.state.adapter_ready = true;
-    bench.controller.handle_a_send("AT ZZ");
-    bench.adapter->receive("?\r\r>");
-    EXPECT_EQ(bench.ended, "done");
-    EXPECT_TRUE(bench.shown().endsWith("> AT ZZ\n?\n"));
-    EXPECT_FALSE(bench.state.adapter_ready) << "the next reading begins with a reset";
-
-    bench.controller.load(); // from another screen, whose last answer is still on its way
-    bench.adapter->receive("7E8 03 41 0D 3C\r\r>");
-    EXPECT_TRUE(bench.shown().endsWith("> AT ZZ\n?\n"));
-}
-
-TEST(console, a_late_answer_stands_under_its_own_command) {
-    console_bench bench;
-    bench.controller.handle_a_send("01 0C");
-    bench.connect();
-    bench.clock.advance(3000);
-    bench.adapter->receive("41 0C 1A F8\r\r>");
-    bench.controller.handle_a_send("01 05");
-    EXPECT_EQ(bench.written.size(), 2) << "the answer to the second try is on its way";
-    bench.adapter->receive("41 0C 1A F9\r\r>");
-    EXPECT_EQ(bench.ended, "done");
-    bench.controller.handle_a_send("01 05");
-    bench.controller.stop(); // and its answer still comes
-    bench.controller.handle_a_send("01 0D");
-    bench.adapter->receive("41 05 7B\r\r>");
-    EXPECT_TRUE(bench.controller.is_running());
-    bench.adapter->receive("41 0D 3C\r\r>");
-    EXPECT_FALSE(bench.controller.is_running());
-    EXPECT_EQ(bench.shown(), "> 01 0C\n410C1AF8\n410C1AF9\n> 01 05\n> 01 0D\n41057B\n410D3C\n");
+TEST(console, happens_as_written) {
+    const QString folder = QStringLiteral(BV_TESTS "/expert/conversations/");
+    const QStringList files = conversations_in(folder);
+    ASSERT_GT(files.size(), 7);
+    for (const QString& file : files) {
+        console_bench bench;
+        EXPECT_EQ(play(conversation::load(folder + file), bench), "");
+    }
 }
 
 TEST(console, refuses_what_cannot_be_sent) {
@@ -103,30 +69,6 @@ TEST(console, refuses_what_cannot_be_sent) {
     EXPECT_EQ(bench.shown(), "");
 }
 
-TEST(console, ends_when_nothing_answers_and_when_told_to) {
-    console_bench bench;
-    bench.controller.handle_a_send("01 00");
-    bench.connect();
-    bench.clock.advance(5 * 3000);
-    EXPECT_EQ(bench.written, QStringList(5, "01 00"));
-    EXPECT_EQ(bench.ended, "left");
-    EXPECT_FALSE(bench.link.is_connected());
-
-    console_bench stopped;
-    stopped.script("01 {L}", "00", "FF", "1");
-    stopped.adapter->receive("41\r>");
-    stopped.controller.stop();
-    EXPECT_EQ(stopped.ended, "left");
-    EXPECT_FALSE(stopped.controller.is_script_running());
-    stopped.adapter->receive("LATE\r>");
-    EXPECT_TRUE(stopped.shown().endsWith("LATE\n")) << stopped.shown().toStdString();
-    EXPECT_EQ(stopped.written.join(' '), "01 00 01 01") << "a late answer does not wake the script";
-    stopped.controller.handle_a_send("AT RV");
-    stopped.adapter->receive("Timeout\r>");
-    EXPECT_EQ(stopped.view.last("status"), "Cur op timed out... Please Check/retry");
-    EXPECT_FALSE(stopped.controller.is_running());
-}
-
 TEST(script, passes) {
     const struct {
         const char *from, *to, *loops, *sent;
@@ -137,7 +79,7 @@ TEST(script, passes) {
     };
     for (const auto& row : rows) {
         console_bench bench;
-        bench.script("01{L}", row.from, row.to, row.loops);
+        bench.script({"01{L}", row.from, row.to, row.loops});
         EXPECT_EQ(bench.view.events.contains("status: Starting Expert script mode"), true);
         EXPECT_EQ(bench.sent_to_the_end(), row.sent);
         EXPECT_EQ(bench.controller.commands_answered(), bench.controller.commands_in_all());
@@ -148,42 +90,10 @@ TEST(script, passes) {
     }
 }
 
-TEST(script, sends_the_same_again_after_a_time_out) {
-    console_bench bench;
-    bench.script("AT {L}{L}", "01", "02", "1");
-    bench.clock.advance(3000);
-    EXPECT_EQ(bench.sent_to_the_end(), "AT 0101 AT 0101 AT 0202");
-    EXPECT_EQ(bench.shown(), "> AT 0101\n41\n41\n> AT 0202\n41\n") << "each answer under its command";
-
-    console_bench lost; // the answer to the first try never comes
-    lost.script("AT {L}{L}", "01", "03", "1");
-    lost.clock.advance(3000);
-    lost.adapter->receive("41\r>");
-    EXPECT_EQ(lost.written.size(), 2);
-    lost.clock.advance(3000);
-    EXPECT_EQ(lost.sent_to_the_end(), "AT 0101 AT 0101 AT 0202 AT 0303");
-}
-
-TEST(script, stops_when_the_car_is_out_of_reach) {
-    const char* out_of_reach[] = {"UNABLE TO CONNECT\r\r>", "BUS INIT: ...ERROR\r\r>"};
-    for (const char* words : out_of_reach) {
-        console_bench bench;
-        bench.script("01 {L}", "01", "05", "1");
-        bench.adapter->receive(words);
-        EXPECT_EQ(bench.written.size(), 1);
-        EXPECT_EQ(bench.ended, "left");
-        EXPECT_FALSE(bench.view.last("message").isEmpty()) << words;
-    }
-    console_bench bench;
-    bench.script("01 {L}", "01", "02", "1");
-    bench.adapter->receive("BUS INIT: OK\r41 01\r>");
-    EXPECT_EQ(bench.written.size(), 2) << "neither word alone is a failure";
-}
-
 TEST(script, answers_inside_the_send_neither_pile_up_nor_keep_the_event_loop) {
     adapter_bench bench;
     bench.place.choose(interface_simulated);
-    adapter_link link{bench.place, bench.state, bench.clock, bench.view, make_transport};
+    adapter_link link{bench.place, bench.found_out, bench.clock, bench.view, make_transport};
     expert_session session{bench.profile.defaults};
     expertCtrlr controller(bench.state, link, bench.toolies, bench.view, bench.profile.defaults, session);
     link.set_controller(&controller);
@@ -242,31 +152,6 @@ TEST(warning, comes_for_changes_that_stay) {
         EXPECT_FALSE(permanent_change(command).isEmpty()) << command;
     for (const char* command : {"01 04", "AT PPS", "AT BRT 0F", "AT SP 4", "4", "AT I", "14 04", ""})
         EXPECT_TRUE(permanent_change(command).isEmpty()) << command;
-}
-
-TEST(warning, is_asked_until_it_was_agreed_to_once) {
-    console_bench bench;
-    bench.controller.handle_a_send("01 00");
-    EXPECT_FALSE(bench.view.question);
-    bench.connect();
-    bench.adapter->receive("41 00\r>");
-
-    bench.controller.handle_a_send("0 4");
-    EXPECT_FALSE(bench.controller.is_running());
-    bench.ended = "no";
-    bench.view.answer(false);
-    EXPECT_EQ(bench.ended, "left");
-    EXPECT_EQ(bench.written.size(), 1);
-    EXPECT_FALSE(bench.shown().contains("0 4"));
-
-    bench.script("{L}", "01", "05", "1"); // sends 04 on its way
-    EXPECT_TRUE(bench.view.last("question").contains("04 clears"));
-    bench.view.answer(true);
-    EXPECT_EQ(bench.sent_to_the_end(), "01 00 01 02 03 04 05");
-
-    bench.controller.handle_a_send("AT PP 0C SV 01");
-    EXPECT_FALSE(bench.view.question);
-    EXPECT_EQ(bench.written.last(), "AT PP 0C SV 01");
 }
 
 TEST(warning, an_answer_after_the_screen_was_left_does_nothing) {

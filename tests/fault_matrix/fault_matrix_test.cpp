@@ -159,7 +159,7 @@ QString left_behind(const matrix_bench& bench) {
         things += QString("%1 timers").arg(bench.clock.running());
     if (bench.is_running())
         things += "an operation";
-    if (!bench.link.is_connected() && bench.state.adapter_ready)
+    if (!bench.link.is_connected() && bench.facts.adapter_ready())
         things += "ready without a link";
     return things.join(", ");
 }

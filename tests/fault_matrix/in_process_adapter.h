@@ -21,6 +21,12 @@ public:
     bool is_there = true; // else open() fails
     QStringList commands; // that it carried out, upper case, without blanks
 
+    struct piece {
+        std::string text;
+        int late_ms = 0;
+    };
+    std::function<std::vector<piece>(const std::string&)> trouble; // what becomes of a text on the way
+
     condition state() const override { return current; }
     void open() override {
         if (current != condition::closed)
@@ -34,7 +40,11 @@ public:
                 commands += QString::fromStdString(done.command);
             },
             virtual_adapter::adapter_session::outside{
-                [this](std::string_view text) { on_the_way.emplace_back(text); },
+                [this](std::string_view text) {
+                    const std::string said(text);
+                    for (piece& part : trouble ? trouble(said) : std::vector<piece>{{said}})
+                        on_the_way.push_back(std::move(part));
+                },
                 [this](int milliseconds) {
                     timer = clock.one_shot(milliseconds, [this] {
                         timer.reset();
@@ -76,10 +86,13 @@ public:
                 lose();
             return false;
         }
-        const std::string piece = std::move(on_the_way.front());
+        const piece next = std::move(on_the_way.front());
         on_the_way.pop_front();
-        if (const QString text = QString::fromLatin1(piece.data(), qsizetype(piece.size())).remove(QChar(0));
-            !text.isEmpty())
+        if (next.late_ms > 0)
+            clock.advance(next.late_ms);
+        const QString text =
+            QString::fromLatin1(next.text.data(), qsizetype(next.text.size())).remove(QChar(0));
+        if (current == condition::open && !text.isEmpty())
             Q_EMIT OBDevent(text);
         return true;
     }
@@ -90,6 +103,6 @@ private:
     condition current = condition::closed;
     std::unique_ptr<virtual_adapter::adapter_session> session;
     timer_handle timer;
-    std::deque<std::string> on_the_way;
+    std::deque<piece> on_the_way;
     bool closes = false;
 };

@@ -25,7 +25,7 @@ public:
         place.choose(interface_wifi);
         profile.db.init_DB();
         if (const auto first = vehicle_or_first(profile.db, -1))
-            state.cur_veh_id = first->id;
+            state.make_current(first->id, {});
         profile.defaults.set(setting::metric_units, true);
         profile.defaults.set(setting::log_runs, true);
         live_controller.set_observer(this);
@@ -34,21 +34,22 @@ public:
         link.openInterfaceConnection(); // so that there is an adapter to be given faults
         link.disconnect();
     }
-    ~matrix_bench() { link.set_controller(nullptr); }
+    ~matrix_bench() override { link.set_controller(nullptr); }
 
     in_process_adapter::car_pointer car;
     temporary_profile profile;
     adapter_place place;
-    process_state state;
+    adapter_facts facts;
+    car_state state;
     hand_timers clock;
     recording_screen view;
     in_process_adapter* adapter = nullptr;
-    adapter_link link{place, state, clock, view, [this](const adapter_place&) {
+    adapter_link link{place, facts, clock, view, [this](const adapter_place&) {
                           auto made = std::make_unique<in_process_adapter>(clock, car);
                           adapter = made.get();
                           return made;
                       }};
-    mac_toolies toolies{state, profile.defaults, profile.db};
+    mac_toolies toolies{facts, state, profile.defaults, profile.db};
     diagnostic_results results;
     live_results live{[this](const QString& body) { return toolies.get_OBDVal(body); }};
     readCodes diagnostics{state, link, toolies, view, results, profile.paths};
@@ -58,6 +59,7 @@ public:
 
     QString ended;                      // how the last operation ended; "" while it runs
     std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix
+    qint64 missing = 0;                 // cells that were left without a value
     std::function<void()> on_sweep;     // the person's doing
     QList<qsizetype> commands_by_sweep; // how many commands the adapter had carried out at the end of each
 
@@ -110,7 +112,9 @@ private:
     void run_ended() override { ended = live.sample_cnt >= sweeps_of_a_run ? "done" : "failed"; }
     void sample_arrived(int index) override {
         const QString body = live.cur_log_points.body(live.cur_log_points.rows() - 1, index);
-        if (body != no_reply)
+        if (body == no_reply)
+            ++missing;
+        else
             columns.insert(live.these_samples[index].pid + ' ' + body);
     }
     void sweep_completed() override {

@@ -8,6 +8,7 @@
 #include "tests/fuzz/must_hold.h"
 
 #include <QFile>
+#include <QImage>
 #include <QTemporaryDir>
 #include <cstdint>
 
@@ -26,7 +27,8 @@ void reading(database& db) {
     }
     must_hold(db.pull_rawData_fromDB(QStringLiteral("1"), true).startsWith(QLatin1String("-1")),
               "a log's text begins as readers expect it");
-    db.pull_veh_image(QStringLiteral("VEH_ID=1"));
+    const QImage photo = db.pull_veh_image(QStringLiteral("VEH_ID=1"));
+    must_hold(photo.width() <= 4096 && photo.height() <= 4096, "a photo is of a bounded size");
 }
 
 void storing(database& db) {

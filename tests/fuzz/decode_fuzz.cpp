@@ -155,9 +155,9 @@ void reading_pid_maps(const QString& text, int protocol) {
 
 void translating(const QString& reply) {
     for (const unit_system units : {unit_system::metric, unit_system::imperial}) {
-        const QString shown = translateResponse(reply, units, 101, lists());
+        const QString shown = translateResponse(reply, units, lists());
         must_hold(shown.size() <= std::max(reply.size(), longest_own_text), "a value is a short text");
-        const double value = get_OBDVal(reply, units, 101, lists());
+        const double value = get_OBDVal(reply, units, lists());
         must_hold(std::isfinite(value) || std::isnan(value), "a value is a number or none");
         formatForDisplay(value);
         translateResponse_subaru(reply, units, lists());

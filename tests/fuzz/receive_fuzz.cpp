@@ -85,7 +85,7 @@ public:
                 break;
             case 4:
                 ++i;
-                state.cur_protocol = hex_digit(QLatin1Char(next));
+                told.protocol = hex_digit(QLatin1Char(next));
                 break;
             case 5: leave(); break;
             case 6:
@@ -169,11 +169,13 @@ private:
         held.clear();
     }
 
-    const adapter_place somewhere;
-    process_state state;
+    const adapter_place somewhere{};
+    struct : adapter_facts {
+        using adapter_facts::protocol;
+    } told;
     bool is_console = false;
     still_timers clock;
-    exchange traffic{somewhere, state, clock, *this};
+    exchange traffic{somewhere, told, clock, *this};
     QByteArray piece; // not yet received
     QByteArray held;
     QByteArrayList replies;

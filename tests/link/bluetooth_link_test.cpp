@@ -35,12 +35,12 @@ TEST_F(bluetooth_link, asks_for_the_device_and_starts_the_task_when_its_channel_
     EXPECT_FALSE(link.openInterfaceConnection());
     EXPECT_EQ(heard(), "");
     EXPECT_EQ(remembered.join(", "), "");
-    state.headers_shown = true; // from another adapter
+    found_out.headers = true; // from another adapter
     adapter->finish_opening();
     EXPECT_EQ(shown(), "status: BT Connected, status: BT Connected!!, toast: ");
     EXPECT_EQ(heard(), "work"); // at once, and once
     EXPECT_EQ(remembered.join(", "), "AA:BB:CC:DD:EE:01 OBDII");
-    EXPECT_FALSE(state.headers_shown);
+    EXPECT_FALSE(found_out.headers);
     EXPECT_TRUE(link.openInterfaceConnection());
     EXPECT_EQ(adapter->attempts, 1);
     EXPECT_EQ(clock.running(), 0u);
@@ -90,14 +90,14 @@ TEST_F(bluetooth_link, a_lost_channel_ends_the_operation) {
         link.openInterfaceConnection();
         adapter->finish_opening();
         forget();
-        state.adapter_ready = state.adapter_known = true;
+        found_out.ready = found_out.known = true;
         if (working)
             ask("AT I", "ELM");
         adapter->break_off();
         EXPECT_EQ(heard(), "leave");
         EXPECT_EQ(view.last("status"), "Connection to BT lost");
         EXPECT_EQ(!view.last("message").isEmpty(), working);
-        EXPECT_FALSE(state.adapter_ready || state.adapter_known);
+        EXPECT_FALSE(found_out.ready || found_out.known);
         EXPECT_EQ(clock.running(), 0u);
     }
 }

@@ -102,8 +102,8 @@ TEST_F(link_test, a_new_operation_while_opening_is_watched_too) {
 TEST_F(link_test, a_link_lost_forgets_the_adapter) {
     for (const char* how : {"closed", "failed", "disconnect"}) {
         open();
-        state.adapter_ready = state.adapter_known = state.headers_shown = true;
-        state.cur_protocol = 6;
+        found_out.ready = found_out.known = found_out.headers = true;
+        found_out.protocol = 6;
         ask("AT I", "ELM");
         adapter->receive("half a rep");
         if (*how == 'f')
@@ -113,8 +113,8 @@ TEST_F(link_test, a_link_lost_forgets_the_adapter) {
         else
             adapter->break_off();
         EXPECT_FALSE(link.is_connected()) << how;
-        EXPECT_FALSE(state.adapter_ready || state.adapter_known || state.headers_shown) << how;
-        EXPECT_EQ(state.cur_protocol, -1) << how;
+        EXPECT_FALSE(found_out.ready || found_out.known || found_out.headers) << how;
+        EXPECT_EQ(found_out.protocol, -1) << how;
         EXPECT_EQ(clock.running(), 0u) << how;
         if (*how == 'd')
             continue;

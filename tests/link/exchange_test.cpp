@@ -129,11 +129,11 @@ TEST_F(exchange_of, five_time_outs_close_the_link) {
                   QString("OBD Cmd: (192.168.0.10:35000) Timed out!! \\n    Retrying...%1/4").arg(n));
     }
     forget();
-    state.adapter_ready = true;
+    found_out.ready = true;
     clock.advance(3000);
     EXPECT_EQ(heard(), "leave");
     EXPECT_EQ(view.events.join(", "), "beep: ");
-    EXPECT_FALSE(link.is_connected() || state.adapter_ready);
+    EXPECT_FALSE(link.is_connected() || found_out.ready);
     clock.advance(499);
     EXPECT_EQ(view.events.size(), 1);
     clock.advance(1);
@@ -242,10 +242,10 @@ TEST_F(exchange_of, replies_are_dropped_when_nobody_waits) {
 }
 
 TEST_F(exchange_of, the_console_gets_every_reply_as_it_is) {
-    state.adapter_ready = state.adapter_known = true;
+    found_out.ready = found_out.known = true;
     link.sendOBDcmd("AT RV\r");
     EXPECT_EQ(sent(), "AT RV");
-    EXPECT_FALSE(state.adapter_ready || state.adapter_known); // it may have changed anything
+    EXPECT_FALSE(found_out.ready || found_out.known); // it may have changed anything
     adapter->receive("UNABLE TO CONNECT\r\r>");
     adapter->receive("unasked\r\r>");
     EXPECT_EQ(heard(), "reply UNABLETOCONNECT, reply unasked");
@@ -262,6 +262,6 @@ TEST_F(exchange_of, headers_are_known_to_be_shown) {
     for (const auto& [command, reply, shown] : rows) {
         ask(command, "OK|ELM");
         adapter->receive(reply);
-        EXPECT_EQ(state.headers_shown, shown) << command;
+        EXPECT_EQ(found_out.headers, shown) << command;
     }
 }

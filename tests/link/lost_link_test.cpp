@@ -27,9 +27,9 @@ protected:
 TEST_F(lost_link, is_opened_again_with_growing_pauses_until_it_holds) {
     for (const int kind : {interface_wifi, interface_bluetooth}) {
         begin(kind);
-        state.adapter_ready = state.adapter_known = true;
+        found_out.ready = found_out.known = true;
         adapter->break_off();
-        EXPECT_FALSE(state.adapter_ready || state.adapter_known);
+        EXPECT_FALSE(found_out.ready || found_out.known);
         int attempt = 0;
         for (const int pause : {1, 2, 4, 8, 16, 30, 30}) {
             const int before = adapter->attempts;
@@ -169,7 +169,7 @@ TEST_F(lost_link, a_command_at_which_the_adapter_falls_silent_is_not_asked_again
             ask(row.command, row.expected);
             adapter->receive("OK>");
         }
-        state.adapter_known = row.adapter_known;
+        found_out.known = row.adapter_known;
         ask(row.command, row.expected);
         clock.advance(5 * 3000 + 500);
         EXPECT_FALSE(link.is_connected()) << row.command;

@@ -1,4 +1,3 @@
-#include "base/string_table.h"
 #include "tests/livedata/live_bench.h"
 
 #include <QFile>
@@ -7,7 +6,7 @@
 namespace {
 
 conversation conversation_of(const char* text) {
-    return conversation::parse(text, "here", QStringLiteral(BV_TEST_DATA "/conversations"));
+    return conversation::parse(text, "here", QStringLiteral(BV_TESTS "/livedata/conversations"));
 }
 
 QString set_of(live_bench& bench) {
@@ -20,11 +19,11 @@ QString set_of(live_bench& bench) {
 TEST(actions, the_sample_set_that_is_stored) {
     const auto set_with = [](const std::optional<setting_row>& which, const QStringList& items) {
         live_bench bench;
-        bench.profile.defaults.remove(setting::sample_set.of_vehicle(bench.state.cur_veh_id));
+        bench.profile.defaults.remove(setting::sample_set.of_vehicle(bench.state.cur_veh_id()));
         if (which)
             bench.profile.defaults.store(*which, items);
         const QString set = set_of(bench);
-        EXPECT_EQ(bench.state.sample_pids.join(' '), which == setting::sample_set ? "" : set);
+        EXPECT_TRUE(which == setting::sample_set || bench.facts["samples"]() == set);
         return set;
     };
     const setting_row own = setting::sample_set.of_vehicle(1);
@@ -34,34 +33,6 @@ TEST(actions, the_sample_set_that_is_stored) {
     // What a damaged settings file may hold: only what can be asked for is, once.
     EXPECT_EQ(set_with(own, {"", "0", "XY", "0C", "0c", "E4", "0D|" + QString(500, 'x'), "e5", "0b|7E8"}),
               "0C 0B|7E8");
-}
-
-TEST(actions, modes) {
-    live_bench bench;
-    ::actions& screen = bench.opened();
-    EXPECT_EQ(::actions::mode_names().join('/'), "Log Run/Fuel consumption/O2 Diags/Sampling/Boost");
-    EXPECT_EQ(screen.selected_index(), 0);
-    EXPECT_EQ(bench.results.these_samples[2].name, "Engine RPM");
-    EXPECT_EQ(bench.facts["matrix"](), "-1 -1 -1 -1");
-
-    screen.runLogs();
-    EXPECT_TRUE(screen.is_running());
-    screen.comboBoxSelectionDidChange(0); // the same
-    EXPECT_TRUE(screen.is_running());
-    screen.comboBoxSelectionDidChange(3); // ends the run
-    EXPECT_FALSE(screen.is_running());
-    EXPECT_EQ(set_of(bench), "E5 06 08 0A");
-    screen.comboBoxSelectionDidChange(4);
-    EXPECT_EQ(screen.selected_index(), 3);
-    screen.comboBoxSelectionDidChange(2); // starts at once
-    EXPECT_TRUE(screen.is_running());
-    EXPECT_EQ(screen.cur_op(), op_o2_layout);
-    EXPECT_EQ(set_of(bench), "");
-
-    screen.comboBoxSelectionDidChange(0);
-    bench.toolies.save_pids_2_sample_prefs({"0C", "0D"}); // the person chooses
-    screen.sample_set_changed();
-    EXPECT_EQ(set_of(bench), "0C 0D");
 }
 
 TEST(actions, zoom) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-const QString folder = QStringLiteral(BV_TEST_DATA "/conversations/");
+const QString folder = QStringLiteral(BV_TESTS "/livedata/conversations/");
 
 QString played(const conversation& talk, delivery pace = delivery::whole) {
     live_bench bench;

@@ -13,12 +13,12 @@ struct live_bench : adapter_bench, private run_observer {
     int stop_after = -1; // sweeps
 
     live_bench() {
-        state.available_pids.clear();
         profile.defaults.set(setting::metric_units, true);
         // clang-format off
         bench_actions();
         facts["running"]  = [this] { return QString(controller->is_running() ? "yes" : "no"); };
         facts["set"]      = [this] { return results.pid_logitems_list.join(' '); };
+        facts["names"]    = [this] { return column([](const sample_row& r) { return r.name; }); };
         facts["sweeps"]   = [this] { return QString::number(results.sample_cnt); };
         facts["lines"]    = [this] { return QString::number(results.log_sample_cnt); };
         facts["latest"]   = [this] { return column([](const sample_row& r) { return r.value; }); };
@@ -65,6 +65,7 @@ private:
         actions["choose"] = [this](const QString& mode) {
             opened().comboBoxSelectionDidChange(mode.toInt());
         };
+        actions["set-changed"] = [this](const QString&) { opened().sample_set_changed(); };
     }
     void choose_and_start(int mode) {
         opened().comboBoxSelectionDidChange(mode);

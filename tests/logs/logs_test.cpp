@@ -15,15 +15,16 @@ namespace {
 
 struct log_bench {
     temporary_profile profile;
-    process_state state;
+    adapter_facts adapter;
+    car_state car;
     recording_screen view;
-    mac_toolies toolies{state, profile.defaults, profile.db};
-    manage_logsDB manager{state, profile.db, profile.paths, view};
+    mac_toolies toolies{adapter, car, profile.defaults, profile.db};
+    manage_logsDB manager{car, profile.db, profile.paths, view};
 
     log_bench() {
         silence_console_log();
         profile.db.init_DB();
-        state.cur_veh_id = vehicle_or_first(profile.db, -1)->id;
+        car.make_current(vehicle_or_first(profile.db, -1)->id, {});
     }
     // A log with its chunks; `days` ago.
     int store(const char* type, const QStringList& chunks = {}, int days = 0, int vehicle = 1,
@@ -89,7 +90,7 @@ TEST(log_list, filters_by_kind_and_names_the_recency) {
     EXPECT_EQ(bench.view.last("status"), "Last 10 logs(10) (9 total)");
     EXPECT_EQ(bench.listed(log_filter::all_kinds, log_filter::last_year), "9 8 7 6 5 4 3 2 1 10 12");
 
-    bench.state.cur_veh_id = 77;
+    bench.car.make_current(77, {});
     EXPECT_EQ(bench.listed(), "");
     EXPECT_EQ(bench.manager.total_no_of_logs(), 0);
 }

@@ -11,8 +11,9 @@ namespace {
 
 struct stored_run {
     temporary_profile profile;
-    process_state state;
-    mac_toolies toolies{state, profile.defaults, profile.db};
+    adapter_facts adapter;
+    car_state car;
+    mac_toolies toolies{adapter, car, profile.defaults, profile.db};
     sample_matrix matrix{[this](const QString& body) { return toolies.get_OBDVal(body); }};
     log_header log;
 

@@ -93,18 +93,6 @@ TEST(messages, of_several_frames_are_joined) {
     EXPECT_EQ(l_pullOBDFromSingleGroupedMsg({}, 6), "");
 }
 
-TEST(messages, of_more_than_sixteen_frames_keep_their_order) {
-    // 118 bytes: the sequence digit runs from 1 to F and begins again at 0. Each frame holds its own number.
-    QString reply = "7E9 02 41 00\r7E8 10 76 00 00 00 00 00 00\r";
-    QString expected(12, u'0');
-    for (int i = 1; i <= 16; ++i) {
-        const QString data = QString("%1").arg(i, 2, 10, QChar(u'0')).repeated(7);
-        reply += "7E8 2" + QString::number(i % 16, 16).toUpper() + data + '\r';
-        expected += data;
-    }
-    EXPECT_EQ(taken_apart(reply, 6).data, QStringList({expected, "4100"}));
-}
-
 TEST(messages, without_headers_are_joined_up_to_their_count) {
     EXPECT_EQ(grab_CAN_msg("014\r0:490201314434\r1:47503030523535\r2:42313233343536\r"),
               "4902013144344750303052353542313233343536");
@@ -202,15 +190,4 @@ TEST(ecu_names, are_read_from_line_and_header) {
     EXPECT_FALSE(same_ecu("86F110", "83F110", 3));
     EXPECT_FALSE(same_ecu("86F110", "C6F110", 4));
     EXPECT_FALSE(same_ecu("86F110", "", 4));
-}
-
-TEST(messages, from_any_text_are_safe) {
-    for (const QString& text : {QString(100000, u'1'), QString("7\r").repeated(20000), QString(QChar(0xD83D)),
-                                QString(3, QChar(0)), QString("7E810FF\r").repeated(400)}) {
-        for (int protocol = -2; protocol <= 14; ++protocol)
-            taken_apart(text, protocol);
-        grab_CAN_msg(text);
-        pull_PID_msg(text, text, text);
-        pull_ECU(text);
-    }
 }

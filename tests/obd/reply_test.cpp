@@ -63,7 +63,8 @@ TEST(reply, says_what_each_ecu_said) {
     EXPECT_EQ(two.ecus()[0].refused(), std::nullopt);
     EXPECT_EQ(two.ecus()[1].refused(), (negative_response{0x01, 0x0C}));
     EXPECT_TRUE(two.ecus()[2].refused()->is_pending());
-    const reply copy = two;
+    reply copy;
+    copy = two;
     EXPECT_EQ(&copy.ecus(), &two.ecus()) << "taken apart once";
 
     // On ISO 14230-4 a header tells the length of its message.
@@ -102,17 +103,22 @@ TEST(reply, is_whole_or_not) {
     EXPECT_EQ(on_can("1010460105101212 21121212 2212121212121212").digits_received(), 18);
 }
 
+// 118 bytes: the sequence digit runs from 1 to F and begins again at 0. Each frame holds its own number.
 TEST(reply, of_more_than_sixteen_frames) {
-    QString headed = "7E81076620000000000";
+    QString headed = "7E9024100\r7E81076620000000000";
     QString plain = "076\r0:620000000000\r";
+    QString expected = "620000000000";
     for (int i = 1; i <= 16; ++i) {
         const QString digit = QString::number(i % 16, 16).toUpper();
-        headed += "\r7E82" + digit + QString(14, '0');
-        plain += digit + ':' + QString(14, '0') + '\r';
+        const QString data = QString("%1").arg(i, 2, 10, QChar(u'0')).repeated(7);
+        headed += "\r7E82" + digit + data;
+        plain += digit + ':' + data + '\r';
+        expected += data;
     }
     const reply long_one({headed, can, true});
     EXPECT_TRUE(long_one.ecus().first().is_whole());
-    EXPECT_EQ(without_headers(plain).data_without_headers("62").size(), 2 * 118);
+    EXPECT_EQ(long_one.ecus().first().data, expected);
+    EXPECT_EQ(without_headers(plain).data_without_headers("62"), expected);
 }
 
 // What is shown of an ECU's answer, and what is sampled of it.

@@ -108,9 +108,8 @@ TEST(log_export, columns) {
     // A cut first line hides no column.
     EXPECT_EQ(first_lines({{""}, {"410D3C,410C1AF8"}})[0], "Vehicle speed (mph),Engine RPM (RPM)");
     // Computed PIDs, names and units of their own
-    t.settings.boost_reference_kpa = 100;
     t.settings.units = unit_system::metric;
-    EXPECT_EQ(first_lines({{"41E565,41E403E8"}})[1], "1.000000,10.000000");
+    EXPECT_EQ(first_lines({{"41E566,41E403E8"}})[1], "1.000000,10.000000");
 
     const QStringList forty(40, "410C1AF8"); // more than the 300 bytes that items are counted in
     const QStringList wide = first_lines({{forty.join(',')}});
@@ -170,12 +169,11 @@ TEST(sampled_value, tells_where_the_readings_differ) {
         {"~", false, false},      {"NODATA", false, false},   {"", false, false}};
     for (const auto& row : rows) {
         EXPECT_EQ(readings_differ(row.reply, {unit_system::metric}, lists), row.metric) << row.reply;
-        EXPECT_EQ(readings_differ(row.reply, {unit_system::imperial, 101, true}, lists), row.imperial)
+        EXPECT_EQ(readings_differ(row.reply, {unit_system::imperial, true}, lists), row.imperial)
             << row.reply;
     }
-    EXPECT_EQ(sampled_unit("6D", {unit_system::metric, 101, true}), "kPa");
-    EXPECT_TRUE(
-        std::isnan(sampled_number("416D04000000002800000000", {unit_system::metric, 101, true}, lists)))
+    EXPECT_EQ(sampled_unit("6D", {unit_system::metric, true}), "kPa");
+    EXPECT_TRUE(std::isnan(sampled_number("416D04000000002800000000", {unit_system::metric, true}, lists)))
         << "no temperature in the place of a pressure";
 }
 

@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <functional>
-#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -160,31 +159,4 @@ TEST(unusable_database, what_a_file_brings_along_does_not_run) {
     EXPECT_TRUE(t.db.pull_veh_image("VEH_ID=1").isNull());
     EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
     EXPECT_TRUE(t.db.problem().contains("too large")) << t.db.problem().toStdString();
-}
-
-TEST(unusable_database, flipped_bytes_never_crash) {
-    test_database t;
-    ASSERT_TRUE(t.db.init_DB() && t.db.init_DB());
-    ASSERT_EQ(t.db.do_update_vehicle_image("1", QImage(20, 20, QImage::Format_RGB32), "-666"), 1);
-    const int log = t.db.add_2_LOG_DB("Log", 1, "sample points");
-    for (int line = 0; line < 50; ++line)
-        ASSERT_GT(t.db.append_2_LOG_DB("410D3C,411140", "", line, log), 0);
-    const QByteArray sound = t.bytes();
-    std::mt19937 random(1);
-    for (int round = 0; round < 150; ++round) {
-        QByteArray damaged = sound;
-        for (int flips = 0; flips < 8; ++flips)
-            damaged[static_cast<qsizetype>(random() % static_cast<unsigned>(sound.size()))] ^=
-                1 << (random() % 8);
-        if (round % 5 == 0)
-            damaged.truncate(static_cast<qsizetype>(random() % static_cast<unsigned>(sound.size())));
-        t.write(damaged);
-        QFile::remove(t.db.path() + "-journal");
-        t.db.init_DB();
-        t.db.retrieve_from_DB("SELECT * FROM VEHICLES");
-        t.db.retrieve_from_DB("SELECT * FROM LOGGIES where veh_id=1 ORDER by time_stamp DESC ");
-        t.db.pull_veh_image("VEH_ID=1");
-        t.db.add_2_LOG_DB("Log", 1, "");
-        EXPECT_TRUE(t.db.pull_rawData_fromDB("1", true).startsWith("-1"));
-    }
 }

@@ -5,7 +5,6 @@
 #include "tests/persistence/test_database.h"
 
 #include <QBuffer>
-#include <random>
 
 namespace {
 
@@ -47,21 +46,7 @@ TEST(vehicles, bytes_that_are_no_photo_give_none) {
     QBuffer png;
     ASSERT_TRUE(picture(2, 2).save(&png, "png"));
     EXPECT_TRUE(photo_of_tiff(png.data()).isNull());
-
-    const QByteArray sound = tiff_of_photo(picture(30, 30));
-    ASSERT_FALSE(photo_of_tiff(sound).isNull());
-    std::mt19937 random(1);
-    for (int round = 0; round < 200; ++round) {
-        QByteArray damaged = sound;
-        for (int flips = 0; flips < 4; ++flips) {
-            // Half of the damage hits the first and last bytes, where the picture's directory stands.
-            const auto at =
-                static_cast<qsizetype>(random() % (flips % 2 ? 200u : static_cast<unsigned>(sound.size())));
-            damaged[round % 2 ? at : sound.size() - 1 - at] = static_cast<char>(random());
-        }
-        const QImage read = photo_of_tiff(damaged);
-        EXPECT_TRUE(read.width() <= 4096 && read.height() <= 4096);
-    }
+    EXPECT_FALSE(photo_of_tiff(tiff_of_photo(picture(30, 30))).isNull());
 }
 
 TEST(vehicles, deletion_takes_photos_and_logs_of_that_vehicle_only) {

@@ -39,21 +39,22 @@ public:
 // One start of the program on a profile that may have been used before.
 struct program {
     adapter_place place;
-    process_state state;
+    adapter_facts adapter;
+    car_state car;
     hand_timers clock;
     recording_screen view;
     recording_area area;
     QStringList written;
     user_defaults defaults;
     database db;
-    mac_toolies toolies{state, defaults, db};
+    mac_toolies toolies{adapter, car, defaults, db};
     std::unique_ptr<Bv_lite_delegate> delegate;
 
     explicit program(const temporary_profile& profile)
         : defaults(profile.paths.settings_file), db(profile.paths.documents) {}
     void start() {
         delegate = std::make_unique<Bv_lite_delegate>(
-            place, state, defaults, toolies, clock, view,
+            place, adapter, car, toolies, clock, view,
             [this](const adapter_place&) { return std::make_unique<scripted_transport>(written, true); });
         delegate->applicationDidFinishLaunching(&area);
     }
@@ -74,10 +75,9 @@ TEST_F(start_up, the_first_time) {
     EXPECT_EQ(again.area.seen(), "vehicle Cur Veh., title Brivant Lite " BV_VERSION ", open 1, button 1");
     EXPECT_EQ(again.place.interface_kind(), interface_bluetooth);
     EXPECT_FALSE(again.defaults.value(setting::metric_units));
-    EXPECT_EQ(again.state.sample_pids, QStringList({"0D", "11", "0C", "05"}));
-    EXPECT_EQ(again.defaults.value(setting::sample_set.of_vehicle(again.state.cur_veh_id)),
-              again.state.sample_pids);
-    EXPECT_EQ(again.defaults.value(setting::current_vehicle), again.state.cur_veh_id);
+    EXPECT_EQ(again.defaults.value(setting::sample_set.of_vehicle(again.car.cur_veh_id())),
+              QStringList({"0D", "11", "0C", "05"}));
+    EXPECT_EQ(again.defaults.value(setting::current_vehicle), again.car.cur_veh_id());
     EXPECT_EQ(again.defaults.value(setting::interface_kind), 5);
     EXPECT_EQ(again.defaults.value(setting::wifi_ip), "192.168.0.10");
     EXPECT_EQ(again.defaults.value(setting::wifi_port), "35000");
@@ -159,9 +159,8 @@ TEST_F(start_up, the_current_vehicle) {
         next.defaults.store(setting::current_vehicle, remembered);
         next.defaults.set(setting::sample_set.of_vehicle(second), QStringList{"0C|7E8"});
         next.start();
-        EXPECT_EQ(next.state.cur_veh_id, expected) << why;
-        EXPECT_EQ(text_of(next.state.available_pids), expected == second ? "7E8 01 0C" : "") << why;
-        EXPECT_EQ(next.state.sample_pids.join(' '), expected == second ? "0C|7E8" : "0D 11 0C 05") << why;
+        EXPECT_EQ(next.car.cur_veh_id(), expected) << why;
+        EXPECT_EQ(text_of(next.car.available_pids()), expected == second ? "7E8 01 0C" : "") << why;
         EXPECT_TRUE(next.area.seen().startsWith(expected == second ? "vehicle Second" : "vehicle Cur Veh."))
             << why;
     }
@@ -169,11 +168,11 @@ TEST_F(start_up, the_current_vehicle) {
 
 TEST_F(start_up, without_a_usable_database_it_says_so_and_runs) {
     QDir().mkpath(profile.db.path()); // a folder in its place
-    again.state.available_pids = ecus_of("7E8 01");
+    again.car.make_current(7, ecus_of("7E8 01"));
     again.start();
     EXPECT_TRUE(again.view.last("message").contains("BV_loggies_lite.db"));
-    EXPECT_EQ(again.state.cur_veh_id, -1);
-    EXPECT_TRUE(again.state.available_pids.isEmpty());
+    EXPECT_EQ(again.car.cur_veh_id(), -1);
+    EXPECT_TRUE(again.car.available_pids().isEmpty());
     EXPECT_TRUE(again.area.seen().endsWith("open 1, button 1"));
 }
 
@@ -202,8 +201,7 @@ TEST_F(start_up, the_operation_that_runs_is_left_when_the_screen_changes) {
     again.defaults.set(setting::log_runs, false);
     again.start();
     diagnostic_results results;
-    readCodes diagnostics(again.state, again.delegate->link, again.toolies, again.view, results,
-                          profile.paths);
+    readCodes diagnostics(again.car, again.delegate->link, again.toolies, again.view, results, profile.paths);
     again.area.controller = &diagnostics;
     again.delegate->do_read_codes();
     diagnostics.l_readCodes();

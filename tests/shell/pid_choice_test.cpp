@@ -9,8 +9,9 @@ namespace {
 
 struct choosing : testing::Test {
     temporary_profile profile;
-    process_state state;
-    mac_toolies toolies{state, profile.defaults, profile.db};
+    adapter_facts adapter;
+    car_state car;
+    mac_toolies toolies{adapter, car, profile.defaults, profile.db};
     const obd_groups two_ecus{{"7E8", {"01", "05", "0C", "0D", "11", "20", "0C"}},
                               {"7E9", {"0C", "0D", "no", "GG"}},
                               {QString(17, '7'), {"05"}},

@@ -12,13 +12,16 @@ namespace {
 
 struct vehicles : testing::Test {
     temporary_profile profile;
-    process_state state;
-    mac_toolies toolies{state, profile.defaults, profile.db};
-    vehicle_list list{state, profile.defaults, toolies};
+    adapter_facts adapter;
+    car_state car;
+    mac_toolies toolies{adapter, car, profile.defaults, profile.db};
+    vehicle_list list{car, toolies};
+    int changes = 0; // of the current one
 
     vehicles() {
         profile.db.init_DB();
-        state.cur_veh_id = 1;
+        car.make_current(1, {});
+        list.current_changed = [this] { ++changes; };
     }
     int add(const QString& name) { return list.saveCurCarVals(-1, {name, "", ""}, {}).id; }
     QString names() {
@@ -63,27 +66,23 @@ TEST_F(vehicles, the_only_one_stays_and_a_deleted_current_one_hands_over) {
     const int log = profile.db.add_2_LOG_DB("Log", van, "sample points");
     profile.db.append_2_LOG_DB("410D3C", "", 0, log);
     EXPECT_EQ(list.count_of_logs(van), 1);
-    state.adapter_ready = true;
-    state.sample_pids = {"05|7E8"};
     EXPECT_EQ(list.deleteCar(van), "");
     EXPECT_EQ(names(), "1 Cur Veh.");
-    EXPECT_EQ(state.cur_veh_id, 1);
+    EXPECT_EQ(car.cur_veh_id(), 1);
     EXPECT_EQ(profile.defaults.value(setting::current_vehicle), 1);
-    EXPECT_EQ(state.sample_pids, setting::sample_set.first_value());
-    EXPECT_EQ(state.available_pids, (obd_groups{{"7E8", {"0C"}}}));
-    EXPECT_FALSE(state.adapter_ready) << "its record is to be read again";
+    EXPECT_EQ(car.available_pids(), (obd_groups{{"7E8", {"0C"}}}));
+    EXPECT_EQ(changes, 2);
     EXPECT_FALSE(profile.defaults.has(setting::sample_set.of_vehicle(van)));
     EXPECT_FALSE(log_with_id(profile.db, log));
     EXPECT_TRUE(profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA").isEmpty());
 
     for (const int unknown : {van, 0, -1})
         EXPECT_NE(list.setCurrentCar(unknown), "");
-    EXPECT_EQ(state.cur_veh_id, 1);
+    EXPECT_EQ(car.cur_veh_id(), 1);
     const int other = add("Other");
-    state.adapter_ready = true;
     EXPECT_EQ(list.deleteCar(other), "");
-    EXPECT_EQ(state.cur_veh_id, 1);
-    EXPECT_TRUE(state.adapter_ready) << "the current vehicle is the same";
+    EXPECT_EQ(car.cur_veh_id(), 1);
+    EXPECT_EQ(changes, 2) << "the current vehicle is the same";
 }
 
 TEST_F(vehicles, a_photo_chosen_on_edit_gets_a_row_and_then_replaces_it) {

@@ -68,7 +68,7 @@ QStringList lines_for(const QString& request, const raw_reply& reply) {
 } // namespace
 
 TEST(standard_reading, says_what_real_cars_said) {
-    QFile file(QStringLiteral(BV_TEST_DATA "/captures.txt"));
+    QFile file(QStringLiteral(BV_TESTS "/standard_reading/captures.txt"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     raw_reply reply;
     QString request;

@@ -105,22 +105,3 @@ TEST(elm327, fixed_protocols_and_cars_that_do_not_answer) {
                        {"0105", "BUS INIT: ERROR\r\r>"},
                    });
 }
-
-TEST(elm327, older_protocols_answer_in_several_messages) {
-    QString problem;
-    elm327 vpw(load_car(QStringLiteral("j1850vpw"), problem));
-    converse(
-        vpw,
-        {
-            {"ATE0", "ATE0\rOK\r\r>"},
-            {"03", "SEARCHING...\r43 01 02 11 20 12 20 \r43 15 14 15 15 00 00 \r43 00 00 00 00 00 00 \r\r>"},
-            {"0901", "49 01 05 \r\r>"},
-            {"0902",
-             "49 02 01 00 00 00 31 \r49 02 02 5A 5A 56 50 \r49 02 03 35 35 31 33 \r49 02 04 57 41 30 30 \r"
-             "49 02 05 30 36 32 33 \r\r>"},
-            {"0600", "46 00 FF 88 00 00 01 \r\r>"},
-            {"0605", "46 05 8A 02 00 01 80 \r\r>"},
-            {"01 0C 0D", "NO DATA\r\r>"},
-            {"0A", "NO DATA\r\r>"},
-        });
-}

@@ -72,35 +72,3 @@ TEST(framing, long_answers_of_two_ecus_interleave) {
     few.most_lines = 2;
     EXPECT_EQ(shown(bus::can11, both, few), "7E8 10 13 49 04 01 35 36 30 \r7E8 21 32 38 39 34 39 41 43 \r");
 }
-
-TEST(framing, segments_hold_every_byte_and_the_sequence_wraps) {
-    for (const std::size_t length : {8u, 13u, 14u, 118u, 4095u}) {
-        bytes data(length);
-        for (std::size_t i = 0; i < length; ++i)
-            data[i] = std::uint8_t(i * 7);
-        frame_style style = with_headers();
-        style.padding = 0xAA;
-        const std::string text = shown(bus::can11, {{0x7E8, {data}}}, style);
-        bytes back;
-        std::size_t frames = 0;
-        for (std::size_t start = 0; start < text.size(); ++frames) {
-            const std::size_t end = text.find('\r', start);
-            const bytes line = hex(text.substr(start + 4, end - start - 4));
-            ASSERT_EQ(line.size(), 8u);
-            if (frames == 0)
-                EXPECT_EQ(std::size_t(line[0] << 8 | line[1]), 0x1000 + length);
-            else
-                EXPECT_EQ(line[0], 0x20 + frames % 16);
-            back.insert(back.end(), line.begin() + (frames == 0 ? 2 : 1), line.end());
-            start = end + 1;
-        }
-        ASSERT_GE(back.size(), length);
-        EXPECT_LT(back.size(), length + 7);
-        EXPECT_EQ(bytes(back.begin() + std::ptrdiff_t(length), back.end()),
-                  bytes(back.size() - length, 0xAA));
-        back.resize(length);
-        EXPECT_EQ(back, data);
-    }
-    EXPECT_TRUE(shown(bus::can11, {{0x7E8, {bytes(118, 0x11)}}})
-                    .ends_with("\rF: 11 11 11 11 11 11 11 \r0: 11 11 11 11 11 11 11 \r"));
-}

@@ -87,14 +87,6 @@ TEST_F(server, a_character_stops_a_delayed_reply) {
     EXPECT_EQ(slow.replies(2), "STOPPED\r\r>14.1V\r\r>");
 }
 
-TEST_F(server, a_late_reply_holds_up_the_next) {
-    client held(start({.late_reply = 2, .late_ms = 40}));
-    held.ask("ATE0\r");
-    held.send("ATRV\r");
-    held.send("ATI\r");
-    EXPECT_EQ(held.replies(2), "14.1V\r\r>ELM327 v1.5\r\r>");
-}
-
 TEST_F(server, every_byte_by_itself) {
     client thin(start({.split = true}));
     EXPECT_EQ(thin.ask("ATE0\r"), "ATE0\rOK\r\r>");

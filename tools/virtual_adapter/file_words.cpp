@@ -15,7 +15,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(blanks) + 1);
 }
 
-std::string quoted(std::string_view word) {
+std::string in_quotes(std::string_view word) {
     return '"' + std::string(word.substr(0, 40)) + '"';
 }
 
@@ -59,7 +59,7 @@ std::string file_words::text(const std::string& what, std::size_t most) {
 unsigned file_words::hex(const std::string& what, std::size_t digits) {
     const std::string_view word = next(what);
     expect(word.size() == digits && is_hex(word),
-           what + " is not " + std::to_string(digits) + " hexadecimal digits: " + quoted(word));
+           what + " is not " + std::to_string(digits) + " hexadecimal digits: " + in_quotes(word));
     return from_hex(word);
 }
 
@@ -79,13 +79,14 @@ double file_words::number(const std::string& what, double least, double most) {
     // A value that is no number at all compares false with both bounds.
     expect(error == std::errc() && end == word.data() + word.size() && value >= least && value <= most,
            what + " is not a number from " + std::to_string(int(least)) + " to " + std::to_string(int(most)) +
-               ": " + quoted(word));
+               ": " + in_quotes(word));
     return value;
 }
 
 bool file_words::choice(const std::string& yes, const std::string& no) {
     const std::string_view word = next(yes);
-    expect(word == yes || word == no, quoted(yes) + " or " + quoted(no) + " expected: " + quoted(word));
+    expect(word == yes || word == no,
+           in_quotes(yes) + " or " + in_quotes(no) + " expected: " + in_quotes(word));
     return word == yes;
 }
 
@@ -93,12 +94,12 @@ trouble_code file_words::code() {
     const std::string_view word = next("a trouble code");
     const std::size_t letter = std::string_view("PCBU").find(word[0]);
     expect(word.size() == 5 && letter < 4 && is_hex(word.substr(1)) && word[1] < '4',
-           "not a trouble code: " + quoted(word));
+           "not a trouble code: " + in_quotes(word));
     return trouble_code(letter << 14 | from_hex(word.substr(1)));
 }
 
 void file_words::expect_end() const {
-    expect(at_end(), "more than expected: " + quoted(m_rest));
+    expect(at_end(), "more than expected: " + in_quotes(m_rest));
 }
 
 } // namespace virtual_adapter
