@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 
 constexpr int card_width = 640;
@@ -200,3 +202,5 @@ void device_chooser::keyPressEvent(QKeyEvent* event) {
     else
         card_sheet::keyPressEvent(event);
 }
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <QTableWidget>
 #include <functional>
 
+namespace brivant {
+
 // The list of Bluetooth devices on a card over the window, kept up to date while it is shown. The answer
 // comes through a callback, exactly once: the address and the name of the device, or two empty texts for
 // none. It deletes itself.
@@ -56,3 +58,5 @@ private:
     QPushButton* take;
     QPushButton* cancel;
 };
+
+} // namespace brivant

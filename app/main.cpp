@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <cstdio>
 
+using namespace brivant;
+
 namespace {
 
 constexpr int wrong_usage = 2;

@@ -13,6 +13,8 @@
 #include <QCloseEvent>
 #include <QShortcut>
 
+namespace brivant {
+
 namespace {
 
 constexpr QSize first_size{1180, 760};
@@ -297,3 +299,5 @@ void main_window::closeEvent(QCloseEvent* event) {
     core.defaults.synchronise();
     event->accept();
 }
+
+} // namespace brivant

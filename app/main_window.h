@@ -14,9 +14,11 @@
 #include <QWidget>
 #include <memory>
 
+namespace brivant {
+
 // The window: the tool strip on top, notices, one of the five screens, and the status line. It is all that
 // the controllers see of the world, and it owns the delegate. `core` outlives it.
-class main_window : public QWidget, public ::screen, public main_area, private window_frame {
+class main_window : public QWidget, public brivant::screen, public main_area, private window_frame {
     Q_OBJECT
 
 public:
@@ -103,3 +105,5 @@ private:
     QPointer<device_chooser> chooser;
     std::unique_ptr<screen_view> view;
 };
+
+} // namespace brivant

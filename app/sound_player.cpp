@@ -4,6 +4,8 @@
 
 #include <canberra.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr int patience_ms = 500;
@@ -51,3 +53,5 @@ void sound_player::play(int sound) {
     if (const char* event = event_of(sound))
         worker->start([output_of_it = out, event] { output_of_it->play(event); });
 }
+
+} // namespace brivant

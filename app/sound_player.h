@@ -3,6 +3,8 @@
 #include <QThreadPool>
 #include <memory>
 
+namespace brivant {
+
 // Plays the sounds of the desktop's theme. Silent where there is no sound, and never in the way: opening the
 // sound system can take its time, so it happens beside the main thread.
 class sound_player {
@@ -18,3 +20,5 @@ private:
     std::shared_ptr<output> out;
     std::unique_ptr<QThreadPool> worker;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QMenu>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 constexpr int strip_height = 84;
@@ -155,3 +157,5 @@ void tool_strip::set_look(const theme& look) {
         buttons[i]->setIcon(look.icon(QLatin1String(screens[static_cast<size_t>(i)].icon)));
     help_button.setIcon(look.icon(QStringLiteral("help.png")));
 }
+
+} // namespace brivant

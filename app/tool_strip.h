@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <optional>
 
+namespace brivant {
+
 // The bar on top of the window: the five screens, help, and the current vehicle.
 class tool_strip : public QFrame {
     Q_OBJECT
@@ -44,3 +46,5 @@ private:
     elided_label vehicle;
     QLabel note_label;
 };
+
+} // namespace brivant

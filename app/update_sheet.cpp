@@ -4,6 +4,8 @@
 
 #include <QDir>
 
+namespace brivant {
+
 namespace {
 
 constexpr int card_width = 560;
@@ -129,3 +131,5 @@ void update_sheet::say(const QString& sentence, bool is_problem) {
     said->setText(sentence);
     said->setAccessibleName(sentence);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <QLineEdit>
 
+namespace brivant {
+
 // The card that asks the update server for a newer version, and fetches its archive. The address of the
 // server is stored when it is asked. Closing it ends what is under way.
 class update_sheet : public card_sheet {
@@ -37,3 +39,5 @@ private:
     QPushButton* check_button = nullptr;
     QPushButton* download_button = nullptr;
 };
+
+} // namespace brivant

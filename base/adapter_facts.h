@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 // What is known of the adapter and of the link to it. The link alone writes it; all others read.
 class adapter_facts {
 public:
@@ -22,3 +24,5 @@ protected: // not private for tests that stand in for the link
     int protocol = -1;
     QString protocol_text, interface_text;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QStandardPaths>
 
+namespace brivant {
+
 app_paths app_paths::for_profile(const QString& profile, QString* problem) {
     app_paths paths;
     if (profile.isEmpty()) {
@@ -24,3 +26,5 @@ app_paths app_paths::for_profile(const QString& profile, QString* problem) {
     }
     return paths;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 // The folders of a person's own files. `profile` ("" for none) puts all of them below one folder of its own.
 struct app_paths {
     QString documents;          // the database, the console log, the exports
@@ -12,3 +14,5 @@ struct app_paths {
     // which is empty otherwise; the paths are returned all the same.
     static app_paths for_profile(const QString& profile, QString* problem = nullptr);
 };
+
+} // namespace brivant

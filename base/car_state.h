@@ -2,6 +2,8 @@
 
 #include "base/shared_types.h"
 
+namespace brivant {
+
 // The current vehicle, and what it is known to support.
 class car_state {
 public:
@@ -27,3 +29,5 @@ private:
     obd_groups pids;
     int told = 0;
 };
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <chrono>
 #include <cstdio>
 
+namespace brivant {
+
 namespace {
 
 using std::chrono::steady_clock;
@@ -124,3 +126,5 @@ void silence_console_log() {
     log.path.clear();
     qInstallMessageHandler(take_qt_message);
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QString>
 #include <initializer_list>
 
+namespace brivant {
+
 // Free-form diagnostic lines that name the method. They go to "console.log" in the Documents folder once
 // redirected there, else to standard error. Qt's own messages go the same way. While an event loop runs,
 // lines reach the file within about a second; Qt's warnings take those before them along at once.
@@ -21,3 +23,5 @@ bool redirect_console_log(const QString& file);
 
 // Discards lines until redirected (tests, and the terminal program before it knows its profile).
 void silence_console_log();
+
+} // namespace brivant

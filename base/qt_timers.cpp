@@ -6,6 +6,8 @@
 #include <chrono>
 #include <map>
 
+namespace brivant {
+
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -93,3 +95,5 @@ timer_handle qt_timers::one_shot(int delay_ms, std::function<void()> call) {
 timer_handle qt_timers::repeating(int delay_ms, std::function<void()> call) {
     return std::make_unique<event_loop_timer>(events, delay_ms, true, std::move(call));
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/timers.h"
 
+namespace brivant {
+
 // Timers of the Qt event loop of the thread that made it. A handle may outlive it.
 class qt_timers : public timers {
 public:
@@ -14,3 +16,5 @@ public:
 private:
     std::shared_ptr<class timer_events> events;
 };
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QByteArrayView>
 #include <algorithm>
 
+namespace brivant {
+
 // Adapter text between two prompts. Past `limit` bytes the text is dropped up to the next prompt and the
 // reply counts as cut.
 class rx_buffer {
@@ -27,3 +29,5 @@ private:
     QByteArray held;
     bool cut = false;
 };
+
+} // namespace brivant

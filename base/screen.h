@@ -3,6 +3,8 @@
 #include <QString>
 #include <functional>
 
+namespace brivant {
+
 // What of a controller's results has changed.
 enum class part {
     operation, // begun or ended
@@ -53,3 +55,5 @@ public:
 
 // The sounds of play_sound(), by their numbers.
 enum sound : int { sound_nothing_found = 0, sound_alert = 1, sound_no_identifier = 2, sound_done = 6 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "base/settings_table.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_texts = 1000;
@@ -51,3 +53,5 @@ std::optional<setting_row> setting::with_key(const QString& key) {
     }
     return std::nullopt;
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <array>
 #include <optional>
 
+namespace brivant {
+
 // A row of the table of settings.
 struct setting_row {
     enum class kind { flag, number, text, texts };
@@ -128,3 +130,5 @@ inline constexpr std::array<const setting_row*, 18> all{
 std::optional<setting_row> with_key(const QString& key);
 
 } // namespace setting
+
+} // namespace brivant

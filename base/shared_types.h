@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace brivant {
+
 // The records that travel between the floors.
 
 // One line of a reply: the header text that the adapter shows before the data, and the rest of the
@@ -37,3 +39,5 @@ enum class unit_system { metric, imperial };
 // The reply that stands for the absence of a usable reply, and the text of a value that is not available.
 inline const QString no_reply = QStringLiteral("~");
 inline const QString not_available = QStringLiteral("N/A");
+
+} // namespace brivant

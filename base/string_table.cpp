@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QMap>
 
+namespace brivant {
+
 namespace {
 
 // Each line of the table is KEY = text; "\n" in the text stands for a line end. Lines that begin with
@@ -62,3 +64,5 @@ QString fill(const QString& format, std::initializer_list<QString> arguments) {
     }
     return result;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+namespace brivant {
+
 namespace {
 
 const QString list_type = QStringLiteral("txt");
@@ -54,3 +56,5 @@ std::optional<QString> text_resources::line(const QString& name, qsizetype index
         return std::nullopt;
     return list->at(index);
 }
+
+} // namespace brivant

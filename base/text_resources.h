@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace brivant {
+
 // The plain text lists that the program ships: one entry a line, lines separated by "\n" (a trailing empty
 // line is an entry). They are compiled in and never change, so a list once read is kept.
 class text_resources {
@@ -30,3 +32,5 @@ private:
     QString folder;
     mutable QHash<QString, std::optional<QStringList>> lists;
 };
+
+} // namespace brivant

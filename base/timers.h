@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 
+namespace brivant {
+
 // A running timer; destroying it stops it, so its owner never hears from it afterwards.
 class running_timer {
 public:
@@ -17,3 +19,5 @@ public:
     [[nodiscard]] virtual timer_handle one_shot(int milliseconds, std::function<void()> call) = 0;
     [[nodiscard]] virtual timer_handle repeating(int milliseconds, std::function<void()> call) = 0;
 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "base/user_defaults.h"
 
+namespace brivant {
+
 user_defaults::user_defaults(const QString& file) : written(file, QSettings::IniFormat) {
     written.setFallbacksEnabled(false);
 }
@@ -39,3 +41,5 @@ bool user_defaults::synchronise() {
     written.sync();
     return written.status() == QSettings::NoError;
 }
+
+} // namespace brivant

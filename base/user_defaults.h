@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QSettings>
 
+namespace brivant {
+
 // The user defaults: one INI file, which may have been edited by hand. What is read of it has passed the
 // checks of the table. Values set are seen by the next reader at once.
 class user_defaults {
@@ -48,3 +50,5 @@ private:
     QSettings written;
     QHash<QString, QVariant> overridden;
 };
+
+} // namespace brivant

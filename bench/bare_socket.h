@@ -7,6 +7,8 @@
 #include <QProcess>
 #include <QTcpSocket>
 
+namespace brivant {
+
 // The same commands in turn on a bare socket, each sent as soon as the prompt is there: what adapter, network
 // and event loop allow.
 class bare_socket {
@@ -71,3 +73,5 @@ inline quint16 start_adapter(QProcess& adapter) {
     }
     return line.trimmed().split(':').last().toUShort();
 }
+
+} // namespace brivant

@@ -19,6 +19,8 @@
 #include <ctime>
 #include <sqlite3.h>
 
+using namespace brivant;
+
 namespace {
 
 constexpr std::array logs_in_list{100, 100'000};

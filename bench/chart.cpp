@@ -18,6 +18,8 @@
 #include <random>
 #include <vector>
 
+using namespace brivant;
+
 namespace {
 
 const QStringList pids{"0D", "0C", "11", "05", "0B", "10", "0E", "14"};

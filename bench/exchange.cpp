@@ -18,6 +18,8 @@
 #include <cstdio>
 #include <vector>
 
+using namespace brivant;
+
 namespace {
 
 const QByteArray asked_for = "01 0C\r";

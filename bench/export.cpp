@@ -14,6 +14,8 @@
 #include <sqlite3.h>
 #include <sys/resource.h>
 
+using namespace brivant;
+
 namespace {
 
 constexpr int lines_a_slice = 2000;

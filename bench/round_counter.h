@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace brivant {
+
 // What the benchmarks of exchanges share: how long is measured, and what ends one that cannot go on.
 
 inline constexpr int rounds = 9;
@@ -74,3 +76,5 @@ private:
     qint64 wanted = -1;
     qint64 elapsed_ns = 0;
 };
+
+} // namespace brivant

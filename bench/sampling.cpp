@@ -26,6 +26,8 @@
 #include <unistd.h>
 #include <vector>
 
+using namespace brivant;
+
 namespace {
 
 const QByteArrayList asked_for{"01 0D\r", "01 11\r", "01 0C\r", "01 05\r"};

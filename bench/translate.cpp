@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <vector>
 
+using namespace brivant;
+
 namespace {
 
 constexpr int rounds = 11;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 axis_values axis_values::between(double minimum, double maximum, int wanted) {
     axis_values axis;
     const double span = maximum - minimum;
@@ -39,3 +41,5 @@ QString short_number(double value) {
                            : size >= 1   ? 2
                                          : 3);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QString>
 
+namespace brivant {
+
 // The round values that an axis shows between its ends.
 struct axis_values {
     QList<double> values; // ascending; empty when the ends have no range
@@ -16,3 +18,5 @@ struct axis_values {
 // A number for a person to read at a glance: four figures or fewer behind each other, "1250", "36.6",
 // "0.455".
 QString short_number(double value);
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <cmath>
 #include <exception>
 
+namespace brivant {
+
 namespace {
 
 constexpr double narrowed = 0.25; // of a PID's range, off either end, while there is nothing to go by
@@ -175,3 +177,5 @@ QString drawChartyItem::in_words(const chart_labels& labels) const {
     }
     return words.join(QStringLiteral(", "));
 }
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <limits>
 #include <set>
 
+namespace brivant {
+
 class mac_toolies;
 class picture_painter;
 
@@ -128,3 +130,5 @@ private:
     QStringList cur_sample_set;
     double last_OBD_val = std::numeric_limits<double>::quiet_NaN();
 };
+
+} // namespace brivant

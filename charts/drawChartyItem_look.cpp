@@ -8,6 +8,8 @@
 #include <QPainterPath>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 const QString family = QStringLiteral("Arial");
@@ -283,3 +285,5 @@ void drawChartyItem::display_value_4_thumbnail(picture_painter& painter, int col
     const double used = text_width(number_font, shown.number) + 6;
     write_in(painter, unit_font, dim, {pad + used, bottom + 2}, shown.unit, width - used);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <bit>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr double lean_below = 0.30; // volts
@@ -312,3 +314,5 @@ void drawO2Sensors::draw_values() {
             draw_value(painter, sensor, values.value(sensor.index), look);
     }
 }
+
+} // namespace brivant

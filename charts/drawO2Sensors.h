@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace brivant {
+
 // The colours of the picture that go with the ground it is shown on.
 struct o2_picture_look {
     QColor ink{0x24303b};
@@ -78,3 +80,5 @@ private:
     QImage image_without_snsr_vals; // null when it is to be drawn anew
     QImage image;                   // likewise
 };
+
+} // namespace brivant

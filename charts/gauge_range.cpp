@@ -1,5 +1,7 @@
 #include "charts/gauge_range.h"
 
+namespace brivant {
+
 namespace {
 
 struct range_row {
@@ -50,3 +52,5 @@ gauge_scale gauge_range(int pid, bool metric) {
             return metric ? row.metric : row.imperial;
     return {0, 100, 1};
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace brivant {
+
 // The scale of a round gauge, and what raw values are divided by before they reach it.
 struct gauge_scale {
     int minimum;
@@ -10,3 +12,5 @@ struct gauge_scale {
 
 // `pid`: the number of a mode 01 PID (0x0C); 0 to 100 for one that the table lacks.
 gauge_scale gauge_range(int pid, bool metric);
+
+} // namespace brivant

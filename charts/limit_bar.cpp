@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr double scale_begin = 10;
@@ -111,3 +113,5 @@ QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_lo
                      formatForDisplay(row.value));
     return image;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QImage>
 #include <QString>
 
+namespace brivant {
+
 // The limit bar of a test result: where its value lies between its limits, on a scale of 100 points.
 
 // The place of the value on the scale that runs from 10 to 110: with different limits the minimum is at 35
@@ -32,3 +34,5 @@ struct limit_bar_look {
 // The range picture is drawn underneath when given.
 QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_look& look,
                            const QImage& range_picture);
+
+} // namespace brivant

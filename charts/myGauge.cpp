@@ -10,6 +10,8 @@
 #include <cmath>
 #include <numbers>
 
+namespace brivant {
+
 namespace {
 
 constexpr QSizeF face_size(364, 286);
@@ -247,3 +249,5 @@ void myGauge::draw_gauge_needle_raw(double at_x, double at_y, double this_val, d
     }
     draw_hub(painter, at_x, at_y);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QString>
 #include <limits>
 
+namespace brivant {
+
 class mac_toolies;
 
 // Where a needle points and what it is drawn through; y grows upward.
@@ -62,3 +64,5 @@ private:
     QImage image;
     double last_OBD_val = std::numeric_limits<double>::quiet_NaN();
 };
+
+} // namespace brivant

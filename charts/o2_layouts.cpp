@@ -2,6 +2,8 @@
 
 #include <bit>
 
+namespace brivant {
+
 namespace {
 
 // clang-format off
@@ -48,3 +50,5 @@ const o2_layout& o2_layout_of(int mask) {
     default: return none;
     }
 }
+
+} // namespace brivant

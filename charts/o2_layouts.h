@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <span>
 
+namespace brivant {
+
 // Where the oxygen sensors stand in the schematic of the exhaust, in its own coordinates with y upward: the
 // centre of a sensor's dot, and the lower left of its value.
 struct o2_sensor_place {
@@ -25,3 +27,5 @@ struct o2_layout {
 // The layout for a sensors-present map, which its number of bits picks; without sensors for 0 and for more
 // than 6.
 const o2_layout& o2_layout_of(int mask);
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 double round_outward(double value, bool as_maximum) {
     if (!std::isfinite(value))
         return value;
@@ -18,3 +20,5 @@ double round_outward(double value, bool as_maximum) {
     const double rounded = (std::trunc(scaled / step) + away) * step / scale;
     return (value < 0 ? -rounded : rounded) + 0.0; // no minus before a zero
 }
+
+} // namespace brivant

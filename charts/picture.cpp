@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 QImage blank_picture(QSizeF size, double ratio) {
     const QSize pixels(std::max(1, static_cast<int>(std::lround(size.width() * ratio))),
                        std::max(1, static_cast<int>(std::lround(size.height() * ratio))));
@@ -52,3 +54,5 @@ QString elided(const QFont& font, const QString& text, double width) {
 QString pid_of(const QString& item) {
     return item.section(u'|', 0, 0);
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <QRectF>
 #include <QString>
 
+namespace brivant {
+
 // What the pictures of this folder share. Their coordinates are logical pixels with y growing upward from the
 // lower edge; `ratio` is the pixels of the device to one of them.
 
@@ -46,3 +48,5 @@ QString elided(const QFont& font, const QString& text, double width);
 
 // The PID of an entry of a sample set: "0C" of "0C|7E8".
 QString pid_of(const QString& item);
+
+} // namespace brivant

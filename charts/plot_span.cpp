@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 plot_span plot_span::with_count(qsizetype wanted, double part) const {
     const qsizetype least = std::min(fewest, rows);
     const qsizetype kept = std::clamp(wanted, least, rows);
@@ -35,3 +37,5 @@ qsizetype plot_span::count_at(double slider) const {
     return static_cast<qsizetype>(
         std::llround(fewest * std::pow(static_cast<double>(rows) / fewest, std::max(0.0, slider))));
 }
+
+} // namespace brivant

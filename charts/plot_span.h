@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+namespace brivant {
+
 // Which sweeps of a run a chart shows: `count` of them from `first` on, always within the run, and never
 // fewer than `fewest` where the run has as many.
 struct plot_span {
@@ -28,3 +30,5 @@ struct plot_span {
     double slider() const;
     qsizetype count_at(double slider) const;
 };
+
+} // namespace brivant

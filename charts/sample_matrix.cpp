@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype leaf_rows = 64;
@@ -307,3 +309,5 @@ double sample_matrix::number_of(const QString& body) const {
     const double number = value_of(body);
     return std::isfinite(number) ? number : std::numeric_limits<double>::quiet_NaN();
 }
+
+} // namespace brivant

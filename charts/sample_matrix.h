@@ -10,6 +10,8 @@
 #include <memory>
 #include <vector>
 
+namespace brivant {
+
 // What a range of rows of one column holds: its first, smallest, largest and last value; all NaN when no row
 // of the range has one.
 struct series_summary {
@@ -105,3 +107,5 @@ private:
     QHash<QString, qsizetype> odd_body_at;
     qsizetype odd_bytes = 0;
 };
+
+} // namespace brivant

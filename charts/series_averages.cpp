@@ -1,5 +1,7 @@
 #include "charts/series_averages.h"
 
+namespace brivant {
+
 namespace {
 constexpr qsizetype rows_apart = 64;
 }
@@ -45,3 +47,5 @@ double series_averages::average(const sample_matrix& matrix, int column, qsizety
     return to.count > from.count ? (to.sum - from.sum) / static_cast<double>(to.count - from.count)
                                  : std::numeric_limits<double>::quiet_NaN();
 }
+
+} // namespace brivant

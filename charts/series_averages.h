@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace brivant {
+
 // The averages of any range of rows of a sample matrix, at a cost that does not depend on how many they are.
 class series_averages {
 public:
@@ -30,3 +32,5 @@ private:
     std::vector<total> running;    // a column
     std::vector<total> milestones; // of all rows before each 64th one, column by column
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <array>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr double farthest = 30000; // what the painter can still place
@@ -160,3 +162,5 @@ QColor series_colour(int column) {
                                                  0xffdf482f, 0xffc4fff6, 0xff7f61ff, 0xffc98cb2};
     return palette[static_cast<size_t>(std::max(column, 0)) % palette.size()];
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QPolygon>
 #include <QRect>
 
+namespace brivant {
+
 // The line of one series. Points are whole pixels, y growing upward.
 
 // The place of a sample in the rectangle at scr_x, scr_y. Y is 0 when there is no range.
@@ -34,3 +36,5 @@ void draw_series(QPainter& painter, const QPolygon& points, int baseline, const 
 // The colour of a column of the matrix. The eight of them differ clearly on a dark ground, also for people
 // who cannot tell red from green or blue from yellow.
 QColor series_colour(int column);
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <QMap>
 
+namespace brivant {
+
 // What one request brought: the reply as it came, and the rows that the program made from it.
 struct answer {
     QString request; // "03", "0902", "010C", "020C00"; "" for rows about what nobody was asked
@@ -58,3 +60,5 @@ struct diagnostic_results {
 
     QMap<QString, QString> P0_Codes; // code descriptions, loaded when first needed
 };
+
+} // namespace brivant

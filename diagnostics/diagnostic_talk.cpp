@@ -4,6 +4,8 @@
 #include "obd/trouble_codes.h"
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 diagnostic_talk::diagnostic_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies,
                                  screen& its_view, diagnostic_results& its_results,
                                  const app_paths& its_paths)
@@ -58,3 +60,5 @@ void diagnostic_talk::write_report() {
     if (!problem.isEmpty())
         view.show_message(QString(), problem);
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "diagnostics/session_log.h"
 #include "operations/car_talk.h"
 
+namespace brivant {
+
 // Why an operation failed to which the adapter passed on no answer at all.
 inline const QString no_ecu_answers =
     QStringLiteral("the adapter answers, but no ECU of the car does: switch the ignition on and read again");
@@ -51,3 +53,5 @@ talk work_out_xtras(diagnostic_talk& car);        // maker-specific values (22),
 talk work_mode6_support(diagnostic_talk& car);    // every test result (06)
 talk work_misfire_reading(diagnostic_talk& car);  // the misfire counters (06 A1 to BE), CAN only
 talk work_O2_mode(diagnostic_talk& car);          // the oxygen-sensor monitors (06 01 to 10), CAN only
+
+} // namespace brivant

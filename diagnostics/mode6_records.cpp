@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr QLatin1String answer_byte("46");
@@ -136,3 +138,5 @@ QString work_out_result_html(const QString& limits, const QString& units, bool i
                 {colour, value, QStringLiteral("Max: ") + no_decimals(kind), units.toHtmlEscaped(),
                  QStringLiteral("Min: ") + no_decimals(triple.value(0))});
 }
+
+} // namespace brivant

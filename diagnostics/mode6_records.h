@@ -2,6 +2,8 @@
 
 #include "diagnostics/diagnostic_results.h"
 
+namespace brivant {
+
 class text_resources;
 
 // The answers to service 06 (SAE J1979, on-board monitoring test results) as rows.
@@ -19,3 +21,5 @@ QString raw_records(const diagnostic_results& results, part which);
 
 // The detail text of a row as HTML, from its triple.
 QString work_out_result_html(const QString& limits, const QString& units, bool isFail);
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "obd/mode6_scaling.h"
 #include "obd/reply_text.h"
 
+namespace brivant {
+
 namespace {
 
 void take_test(diagnostic_talk& car, const mode6_test& test, const QString& identifier, qsizetype item,
@@ -83,3 +85,5 @@ talk find_monitors(diagnostic_talk& car, monitor_range monitors, QStringList& id
     if (identifiers.isEmpty())
         nothing_there(car, QStringLiteral("Not available or No data"), sound_no_identifier);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "diagnostics/diagnostic_talk.h"
 
+namespace brivant {
+
 // What differs between the operations over service 06.
 struct mode6_test {
     QString starting;             // the first status
@@ -29,3 +31,5 @@ struct monitor_range {
     QString no_data; // what is said when the car has no such map
 };
 talk find_monitors(diagnostic_talk& car, monitor_range monitors, QStringList& identifiers);
+
+} // namespace brivant

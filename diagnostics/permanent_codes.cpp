@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 void read_codes(const answer& kept, permanent_codes& result) {
@@ -61,3 +63,5 @@ permanent_codes read_permanent_codes(const diagnostic_results& results, const ma
     }
     return result;
 }
+
+} // namespace brivant

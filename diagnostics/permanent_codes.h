@@ -2,6 +2,8 @@
 
 #include "diagnostics/second_reading.h"
 
+namespace brivant {
+
 class mac_toolies;
 
 // What the replies to work_out_permanent say by SAE J1979. Permanent codes stay until the car itself has seen
@@ -21,3 +23,5 @@ permanent_codes read_permanent_codes(const diagnostic_results& results, const ma
 inline const QString permanent_request = QStringLiteral("0A");
 inline const QString drive_cycle_request = QStringLiteral("0141");
 inline const QString drive_cycle_group = QStringLiteral("This drive cycle");
+
+} // namespace brivant

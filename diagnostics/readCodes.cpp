@@ -2,6 +2,8 @@
 
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 readCodes::readCodes(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view,
                      diagnostic_results& its_results, const app_paths& its_paths)
     : diagnostic_talk(its_car, its_link, its_toolies, its_view, its_results, its_paths) {}
@@ -129,3 +131,5 @@ void readCodes::prep_and_send_cmd(const QString& command, int this_time_out) {
     const QString bare = command.endsWith(u'\r') ? command.chopped(1) : command;
     link.sendOBDcmd_n(bare + u'|' + QString::number(this_time_out), QStringLiteral("OK"), false);
 }
+
+} // namespace brivant

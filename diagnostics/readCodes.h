@@ -2,6 +2,8 @@
 
 #include "diagnostics/diagnostic_talk.h"
 
+namespace brivant {
+
 // The controller of the diagnostics screen: it starts the diagnostic operations. One runs at a time.
 class readCodes : public diagnostic_talk {
 public:
@@ -58,3 +60,5 @@ private:
     std::shared_ptr<int> asked;
     next_operation follows = nullptr;
 };
+
+} // namespace brivant

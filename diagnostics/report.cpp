@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 using describer = std::function<QString(const QString&)>;
@@ -107,3 +109,5 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
     default: return std::nullopt;
     }
 }
+
+} // namespace brivant

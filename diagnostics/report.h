@@ -5,6 +5,8 @@
 #include <functional>
 #include <optional>
 
+namespace brivant {
+
 // The text that an operation leaves behind, and how its log is labelled in the database.
 struct diagnostic_report {
     QString title;       // LOG_TYPE
@@ -19,3 +21,5 @@ struct diagnostic_report {
 std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagnostic_results& results,
                                                      const QString& today,
                                                      const std::function<QString(const QString&)>& describe);
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/string_table.h"
 
+namespace brivant {
+
 namespace {
 
 QString text_of(part where, const value_row& row) {
@@ -76,3 +78,5 @@ QStringList row_texts(part where, const QList<result_row>& rows) {
         texts += row_text(where, row);
     return texts;
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <variant>
 
+namespace brivant {
+
 // What the diagnostic operations tell, a row each. Both readings of a reply make rows of these kinds.
 
 // A trouble code.
@@ -80,3 +82,5 @@ QList<kind> rows_of(const QList<result_row>& rows) {
             found += *one;
     return found;
 }
+
+} // namespace brivant

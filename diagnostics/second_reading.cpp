@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 const QString by_standard = QStringLiteral("By SAE J1979");
@@ -266,3 +268,5 @@ QString second_reading::line_of_values(const QString& because) const {
                                         : QStringLiteral("%1 more values differ").arg(changed - 1);
     return QStringLiteral("%1, and %2%3").arg(holds, others, because);
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 class mac_toolies;
 
 // A row as it is shown, and what the other reading says in its place ("By SAE J1979: 15.000 V"), "" where
@@ -67,3 +69,5 @@ private:
 
 // The rows without what stands beside them.
 QList<result_row> plain(const QList<noted_row>& rows);
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int status_pid = 0x01;
@@ -123,3 +125,5 @@ second_status read_status_again(const diagnostic_results& results, const mac_too
                                 in_words(status.standard, status.own, standard_apart);
     return status;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "diagnostics/diagnostic_results.h"
 #include "obd/standard_reading/pid_values.h"
 
+namespace brivant {
+
 class mac_toolies;
 
 // The lamp, the announced codes and the monitors since the codes were cleared (service 01 PID 01), as the
@@ -27,3 +29,5 @@ second_status read_status_again(const diagnostic_results& results, const mac_too
 
 // What the engine's ECU, else the first that does, answers to PID 01 or 41.
 monitor_status engine_monitors(const answer& kept, int pid, const mac_toolies& toolies);
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 QString hex(int byte) {
@@ -117,3 +119,5 @@ second_tests read_tests_again(const answer& kept, int index, const text_resource
     }
     return result;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 class text_resources;
 
 // Test results (service 06) read by SAE J1979, beside the program's own rows of the same reply.
@@ -20,3 +22,5 @@ struct second_tests {
 };
 // `index`: of the rows of records without an own one.
 second_tests read_tests_again(const answer& kept, int index, const text_resources& lists);
+
+} // namespace brivant

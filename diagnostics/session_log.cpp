@@ -3,6 +3,8 @@
 #include "base/console_log.h"
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 void session_log::work_out_log_file(int operation, bool logging, bool metric) {
     close();
     do_the_log = logging;
@@ -52,3 +54,5 @@ void session_log::close() {
         log_out_file.remove(); // the operation had nothing to say
     do_the_log = false;
 }
+
+} // namespace brivant

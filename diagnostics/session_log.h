@@ -6,6 +6,8 @@
 
 #include <QFile>
 
+namespace brivant {
+
 // What an operation leaves behind while logging is on: a session file in the application folder, and a log in
 // the database. A file that cannot be opened is left out; the database still gets its log.
 class session_log {
@@ -31,3 +33,5 @@ private:
     QString file_name;
     bool do_the_log = false;
 };
+
+} // namespace brivant

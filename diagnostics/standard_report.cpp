@@ -5,6 +5,8 @@
 #include "diagnostics/second_status.h"
 #include "operations/operation_code.h"
 
+namespace brivant {
+
 namespace {
 
 diagnostic_results as_standard(const diagnostic_results& results, const mac_toolies& toolies) {
@@ -43,3 +45,5 @@ diagnostic_report standard_report(int operation, const diagnostic_results& resul
         report.text += permanent_section(permanent, describe);
     return report;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "diagnostics/report.h"
 
+namespace brivant {
+
 class mac_toolies;
 
 // The report of an operation from what its replies hold by SAE J1979, with a line that says so and, for the
@@ -10,3 +12,5 @@ class mac_toolies;
 diagnostic_report standard_report(int operation, const diagnostic_results& results,
                                   const mac_toolies& toolies, const QString& today,
                                   const std::function<QString(const QString&)>& describe);
+
+} // namespace brivant

@@ -1,6 +1,8 @@
 #include "base/string_table.h"
 #include "diagnostics/mode6_test.h"
 
+namespace brivant {
+
 namespace {
 
 talk find_sensors(diagnostic_talk& car, QStringList& monitors) {
@@ -23,3 +25,5 @@ talk work_O2_mode(diagnostic_talk& car) {
                                  .which = part::o2,
                                  .find_identifiers = find_sensors});
 }
+
+} // namespace brivant

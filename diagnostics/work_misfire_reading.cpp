@@ -1,5 +1,7 @@
 #include "diagnostics/mode6_test.h"
 
+namespace brivant {
+
 namespace {
 
 talk find_counters(diagnostic_talk& car, QStringList& counters) {
@@ -22,3 +24,5 @@ talk work_misfire_reading(diagnostic_talk& car) {
                                  .which = part::misfire,
                                  .find_identifiers = find_counters});
 }
+
+} // namespace brivant

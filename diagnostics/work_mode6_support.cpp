@@ -3,6 +3,8 @@
 #include "obd/mode6_scaling.h"
 #include "operations/inner_process_pid_support.h"
 
+namespace brivant {
+
 namespace {
 
 talk find_tests(diagnostic_talk& car, QStringList& tests) {
@@ -27,3 +29,5 @@ talk work_mode6_support(diagnostic_talk& car) {
                                  .counts_from = 0,
                                  .find_identifiers = find_tests});
 }
+
+} // namespace brivant

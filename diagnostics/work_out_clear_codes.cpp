@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 void forget_what_was_read(diagnostic_talk& car) {
@@ -52,3 +54,5 @@ talk work_out_clear_codes(diagnostic_talk& car) {
                   cleared);
     throw left{};
 }
+
+} // namespace brivant

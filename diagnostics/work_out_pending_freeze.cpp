@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr unsigned group_size = 0x20;
@@ -162,3 +164,5 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
     car.progress(pids.size(), pids.size());
     told(car, car_answered);
 }
+
+} // namespace brivant

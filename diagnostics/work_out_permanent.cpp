@@ -2,6 +2,8 @@
 
 #include "diagnostics/permanent_codes.h"
 
+namespace brivant {
+
 namespace {
 
 // Both requests are newer than many cars: a refusal is an answer.
@@ -22,3 +24,5 @@ talk work_out_permanent(diagnostic_talk& car) {
     car.show(read_permanent_codes(car.results, car.toolies).summary());
     car.view.play_sound(sound_done);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QDateTime>
 #include <QLocale>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_retries = 2;
@@ -119,3 +121,5 @@ talk work_out_read_codes(diagnostic_talk& car) {
     car.write_report();
     car.view.play_sound(sound_done);
 }
+
+} // namespace brivant

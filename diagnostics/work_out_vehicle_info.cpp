@@ -6,6 +6,8 @@
 
 #include <QRegularExpression>
 
+namespace brivant {
+
 namespace {
 
 QString name_of(diagnostic_talk& car, const obd_group& ecu) {
@@ -91,3 +93,5 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
     car.show("Current task done!");
     car.write_report();
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "base/string_table.h"
 #include "obd/vin.h"
 
+namespace brivant {
+
 namespace {
 
 value_row xtraInfo_item(diagnostic_talk& car, const reply& what_came, const QString& command,
@@ -40,3 +42,5 @@ talk work_out_xtras(diagnostic_talk& car) {
     car.view.play_sound(sound_done);
     car.show("Read succesfully");
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "expert/expert_commands.h"
 
+namespace brivant {
+
 command_history::command_history(user_defaults& settings) : defaults(settings) {
     const QStringList stored = defaults.value(setting::expert_history);
     for (const QString& command : stored) {
@@ -35,3 +37,5 @@ QString command_history::newer(const QString& typed) {
         return typed;
     return ++place == commands.size() ? draft : commands.at(place);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/user_defaults.h"
 
+namespace brivant {
+
 // The commands that were typed, for going back to them: the last 100, kept in the user defaults. A command
 // that stands in it already moves to its end. The defaults outlive it.
 class command_history {
@@ -22,3 +24,5 @@ private:
     qsizetype place = 0;  // of the one shown; commands.size() for what was typed
     QString draft;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 namespace {
 
 constexpr int late_reply_ms = 3000;
@@ -204,3 +206,5 @@ void expertCtrlr::print_cmd_highlighted(const QString& command) {
     own.lines.add_command(command);
     view.reload(part::transcript);
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "expert/expert_session.h"
 #include "operations/car_talk.h"
 
+namespace brivant {
+
 // The controller of the expert console: single commands as they are typed, and scripts. Replies are passed on
 // unchecked and go into the transcript of the session; the view is told by screen::reload("transcript"),
 // reload("sent") when a typed command was taken, and reload("operation").
@@ -59,3 +61,5 @@ private:
     bool script_runs = false;
     bool has_asked = false; // a command was sent since the console was opened
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_typed = 250;
@@ -109,3 +111,5 @@ QStringList stored_script(const user_defaults& defaults) {
 void store_script(user_defaults& defaults, const QStringList& values) {
     defaults.set(setting::expert_script, values);
 }
+
+} // namespace brivant

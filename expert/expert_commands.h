@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace brivant {
+
 // What is known about commands before they are sent.
 
 // Why a typed command cannot be sent, as a sentence; "" when it can. Only printable ASCII characters and at
@@ -42,3 +44,5 @@ std::optional<expert_script> check_script(const QStringList& values, QStringList
 // The four texts that the script dialog shows: those stored last.
 QStringList stored_script(const user_defaults& defaults);
 void store_script(user_defaults& defaults, const QStringList& values);
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+namespace brivant {
+
 void transcript::add(QString text, bool is_command) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n').replace(u'\t', u' ');
     for (QChar& character : text) {
@@ -33,3 +35,5 @@ QString transcript::as_text() const {
         text += (line.is_command ? QStringLiteral("> ") : QString()) + line.text + u'\n';
     return text;
 }
+
+} // namespace brivant

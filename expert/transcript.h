@@ -3,6 +3,8 @@
 #include <QString>
 #include <deque>
 
+namespace brivant {
+
 struct transcript_line {
     bool is_command = false;
     QString text;
@@ -35,3 +37,5 @@ private:
     std::deque<transcript_line> lines;
     qint64 gone = 0;
 };
+
+} // namespace brivant

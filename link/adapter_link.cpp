@@ -6,6 +6,8 @@
 #include "link/simulated_adapter.h"
 #include "link/wifi_transport.h"
 
+namespace brivant {
+
 namespace {
 constexpr int first_task_delay_ms = 800;
 constexpr int message_delay_ms = 500;
@@ -321,3 +323,5 @@ void adapter_link::pop_a_messy(const QString& text, const QString& title) {
     if (!again.is_active()) // else the status tells, try after try
         view.show_message(title, text);
 }
+
+} // namespace brivant

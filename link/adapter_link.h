@@ -14,6 +14,8 @@
 #include <functional>
 #include <memory>
 
+namespace brivant {
+
 // The one link to the adapter, for the life of the process: it opens and closes the transport, carries
 // commands and replies through the exchange, and tells the current task controller what happens. Everything
 // runs on the main thread. The place, the facts, the timers and the screen outlive it.
@@ -153,3 +155,5 @@ private:
 
 // The transport for the interface kind of the place.
 std::unique_ptr<transport> make_transport(const adapter_place& place);
+
+} // namespace brivant

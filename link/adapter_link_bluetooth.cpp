@@ -3,6 +3,8 @@
 #include "link/adapter_link.h"
 #include "link/bluetooth_service.h"
 
+namespace brivant {
+
 // What the link does for Bluetooth alone: which device, and its channel.
 
 void adapter_link::choose_bluetooth_device() {
@@ -90,3 +92,5 @@ void adapter_link::channel_refused(const QString& reason, const QString& status_
     l_set_status_msg(reason);
     ask_for_device(reason, status_for_none);
 }
+
+} // namespace brivant

@@ -1,6 +1,8 @@
 #include "base/console_log.h"
 #include "link/adapter_link.h"
 
+namespace brivant {
+
 // What the link does when it is lost.
 
 namespace {
@@ -77,3 +79,5 @@ void adapter_link::open_again(int attempt) {
     link->open();
     Q_EMIT condition_changed();
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 enum interface_code : int { interface_bluetooth = 5, interface_wifi = 6, interface_simulated = 7 };
 
 // Where the adapter is: the kind of link and, of Wi-Fi and Bluetooth, what it leads to. Start-up and the
@@ -35,3 +37,5 @@ private:
     QString port = setting::wifi_port.first_value();
     QString device, device_name;
 };
+
+} // namespace brivant

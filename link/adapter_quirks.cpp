@@ -1,5 +1,7 @@
 #include "link/adapter_quirks.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_commands = 64; // kept of one adapter
@@ -54,3 +56,5 @@ bool adapter_quirks::falls_silent_at(const QString& command) const {
     const int needed = silences_needed(text);
     return needed > 0 && adapter->silences_at.value(text) >= needed;
 }
+
+} // namespace brivant

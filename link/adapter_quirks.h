@@ -5,6 +5,8 @@
 #include <QMap>
 #include <QSet>
 
+namespace brivant {
+
 // What cheap adapters cannot bear, by adapter (its address), from when it was found out to the end of the
 // program: one that resets its link with itself on "AT Z", and one that falls silent at a command it does not
 // know.
@@ -36,3 +38,5 @@ private:
     const adapter_place& place;
     QMap<QString, knowledge> known;
 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "link/bluetooth_scanner.h"
 
+namespace brivant {
+
 void bluetooth_scanner::start() {
     stop();
     at = phase::asking;
@@ -79,3 +81,5 @@ QString bluetooth_scanner::sentence() const {
     default: return {};
     }
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "base/timers.h"
 #include "link/bluetooth_service.h"
 
+namespace brivant {
+
 // Looks for Bluetooth devices and keeps the list of them up to date until it is stopped, also after the radio
 // has stopped looking: a device that is paired meanwhile shows so. It goes on by itself when Bluetooth
 // becomes usable.
@@ -46,3 +48,5 @@ private:
     timer_handle next_look;
     timer_handle end_of_scan;
 };
+
+} // namespace brivant

@@ -9,10 +9,16 @@
 #include <algorithm>
 #include <tuple>
 
+namespace brivant {
+
 using bluez_interfaces = QMap<QString, QVariantMap>;
 using bluez_objects = QMap<QDBusObjectPath, bluez_interfaces>;
-Q_DECLARE_METATYPE(bluez_interfaces)
-Q_DECLARE_METATYPE(bluez_objects)
+} // namespace brivant
+
+Q_DECLARE_METATYPE(brivant::bluez_interfaces)
+Q_DECLARE_METATYPE(brivant::bluez_objects)
+
+namespace brivant {
 
 namespace {
 
@@ -181,3 +187,5 @@ bool is_bluetooth_address(const QString& text) {
     static const QRegularExpression shape(QStringLiteral("\\A[0-9A-Fa-f]{2}(:[0-9A-Fa-f]{2}){5}\\z"));
     return shape.match(text).hasMatch();
 }
+
+} // namespace brivant

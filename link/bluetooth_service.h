@@ -5,6 +5,8 @@
 #include <QString>
 #include <functional>
 
+namespace brivant {
+
 struct bluetooth_device {
     QString address; // "AA:BB:CC:DD:EE:FF"
     QString name;    // the address when it has none
@@ -43,3 +45,5 @@ QString why_unusable(bluetooth_condition condition);
 QString pairing_advice();
 // "AA:BB:CC:DD:EE:FF", letters of either case.
 bool is_bluetooth_address(const QString& text);
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 void bluetooth_transport::open() {
     if (current != condition::closed)
         return;
@@ -105,3 +107,5 @@ QString bluetooth_transport::why_refused() const {
                "other computer is connected to it.")
         .arg(device.name);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace brivant {
+
 class serial_port_socket;
 
 // The RFCOMM channel to the serial port of the Bluetooth device of its place. Each command is
@@ -39,3 +41,5 @@ private:
     condition current = condition::closed;
     int attempt = 0; // what belongs to an earlier one is dropped
 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "link/connect_watchdog.h"
 
+namespace brivant {
+
 namespace {
 constexpr int quiet_ticks = 6;
 constexpr int tick_milliseconds = 1000;
@@ -21,3 +23,5 @@ void connect_watchdog::tcpConnectTimeOutHandler() {
     else
         on_given_up();
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/timers.h"
 
+namespace brivant {
+
 // Watches a link that is opening: once a second, until it is stopped. The first six seconds are quiet; after
 // the twentieth tick it gives up.
 class connect_watchdog {
@@ -26,3 +28,5 @@ private:
     timer_handle tcpConnectTimeOut;
     int tcpConnectTick = 0;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int timeouts_before_giving_up = 4;
@@ -221,3 +223,5 @@ void exchange::obdTimedOutHandler() {
         return write();
     hand_on(reply::none());
 }
+
+} // namespace brivant

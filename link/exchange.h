@@ -6,6 +6,8 @@
 #include "link/adapter_place.h"
 #include "link/reply_check.h"
 
+namespace brivant {
+
 // What the exchange asks of its owner.
 class exchange_owner {
 public:
@@ -93,3 +95,5 @@ private:
     // it after a time-out or a stop: their replies come first.
     QList<sent_command> on_the_way;
 };
+
+} // namespace brivant

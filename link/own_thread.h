@@ -2,6 +2,8 @@
 
 #include <QThread>
 
+namespace brivant {
+
 // A thread with an event loop for objects whose calls may wait. When it goes, it first carries out what it
 // was asked to; a thread that hangs then is left behind, so that the program ends all the same.
 class own_thread {
@@ -29,3 +31,5 @@ private:
     QThread* thread;
     QObject* caller; // lives on the thread
 };
+
+} // namespace brivant

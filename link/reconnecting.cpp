@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 constexpr int longest_pause_s = 30;
 constexpr int second_ms = 1000;
@@ -36,3 +38,5 @@ void reconnecting::stop() {
     timer.reset();
     attempt = 0;
 }
+
+} // namespace brivant

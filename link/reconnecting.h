@@ -2,6 +2,8 @@
 
 #include "base/timers.h"
 
+namespace brivant {
+
 // When a lost link is opened again: after 1 s, 2 s, 4 s ... and at last every 30 s, until it holds or the
 // person stops it. A try that neither opens the link nor fails within ten seconds counts as failed.
 class reconnecting {
@@ -33,3 +35,5 @@ private:
     int attempt = 0;
     int seconds_left = 0;
 };
+
+} // namespace brivant

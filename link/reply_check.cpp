@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int retries = 3;
@@ -135,3 +137,5 @@ car_reply check_initial_car_reply(const QString& reply) {
         return car_reply::init_error;
     return car_reply::accepted;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "obd/reply.h"
 
+namespace brivant {
+
 // Whether a reply answers the command it was sent for.
 
 constexpr int reply_accepted = 671;
@@ -57,3 +59,5 @@ QString where_it_failed(const QString& reply);
 // The adapter's error words.
 enum class car_reply { accepted, no_reply_from_car, init_error };
 car_reply check_initial_car_reply(const QString& reply);
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QBluetoothSocket>
 #include <QBluetoothUuid>
 
+namespace brivant {
+
 namespace {
 constexpr qint64 read_size = 1024;
 }
@@ -70,3 +72,5 @@ void serial_port_socket::take_end() {
     is_open = false;
     Q_EMIT closed();
 }
+
+} // namespace brivant

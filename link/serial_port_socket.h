@@ -6,6 +6,8 @@
 
 class QBluetoothSocket;
 
+namespace brivant {
+
 // One attempt to open the serial port of a Bluetooth device, and the channel that comes of it. Used once:
 // QtBluetooth cannot use a socket again after a failed attempt. It stays on a thread of its own, since
 // QtBluetooth waits inside its calls, up to 25 s when the Bluetooth service hangs. Nothing outside of this
@@ -43,3 +45,5 @@ private:
     bool has_begun = false;
     bool is_open = false;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 struct canned {
@@ -35,3 +37,5 @@ void simulated_adapter::emulate_OBD(const QByteArray& command) {
                                     [&](const canned& entry) { return entry.command == command; });
     Q_EMIT OBDevent(QString::fromLatin1(known == replies.end() ? "?\r\r>" : known->reply));
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "link/transport.h"
 
+namespace brivant {
+
 // Stands in for an adapter: a handful of commands with canned replies, one car on ISO 9141-2 with two stored
 // codes. Each reply is delivered before write() returns.
 class simulated_adapter : public transport {
@@ -19,3 +21,5 @@ public:
 private:
     condition current = condition::closed;
 };
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "obd/reply.h"
 
+namespace brivant {
+
 // The link is gone, or what stands at its far end has to be set up anew. It is thrown into the talk under
 // way, which lets it end the operation or goes on over a new link.
 struct link_lost {
@@ -34,3 +36,5 @@ public:
     // A transient notice; "" hides it.
     virtual void handleOBDToast(const QString& toast) = 0;
 };
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+namespace brivant {
+
 // One connection to an adapter. Wi-Fi, Bluetooth and the simulated adapter are siblings behind it.
 //
 //   closed --open()--> opening --opened()--> open --close() or closed()--> closed
@@ -36,3 +38,5 @@ Q_SIGNALS:
     // The far end closed the connection, or it broke.
     void closed();
 };
+
+} // namespace brivant

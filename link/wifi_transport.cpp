@@ -4,6 +4,8 @@
 
 #include <QUtf8StringView>
 
+namespace brivant {
+
 namespace {
 constexpr qint64 read_size = 1024;
 }
@@ -84,3 +86,5 @@ void wifi_transport::end_of_stream() {
     close();
     Q_EMIT closed();
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <QTcpSocket>
 
+namespace brivant {
+
 // The TCP connection to a Wi-Fi adapter at the address and port of its place. Commands are written
 // without delay (Nagle's algorithm is off): each is answered before the next is sent.
 class wifi_transport : public transport {
@@ -32,3 +34,5 @@ private:
 // Received bytes as text. Bytes that are not UTF-8 as they stand, such as a character cut in two, give
 // nothing; NUL bytes, which some adapters send, are left out.
 QString decode_received(QByteArrayView bytes);
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 struct mode_of_choice {
@@ -217,3 +219,5 @@ actions::zoomed actions::zoom(double slider) const {
     const qsizetype points = slider <= 0 ? 20 : std::max<qsizetype>(2, static_cast<qsizetype>(slider * rows));
     return {points, fill(QStringLiteral("Charting last %d sampling points"), {QString::number(points)})};
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "livedata/sampling_talk.h"
 
+namespace brivant {
+
 // The controller of the live-data screen: it chooses the sample set of a mode, and starts and ends
 // sampling runs. What the runs have read stands in live_results; the view hears of changes through its
 // run_observer.
@@ -70,3 +72,5 @@ private:
     run_observer* watching;
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
+
+} // namespace brivant

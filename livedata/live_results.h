@@ -6,6 +6,8 @@
 #include <QList>
 #include <QStringList>
 
+namespace brivant {
+
 // One PID of the sample set as the view shows it.
 struct sample_row {
     QString item;  // its entry of the set: "0C", or with the ECU "0C|7E8"
@@ -46,3 +48,5 @@ struct live_results {
     int o2_mask = 0;   // the oxygen sensors, by the map of PID 13; 0 while not known
     QString o2_header; // the ECU that told
 };
+
+} // namespace brivant

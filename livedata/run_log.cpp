@@ -6,6 +6,8 @@
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 
+namespace brivant {
+
 namespace {
 
 QString log_type_of(int operation) {
@@ -110,3 +112,5 @@ QString run_log::final_info() const {
     return fill(QStringLiteral("%d Sample points %@ %@"),
                 {QString::number(log_sample_cnt - gaps), position, rate});
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <functional>
 
+namespace brivant {
+
 // What a run leaves behind while the logging of runs is on: a row of LOGGIES with one row of LOGGIES_DATA a
 // stored sweep, and a session file, which stays empty: the lines go to the database. A rate of N seconds
 // thins what is stored: the first complete sweep, then the first one after each N seconds.
@@ -64,3 +66,5 @@ private:
     QFile log_out_stream;
     QString what_is_wrong;
 };
+
+} // namespace brivant

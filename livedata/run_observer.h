@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 // What a view of the live-data screen is told as it happens. A call comes inside the handling of a reply, up
 // to some hundred times a second: the view notes what changed and draws at its next frame. What changed
 // stands in live_results.
@@ -25,3 +27,5 @@ public:
     // A sensor of the picture has a new value ("0.450"; "nan" for none). Comes with sample_arrived().
     virtual void set_sensor_value(int sensor, const QString& this_value) = 0;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "obd/supported_pids.h"
 #include "operations/operation_code.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_pids = 128;
@@ -58,3 +60,5 @@ bool name_ecu(QStringList& items, const QString& header) {
     }
     return changed;
 }
+
+} // namespace brivant

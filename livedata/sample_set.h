@@ -3,6 +3,8 @@
 #include "base/user_defaults.h"
 #include "toolkit/mac_toolies.h"
 
+namespace brivant {
+
 // Sample sets: lists of service 01 PIDs, each "0D" or with the ECU that is meant "0D|7E8". "E4" and "E5" are
 // the program's own, which no car is asked for.
 
@@ -15,3 +17,5 @@ QStringList stored_log_run_set(const user_defaults& defaults, mac_toolies& tooli
 QStringList usable_items(const QStringList& items);
 // The items that name no ECU get this one's header. True when there were any.
 bool name_ecu(QStringList& items, const QString& header);
+
+} // namespace brivant

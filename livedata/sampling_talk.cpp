@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 const QString fuel_economy = QStringLiteral("E4");
@@ -256,3 +258,5 @@ talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&)) {
         }
     }
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 // What the sampling runs talk through: the car, where a value goes, and the sweep under way.
 //
 // A column never gets another PID's value: what is taken is "41", the PID and data bytes, or "~".
@@ -92,3 +94,5 @@ talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&));
 
 // Works out miles a US gallon from speed (km/h) and air flow (g/s); `by_density`: with the fuel's density.
 double compute_MPG(double speed, double air_flow, bool by_density);
+
+} // namespace brivant

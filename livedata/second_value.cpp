@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 
 // What the program works out itself is its own in either reading.
@@ -63,3 +65,5 @@ void read_again(live_results& results, const mac_toolies& toolies) {
         row.min = seen.empty() ? QStringLiteral("min") : extreme_text(seen, false);
     }
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace brivant {
+
 namespace {
 
 qint64 system_milliseconds() {
@@ -44,3 +46,5 @@ double sweep_times::sweeps_a_second() const {
     constexpr qint64 shortest = 1; // what the clock can tell
     return static_cast<double>(known - 1) * 1000.0 / static_cast<double>(std::max(span, shortest));
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <array>
 #include <functional>
 
+namespace brivant {
+
 // When a run began, and when each of its latest sweeps was complete.
 class sweep_times {
 public:
@@ -29,3 +31,5 @@ private:
     qint64 sweeps = 0;
     std::array<qint64, kept> at{}; // the latest ones, in turn
 };
+
+} // namespace brivant

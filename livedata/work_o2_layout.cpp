@@ -6,6 +6,8 @@
 #include <array>
 #include <bit>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_sensors_of_a_layout = 6;
@@ -54,3 +56,5 @@ talk work_o2_layout(sampling_talk& car) {
         car.take_set(sensors_of_the_car); // else the run goes on over a new link
     co_await work_out_log(car);
 }
+
+} // namespace brivant

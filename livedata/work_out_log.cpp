@@ -1,6 +1,8 @@
 #include "base/string_table.h"
 #include "livedata/sampling_talk.h"
 
+namespace brivant {
+
 talk work_out_log(sampling_talk& car) {
     co_await car.ready_to_sample("Starting log");
     if (car.columns() == 0) { // none of the chosen PIDs is one of this car
@@ -15,3 +17,5 @@ talk work_out_boost(sampling_talk& car) {
     car.make_sure_all_are_supported();
     co_await sample_for_ever(car);
 }
+
+} // namespace brivant

@@ -1,6 +1,8 @@
 #include "base/string_table.h"
 #include "livedata/sampling_talk.h"
 
+namespace brivant {
+
 namespace {
 
 enum place { economy, speed, air_flow }; // in the sample set
@@ -58,3 +60,5 @@ talk work_out_mpg(sampling_talk& car) {
         car.end_of_sweep();
     }
 }
+
+} // namespace brivant

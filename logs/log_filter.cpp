@@ -4,6 +4,8 @@
 
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 struct kind_row {
@@ -52,3 +54,5 @@ QString log_filter::name_of_kind(int place) {
 QString log_filter::name_of_recency(int place) {
     return localised(QLatin1String(row_of(recency_keys, place)));
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 // Which of the stored logs are listed.
 struct log_filter {
     // The places of the segmented control.
@@ -23,3 +25,5 @@ struct log_filter {
     static constexpr int kinds = 6;
     static constexpr int recencies = 6;
 };
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_text = 512 * 1024;
@@ -154,3 +156,5 @@ QString preview_of(mac_toolies& toolies, const log_header& log) {
         return samples(toolies, log.id);
     return without_tags(stored_text(toolies.store(), log.id)).left(longest_preview);
 }
+
+} // namespace brivant

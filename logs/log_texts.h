@@ -3,6 +3,8 @@
 #include "persistence/stored_logs.h"
 #include "toolkit/mac_toolies.h"
 
+namespace brivant {
+
 // Stored logs as texts. They may come from a database that somebody sent: what stands in them is never taken
 // for HTML, but for the one tag that the reports themselves hold, and a text is cut after 512 Ki characters,
 // with a line that says so.
@@ -23,3 +25,5 @@ QString without_tags(QString text);
 // What stands below the list for a selected log: the text of a report, or the first samples of a run with
 // names and units, as columns of equal width, and which of them the other reading tells otherwise.
 QString preview_of(mac_toolies& toolies, const log_header& log);
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QFile>
 
+namespace brivant {
+
 manage_logsDB::manage_logsDB(const car_state& its_car, database& store, const app_paths& its_paths,
                              screen& its_view)
     : state(its_car), db(store), paths(its_paths), view(its_view) {}
@@ -145,3 +147,5 @@ bool log_deletion::step() {
     done += !failed;
     return !failed && done < ids.size();
 }
+
+} // namespace brivant

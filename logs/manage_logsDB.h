@@ -11,6 +11,8 @@
 #include <functional>
 #include <memory>
 
+namespace brivant {
+
 // The log browser without its widgets: the list of the stored logs of the current vehicle, and what is done
 // with the selected ones. The list is read a block of rows at a time, so that one of any length does not hold
 // up the window; likewise a deletion. Everything referred to outlives it.
@@ -85,3 +87,5 @@ private:
     qsizetype done = 0;
     bool failed = false;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int data_column = 0;
@@ -89,3 +91,5 @@ void stored_series::count_again() {
     sums.start(matrix.columns());
     sums.count_rows(matrix);
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <memory>
 #include <vector>
 
+namespace brivant {
+
 // Reads a stored sampling run into a sample matrix, a slice of its lines at a time, so that one of any length
 // can be shown as it comes, and stopped by letting this go. A cell that holds no reply ("~", "NODATA", "-1")
 // stays empty. The columns are those of the first line.
@@ -58,3 +60,5 @@ private:
     std::unique_ptr<row_cursor> lines_left;
     QString what_is_wrong;
 };
+
+} // namespace brivant

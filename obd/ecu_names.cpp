@@ -5,6 +5,8 @@
 #include "obd/reply_text.h"
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 // The place of the two characters of the ECU's address in a header; 11-bit CAN has none.
@@ -119,3 +121,5 @@ bool same_ecu(const QString& header, const QString& other, int protocol) {
     return (differing & address_mode_bits) == 0 &&
            QStringView(header).sliced(2) == QStringView(other).sliced(2);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/shared_types.h"
 
+namespace brivant {
+
 // Which ECU a header names. `line` is a reply line with its header, blanks removed.
 
 // "Engine", "Transmission", or "ECU=" and its address.
@@ -18,3 +20,5 @@ qsizetype findEngIdxFromGroupedMsg(const obd_groups& groups, qsizetype thisEngId
 // True when both headers name the same ECU. On ISO 14230-4 (protocols 4 and 5) the lower six bits of the
 // first header byte are the message's length, which is left out of the comparison.
 bool same_ecu(const QString& header, const QString& other, int protocol);
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "obd/number_text.h"
 #include "obd/vin.h"
 
+namespace brivant {
+
 namespace {
 
 QString temperature(int celsius, unit_system units) {
@@ -71,3 +73,5 @@ QString translateResponse_subaru(const QString& reply, unit_system units, const 
     }
     // clang-format on
 }
+
+} // namespace brivant

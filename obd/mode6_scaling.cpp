@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace brivant {
+
 namespace {
 
 struct scaling {
@@ -161,3 +163,5 @@ void fixArrayForMode6(QStringList& obdmids) {
     constexpr unsigned position_in_range = 0x1F;
     obdmids.removeIf([](const QString& id) { return (convertStr2Byte(id) & position_in_range) == 0; });
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace brivant {
+
 class text_resources;
 
 // The parts of a service 06 test record on CAN (SAE J1979): a raw value with its unit and scaling identifier
@@ -22,3 +24,5 @@ QString grab_CAN_mode6_OBDMID_TESTID_description(const QString& identifier, bool
 // Removes the identifiers 00, 20, ... E0 (hex texts), which ask what is supported and are no tests. Hex that
 // cannot be read counts as 00.
 void fixArrayForMode6(QStringList& obdmids);
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+namespace brivant {
+
 namespace {
 
 // "500", "05" and " +5mV" are non-zero integers, "000" and "" are not.
@@ -37,3 +39,5 @@ QString formatStringWithDouble(const QString& text, int no_of_decs) {
     const bool has_fraction = begins_with_non_zero_integer(QStringView(text).sliced(point + 1));
     return with_decimals(value, has_fraction ? no_of_decs : 0);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QString>
 #include <algorithm>
 
+namespace brivant {
+
 // Numbers written as text and read back, independent of the locale.
 
 // printf's "%.<decimals>f": exact ties go to the even digit, as printf has it and QString::number has not.
@@ -49,3 +51,5 @@ constexpr int leading_decimal(QStringView text) {
         value = value * 10 + (text[i].unicode() - u'0');
     return value;
 }
+
+} // namespace brivant

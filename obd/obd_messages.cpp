@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 // A first frame and the fifteen consecutive frames 21 to 2F: beyond them the sequence digit begins again at
@@ -256,3 +258,5 @@ QString data_of_single_message(const QString& body, int protocol) {
     const qsizetype length = charToNibble(body[1]);
     return body.mid(2, 2 * length);
 }
+
+} // namespace brivant

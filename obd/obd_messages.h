@@ -3,6 +3,8 @@
 #include "base/shared_types.h"
 #include <optional>
 
+namespace brivant {
+
 // Replies taken apart by ECU. `protocol` is the adapter's protocol number from "AT DPN" (-1 while unknown).
 
 enum class protocol_class { unknown, legacy, can_11_bit, can_29_bit };
@@ -60,3 +62,5 @@ QString encode_to_OBD(const QString& this_pid, double value, unit_system units);
 // cut to the length that its control byte gives (adapters show frames padded to eight bytes), on the older
 // protocols without the check byte.
 QString data_of_single_message(const QString& body, int protocol);
+
+} // namespace brivant

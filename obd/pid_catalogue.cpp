@@ -7,6 +7,8 @@
 #include <concepts>
 #include <string_view>
 
+namespace brivant {
+
 namespace {
 
 constexpr unsigned fuel_economy = 0xE4;
@@ -125,3 +127,5 @@ QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resource
 QString get_pid_name_with_pid(const QString& pid, const text_resources& lists) {
     return get_pid_name(pid, false, lists);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/shared_types.h"
 
+namespace brivant {
+
 class text_resources;
 
 // What the views show about a mode 01 PID beside its value. `pid`: hex digits ("0C"); E1 to E8 are the
@@ -21,3 +23,5 @@ QString get_pid_name(const QString& pid, bool with_prefix, const text_resources&
 QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resources& lists);
 // get_pid_name without the leading characters.
 QString get_pid_name_with_pid(const QString& pid, const text_resources& lists);
+
+} // namespace brivant

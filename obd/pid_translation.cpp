@@ -10,6 +10,8 @@
 #include <limits>
 #include <string_view>
 
+namespace brivant {
+
 namespace {
 
 // The ambient pressure that boost is shown against.
@@ -309,3 +311,5 @@ double get_OBDVal(const QString& reply, unit_system units, const text_resources&
     const auto [end, error] = std::from_chars(piece.begin(), piece.end(), value, std::chars_format::fixed);
     return error == std::errc() && end == piece.end() ? value : 0;
 }
+
+} // namespace brivant

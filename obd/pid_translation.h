@@ -2,6 +2,8 @@
 
 #include "base/shared_types.h"
 
+namespace brivant {
+
 class text_resources;
 
 // Mode 01 replies (SAE J1979 service 01, and freeze-frame replies rewritten to "42", PID, data) as the text
@@ -15,3 +17,5 @@ QString translateResponse(const QString& reply, unit_system units, const text_re
 // The number that the translated text begins with; 0 when it begins with a word, NaN when the reply carries
 // no value.
 double get_OBDVal(const QString& reply, unit_system units, const text_resources& lists);
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 const QString complete = QStringLiteral("OK");
@@ -57,3 +59,5 @@ QString readiness_summary(const QList<readiness_row>& rows) {
     return fill(QStringLiteral("%d<font color=#66ff33>[OK]</font> out of %d [avail] "),
                 {QString::number(done), QString::number(done + rows_with(not_complete))});
 }
+
+} // namespace brivant

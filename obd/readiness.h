@@ -2,6 +2,8 @@
 
 #include "base/shared_types.h"
 
+namespace brivant {
+
 class text_resources;
 
 // The readiness monitors from the reply to mode 01 PID 01 (SAE J1979).
@@ -20,3 +22,5 @@ QList<readiness_row> handle_readiness_codes(const QString& flags, const text_res
 
 // How many of the supported monitors are complete, as HTML.
 QString readiness_summary(const QList<readiness_row>& rows);
+
+} // namespace brivant

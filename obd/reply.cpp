@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype full_frame = 16; // digits
@@ -141,3 +143,5 @@ QString reply::data_without_headers(const QString& answer) const {
     const QString data = joined_segments(length, frames);
     return length > 0 && data.size() == 2 * length && data.startsWith(answer) ? data : QString();
 }
+
+} // namespace brivant

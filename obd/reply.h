@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <memory>
 
+namespace brivant {
+
 // What one ECU said in a reply with headers.
 struct ecu_said {
     // Why it is not whole: other than whole bytes in a line, fewer bytes than its length says, or a frame of
@@ -87,3 +89,5 @@ private:
     };
     std::shared_ptr<parts> shared;
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace brivant {
+
 namespace {
 
 constexpr QChar blank = u' ';
@@ -188,3 +190,5 @@ QString replaceStrRegx(const QString& text, const QString& thisRegx, const QStri
     const QRegularExpression pattern(thisRegx, QRegularExpression::CaseInsensitiveOption);
     return pattern.isValid() ? QString(text).replace(pattern, withThisStr) : text;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace brivant {
+
 // Adapter text as text: normalising a reply, reading and writing hex, splitting. All functions are pure.
 
 // The form of a reply that is checked and handed to the controllers: the searching notice, "...", blanks and
@@ -49,3 +51,5 @@ QString padRight(const QString& text, qsizetype padded_size, const QString& padC
 // Every match of the pattern replaced by the template, case-insensitively; "\1" in the template stands for
 // the first group. A pattern that is no regular expression changes nothing.
 QString replaceStrRegx(const QString& text, const QString& thisRegx, const QString& withThisStr);
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <QJsonObject>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype map_digits = 8;
@@ -199,3 +201,5 @@ bool same_pid_sets(const obd_groups& one, const obd_groups& other, int protocol)
     };
     return holds_all_of(one, other) && holds_all_of(other, one);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "obd/reply.h"
 #include <array>
 
+namespace brivant {
+
 // The supported-PID maps of SAE J1979 service 01 PIDs 00, 20, 40 ...: which PIDs each ECU answers.
 
 // The engine ECU's maps of PIDs 01-20, 21-40 and 41-60, eight hex characters each.
@@ -50,3 +52,5 @@ obd_groups pids_from_json(const QString& json);
 // True when both lists hold the same ECUs in any order, the PIDs of each in the same order. While the
 // protocol is unknown headers are compared whole.
 bool same_pid_sets(const obd_groups& one, const obd_groups& other, int protocol = -1);
+
+} // namespace brivant

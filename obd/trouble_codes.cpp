@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype code_digits = 4;
@@ -190,3 +192,5 @@ QString look_upCode(const QString& code, const QMap<QString, QString>& this_dict
         return localised(QStringLiteral("LOOK_4_PENDING"));
     return this_dict.value(code, QStringLiteral("Code not found in our DB"));
 }
+
+} // namespace brivant

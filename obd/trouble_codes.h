@@ -4,6 +4,8 @@
 #include <QMap>
 #include <optional>
 
+namespace brivant {
+
 class reply;
 
 // Trouble codes (DTCs) from the replies to "03" (confirmed) and "07" (pending), SAE J1979 and J2012.
@@ -33,3 +35,5 @@ QStringList work_reply_to_error_codes_pid(const QString& mode, const QString& th
 // What the dictionary says about the code, "Code not found in our DB" when it says nothing. The row that
 // stands for "no codes" gives the hint to look for pending ones.
 QString look_upCode(const QString& code, const QMap<QString, QString>& this_dict);
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_characters = 39;
@@ -102,3 +104,5 @@ QString pullAsciiStr(QStringView hex) {
     }
     return characters;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace brivant {
+
 class reply;
 
 // The vehicle identification number from the reply to "09 02" (SAE J1979 service 09, info type 02). At most
@@ -16,3 +18,5 @@ QString work_out_vin(const QString& reply);
 // The bytes that the hex text holds as characters, at most 39. Bytes 00 are left out, and so are pairs that
 // are no hex digits.
 QString pullAsciiStr(QStringView hex);
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "base/string_table.h"
 #include "operations/connect_2_interface.h"
 
+namespace brivant {
+
 car_talk::car_talk(car_state& its_car, adapter_link& its_link, mac_toolies& its_toolies, screen& its_view)
     : state(its_car), link(its_link), toolies(its_toolies), view(its_view), current_car(its_car),
       held([this](std::exception_ptr failure) { talk_over(std::move(failure)); }) {}
@@ -240,3 +242,5 @@ talk car_talk::ready(QString opening) {
     if (!opening.isNull())
         show(opening);
 }
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <functional>
 #include <stdexcept>
 
+namespace brivant {
+
 // What a talk throws when it cannot go on: the reason is shown to the person.
 class step_failure : public std::runtime_error {
 public:
@@ -194,3 +196,5 @@ private:
     car_talk& car;
     link_lost loss;
 };
+
+} // namespace brivant

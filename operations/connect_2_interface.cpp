@@ -5,6 +5,8 @@
 #include "obd/reply_text.h"
 #include "operations/inner_process_pid_support.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_fixed_protocol_rounds = 20;
@@ -138,3 +140,5 @@ talk connect_2_interface(car_talk& car) {
         co_await car.again(fallen); // it comes back by itself, and is not reset any more
     }
 }
+
+} // namespace brivant

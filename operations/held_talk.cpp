@@ -1,5 +1,7 @@
 #include "operations/held_talk.h"
 
+namespace brivant {
+
 void held_talk::begin(talk what) {
     drop();
     held = std::move(what);
@@ -60,3 +62,5 @@ void held_talk::tell_what_was_thrown() {
     if (throw_in)
         std::rethrow_exception(std::exchange(throw_in, nullptr));
 }
+
+} // namespace brivant

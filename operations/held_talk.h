@@ -5,6 +5,8 @@
 #include <functional>
 #include <vector>
 
+namespace brivant {
+
 // The talk that is under way, and what it waits for. What it waits for may come inside the call that asks for
 // it, as a simulated adapter answers: the talk then goes on when that call returns, so that neither the stack
 // grows with the conversation nor a talk ends below its own feet. A talk that is dropped while it runs goes
@@ -65,3 +67,5 @@ private:
     bool came_at_once = false;
     std::exception_ptr throw_in;
 };
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr unsigned group_size = 0x20;
@@ -82,3 +84,5 @@ talk inner_process_pid_support(car_talk& car, QString service, obd_groups& found
         throw left{};
     }
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace brivant {
+
 // What car_talk::cur_op() tells.
 enum operation : int {
     op_read_codes = 1,
@@ -18,3 +20,5 @@ enum operation : int {
     op_link_info = 20, // initialise the adapter and stop there
     op_permanent = 21,
 };
+
+} // namespace brivant

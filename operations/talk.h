@@ -4,6 +4,8 @@
 #include <exception>
 #include <utility>
 
+namespace brivant {
+
 // An operation written as the conversation it holds: a coroutine that waits at each command for its reply. A
 // talk may wait for another one (`co_await car.ready()`): what that one throws, it throws too. One that is
 // destroyed ends where it waits; one that runs must not be destroyed.
@@ -66,3 +68,5 @@ private:
 
     handle frame;
 };
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <limits>
 #include <stdexcept>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_lines_in_log = 64;
@@ -345,3 +347,5 @@ void database::note(const sqlite_failure& failure, const QString& log_text) {
     what_is_wrong = problem_sentence(file, failure);
     console_log(log_text + failure.message);
 }
+
+} // namespace brivant

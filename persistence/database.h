@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <functional>
 
+namespace brivant {
+
 class sqlite_connection;
 class sqlite_statement;
 struct sqlite_failure;
@@ -95,3 +97,5 @@ private:
     bool lines_follow = false;
     int lines_in_log = 0; // since the write-ahead log was emptied
 };
+
+} // namespace brivant

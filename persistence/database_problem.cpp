@@ -1,5 +1,7 @@
 #include "persistence/database_problem.h"
 
+namespace brivant {
+
 namespace {
 
 // "%1" takes the database's path, "%2" SQLite's own words.
@@ -58,3 +60,5 @@ QString problem_format(int code) {
 QString problem_sentence(const QString& path, const sqlite_failure& failure) {
     return problem_format(failure.code).arg(path, failure.message);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "base/console_log.h"
 
+namespace brivant {
+
 namespace {
 
 // clang-format off
@@ -76,3 +78,5 @@ bool migrate_schema(sqlite_connection& connection) {
 bool create_photo_table(sqlite_connection& connection) {
     return required(connection, create_photos);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "persistence/sqlite_connection.h"
 
+namespace brivant {
+
 // The tables, and what older versions of the program lack. Both functions change everything or nothing, log
 // what fails, and return false then; the connection's failure says why.
 
@@ -11,3 +13,5 @@ bool create_schema(sqlite_connection& connection);
 bool migrate_schema(sqlite_connection& connection);
 // Makes the table of the photos when it is missing.
 bool create_photo_table(sqlite_connection& connection);
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <cstdio>
 
+namespace brivant {
+
 namespace {
 
 QString value_text(double value) {
@@ -154,3 +156,5 @@ bool log_export::fail(const QString& sentence) {
     phase = stage::failed;
     return false;
 }
+
+} // namespace brivant

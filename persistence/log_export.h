@@ -9,6 +9,8 @@
 #include <QFile>
 #include <memory>
 
+namespace brivant {
+
 // What an export needs beside the log itself.
 struct export_settings {
     QString documents;          // its "loggies" folder takes the file
@@ -70,3 +72,5 @@ private:
     std::unique_ptr<row_cursor> rows;
     QString what_is_wrong;
 };
+
+} // namespace brivant

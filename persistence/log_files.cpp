@@ -13,6 +13,8 @@
 #include <optional>
 #include <string_view>
 
+namespace brivant {
+
 namespace {
 
 constexpr std::array<const char*, setting::sample_rates.size()> rate_keys{
@@ -131,3 +133,5 @@ QString text_4_sampling(int seconds) {
     }
     return localised(QLatin1String(rate_keys[0]));
 }
+
+} // namespace brivant

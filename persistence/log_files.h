@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+namespace brivant {
+
 // Names, folders, dates and rates of the files that the program writes beside its database.
 
 // The "loggies" folder below the given one, made when it is missing.
@@ -31,3 +33,5 @@ QString format_date_str(const QString& utc);
 // of a number of seconds.
 int secs_4_sampling(int index);
 QString text_4_sampling(int seconds);
+
+} // namespace brivant

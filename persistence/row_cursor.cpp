@@ -1,5 +1,7 @@
 #include "persistence/row_cursor.h"
 
+namespace brivant {
+
 row_cursor::shared_file::shared_file(const QString& database_path) : path(database_path) {
     sqlite_connection writer(path, db_access::writing);
     if (writer.is_open())
@@ -39,3 +41,5 @@ std::optional<QStringList> row_cursor::next() {
         texts.append(statement->text(column));
     return texts;
 }
+
+} // namespace brivant

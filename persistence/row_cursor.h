@@ -6,6 +6,8 @@
 #include <memory>
 #include <optional>
 
+namespace brivant {
+
 // The rows of a query one at a time, over any number of calls: the database stays open for reading meanwhile.
 // For work in slices, between which the event loop runs. The statement cannot change anything.
 class row_cursor {
@@ -38,3 +40,5 @@ private:
     std::unique_ptr<sqlite_statement> statement;
     bool failed = false;
 };
+
+} // namespace brivant

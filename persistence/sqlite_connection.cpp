@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+namespace brivant {
+
 namespace {
 
 constexpr int lock_patience_ms = 250;
@@ -155,3 +157,5 @@ QByteArray sqlite_statement::blob(int column) const {
     const void* bytes = sqlite3_column_blob(statement, column);
     return QByteArray(static_cast<const char*>(bytes), sqlite3_column_bytes(statement, column));
 }
+
+} // namespace brivant

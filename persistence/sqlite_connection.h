@@ -4,6 +4,8 @@
 #include <QString>
 #include <sqlite3.h>
 
+namespace brivant {
+
 // Why something in the database was refused. `code` is a primary SQLite result code, or one of the codes
 // below that SQLite has no name for.
 struct sqlite_failure {
@@ -93,3 +95,5 @@ private:
     sqlite_connection& connection;
     sqlite3_stmt* statement = nullptr;
 };
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "obd/reply_text.h"
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 std::optional<log_header> log_header_of(const QStringList& row) {
     bool has_id = false;
     bool has_vehicle = false;
@@ -40,3 +42,5 @@ bool delete_empty_sampling_log(database& db, int log_id) {
     return db.delete_from_DB(
         fill(QStringLiteral("DELETE FROM LOGGIES WHERE LOG_ID=%d"), {QString::number(log_id)}));
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "persistence/database.h"
 #include <optional>
 
+namespace brivant {
+
 // The headers of stored results: one row of LOGGIES each.
 struct log_header {
     int id = -1;
@@ -29,3 +31,5 @@ QString export_file_name(const log_header& log, bool as_txt);
 // A sampling run has ended: its header gets the final text. A run that stored no line loses its header.
 bool finish_sampling_log(database& db, int log_id, const QString& info);
 bool delete_empty_sampling_log(database& db, int log_id);
+
+} // namespace brivant

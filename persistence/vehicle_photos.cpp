@@ -4,6 +4,8 @@
 #include <QImageReader>
 #include <QImageWriter>
 
+namespace brivant {
+
 namespace {
 
 constexpr int widest_photo = 270;
@@ -34,3 +36,5 @@ QImage photo_of_tiff(const QByteArray& tiff) {
         return {};
     return reader.read();
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "base/string_table.h"
 #include "obd/supported_pids.h"
 
+namespace brivant {
+
 namespace {
 
 QString query(const char* format, int id) {
@@ -90,3 +92,5 @@ bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list, int pr
     const QString stored = rows.isEmpty() ? QString() : rows.first().value(0);
     return stored.isEmpty() || same_pid_sets(pids_from_json(stored), list, protocol);
 }
+
+} // namespace brivant

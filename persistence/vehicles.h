@@ -4,6 +4,8 @@
 #include "persistence/database.h"
 #include <optional>
 
+namespace brivant {
+
 // What the database knows of the vehicles. Nothing here asks the person or changes the current vehicle.
 
 struct vehicle {
@@ -32,3 +34,5 @@ bool store_pids_available(database& db, int veh_id, const obd_groups& pids);
 // False when other ECUs or PIDs are stored for the vehicle than those in `list`; true while none are stored.
 // The protocol tells how headers are compared (see same_ecu); -1: letter by letter.
 bool checkIfSameVehicle(database& db, int veh_id, const obd_groups& list, int protocol = -1);
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 constexpr int focus_delay_ms = 1100;
@@ -165,3 +167,5 @@ void redirectConsoleLogToDocumentFolder(const app_paths& paths) {
         console_log(
             QStringLiteral("%1 cannot be written: the diagnostic log goes to standard error").arg(file));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "shell/main_area.h"
 #include "toolkit/mac_toolies.h"
 
+namespace brivant {
+
 // The application delegate: reads or seeds the defaults, opens the database, picks the current vehicle, and
 // switches between the screens. It owns the link to the adapter. Without a main area (the terminal program)
 // it only starts up. All that it is given outlives it.
@@ -63,3 +65,5 @@ private:
 
 // Sends the diagnostic log to "console.log" in the Documents folder.
 void redirectConsoleLogToDocumentFolder(const app_paths& paths);
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "link/bluetooth_service.h"
 
+namespace brivant {
+
 namespace {
 
 // "HOST:PORT", with "[...]" around an IPv6 address.
@@ -176,3 +178,5 @@ QString launch_options_usage() {
         "  --standard-reading    results as SAE J1979 reads the car's replies\n"
         "  --version, --help\n");
 }
+
+} // namespace brivant

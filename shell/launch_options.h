@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace brivant {
+
 // What the command line of brivant-lite or brivant-cli asks for.
 struct launch_options {
     enum class link_choice { as_stored, wifi, bluetooth, demo, simulate };
@@ -32,3 +34,5 @@ std::optional<launch_options> parse_launch_options(const QStringList& arguments,
 
 // The lines of a usage text that tell the options both programs know.
 QString launch_options_usage();
+
+} // namespace brivant

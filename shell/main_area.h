@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QString>
 
+namespace brivant {
+
 enum class screen_kind { diagnostics, live_data, preferences, expert, logs };
 
 // What the delegate asks of the window around the five screens. The terminal program has none.
@@ -25,3 +27,5 @@ public:
     virtual void pop_helpy(const QString& title, const QString& html, const QString& icon) = 0;
     virtual void regain_focus() = 0;
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qint64 largest_file = 64LL * 1024 * 1024;
@@ -75,3 +77,5 @@ photo_file read_photo_file(const QString& path) {
 QString photo_file_patterns() {
     return QStringLiteral("*.png *.jpg *.jpeg *.gif *.bmp *.webp *.tif *.tiff");
 }
+
+} // namespace brivant

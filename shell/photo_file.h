@@ -3,6 +3,8 @@
 #include <QImage>
 #include <QString>
 
+namespace brivant {
+
 // A photo that was read from a file, or a sentence that says why there is none.
 struct photo_file {
     QImage photo;    // upright, and no larger than a screen shows; null when it was refused
@@ -16,3 +18,5 @@ photo_file read_photo_file(const QString& path);
 
 // The endings of such files, as a file dialog takes them ("*.png *.jpg ...").
 QString photo_file_patterns();
+
+} // namespace brivant

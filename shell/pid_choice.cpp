@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 // The record comes from the database file, which may hold anything.
@@ -123,3 +125,5 @@ bool pid_choice::matches(const pid_entry& entry, const QString& search) {
     return std::all_of(words.begin(), words.end(),
                        [&text](const QString& word) { return text.contains(word, Qt::CaseInsensitive); });
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "toolkit/mac_toolies.h"
 
+namespace brivant {
+
 // A value that can be sampled, as it is shown to the person.
 struct pid_entry {
     QString item;         // as it is stored: "0C|7E8"; "0C" while no ECU of the vehicle is known
@@ -51,3 +53,5 @@ private:
     QList<pid_entry> offered;
     QList<pid_entry> taken;
 };
+
+} // namespace brivant

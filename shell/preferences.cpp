@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int highest_port = 65535;
@@ -115,3 +117,5 @@ QString preferences::port_problem(const QString& port) {
                ? QString()
                : QStringLiteral("A port is a whole number from 1 to 65535.");
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "link/adapter_link.h"
 #include "toolkit/mac_toolies.h"
 
+namespace brivant {
+
 // What the General tab of the preferences edits.
 struct general_settings {
     int interface_kind = interface_bluetooth; // or interface_wifi
@@ -47,3 +49,5 @@ private:
     adapter_link& link;
     mac_toolies& toolies;
 };
+
+} // namespace brivant

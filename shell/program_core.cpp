@@ -3,6 +3,8 @@
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"
 
+namespace brivant {
+
 program_core::program_core(const launch_options& what_was_asked)
     : options(what_was_asked), paths(app_paths::for_profile(profile_folder(), &bad_folder)),
       defaults(paths.settings_file), db(paths.documents) {
@@ -52,3 +54,5 @@ void program_core::choose_link() {
     case launch_options::link_choice::simulate: place.choose(interface_simulated); return;
     }
 }
+
+} // namespace brivant

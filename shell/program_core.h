@@ -16,6 +16,8 @@
 
 class virtual_adapter_server;
 
+namespace brivant {
+
 // What stands below both programs for the life of the process: the folders, where the adapter is, what is
 // known of it and of the vehicle, the settings, the database, time, and for a demo the car. A demo without a
 // profile of its own keeps its files in a folder that goes with it.
@@ -57,3 +59,5 @@ private:
     std::unique_ptr<virtual_adapter_server> demo;
     int demo_port = 0;
 };
+
+} // namespace brivant

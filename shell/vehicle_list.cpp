@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_name = 60;
@@ -117,3 +119,5 @@ QString vehicle_list::volume_problem(const QString& volume) {
     return is_number ? QString()
                      : QStringLiteral("A displacement begins with a number, for example 3.0 Lts.");
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <functional>
 
+namespace brivant {
+
 // What the vehicle dialog edits.
 struct vehicle_values {
     QString name;
@@ -53,3 +55,5 @@ private:
     user_defaults& defaults;
     database& db;
 };
+
+} // namespace brivant

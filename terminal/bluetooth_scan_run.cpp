@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+namespace brivant {
+
 namespace {
 
 QJsonObject device_as_json(const bluetooth_device& device) {
@@ -65,3 +67,5 @@ QString devices_as_text(const QList<bluetooth_device>& devices) {
                          device.name);
     return text;
 }
+
+} // namespace brivant

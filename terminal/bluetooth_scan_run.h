@@ -5,6 +5,8 @@
 
 #include <QSet>
 
+namespace brivant {
+
 // The command "bluetooth-scan": looks for Bluetooth devices once and lists them.
 class bluetooth_scan_run : public terminal_run {
 public:
@@ -23,3 +25,5 @@ private:
 
 // A line a device: address, whether it is paired, name.
 QString devices_as_text(const QList<bluetooth_device>& devices);
+
+} // namespace brivant

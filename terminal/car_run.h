@@ -4,6 +4,8 @@
 #include "terminal/cli_screen.h"
 #include "terminal/terminal_run.h"
 
+namespace brivant {
+
 // A command that talks to the car. A controller that it makes goes after leave().
 class car_run : public terminal_run {
 public:
@@ -30,3 +32,5 @@ private:
     static constexpr int last_words_ms = 700;
     timer_handle ending;
 };
+
+} // namespace brivant

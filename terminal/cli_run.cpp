@@ -2,6 +2,8 @@
 
 #include "terminal/output.h"
 
+namespace brivant {
+
 cli_run::cli_run(program_core& its_core, const cli_command& its_command)
     : car_run(its_core), command(its_command),
       controller(core.car, delegate.link, core.toolies, view, core.diagnostics, core.paths) {}
@@ -24,3 +26,5 @@ void cli_run::print_result(bool done) {
         print(command.as_text(controller));
     Q_EMIT finished(done && is_all_printed() ? 0 : 1);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "terminal/car_run.h"
 #include "terminal/commands.h"
 
+namespace brivant {
+
 // One command of the terminal program, from the start of the operation to its result on standard output.
 class cli_run : public car_run {
 public:
@@ -17,3 +19,5 @@ private:
     const cli_command& command;
     readCodes controller;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QJsonArray>
 #include <unistd.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_shown = 1000;
@@ -81,3 +83,5 @@ void cli_screen::take_answer() {
     const auto answer = std::exchange(waiting, nullptr);
     answer(is_yes);
 }
+
+} // namespace brivant

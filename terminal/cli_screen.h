@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <memory>
 
+namespace brivant {
+
 // The terminal as a screen: what is shown goes to standard error, a line each, and is kept for the result.
 class cli_screen : public QObject, public screen {
 public:
@@ -48,3 +50,5 @@ private:
     std::unique_ptr<QSocketNotifier> input;
     bluetooth_service bluetooth;
 };
+
+} // namespace brivant

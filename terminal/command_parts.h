@@ -7,6 +7,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+namespace brivant {
+
 // Pieces of results that several commands print. Rows that name no code are left out.
 QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows);
 // A line a code; the text for no codes when there is none.
@@ -30,3 +32,5 @@ QJsonArray readiness_as_json(const QList<readiness_row>& rows);
 // The permanent codes and the monitors of the drive cycle.
 QJsonObject permanent_json(readCodes& controller);
 QString permanent_text(readCodes& controller);
+
+} // namespace brivant

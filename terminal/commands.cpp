@@ -9,6 +9,8 @@
 #include <array>
 #include <vector>
 
+namespace brivant {
+
 namespace {
 
 const adapter_facts& adapter_of(const readCodes& controller) {
@@ -154,3 +156,5 @@ const cli_command* find_command(const QString& name) {
     });
     return found == commands.end() ? nullptr : &*found;
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <span>
 
+namespace brivant {
+
 // One command of the terminal program: what it starts, and how its result reads.
 struct cli_command {
     const char* name;
@@ -16,3 +18,5 @@ struct cli_command {
 
 std::span<const cli_command> cli_commands();
 const cli_command* find_command(const QString& name);
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <unistd.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype script_words = 4;
@@ -129,3 +131,5 @@ void expert_run::print_answers(bool done) {
     keep();
     print_json(view.with_messages({{"answers", answers}, {"lines_left_out", lines.first()}}, done));
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "expert/expertCtrlr.h"
 #include "terminal/car_run.h"
 
+namespace brivant {
+
 // The commands "send" and "script": raw commands and their raw answers, each answer printed as it comes. With
 // a single command to send only the answer is printed, otherwise a line "> COMMAND" above each.
 class expert_run : public car_run {
@@ -26,3 +28,5 @@ private:
     qint64 printed = 0; // the lines of the transcript up to this one
     bool commands_too = false;
 };
+
+} // namespace brivant

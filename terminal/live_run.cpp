@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <csignal>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype matrix_bytes = 1; // the latest sweeps only
@@ -172,3 +174,5 @@ QString live_run::summary() const {
     }
     return text;
 }
+
+} // namespace brivant

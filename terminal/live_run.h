@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+namespace brivant {
+
 // One sampling run in the terminal: each sweep is a line on standard output as soon as it is complete, and
 // stored before it is printed where that was asked for. Nothing grows with the run, which may last for days.
 class live_run : public car_run, private run_observer {
@@ -48,3 +50,5 @@ private:
     std::vector<seen_column> seen;
     bool as_asked = false; // the run ended where it was to end
 };
+
+} // namespace brivant

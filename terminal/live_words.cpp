@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 constexpr std::array<const char*, 4> commands{"log", "fuel", "o2", "boost"}; // in the order of the modes
@@ -115,3 +117,5 @@ QString live_commands_usage() {
         "      --sweeps N, --seconds S  how long a run lasts\n"
         "      --store, --rate SECONDS  keep the sweeps in the database, all or one in so many seconds\n");
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+namespace brivant {
+
 // What the words behind "log", "fuel", "boost" or "o2" ask for.
 struct live_words {
     int mode = 0;            // by its place among the modes of the live-data screen
@@ -20,3 +22,5 @@ std::optional<live_words> parse_live_words(const QString& command, const QString
                                            QString& problem);
 // The lines of the usage text.
 QString live_commands_usage();
+
+} // namespace brivant

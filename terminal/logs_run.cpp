@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <unistd.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr int lines_a_slice = 2000;
@@ -312,3 +314,5 @@ void logs_run::end(const QString& sentence, bool done) {
         tell(QStringLiteral("The output cannot be written.\n"));
     Q_EMIT finished(done && is_printed ? 0 : 1);
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "terminal/cli_screen.h"
 #include "terminal/terminal_run.h"
 
+namespace brivant {
+
 // The command "logs": "logs list" names the stored logs, "logs show ID" prints one, "logs export ID" writes a
 // sampling run to a file, "logs delete ID..." deletes. The car is not asked.
 class logs_run : public terminal_run {
@@ -38,3 +40,5 @@ private:
     timer_handle slice;
     int last_percent = -1;
 };
+
+} // namespace brivant

@@ -11,6 +11,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+using namespace brivant;
+
 namespace {
 
 constexpr int wrong_usage = 2;

@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 QJsonObject with_link(readCodes& controller, QJsonObject object) {
@@ -192,3 +194,5 @@ constexpr std::array<cli_command, 8> commands{{
 std::span<const cli_command> operation_commands() {
     return commands;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace brivant {
+
 void print(const QByteArray& text) {
     std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout);
 }
@@ -13,3 +15,5 @@ bool is_all_printed() {
 void tell(const QString& text) {
     std::fputs(text.toUtf8().constData(), stderr);
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QJsonDocument>
 
+namespace brivant {
+
 // Results go to standard output, everything else that is told to standard error.
 
 void print(const QByteArray& text);
@@ -21,3 +23,5 @@ void print_json(const json& value) {
 bool is_all_printed();
 
 void tell(const QString& text);
+
+} // namespace brivant

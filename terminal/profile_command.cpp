@@ -3,6 +3,8 @@
 #include "terminal/cli_screen.h"
 #include "terminal/output.h"
 
+namespace brivant {
+
 bool is_profile_command(const QString& command) {
     return command == QLatin1String("vehicles") || command == QLatin1String("settings");
 }
@@ -31,3 +33,5 @@ int run_profile_command(program_core& core) {
         print(result.text);
     return done && is_all_printed() ? 0 : 1;
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <QJsonObject>
 
+namespace brivant {
+
 // The commands "vehicles" and "settings", which work on the person's files and ask no car.
 
 struct profile_context {
@@ -31,3 +33,5 @@ command_result run_vehicles(const profile_context& context, const QStringList& w
 // settings get|set
 QString wrong_settings_words(const QStringList& words);
 command_result run_settings(const profile_context& context, const QStringList& words);
+
+} // namespace brivant

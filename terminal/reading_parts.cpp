@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 second_reading both_readings(readCodes& controller, part which) {
     return {which, controller.results, controller.toolies};
 }
@@ -89,3 +91,5 @@ QString permanent_text(readCodes& controller) {
         text += QStringLiteral("%1  %2\n").arg(row.state, -4).arg(row.label);
     return read.drive_cycle_words.isEmpty() ? text : text + read.drive_cycle_words + u'\n';
 }
+
+} // namespace brivant

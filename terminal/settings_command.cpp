@@ -8,6 +8,8 @@
 #include <QJsonArray>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 // What is wrong with a typed text, as a sentence; "" when it is good.
@@ -174,3 +176,5 @@ command_result run_settings(const profile_context& context, const QStringList& w
     result.json.insert(QStringLiteral("settings"), values);
     return result;
 }
+
+} // namespace brivant

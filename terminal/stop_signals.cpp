@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace brivant {
+
 namespace {
 
 int signal_pipe[2] = {-1, -1};
@@ -29,3 +31,5 @@ stop_signals::stop_signals(std::function<void()> on_stop) : call(std::move(on_st
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }
+
+} // namespace brivant

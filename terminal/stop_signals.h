@@ -5,6 +5,8 @@
 #include <functional>
 #include <memory>
 
+namespace brivant {
+
 // Ctrl-C and a polite kill as a call from the event loop. The second one ends the program at once.
 class stop_signals : public QObject {
 public:
@@ -14,3 +16,5 @@ private:
     std::function<void()> call;
     std::unique_ptr<QSocketNotifier> arrived;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "shell/program_core.h"
 #include "terminal/stop_signals.h"
 
+namespace brivant {
+
 // A command of the terminal program that goes on in the event loop, from start() to the signal of its end.
 class terminal_run : public QObject {
     Q_OBJECT
@@ -25,3 +27,5 @@ protected:
 private:
     std::unique_ptr<stop_signals> signals_;
 };
+
+} // namespace brivant

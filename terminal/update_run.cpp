@@ -4,6 +4,8 @@
 
 #include <QJsonObject>
 
+namespace brivant {
+
 namespace {
 
 const QString download_word = QStringLiteral("download");
@@ -70,3 +72,5 @@ void update_run::print_result(const QString& problem) {
         tell(QStringLiteral("settings set %1 https://... names one.\n")
                  .arg(setting::update_server.file_key()));
 }
+
+} // namespace brivant

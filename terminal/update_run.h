@@ -3,6 +3,8 @@
 #include "terminal/terminal_run.h"
 #include "updates/update_check.h"
 
+namespace brivant {
+
 // The command "update-check": asks the update server in the settings which version is the newest, and with
 // the word "download" fetches the archive of a newer one into the Documents folder. Nothing is run.
 class update_run : public terminal_run {
@@ -22,3 +24,5 @@ private:
     bool fetching = false;
     int last_percent = -1;
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 const QString usage = QStringLiteral("The words after vehicles are: list; add NAME, edit NUMBER, each with "
@@ -148,3 +150,5 @@ command_result run_vehicles(const profile_context& context, const QStringList& w
     result.json.insert(QStringLiteral("vehicle"), as_json(list, *before));
     return result;
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include "obd/trouble_codes.h"
 #include "persistence/vehicles.h"
 
+namespace brivant {
+
 mac_toolies::mac_toolies(const adapter_facts& its_adapter, const car_state& its_car, user_defaults& settings,
                          database& store)
     : adapter(its_adapter), car(its_car), defaults(settings), db(store) {}
@@ -15,41 +17,41 @@ mac_toolies::mac_toolies(const adapter_facts& its_adapter, const car_state& its_
 // --- replies -----------------------------------------------------------------------------------------------
 
 obd_messages mac_toolies::pullObdMsgs(const QString& reply) const {
-    return ::pullObdMsgs(reply, adapter.cur_protocol());
+    return brivant::pullObdMsgs(reply, adapter.cur_protocol());
 }
 
 obd_groups mac_toolies::pullObdMsgsGrouped(const obd_messages& messages) const {
-    return ::pullObdMsgsGrouped(messages, adapter.cur_protocol());
+    return brivant::pullObdMsgsGrouped(messages, adapter.cur_protocol());
 }
 
 QString mac_toolies::l_pullOBDFromSingleGroupedMsg(const QStringList& bodies) const {
-    return ::l_pullOBDFromSingleGroupedMsg(bodies, adapter.cur_protocol());
+    return brivant::l_pullOBDFromSingleGroupedMsg(bodies, adapter.cur_protocol());
 }
 
 QString mac_toolies::l_pull_ECU(const QString& header) const {
-    return ::l_pull_ECU(header, adapter.cur_protocol());
+    return brivant::l_pull_ECU(header, adapter.cur_protocol());
 }
 
 bool mac_toolies::isThisEngineHeader(const QString& header) const {
-    return ::isThisEngineHeader(header, adapter.cur_protocol());
+    return brivant::isThisEngineHeader(header, adapter.cur_protocol());
 }
 
 qsizetype mac_toolies::findEngineEcuIdx(const obd_groups& groups) const {
-    return ::findEngineEcuIdx(groups, adapter.cur_protocol());
+    return brivant::findEngineEcuIdx(groups, adapter.cur_protocol());
 }
 
 QString mac_toolies::encode_to_OBD(const QString& this_pid, double value) const {
-    return ::encode_to_OBD(this_pid, value, units());
+    return brivant::encode_to_OBD(this_pid, value, units());
 }
 
 // --- supported PIDs ----------------------------------------------------------------------------------------
 
 obd_groups mac_toolies::grab_pids_available() {
-    return ::grab_pids_available(db, car.cur_veh_id());
+    return brivant::grab_pids_available(db, car.cur_veh_id());
 }
 
 bool mac_toolies::checkIfSameVehicle(const obd_groups& available) {
-    return ::checkIfSameVehicle(db, car.cur_veh_id(), available, adapter.cur_protocol());
+    return brivant::checkIfSameVehicle(db, car.cur_veh_id(), available, adapter.cur_protocol());
 }
 
 void mac_toolies::fixSamplePidsFornewVehicle(const obd_groups& available) {
@@ -69,11 +71,11 @@ bool mac_toolies::save_pids_available(const obd_groups& available) {
 // --- values and names --------------------------------------------------------------------------------------
 
 QString mac_toolies::translateResponse(const QString& reply) const {
-    return ::translateResponse(reply, units(), resources);
+    return brivant::translateResponse(reply, units(), resources);
 }
 
 double mac_toolies::get_OBDVal(const QString& reply) const {
-    return ::get_OBDVal(reply, units(), resources);
+    return brivant::get_OBDVal(reply, units(), resources);
 }
 
 double mac_toolies::shown_number(const QString& reply) const {
@@ -89,37 +91,37 @@ sample_reading mac_toolies::shown_reading() const {
 }
 
 double mac_toolies::get_PID_min_max(const QString& pid, bool get_max) const {
-    return ::get_PID_min_max(pid, get_max, units());
+    return brivant::get_PID_min_max(pid, get_max, units());
 }
 
 QString mac_toolies::get_pid_name(const QString& pid, bool with_pid) const {
-    return ::get_pid_name(pid, with_pid, resources);
+    return brivant::get_pid_name(pid, with_pid, resources);
 }
 
 QString mac_toolies::l_get_pid_name(const QString& pid, bool with_pid) const {
-    return ::l_get_pid_name(pid, with_pid, resources);
+    return brivant::l_get_pid_name(pid, with_pid, resources);
 }
 
 QString mac_toolies::get_pid_name_with_pid(const QString& pid) const {
-    return ::get_pid_name_with_pid(pid, resources);
+    return brivant::get_pid_name_with_pid(pid, resources);
 }
 
 QString mac_toolies::translateResponse_subaru(const QString& reply) const {
-    return ::translateResponse_subaru(reply, units(), resources);
+    return brivant::translateResponse_subaru(reply, units(), resources);
 }
 
 // --- trouble codes and readiness ---------------------------------------------------------------------------
 
 obd_groups mac_toolies::l_workoutReadCodes(const reply& codes) const {
-    return ::l_workoutReadCodes(codes);
+    return brivant::l_workoutReadCodes(codes);
 }
 
 QStringList mac_toolies::work_reply_to_error_codes_pid(const QString& mode, const QString& reply) const {
-    return ::work_reply_to_error_codes_pid(mode, reply, adapter.protocol_description());
+    return brivant::work_reply_to_error_codes_pid(mode, reply, adapter.protocol_description());
 }
 
 QList<readiness_row> mac_toolies::handle_readiness_codes(const QString& these_flags) const {
-    return ::handle_readiness_codes(these_flags, resources);
+    return brivant::handle_readiness_codes(these_flags, resources);
 }
 
 // --- settings ----------------------------------------------------------------------------------------------
@@ -139,3 +141,5 @@ void mac_toolies::setDefaults() {
     defaults.choose(setting::standard_reading, setting::standard_reading.first_value());
     save_pids_2_sample_prefs(setting::sample_set.first_value());
 }
+
+} // namespace brivant

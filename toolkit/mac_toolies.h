@@ -10,6 +10,8 @@
 #include "obd/supported_pids.h"
 #include "persistence/database.h"
 
+namespace brivant {
+
 // The toolkit: everything that the controllers ask about replies, values, codes, vehicles and stored results,
 // one line an operation. It reads what is known of adapter and car, and the user defaults, afresh and
 // forwards to the pure modules and the database, which outlive it.
@@ -74,3 +76,5 @@ private:
     database& db;
     text_resources resources;
 };
+
+} // namespace brivant

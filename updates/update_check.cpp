@@ -2,6 +2,8 @@
 
 #include <QDir>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_redirects = 4;
@@ -168,3 +170,5 @@ void update_check::end(const QString& problem) {
     }
     Q_EMIT finished(problem);
 }
+
+} // namespace brivant

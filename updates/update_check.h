@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 
+namespace brivant {
+
 // Asks an update server for the newest version, and fetches its archive when the person wants it. Servers are
 // asked by https alone, also where one sends on to another. The archive gets its name only when its size and
 // its SHA-256 are right, and is never run. One thing at a time; nothing is asked but by check() and
@@ -70,3 +72,5 @@ private:
     std::unique_ptr<QSaveFile> archive; // while one is fetched
     QCryptographicHash digest{QCryptographicHash::Sha256};
 };
+
+} // namespace brivant

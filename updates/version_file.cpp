@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_address = 2000;
@@ -82,3 +84,5 @@ QUrl version_file_address(const QString& server) {
         folder += u'/';
     return QUrl(folder + QStringLiteral("version.json"), QUrl::StrictMode);
 }
+
+} // namespace brivant

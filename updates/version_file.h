@@ -5,6 +5,8 @@
 #include <QVersionNumber>
 #include <optional>
 
+namespace brivant {
+
 // What an update server tells, in a JSON file named "version.json" in the folder that the settings name:
 //
 //   {"version": "1.2.0",
@@ -34,3 +36,5 @@ bool may_be_asked(const QUrl& address);
 QString update_server_problem(const QString& text);
 // The address of the version file of a server.
 QUrl version_file_address(const QString& server);
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QKeyEvent>
 
+namespace brivant {
+
 namespace {
 constexpr int empty_icon_size = 32;
 } // namespace
@@ -142,3 +144,5 @@ bool expert_view::eventFilter(QObject* watched, QEvent* event) {
     }
     return screen_view::eventFilter(watched, event);
 }
+
+} // namespace brivant

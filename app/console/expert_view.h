@@ -5,6 +5,8 @@
 #include "expert/expertCtrlr.h"
 #include "ui_expertView.h"
 
+namespace brivant {
+
 // The expert console: the transcript, and the line in which commands are typed.
 class expert_view : public screen_view {
     Q_OBJECT
@@ -36,3 +38,5 @@ private:
     expertCtrlr console;
     qint64 shown = 0; // the lines of the transcript up to this one are in the text
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QFontDatabase>
 #include <QGridLayout>
 
+namespace brivant {
+
 namespace {
 
 constexpr int card_width = 520;
@@ -96,3 +98,5 @@ void script_dialog::click_ok() {
     close_sheet();
     Q_EMIT accepted(good);
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <array>
 
+namespace brivant {
+
 // Asks for the four values of a script. OK stays on the card while one of them is wrong, and says which; it
 // deletes itself.
 class script_dialog : public card_sheet {
@@ -28,3 +30,5 @@ private:
     std::array<QLineEdit*, 4> fields{};
     std::array<QLabel*, 4> problem_labels{};
 };
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "app/look/theme.h"
 
+namespace brivant {
+
 namespace {
 
 const QStringList code_headings{QStringLiteral("Codes"), QStringLiteral("ECU"),
@@ -45,3 +47,5 @@ QString codes_model::ecu_name(const QString& header) const {
     const QString name = controller.toolies.l_pull_ECU(header);
     return name.isEmpty() ? header : QStringLiteral("%1: %2").arg(header, name);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/diagnostics/results_model.h"
 #include "diagnostics/readCodes.h"
 
+namespace brivant {
+
 // Rows of trouble codes as the columns "Codes", "ECU" and "Description". The controller and its
 // results outlive it.
 class codes_model : public results_model {
@@ -22,3 +24,5 @@ private:
 
     readCodes& controller;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QHeaderView>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int empty_icon_size = 32;
@@ -171,3 +173,5 @@ void codes_page::look_changed() {
     reload(part::labels);
     show_operation();
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include "diagnostics/second_status.h"
 #include "ui_read_codes_view.h"
 
+namespace brivant {
+
 // The page of the trouble codes: the codes, the permanent ones below them once they were read, the MIL, the
 // readiness of the monitors, and facts about the read.
 class codes_page : public QObject {
@@ -46,3 +48,5 @@ private:
     operation_head head;
     reading_bar& bar;
 };
+
+} // namespace brivant

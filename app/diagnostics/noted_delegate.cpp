@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 
 constexpr int side_room = 11; // of a cell, on either side
@@ -49,3 +51,5 @@ QSize noted_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelI
         size.rheight() += height_of(theme::small(option.font), option.rect.width(), note);
     return size;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/look/theme.h"
 #include "app/look/wrapping_delegate.h"
 
+namespace brivant {
+
 // Draws a quiet note (note_role of results_model.h) below the text of a cell that has one. The look outlives
 // it.
 class noted_delegate : public wrapping_delegate {
@@ -19,3 +21,5 @@ public:
 private:
     const theme& look;
 };
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QHeaderView>
 
+namespace brivant {
+
 pending_page::pending_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                            const result_words& its_words)
     : result_page(pages, its_context, its_controller, its_words),
@@ -29,3 +31,5 @@ void pending_page::show_rows() {
     const QString untold = QStringLiteral("The car has stored a freeze frame, but does not tell its values.");
     side.show_rows(freeze, empty_words(untold));
 }
+
+} // namespace brivant

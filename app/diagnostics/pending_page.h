@@ -3,6 +3,8 @@
 #include "app/diagnostics/codes_model.h"
 #include "app/diagnostics/result_page.h"
 
+namespace brivant {
+
 // Pending codes on the left, the freeze frame on the right.
 class pending_page : public result_page {
     Q_OBJECT
@@ -27,3 +29,5 @@ private:
     codes_model codes;
     text_rows_model freeze;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 struct rail_page {
@@ -157,3 +159,5 @@ void read_codes_view::look_changed() {
         page->look_changed();
     report.show_operation();
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+namespace brivant {
+
 // The diagnostics screen: a rail of pages on the left, and the controller that all of them share.
 class read_codes_view : public screen_view {
     Q_OBJECT
@@ -34,3 +36,5 @@ private:
     std::vector<std::unique_ptr<result_page>> others; // in the order of the rail, below the codes
     report_button report;
 };
+
+} // namespace brivant

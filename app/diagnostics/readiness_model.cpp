@@ -5,6 +5,8 @@
 #include <QIcon>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 struct state_look {
@@ -88,3 +90,5 @@ QVariant readiness_model::data(const QModelIndex& index, int role) const {
 Qt::ItemFlags readiness_model::flags(const QModelIndex& index) const {
     return is_heading(index.row()) ? Qt::ItemIsEnabled : Qt::ItemIsEnabled | Qt::ItemIsSelectable;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/look/headed_model.h"
 #include "obd/readiness.h"
 
+namespace brivant {
+
 // The readiness monitors as the columns "State" (a picture) and "Description", below a heading row for each
 // group. It reads the rows where they are; they outlive it.
 class readiness_model : public headed_model {
@@ -33,3 +35,5 @@ private:
     const QList<readiness_row>& rows;
     QList<line> lines;
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
+namespace brivant {
+
 reading_bar::reading_bar(QVBoxLayout& column, const QLayout& cards, const view_context& its_context)
     : context(its_context), line(*new QLabel(this)),
       standard_reading(*new QCheckBox(QStringLiteral("Standard reading"), this)) {
@@ -45,3 +47,5 @@ void reading_bar::show_lines(const QList<const second_reading*>& readings, const
     line.setText(lines.join(u'\n'));
     setVisible(!lines.isEmpty());
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+namespace brivant {
+
 // The line below results that are read otherwise by SAE J1979, and the switch that shows that reading in
 // their place. Out of sight while both readings are the same and the program's own is shown.
 class reading_bar : public QWidget {
@@ -24,3 +26,5 @@ private:
     QLabel& line;
     QCheckBox& standard_reading;
 };
+
+} // namespace brivant

@@ -16,6 +16,8 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
+namespace brivant {
+
 namespace {
 
 constexpr double print_size = 8.5; // points: the longest line of a test fits on A4
@@ -142,3 +144,5 @@ void report_button::print() {
 void report_button::tell_saved(const QString& file) {
     context.window.show_toast(QStringLiteral("The report is in %1.").arg(QDir::toNativeSeparators(file)));
 }
+
+} // namespace brivant

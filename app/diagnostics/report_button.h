@@ -7,6 +7,8 @@
 
 class QTextDocument;
 
+namespace brivant {
+
 // The button that saves or prints the report of the page shown: codes, readiness, pending codes and freeze
 // frame as one, the vehicle, or test results.
 class report_button : public QObject {
@@ -39,3 +41,5 @@ private:
     readCodes& controller;
     int operation = op_read_codes;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/diagnostics/noted_delegate.h"
 #include "app/look/tables.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr int empty_icon_size = 32;
@@ -112,3 +114,5 @@ text_page::text_page(QStackedWidget& pages, const view_context& its_context, rea
 void text_page::show_rows() {
     card.show_rows(model, empty_words(nothing_words()));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "app/screen/operation_head.h"
 #include "ui_result_page.h"
 
+namespace brivant {
+
 // What tells the pages of results apart.
 struct result_words {
     const char* name; // of the page's widgets
@@ -93,3 +95,5 @@ private:
     second_reading reading;
     text_rows_model model;
 };
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 results_model::results_model(const QList<noted_row>& its_rows, const QStringList& its_headings,
                              QObject* parent)
     : headed_model(its_headings, parent), plain_rows(&its_rows), shown_rows(static_cast<int>(rows().size())) {
@@ -83,3 +85,5 @@ QStringList extras_cells(const result_row& row) {
     const auto* value = std::get_if<value_row>(&row);
     return value ? QStringList{value->label, value->value.trimmed()} : QStringList{};
 }
+
+} // namespace brivant

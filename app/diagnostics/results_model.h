@@ -3,6 +3,8 @@
 #include "app/look/headed_model.h"
 #include "diagnostics/second_reading.h"
 
+namespace brivant {
+
 // A table over rows, or over the shown one of two readings. It reads the rows where they are; they outlive
 // it. Rows that are added while an operation runs leave the selection as it is.
 class results_model : public headed_model {
@@ -61,3 +63,5 @@ QStringList freeze_cells(const result_row& row);
 QStringList vehicle_cells(const result_row& row);
 // Label and value.
 QStringList extras_cells(const result_row& row);
+
+} // namespace brivant

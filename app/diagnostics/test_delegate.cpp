@@ -9,6 +9,8 @@
 #include <QPainterPath>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 
 constexpr QSize bar_size{120, 40};
@@ -108,3 +110,5 @@ QSize test_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelIn
     size.setHeight(std::max(bar_size.height(), lines) + line_room);
     return size;
 }
+
+} // namespace brivant

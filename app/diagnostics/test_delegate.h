@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QStyledItemDelegate>
 
+namespace brivant {
+
 // Draws the rows of tests_model: a name in two lines, what the other reading says, and the limit bar. The
 // look outlives it.
 class test_delegate : public QStyledItemDelegate {
@@ -28,3 +30,5 @@ private:
     // By limits, pixel ratio and look: what the picture depends on.
     mutable QCache<QString, QImage> bars;
 };
+
+} // namespace brivant

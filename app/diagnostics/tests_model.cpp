@@ -2,6 +2,8 @@
 
 #include <QIcon>
 
+namespace brivant {
+
 namespace {
 
 QString value_of(const test_row& row) {
@@ -101,3 +103,5 @@ QVariant tests_model::data(const QModelIndex& index, int role) const {
     default: return {};
     }
 }
+
+} // namespace brivant

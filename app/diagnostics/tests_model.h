@@ -3,6 +3,8 @@
 #include "app/diagnostics/results_model.h"
 #include "app/look/theme.h"
 
+namespace brivant {
+
 // Rows of test results as the columns "Test", "Value", "Verdict" and "Limits". The reading and the look
 // outlive it.
 class tests_model : public results_model {
@@ -31,3 +33,5 @@ public:
 private:
     const theme& look;
 };
+
+} // namespace brivant

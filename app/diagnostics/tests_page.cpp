@@ -4,6 +4,8 @@
 
 #include <QHeaderView>
 
+namespace brivant {
+
 tests_page::tests_page(QStackedWidget& pages, const view_context& its_context, readCodes& its_controller,
                        const result_words& its_words)
     : result_page(pages, its_context, its_controller, its_words),
@@ -71,3 +73,5 @@ void tests_page::look_changed() {
     result_page::look_changed();
     card.table.viewport()->update();
 }
+
+} // namespace brivant

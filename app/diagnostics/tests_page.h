@@ -6,6 +6,8 @@
 
 #include <QTextBrowser>
 
+namespace brivant {
+
 // Test results with their limits: the rows, and below them the one that is selected.
 class tests_page : public result_page {
     Q_OBJECT
@@ -29,3 +31,5 @@ private:
     tests_model model;
     test_delegate delegate;
 };
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <QShortcut>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int empty_icon_size = 32;
@@ -283,7 +285,7 @@ void actions_view::zoom() {
     keep_room(*ui.zoom_row, is_chart);
     ui.zoom_row->setVisible(run_controller.zoom_slider_shown() && is_chart);
     const double slider = static_cast<double>(ui.zoom->value()) / ui.zoom->maximum();
-    const ::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
+    const brivant::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
     ui.chart->zoom(now.points, now.title);
 }
 
@@ -351,3 +353,5 @@ QString actions_view::missing_pids() const {
     }
     return missing.join(QStringLiteral(", "));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "app/screen/picture_saver.h"
 #include "livedata/actions.h"
 
+namespace brivant {
+
 // The live-data screen: a run's large chart, two gauges and a thumbnail a PID; for the oxygen sensors also
 // the picture of the exhaust. What a reply changes is noted as it comes, and drawn once a display frame.
 class actions_view : public screen_view, private run_observer {
@@ -58,7 +60,7 @@ private:
     const Ui::actions_view ui;
     mac_toolies& toolies;
     live_results& results;
-    ::actions run_controller; // a widget has actions too
+    brivant::actions run_controller; // a widget has actions too
     run_pictures pictures;
     shown_samples shown;
     QStringList shown_set; // the PIDs that `shown` counts
@@ -69,3 +71,5 @@ private:
     picture_saver saver;
     frame_pace pace;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/look/numbers.h"
 #include "app/screen/pid_chooser.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr int tick_ms = 500;
@@ -116,3 +118,5 @@ void run_head::show_stored() {
                               : QStringLiteral("Runs are stored when the switch at the right is on"));
     theme::mark(*ui.stored, "warning", !problem.isEmpty());
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <QTimer>
 
+namespace brivant {
+
 // The head of the live-data screen: the mode, the button that starts and stops a run, the choice of its PIDs,
 // how long it has lasted, how fast it is and what of it is stored.
 class run_head : public QObject {
@@ -35,3 +37,5 @@ private:
     live_results& results;
     QTimer second; // the time goes on while nothing arrives
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QHBoxLayout>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int lines_at_once = 100;
@@ -155,3 +157,5 @@ void export_progress::end(const QString& heading, const QString& sentence, bool 
     setAccessibleDescription(sentence);
     Q_EMIT finished();
 }
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <QToolButton>
 #include <memory>
 
+namespace brivant {
+
 // A strip that exports stored sampling runs, one after the other: how far it is, Stop, and at the end where
 // the files are or why there are none, until that is dismissed or the next export starts. It is hidden while
 // there is nothing to say. A screen puts it into its layout, calls start(), and stop() on Esc; when the strip
@@ -63,3 +65,5 @@ private:
     QPushButton stop_button;
     QToolButton close_button;
 };
+
+} // namespace brivant

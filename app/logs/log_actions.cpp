@@ -14,6 +14,8 @@
 #include <QUrl>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int slice_ms = 10;           // below a frame of the screen
@@ -142,3 +144,5 @@ void log_actions::stop() {
     if (deletion)
         end_deletion();
 }
+
+} // namespace brivant

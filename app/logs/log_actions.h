@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace brivant {
+
 // What the log browser does with the selected logs. Long work, an export or a deletion, goes on in slices,
 // one at a time. The screen and the manager outlive it.
 class log_actions : public QObject {
@@ -50,3 +52,5 @@ private:
     std::unique_ptr<log_deletion> deletion;
     timer_handle next_slice;
 };
+
+} // namespace brivant

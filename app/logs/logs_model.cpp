@@ -3,6 +3,8 @@
 #include "app/look/theme.h"
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 logs_model::logs_model(const manage_logsDB& its_manager)
     : headed_model({QStringLiteral("No"), QStringLiteral("Stored on"), QStringLiteral("Kind"),
                     QStringLiteral("Description")}),
@@ -43,3 +45,5 @@ QVariant logs_model::data(const QModelIndex& index, int role) const {
     default: return {};
     }
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include "app/look/headed_model.h"
 #include "logs/manage_logsDB.h"
 
+namespace brivant {
+
 // The list of logs as a table. Cells are made when they are shown, from the manager's rows; it outlives the
 // model.
 class logs_model : public headed_model {
@@ -25,3 +27,5 @@ private:
     const manage_logsDB& manager;
     int shown_rows = 0; // as the view knows it
 };
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int empty_icon_size = 32;
@@ -276,3 +278,5 @@ void logs_view::look_changed() {
     wide_enough(logs_model::date_column, "30 Sep 2026 00:00");
     wide_enough(logs_model::kind_column, "Veh_info MM");
 }
+
+} // namespace brivant

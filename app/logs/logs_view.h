@@ -7,6 +7,8 @@
 
 #include <QButtonGroup>
 
+namespace brivant {
+
 // The log browser: the list with its two filters, a preview of the selected log, and what can be done with
 // the selected ones.
 class logs_view : public screen_view {
@@ -55,3 +57,5 @@ private:
     timer_handle next_block;
     timer_handle next_preview;
 };
+
+} // namespace brivant

@@ -10,6 +10,8 @@
 #include <QMenu>
 #include <QShortcut>
 
+namespace brivant {
+
 namespace {
 
 constexpr QSize first_size{1080, 680};
@@ -236,3 +238,5 @@ void plot_this_log(QWidget& asked_by, const view_context& context, const log_hea
     auto* window = new plots_popup(asked_by, context, log, column);
     window->show();
 }
+
+} // namespace brivant

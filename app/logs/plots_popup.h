@@ -9,6 +9,8 @@
 
 #include <QTimer>
 
+namespace brivant {
+
 // The window that draws a stored sampling run: the chart with a moment that can be read, and a thumbnail for
 // each PID. It reads the run while it is open already, goes with the window it was asked for from, and is
 // deleted when it is closed.
@@ -55,3 +57,5 @@ private:
 
 // Opens the window for a log, with that column of it as the chart. It belongs to the window of `asked_by`.
 void plot_this_log(QWidget& asked_by, const view_context& context, const log_header& log, int column = 0);
+
+} // namespace brivant

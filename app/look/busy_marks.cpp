@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr int frame_ms = 40;
@@ -110,3 +112,5 @@ void busy_bar::paintEvent(QPaintEvent*) {
     painter.setBrush(colour);
     painter.drawRoundedRect(QRectF(from, 0, to - from, height()), round, round);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QTimer>
 #include <QWidget>
 
+namespace brivant {
+
 // The two signs that something runs, drawn in the colour of text. Their timers run only while they are seen.
 
 // A ring: it fills as far as the work has come, or a piece turns in it while that is not known.
@@ -58,3 +60,5 @@ private:
     int total = 0;
     bool running = false;
 };
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 card_sheet::card_sheet(QWidget& asked_by, const QString& title, int width)
     : overlay(asked_by.window()), wanted_width(width), card(new QFrame), column(new QVBoxLayout(card)),
       buttons(new QHBoxLayout) {
@@ -88,3 +90,5 @@ void card_sheet::keyPressEvent(QKeyEvent* event) {
         close_sheet();
     event->accept();
 }
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace brivant {
+
 // A card over the whole window, for something to be finished before anything else: a form, a choice. It runs
 // no event loop. The keys of the window do not work below it, the Tab key stays within it, and Esc closes it.
 // It goes when it is closed, or with the screen that asked for it.
@@ -49,3 +51,5 @@ private:
     QHBoxLayout* buttons = nullptr;
     QPointer<QWidget> focus_before;
 };
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QEvent>
 
+namespace brivant {
+
 elided_label::elided_label(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
@@ -43,3 +45,5 @@ void elided_label::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         fit();
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+namespace brivant {
+
 // One line of plain text that is cut with "..." where the room ends; the tool tip holds all of it. A text of
 // several lines is shown as one.
 class elided_label : public QLabel {
@@ -25,3 +27,5 @@ private:
 
     QString whole;
 };
+
+} // namespace brivant

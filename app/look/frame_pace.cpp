@@ -4,6 +4,8 @@
 #include <QScreen>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 // Milliseconds: a frame of the display, but no more than 30 a second. A car tells a value less often than
@@ -38,3 +40,5 @@ void frame_pace::draw() {
     since_last.start();
     what();
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QTimer>
 #include <functional>
 
+namespace brivant {
+
 // Keeps drawing to at most one time a display frame, however often something new is to be shown.
 class frame_pace : public QObject {
     Q_OBJECT
@@ -23,3 +25,5 @@ private:
     QElapsedTimer since_last;
     QTimer later;
 };
+
+} // namespace brivant

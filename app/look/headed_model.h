@@ -4,6 +4,8 @@
 #include <QFont>
 #include <QStringList>
 
+namespace brivant {
+
 // A table whose columns have headings, on the left above their texts.
 class headed_model : public QAbstractTableModel {
 public:
@@ -31,3 +33,5 @@ protected:
 private:
     const QStringList headings;
 };
+
+} // namespace brivant

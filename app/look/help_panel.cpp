@@ -7,6 +7,8 @@
 #include <QImageReader>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int panel_width = 440;
@@ -90,3 +92,5 @@ void help_panel::place(const QRect& room) {
     const int width = std::min(panel_width, room.width() - 2 * margin);
     setGeometry(room.width() - width - margin, margin, width, room.height() - 2 * margin);
 }
+
+} // namespace brivant

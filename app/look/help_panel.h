@@ -8,6 +8,8 @@
 #include <QTextBrowser>
 #include <QToolButton>
 
+namespace brivant {
+
 // A browser for the program's own HTML. It loads nothing but the program's artwork: no file, no address that
 // the text names, and it follows no link.
 class help_browser : public QTextBrowser {
@@ -45,3 +47,5 @@ private:
     QToolButton close_button;
     help_browser browser;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QHBoxLayout>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 constexpr int mark_size = 24;
 constexpr qsizetype most_waiting = 20;
@@ -92,3 +94,5 @@ void notice_banner::show_first() {
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QToolButton>
 #include <functional>
 
+namespace brivant {
+
 // Something the person is told on top of the screen, until it is dismissed.
 struct notice {
     QString title; // "" for none
@@ -43,3 +45,5 @@ private:
     QPushButton action;
     QToolButton close_button;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QElapsedTimer>
 #include <QLocale>
 
+namespace brivant {
+
 // "1,000,000"
 inline QString grouped(qint64 number) {
     return QLocale(QLocale::English).toString(number);
@@ -26,3 +28,5 @@ bool work_a_moment(int milliseconds, one_step step) {
         more = step();
     return more;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <QEvent>
 
+namespace brivant {
+
 overlay::overlay(QWidget* over) : QWidget(over) {
     over->installEventFilter(this);
     hide();
@@ -18,3 +20,5 @@ bool overlay::eventFilter(QObject* watched, QEvent* event) {
         place(parentWidget()->rect());
     return QWidget::eventFilter(watched, event);
 }
+
+} // namespace brivant

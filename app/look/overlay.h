@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace brivant {
+
 // A widget that lies over its parent and follows its size. Each kind places itself.
 class overlay : public QWidget {
     Q_OBJECT
@@ -15,3 +17,5 @@ protected:
     void show_on_top();
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
+
+} // namespace brivant

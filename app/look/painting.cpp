@@ -4,6 +4,8 @@
 
 #include <QPainterPath>
 
+namespace brivant {
+
 QPixmap rounded_picture(const QImage& image, const QSize& room, double ratio) {
     QPixmap result(room * ratio);
     result.setDevicePixelRatio(ratio);
@@ -27,3 +29,5 @@ void draw_line(QPainter& painter, const QFont& font, const QColor& colour, const
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
                      QFontMetrics(font).elidedText(text, Qt::ElideRight, room.width()));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+namespace brivant {
+
 namespace {
 
 constexpr int card_width = 320;
@@ -53,3 +55,5 @@ void progress_overlay::paintEvent(QPaintEvent*) {
     ground.setAlphaF(cover);
     QPainter(this).fillRect(rect(), ground);
 }
+
+} // namespace brivant

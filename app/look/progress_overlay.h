@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+namespace brivant {
+
 // A translucent cover with a ring and a text over a part of a window whose contents are on their way, with
 // Stop where the work can be stopped. What lies below it cannot be clicked; it does not take the focus.
 class progress_overlay : public overlay {
@@ -39,3 +41,5 @@ private:
     QLabel label;
     QPushButton stop_button;
 };
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 constexpr int card_width = 480;
 } // namespace
@@ -91,3 +93,5 @@ bool question_sheet::focusNextPrevChild(bool) {
     (no_button.hasFocus() ? yes_button : no_button).setFocus(Qt::TabFocusReason);
     return true;
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <functional>
 
+namespace brivant {
+
 // A question over the whole window, to be answered Yes or No before anything else. It runs no event loop of
 // its own: the answer comes through a callback, exactly once. No is the answer of the Return key at first, of
 // Esc, and of whoever takes the question away.
@@ -47,3 +49,5 @@ private:
     QPushButton yes_button;
     QPushButton no_button;
 };
+
+} // namespace brivant

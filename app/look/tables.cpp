@@ -7,6 +7,8 @@
 #include <QMenu>
 #include <algorithm>
 
+namespace brivant {
+
 QString selected_rows_as_text(const QTableView& table) {
     if (!table.selectionModel())
         return {};
@@ -72,3 +74,5 @@ void make_list(QTableView& table, int stretched_column, int row_height) {
     table.horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table.horizontalHeader()->setSectionResizeMode(stretched_column, QHeaderView::Stretch);
 }
+
+} // namespace brivant

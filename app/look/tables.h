@@ -2,6 +2,8 @@
 
 #include <QTableView>
 
+namespace brivant {
+
 // The selected rows of a table as text: a row a line, its cells separated by tabulators. A picture stands as
 // its words.
 QString selected_rows_as_text(const QTableView& table);
@@ -25,3 +27,5 @@ void span_headings(QTableView& table, const model& rows) {
             table.setSpan(row, 0, 1, rows.columnCount());
     }
 }
+
+} // namespace brivant

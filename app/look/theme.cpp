@@ -8,6 +8,8 @@
 #include <QWidget>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr double heading_size = 1.4;
@@ -40,7 +42,7 @@ theme night() {
 // clang-format on
 
 constexpr const char* sheet = R"(
-main_window, #main_area { background: {ground}; }
+brivant--main_window, #main_area { background: {ground}; }
 QLabel { color: {text}; background: transparent; }
 QCheckBox, QRadioButton { color: {text}; spacing: 8px; padding: 2px; }
 QCheckBox:focus, QRadioButton:focus { text-decoration: underline; }
@@ -65,7 +67,7 @@ QLabel:disabled, QCheckBox:disabled, QRadioButton:disabled { color: {muted}; }
 *[role="chip"] { font-size: {small}px; font-weight: 600; color: {accent}; background: {accent_soft};
     border-radius: 7px; padding: 1px 8px 2px 8px; }
 *[role="medallion"] { background: {accent_soft}; border-radius: 36px; }
-busy_ring, busy_bar { color: {accent}; }
+brivant--busy_ring, brivant--busy_bar { color: {accent}; }
 QFrame[role="card"] { background: {card}; border: 1px solid {edge}; border-radius: 10px; }
 QFrame[role="strip"] { background: {card}; border: none; }
 QFrame[role="line"] { background: {edge}; border: none; }
@@ -158,9 +160,9 @@ QFrame#notice_card { background: {amber_soft}; border: 1px solid {amber}; border
 QLabel#notice_mark { background: {amber}; color: {card}; border-radius: 12px; font-weight: 700; }
 QFrame#toast_card { background: {toast}; border-radius: 12px; }
 QFrame#toast_card QLabel, QFrame#toast_card busy_ring { color: {on_toast}; }
-help_panel > QFrame { background: {card}; border: 1px solid {edge}; border-radius: 10px; }
+brivant--help_panel > QFrame { background: {card}; border: 1px solid {edge}; border-radius: 10px; }
 QTextBrowser[role="detail"] { background: {card}; color: {text}; border: none; }
-help_panel QTextBrowser { background: {card}; color: {text}; border: none; }
+brivant--help_panel QTextBrowser { background: {card}; color: {text}; border: none; }
 )";
 
 } // namespace
@@ -283,3 +285,5 @@ QFont theme::figures(const QFont& body) {
     });
     return all_equal ? body : fixed(body);
 }
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 
 class QWidget;
 
+namespace brivant {
+
 // The colours, sizes and pictures of the window, in a light and a dark version. Which one holds is taken from
 // the palette of the desktop. Distances are multiples of `step` pixels; there are three sizes of text.
 struct theme {
@@ -46,3 +48,5 @@ struct theme {
     // The font for numbers that change in place: that of the desktop when its digits are all equally wide.
     static QFont figures(const QFont& body);
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QHBoxLayout>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int shown_ms = 5000;
@@ -65,3 +67,5 @@ void toast_overlay::place(const QRect& room) {
     const int height = label.heightForWidth(width) + 2 * above_text;
     setGeometry((room.width() - width - beside) / 2, room.height() - height - margin, width + beside, height);
 }
+
+} // namespace brivant

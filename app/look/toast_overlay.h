@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QTimer>
 
+namespace brivant {
+
 // A transient notice at the bottom of the screen, with a turning ring while something runs. It takes neither
 // the focus nor the mouse, and goes by itself.
 class toast_overlay : public overlay {
@@ -29,3 +31,5 @@ private:
     QLabel label;
     QTimer end;
 };
+
+} // namespace brivant

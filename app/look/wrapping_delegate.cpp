@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 QSize wrapping_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QStyleOptionViewItem cell = option;
     // The padding at the sides of a cell, which the style sheet gives and Qt leaves out where it breaks
@@ -15,3 +17,5 @@ QSize wrapping_delegate::sizeHint(const QStyleOptionViewItem& option, const QMod
     size.rheight() += theme::step;
     return size;
 }
+
+} // namespace brivant

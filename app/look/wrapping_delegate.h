@@ -2,6 +2,8 @@
 
 #include <QStyledItemDelegate>
 
+namespace brivant {
+
 // Draws cells that may take several lines, in rows high enough for them.
 class wrapping_delegate : public QStyledItemDelegate {
     Q_OBJECT
@@ -11,3 +13,5 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };
+
+} // namespace brivant

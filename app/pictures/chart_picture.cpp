@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+namespace brivant {
+
 namespace {
 constexpr double corner = 8;
 }
@@ -59,3 +61,5 @@ void chart_picture::paintEvent(QPaintEvent*) {
     painter.setClipPath(round);
     painter.drawImage(QPointF(0, 0), item->imageRepresentation());
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 // The large chart of a run.
 class chart_picture : public QWidget {
     Q_OBJECT
@@ -38,3 +40,5 @@ private:
     QString title;
     bool stale = true;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <algorithm>
 
+namespace brivant {
+
 gauge_picture::gauge_picture(QWidget* parent) : QWidget(parent) {}
 
 void gauge_picture::set_up(const mac_toolies& toolies) {
@@ -49,3 +51,5 @@ void gauge_picture::paintEvent(QPaintEvent*) {
         gauge->draw_cur_needle_value(value);
     painter.drawImage(room, gauge->imageRepresentation());
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QWidget>
 #include <optional>
 
+namespace brivant {
+
 // Shows the gauge of one PID, as large as its room allows.
 class gauge_picture : public QWidget {
     Q_OBJECT
@@ -34,3 +36,5 @@ private:
     bool has_value = false; // until then the needle is at rest
     bool stale = false;
 };
+
+} // namespace brivant

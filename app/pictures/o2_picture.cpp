@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <algorithm>
 
+namespace brivant {
+
 o2_picture::o2_picture(QWidget* parent) : QWidget(parent) {
     setAccessibleName(QStringLiteral("Exhaust with its oxygen sensors"));
     sensors.initO2Charty();
@@ -43,3 +45,5 @@ void o2_picture::mousePressEvent(QMouseEvent* event) {
     else
         QWidget::mousePressEvent(event);
 }
+
+} // namespace brivant

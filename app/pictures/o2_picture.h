@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+namespace brivant {
+
 // Shows the schematic of the exhaust, as large as its room allows. A click on a sensor chooses it.
 class o2_picture : public QWidget {
     Q_OBJECT
@@ -28,3 +30,5 @@ private:
     drawO2Sensors sensors;
     o2_picture_look colours;
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr double notch = 120;          // of a wheel
@@ -163,3 +165,5 @@ void plot_chart::keyPressEvent(QKeyEvent* event) {
     default: chart_picture::keyPressEvent(event);
     }
 }
+
+} // namespace brivant

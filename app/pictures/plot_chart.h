@@ -3,6 +3,8 @@
 #include "app/pictures/chart_picture.h"
 #include "charts/plot_span.h"
 
+namespace brivant {
+
 // The chart of a stored run, and how it is gone through. The wheel zooms about the pointer, with Shift it
 // pans; dragging pans; the pointer reads the values of a moment. Keys: Left and Right move the moment, with
 // Shift the chart; Page Up and Down move by a whole chart, Home and End to the ends; + and - zoom; 0 shows
@@ -49,3 +51,5 @@ private:
     plot_span span_before_drag;
     double wheel_rest = 0; // sweeps that a fine wheel has turned and that were not moved yet
 };
+
+} // namespace brivant

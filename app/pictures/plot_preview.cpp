@@ -2,6 +2,8 @@
 
 #include "app/look/numbers.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype most_rows = 100'000;
@@ -55,3 +57,5 @@ void plot_preview::read_slice() {
     strip.set_look(look);
     strip.mark({none, {}, none});
 }
+
+} // namespace brivant

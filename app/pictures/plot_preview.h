@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <optional>
 
+namespace brivant {
+
 // A small plot of a stored sampling run: a thumbnail for each PID, with its average. It reads no more of the
 // run than a moment allows, and is hidden while there is nothing to draw.
 class plot_preview : public QWidget {
@@ -34,3 +36,5 @@ private:
     theme look;
     QTimer reading;
 };
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QDateTime>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr int slice_ms = 12; // below a frame of the screen
@@ -116,3 +118,5 @@ QString plotted_run::elapsed(qsizetype from, qsizetype to) const {
         return {};
     return hours_minutes_seconds(end - begin);
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include "logs/stored_series.h"
 #include "shell/program_core.h"
 
+namespace brivant {
+
 // A stored sampling run as the pictures of a run show it, read a slice at a time. `core` outlives it.
 class plotted_run {
 public:
@@ -41,3 +43,5 @@ private:
     unit_system units;
     bool by_standard;
 };
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
+namespace brivant {
+
 namespace {
 constexpr int scroll_bar_room = 14;
 }
@@ -90,3 +92,5 @@ void thumb_strip::wheelEvent(QWheelEvent* event) {
     horizontalScrollBar()->setValue(horizontalScrollBar()->value() - by);
     event->accept();
 }
+
+} // namespace brivant

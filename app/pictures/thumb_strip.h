@@ -6,6 +6,8 @@
 #include <QScrollArea>
 #include <vector>
 
+namespace brivant {
+
 // The thumbnails of a sample set, side by side; they scroll sideways.
 class thumb_strip : public QScrollArea {
     Q_OBJECT
@@ -41,3 +43,5 @@ private:
     QHBoxLayout* places = nullptr;
     std::vector<thumbnail*> thumbs; // the row owns them
 };
+
+} // namespace brivant

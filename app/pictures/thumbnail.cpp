@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+namespace brivant {
+
 namespace {
 
 constexpr int foot_height = 24;
@@ -211,3 +213,5 @@ void thumbnail::keyPressEvent(QKeyEvent* event) {
     default: QAbstractButton::keyPressEvent(event);
     }
 }
+
+} // namespace brivant

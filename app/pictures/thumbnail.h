@@ -7,6 +7,8 @@
 #include <QAbstractButton>
 #include <set>
 
+namespace brivant {
+
 // Where the samples of a run are shown, by their places in the sample set.
 struct shown_samples {
     int chart = 0;
@@ -90,3 +92,5 @@ private:
     bool on_gauge_2 = false;
     bool stale = true;
 };
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include "app/screen/link_report.h"
 
+namespace brivant {
+
 namespace {
 constexpr int mark_size = 20;
 }
@@ -162,3 +164,5 @@ void prefs_connection_trial::ask_yes_no(const QString& title, const QString& tex
         answer(yes);
     });
 }
+
+} // namespace brivant

@@ -4,10 +4,12 @@
 #include "diagnostics/readCodes.h"
 #include "ui_prefs.h"
 
+namespace brivant {
+
 // "Test connection": sets the adapter up on the chosen link, and says what answered, or which of link,
 // adapter and car did not. What the controller tells meanwhile stands beside the button instead of on the
 // banner.
-class prefs_connection_trial : public QObject, private ::screen {
+class prefs_connection_trial : public QObject, private brivant::screen {
     Q_OBJECT
 
 public:
@@ -58,3 +60,5 @@ private:
     int told_before = 0;   // car_state::times_told() when it began
     readCodes controller_; // last: it leaves its operation when it goes, and tells so
 };
+
+} // namespace brivant

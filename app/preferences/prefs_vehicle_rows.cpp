@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QPaintDevice>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_photos = 200; // kept decoded
@@ -112,3 +114,5 @@ void vehicle_delegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     draw_line(*painter, small, look.muted, {room.left(), top + first, room.width(), second}, facts);
     painter->restore();
 }
+
+} // namespace brivant

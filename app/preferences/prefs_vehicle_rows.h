@@ -7,6 +7,8 @@
 #include <QCache>
 #include <QStyledItemDelegate>
 
+namespace brivant {
+
 // The vehicles in the order of the database, each with its photo. The list and the database outlive it.
 class vehicle_rows : public QAbstractListModel {
     Q_OBJECT
@@ -50,3 +52,5 @@ public:
 private:
     const theme& look;
 };
+
+} // namespace brivant

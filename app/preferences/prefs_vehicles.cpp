@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 constexpr QSize photo_size{270, 152};
 }
@@ -174,3 +176,5 @@ void prefs_vehicles::look_changed() {
     ui.vehicle_table->viewport()->update();
     show_selected();
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "app/preferences/vehicle_dialog.h"
 #include "ui_prefs.h"
 
+namespace brivant {
+
 // The Vehicles tab: the list of them, the selected one with its photo, and what can be done with it.
 class prefs_vehicles : public QObject {
     Q_OBJECT
@@ -44,3 +46,5 @@ private:
     QWidget& view;
     const Ui::prefs& ui;
 };
+
+} // namespace brivant

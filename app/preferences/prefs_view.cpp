@@ -2,6 +2,8 @@
 
 #include "persistence/log_files.h"
 
+namespace brivant {
+
 namespace {
 
 // The link that this run was started with, "" when it is the stored one.
@@ -170,3 +172,5 @@ void prefs_view::tell_unless(bool written) {
                             "ends; check the rights of the file and the room on the disk.")
                  .arg(context.core.paths.settings_file)});
 }
+
+} // namespace brivant

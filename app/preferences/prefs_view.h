@@ -5,6 +5,8 @@
 #include "app/screen/pid_chooser.h"
 #include "shell/preferences.h"
 
+namespace brivant {
+
 // The preferences screen. What is changed is stored at once; what is typed wrongly is told beside the field,
 // and the value before it stays.
 class prefs_view : public screen_view {
@@ -41,3 +43,5 @@ private:
     pid_chooser& pids;
     prefs_vehicles vehicles;
 };
+
+} // namespace brivant

@@ -11,6 +11,8 @@
 
 #include <array>
 
+namespace brivant {
+
 namespace {
 
 constexpr int dialog_width = 520;
@@ -200,3 +202,5 @@ void vehicle_dialog::save() {
     tell(*beside.problem, saved.problem);
     beside.line->setFocus(Qt::OtherFocusReason);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QGridLayout>
 #include <QLineEdit>
 
+namespace brivant {
+
 // Adds or edits a vehicle, on a card over the window. A value that cannot be stored keeps it open, with the
 // reason beside the field; a picture file may be chosen, or dropped anywhere on it.
 class vehicle_dialog : public card_sheet {
@@ -61,3 +63,5 @@ private:
     field year{};
     field volume{};
 };
+
+} // namespace brivant

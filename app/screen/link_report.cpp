@@ -1,5 +1,7 @@
 #include "app/screen/link_report.h"
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_name = 24;
@@ -54,3 +56,5 @@ link_words report_link(const adapter_link& link, const car_state& car, const mac
         words.details += QStringLiteral("\n%1, address %2").arg(place.last_BT_Device(), place.bt_address());
     return words;
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "app/screen/operation_head.h"
 
+namespace brivant {
+
 operation_head::operation_head(const parts& its_parts, const view_context& its_context,
                                readCodes& its_controller, const QList<int>& its_operations)
     : ui(its_parts), context(its_context), controller(its_controller), operations(its_operations) {
@@ -58,3 +60,5 @@ void operation_head::show_progress() {
     if (runs_here())
         ui.progress.set_progress(results.progress_done, results.progress_total);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QPushButton>
 
+namespace brivant {
+
 // The head of a page: the buttons that start and stop its operation, a note, and the progress. One operation
 // runs at a time; while that of another page runs, the note says so and this page cannot start.
 class operation_head : public QObject {
@@ -42,3 +44,5 @@ private:
     readCodes& controller;
     QList<int> operations;
 };
+
+} // namespace brivant

@@ -13,6 +13,8 @@
 #include <QSaveFile>
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 constexpr double least_ratio = 2;  // pixels to a point
@@ -86,3 +88,5 @@ void picture_saver::paint_page(QPagedPaintDevice& page) const {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(QRectF(QPointF((room.width() - size.width()) / 2, 0), size), image);
 }
+
+} // namespace brivant

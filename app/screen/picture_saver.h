@@ -7,6 +7,8 @@
 
 class QPagedPaintDevice;
 
+namespace brivant {
+
 // Saves the picture of a widget as a PNG or PDF file, copies or prints it: as large as it is shown, with two
 // pixels to a point at least.
 class picture_saver : public QObject {
@@ -42,3 +44,5 @@ private:
     const QString name;
     std::function<QWidget*()> what;
 };
+
+} // namespace brivant

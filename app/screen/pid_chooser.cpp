@@ -6,6 +6,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+namespace brivant {
+
 namespace {
 
 constexpr int row_height = 34;
@@ -292,3 +294,5 @@ void pid_sheet::open() {
     QWidget* list = chooser->first();
     card_sheet::open(list ? *list : *done);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QStackedWidget>
 #include <QTableView>
 
+namespace brivant {
+
 // Chooses what live data samples of the current vehicle: on the left what its ECUs report, on the right what
 // is chosen, in order. A change is stored with the vehicle at once. Without a record of the vehicle it says
 // how to get one.
@@ -81,3 +83,5 @@ private:
     pid_chooser* chooser = nullptr;
     QPushButton* done = nullptr;
 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "app/screen/pid_rows.h"
 
+namespace brivant {
+
 pid_rows::pid_rows(const pid_choice& its_choice, const theme& its_look, QObject* parent)
     : headed_model({QStringLiteral("Value"), QStringLiteral("PID"), QStringLiteral("ECU")}, parent),
       choice(its_choice), look(its_look) {}
@@ -79,3 +81,5 @@ QVariant offered_pids_model::data(const QModelIndex& index, int role) const {
 int chosen_pids_model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(choice.chosen().size());
 }
+
+} // namespace brivant

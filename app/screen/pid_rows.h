@@ -4,6 +4,8 @@
 #include "app/look/theme.h"
 #include "shell/pid_choice.h"
 
+namespace brivant {
+
 // The rows of the PID chooser. Both read the choice where it is; the choice and the look outlive them.
 class pid_rows : public headed_model {
     Q_OBJECT
@@ -61,3 +63,5 @@ public:
 protected:
     const pid_entry& entry_at(int row) const override { return choice.chosen().at(row); }
 };
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "app/screen/reading_choice.h"
 
+namespace brivant {
+
 void choose_reading(const view_context& context, bool standard) {
     context.core.defaults.choose(setting::standard_reading, standard);
     if (!context.core.defaults.synchronise())
@@ -8,3 +10,5 @@ void choose_reading(const view_context& context, bool standard) {
              QStringLiteral("The settings cannot be written; it holds until the program ends.")});
     context.window.reload(part::reading);
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "app/screen/report_popup.h"
 
+namespace brivant {
+
 namespace {
 constexpr int card_width = 640;
 }
@@ -18,3 +20,5 @@ report_popup::report_popup(QWidget& asked_by, const view_context& context, const
     connect(add_button(QStringLiteral("Close"), "report_close", true), &QPushButton::clicked, this,
             &card_sheet::close_sheet);
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include "app/look/help_panel.h"
 #include "app/screen/share_menu.h"
 
+namespace brivant {
+
 // A stored report over the window, with a share button. It deletes itself.
 class report_popup : public card_sheet {
     Q_OBJECT
@@ -17,3 +19,5 @@ public:
 private:
     help_browser* browser = nullptr;
 };
+
+} // namespace brivant

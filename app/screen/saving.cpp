@@ -6,6 +6,8 @@
 #include <QPrinter>
 #include <QStandardPaths>
 
+namespace brivant {
+
 QFileDialog* dialog_for_saving(QWidget& parent, const QString& title, const QString& filter,
                                const QString& suffix, const QString& folder, const QString& proposed) {
     auto* dialog = new QFileDialog(&parent, title, QString(), filter);
@@ -41,3 +43,5 @@ QString cannot_be_written(const QString& file, const QString& reason) {
 notice not_saved(const QString& what, const QString& file, const QString& reason) {
     return {QStringLiteral("The %1 was not saved").arg(what), cannot_be_written(file, reason)};
 }
+
+} // namespace brivant

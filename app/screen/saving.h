@@ -7,6 +7,8 @@
 class QFileDialog;
 class QPrinter;
 
+namespace brivant {
+
 // What is asked and told where something is saved or printed. No dialog runs an event loop of its own.
 
 // A dialog for the file to save to, still to be opened; it deletes itself. `suffix`: without a dot. `folder`:
@@ -23,3 +25,5 @@ void ask_for_printer(QWidget& parent, const QString& document, std::function<voi
 QString cannot_be_written(const QString& file, const QString& reason);
 // `what`: "report".
 notice not_saved(const QString& what, const QString& file, const QString& reason);
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 
 #include <QWidget>
 
+namespace brivant {
+
 // What a screen asks of the window around it, beyond what a controller asks.
 class window_frame {
 public:
@@ -77,3 +79,5 @@ protected:
 private:
     QWidget* first = nullptr;
 };
+
+} // namespace brivant

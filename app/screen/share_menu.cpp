@@ -11,6 +11,8 @@
 #include <QSaveFile>
 #include <QTextDocument>
 
+namespace brivant {
+
 namespace {
 
 constexpr double print_size = 9.5; // points
@@ -57,3 +59,5 @@ void add_share_menu(QPushButton& button, window_frame& frame, const shared_text&
     QObject::connect(&button, &QPushButton::clicked, menu,
                      [&button, menu] { menu->popup(button.mapToGlobal(QPoint(0, button.height()))); });
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QPushButton>
 #include <functional>
 
+namespace brivant {
+
 // A text that can be copied, saved and printed.
 struct shared_text {
     QString what;      // for titles: "transcript", "log"
@@ -18,3 +20,5 @@ void add_share_menu(QPushButton& button, window_frame& frame, const shared_text&
 
 // Writes the text whole or not at all, and tells what went wrong. False when it was not saved.
 bool save_shared_text(window_frame& frame, const shared_text& shared, const QString& file);
+
+} // namespace brivant

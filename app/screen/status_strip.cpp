@@ -3,6 +3,8 @@
 #include <QHBoxLayout>
 #include <QIcon>
 
+namespace brivant {
+
 namespace {
 
 constexpr int strip_height = 40;
@@ -77,3 +79,5 @@ void status_strip::set_link(const link_words& words) {
     link_box->setAccessibleName(QStringLiteral("Link ") + far_end_words);
     link_box->setAccessibleDescription(shown.details);
 }
+
+} // namespace brivant

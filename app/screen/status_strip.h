@@ -8,6 +8,8 @@
 #include <QFrame>
 #include <QToolButton>
 
+namespace brivant {
+
 // What the link mark tells.
 struct link_words {
     enum class condition { closed, opening, open };
@@ -53,3 +55,5 @@ private:
     QToolButton change;
     link_words shown;
 };
+
+} // namespace brivant

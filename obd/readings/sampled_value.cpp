@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace brivant {
+
 namespace {
 
 bool is_computed(const QString& pid) {
@@ -89,3 +91,5 @@ bool tell_columns(QStringList& pids, const QStringList& items) {
             pids[column] = sampled_pid(items[column]);
     return !pids.isEmpty() && !pids.contains(QString());
 }
+
+} // namespace brivant

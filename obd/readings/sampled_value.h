@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+namespace brivant {
+
 class text_resources;
 
 // The numbers that charts, gauges, previews and exports take from a sampled reply ("410C1AF8"), in one of two
@@ -29,3 +31,5 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
 QString sampled_pid(const QString& item);
 // Fills in the PIDs that a stored line tells of columns that no line before it told. True when all are known.
 bool tell_columns(QStringList& pids, const QStringList& items);
+
+} // namespace brivant

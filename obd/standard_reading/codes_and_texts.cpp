@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 namespace {
 
 const QString too_short = QStringLiteral("the answer ends before its last code");
@@ -165,3 +167,5 @@ QList<ecu_info> read_vehicle_info(info_type type, const raw_reply& reply) {
     }
     return result;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+namespace brivant {
+
 // Trouble codes and vehicle information as SAE J1979 and J2012 define them.
 
 struct ecu_codes {
@@ -29,3 +31,5 @@ struct ecu_info {
 // The texts of service 09, one element an ECU that answered. An item that was never programmed (all FF) or
 // holds bytes that are no text is a fault.
 QList<ecu_info> read_vehicle_info(info_type type, const raw_reply& reply);
+
+} // namespace brivant

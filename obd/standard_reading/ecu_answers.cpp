@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_reply = 16384;
@@ -339,3 +341,5 @@ QList<ecu_answer> answers_to(int service, const raw_reply& reply) {
     }
     return answers;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+namespace brivant {
+
 // The bytes that each ECU sent, taken from the adapter's text by ISO 15765-2 (CAN), ISO 14230-2 (KWP) and
 // SAE J1979 (the older protocols). Nothing is guessed: what is not whole carries its fault.
 
@@ -37,3 +39,5 @@ bool is_iso_15765(int protocol);
 // The part of a header that stays the same from message to message of one ECU: on ISO 14230 (4 and 5) the
 // first byte holds the message's length in its low six bits. "86F110" and "83F110" give the same text.
 QString ecu_identity(const QString& header, int protocol);
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "obd/standard_reading/pid_table.h"
 
+namespace brivant {
+
 namespace {
 
 // clang-format off
@@ -154,3 +156,5 @@ constexpr state_row states[] = {
 std::span<const state_row> state_rows() {
     return states;
 }
+
+} // namespace brivant

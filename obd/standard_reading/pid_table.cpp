@@ -1,5 +1,7 @@
 #include "obd/standard_reading/pid_table.h"
 
+namespace brivant {
+
 namespace {
 
 using enum in_unit;
@@ -301,3 +303,5 @@ shown_unit shown_unit_of(in_unit unit, unit_system units) {
                        : shown_unit{row.factor, row.offset, row.decimals, QString::fromUtf8(row.imperial)};
     return {};
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QString>
 #include <span>
 
+namespace brivant {
+
 // The rows behind decode_pid.
 
 enum class in_unit {
@@ -69,3 +71,5 @@ struct state_row {
     const char* text; // "" where there is nothing to say
 };
 std::span<const state_row> state_rows();
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace brivant {
+
 namespace {
 
 constexpr int last_pid = 0xC4;
@@ -348,3 +350,5 @@ monitor_status read_monitor_status(const QByteArray& data) {
             status.monitors.append({names[i], bit(2, i), !bit(3, i)});
     return status;
 }
+
+} // namespace brivant

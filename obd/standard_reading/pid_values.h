@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QStringList>
 
+namespace brivant {
+
 // What a mode 01 PID says by SAE J1979, PIDs 00 to C4. The same data in a freeze frame (service 02) reads
 // alike.
 
@@ -48,3 +50,5 @@ struct monitor_status {
 };
 // PIDs 01 (since the codes were cleared) and 41 (this drive cycle). Empty monitors for fewer than four bytes.
 monitor_status read_monitor_status(const QByteArray& data);
+
+} // namespace brivant

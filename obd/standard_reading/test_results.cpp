@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace brivant {
+
 namespace {
 
 struct scaling {
@@ -196,3 +198,5 @@ QString test_value_text(const ecu_test& test, double value) {
     const QString number = QString::number(value, 'f', test.decimals);
     return test.unit.isEmpty() ? number : number + QLatin1Char(' ') + test.unit;
 }
+
+} // namespace brivant

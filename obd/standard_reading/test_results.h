@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace brivant {
+
 // Service 06 test results (SAE J1979). Values are in the unit of their scaling identifier (UASID), those with
 // bit 7 set signed; the older protocols send raw numbers.
 struct ecu_test {
@@ -27,3 +29,5 @@ struct ecu_tests {
 ecu_tests read_tests(const raw_reply& reply);
 // "61.000 mV"
 QString test_value_text(const ecu_test& test, double value);
+
+} // namespace brivant

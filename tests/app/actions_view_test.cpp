@@ -6,6 +6,8 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 
+namespace brivant {
+
 namespace {
 
 enum mode_index { log_run, fuel, o2_sampling, boost };
@@ -255,3 +257,5 @@ TEST(actions_view, copies_the_picture_and_tells_when_it_cannot_be_saved) {
     car.part<picture_saver>().save_to(car.folder.filePath(QStringLiteral("missing/chart.png")));
     EXPECT_TRUE(car.part<notice_banner>().isVisible());
 }
+
+} // namespace brivant

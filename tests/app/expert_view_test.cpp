@@ -7,6 +7,8 @@
 #include <QPlainTextEdit>
 #include <QTextBlock>
 
+namespace brivant {
+
 namespace {
 
 struct opened_console : running_window {
@@ -111,3 +113,5 @@ TEST(expert_view, asks_before_a_change_that_stays) {
     car.press(Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(car.link(), link_words::condition::closed);
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QSignalSpy>
 
+namespace brivant {
+
 namespace {
 
 // The strip on a profile of its own, with sampling runs in its database.
@@ -66,3 +68,5 @@ TEST(export_progress, stopped_leaves_no_half_file) {
     t.strip.stop();
     EXPECT_EQ(t.loggies().entryList(QDir::Files).size(), t.strip.files().size());
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QListView>
 #include <QTabWidget>
 
+namespace brivant {
+
 // Every screen by keyboard alone, and for those who hear it instead of seeing it.
 
 namespace {
@@ -95,3 +97,5 @@ TEST(every_screen, is_worked_by_keyboard_and_named) {
     program.press(Qt::Key_F1);
     EXPECT_EQ(without_name(*program.window).join(", "), QString()) << "help";
 }
+
+} // namespace brivant

@@ -15,6 +15,8 @@
 #include <QTextBrowser>
 #include <sqlite3.h>
 
+namespace brivant {
+
 namespace {
 
 struct opened_logs : running_window {
@@ -172,3 +174,5 @@ TEST(logs_view, deletes_what_was_selected_after_a_yes) {
     EXPECT_EQ(program.table().model()->index(0, 0).data().toString(), kept);
     EXPECT_TRUE(program.part<QPushButton>("stop").isHidden());
 }
+
+} // namespace brivant

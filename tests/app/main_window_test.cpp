@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+namespace brivant {
+
 TEST(main_window, asks_once_and_is_answered_once) {
     running_window program;
     QList<std::pair<int, bool>> answers;
@@ -117,3 +119,5 @@ TEST(help_panel, opens_with_f1_and_loads_only_artwork) {
         EXPECT_FALSE(load(refused).isValid()) << refused.toStdString();
     EXPECT_FALSE(load("qrc:/artwork/help.png", QTextDocument::StyleSheetResource).isValid());
 }
+
+} // namespace brivant

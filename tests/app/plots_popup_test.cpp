@@ -6,6 +6,8 @@
 #include <QClipboard>
 #include <QImageReader>
 
+namespace brivant {
+
 namespace {
 
 // A stored run of vehicle speed and engine speed, and its window, opened from the log browser.
@@ -163,3 +165,5 @@ TEST(plots_popup, is_opened_from_the_preview_and_follows_the_colours) {
         [&] { return program.plot().palette().color(QPalette::Window) == theme::of(dark).ground; }));
     QApplication::setPalette(before);
 }
+
+} // namespace brivant

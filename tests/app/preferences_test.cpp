@@ -7,6 +7,8 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+namespace brivant {
+
 namespace {
 
 struct preferences_screen : running_window {
@@ -98,3 +100,5 @@ TEST(prefs_view, leaves_the_link_of_the_command_line_until_it_is_changed) {
     EXPECT_EQ(program.link(), link_words::condition::closed) << "it led to the old place";
     EXPECT_TRUE(program.is_hidden("run_note"));
 }
+
+} // namespace brivant

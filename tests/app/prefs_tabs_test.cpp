@@ -13,6 +13,8 @@
 #include <QRadioButton>
 #include <QTabWidget>
 
+namespace brivant {
+
 namespace {
 
 struct preferences_tabs : running_window {
@@ -266,3 +268,5 @@ TEST(connection_test, tells_which_of_them_did_not_answer) {
             << program.text("test_text").toStdString();
     }
 }
+
+} // namespace brivant

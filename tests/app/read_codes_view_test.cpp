@@ -2,6 +2,8 @@
 
 #include <QClipboard>
 
+namespace brivant {
+
 namespace {
 
 const QStringList codes_of_the_car{
@@ -92,3 +94,5 @@ TEST(read_codes_view, stops_and_leaves_in_mid_operation) {
     EXPECT_EQ(car.window->current_screen(), screen_kind::live_data);
     EXPECT_TRUE(car.part<busy_ring>().isHidden());
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QListWidget>
 #include <QTextBrowser>
 
+namespace brivant {
+
 namespace {
 
 enum rail_row { codes_row, pending_row, vehicle_row, mode6_row_of_rail, misfire_row, o2_row, extras_row };
@@ -145,3 +147,5 @@ TEST(result_pages, keep_what_was_read_before_a_stop) {
     EXPECT_GT(car.rows_of("vehicle_main_table").size(), kept.size());
     EXPECT_EQ(car.rows_of("vehicle_main_table").size(), rows().size());
 }
+
+} // namespace brivant

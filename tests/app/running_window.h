@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 #include <optional>
 
+namespace brivant {
+
 // The whole program around a window, started as main() does it, with a profile of its own.
 struct running_window {
     static launch_options with(launch_options::link_choice link, const QString& profile,
@@ -60,3 +62,5 @@ struct running_window {
     }
     link_words::condition link() { return part<status_strip>().link().now; }
 };
+
+} // namespace brivant

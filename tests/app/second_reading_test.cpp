@@ -8,6 +8,8 @@
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 
+namespace brivant {
+
 // The reading by SAE J1979 on the screen, and the switch between the two.
 
 namespace {
@@ -124,3 +126,5 @@ TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return preview().contains(QLatin1String("SAE J1979 says otherwise of: ")); }));
 }
+
+} // namespace brivant

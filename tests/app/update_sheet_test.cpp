@@ -6,6 +6,8 @@
 #include <QAction>
 #include <QDir>
 
+namespace brivant {
+
 namespace {
 
 struct opened_sheet : running_window {
@@ -74,3 +76,5 @@ TEST(update_sheet, tells_a_wrong_archive_and_stops) {
     EXPECT_EQ(program.words(), QStringLiteral("Stopped. Nothing was kept."));
     EXPECT_TRUE(program.archives().isEmpty());
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 QByteArray bytes_of(const QString& path) {
@@ -40,3 +42,5 @@ TEST(console_log, reaches_the_file_by_itself_and_at_a_problem) {
     silence_console_log();
     EXPECT_EQ(bytes_of(file), "in the next file\ngoes on\n");
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 TEST(qt_timers, come_in_the_order_of_their_time_unless_they_are_stopped) {
     QStringList came;
     std::vector<timer_handle> handles;
@@ -46,3 +48,5 @@ TEST(qt_timers, repeat_until_they_are_stopped_from_inside_too) {
     EXPECT_TRUE(wait_until([&] { return is_over; }));
     EXPECT_EQ(ticks, 3);
 }
+
+} // namespace brivant

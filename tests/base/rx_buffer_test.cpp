@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 TEST(rx_buffer, is_bounded_and_tells_that_it_was_cut) {
     rx_buffer buffer;
     const QByteArray line = "7E8 21 00 00 00 00 00 00 00\r"; // 28 bytes
@@ -26,3 +28,5 @@ TEST(rx_buffer, is_bounded_and_tells_that_it_was_cut) {
     EXPECT_FALSE(buffer.is_cut());
     EXPECT_EQ(buffer.text(), QByteArray());
 }
+
+} // namespace brivant

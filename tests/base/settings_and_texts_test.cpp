@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 void write(const QString& path, const QByteArray& bytes) {
@@ -132,3 +134,5 @@ TEST(string_table, fills_places_in_order) {
     EXPECT_EQ(localised("no_such_key"), "no_such_key");
     EXPECT_EQ(localised("no_such_key", ""), "");
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 // The kinds of a text's places in order: "@@d" for "%@ ... %@ ... %d"; "%%" is none, and any other "%"
@@ -57,3 +59,5 @@ TEST(string_table, help_is_html_that_shows_on_any_ground_and_loads_nothing_from_
     EXPECT_TRUE(localised("BV_PREFS_HINTS").contains("\"qrc:/artwork/prefs_wifi.gif\""));
     EXPECT_TRUE(localised("BV_PREFS_HINTS").contains("\"qrc:/artwork/main_options.png\""));
 }
+
+} // namespace brivant

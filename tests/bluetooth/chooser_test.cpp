@@ -1,6 +1,8 @@
 #include "tests/app/running_window.h"
 #include "tests/bluetooth/stand_in.h"
 
+namespace brivant {
+
 // The whole program over Bluetooth, from the button to the codes, with the list of devices in between.
 
 namespace {
@@ -143,3 +145,5 @@ TEST(device_chooser, says_what_is_wrong_with_bluetooth) {
     EXPECT_EQ(car.chooser(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !service.call("is_discovering").toBool(); }));
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 
 #include <csignal>
 
+namespace brivant {
+
 // The real brivant-cli over Bluetooth.
 
 namespace {
@@ -72,3 +74,5 @@ TEST(bluetooth_cli, scan) {
     EXPECT_EQ(none.status(), 1);
     EXPECT_TRUE(none.said().contains("has no Bluetooth"));
 }
+
+} // namespace brivant

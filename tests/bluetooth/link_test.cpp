@@ -1,6 +1,8 @@
 #include "tests/bluetooth/stand_in.h"
 #include "tests/link/link_bench.h"
 
+namespace brivant {
+
 // The link with the real transport below it; its time passes by hand.
 
 namespace {
@@ -77,3 +79,5 @@ TEST_F(bluetooth_channel, one_that_is_lost_is_opened_again_until_it_holds) {
     EXPECT_EQ(view.last("choose"), ""); // nobody was asked for another device
     EXPECT_EQ(service.call("profiles"), 1);
 }
+
+} // namespace brivant

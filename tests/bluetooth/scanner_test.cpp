@@ -2,6 +2,8 @@
 #include "tests/bluetooth/stand_in.h"
 #include "tests/support/hand_timers.h"
 
+namespace brivant {
+
 // The list of devices and what it says about itself. Time passes by hand; the service answers by itself.
 
 namespace {
@@ -111,3 +113,5 @@ TEST_F(bluetooth_scan, says_why_not_and_goes_on_by_itself) {
     EXPECT_TRUE(scanner.sentence().contains("could not be started"));
     EXPECT_TRUE(list().startsWith("OBDII paired serial")); // what is known is listed all the same
 }
+
+} // namespace brivant

@@ -10,6 +10,8 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 const QString obd_address = "AA:BB:CC:DD:EE:01";   // paired, with a serial port
 const QString late_address = "AA:BB:CC:DD:EE:02";  // not paired, found by a scan, its name arrives late
 const QString phone_address = "AA:BB:CC:DD:EE:03"; // paired, without a serial port
@@ -74,3 +76,5 @@ public:
     virtual_adapter_server server;
     int port = 0;
 };
+
+} // namespace brivant

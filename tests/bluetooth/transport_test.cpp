@@ -4,6 +4,8 @@
 #include <QElapsedTimer>
 #include <functional>
 
+namespace brivant {
+
 // The real transport with a Bluetooth service at the other end of the bus, without a radio. All tests share
 // one process, in which every connection must work whatever went wrong before.
 
@@ -169,3 +171,5 @@ TEST_F(bluetooth, a_service_that_hangs_holds_nothing_up) {
     service.call("answer_late", {"org.bluez.Error.Failed"});
     works();
 }
+
+} // namespace brivant

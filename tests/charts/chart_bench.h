@@ -7,6 +7,8 @@
 #include <QImage>
 #include <cmath>
 
+namespace brivant {
+
 // A toolkit in metric units, and a run of PIDs.
 struct chart_bench {
     temporary_profile profile;
@@ -35,3 +37,5 @@ inline QColor colour_at(const QImage& picture, double x, double y) {
     return picture.pixelColor(static_cast<int>(x * ratio),
                               picture.height() - 1 - static_cast<int>(y * ratio));
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct drawn_chart : chart_bench {
@@ -189,3 +191,5 @@ TEST(axis_values, are_round_and_lie_between_the_ends) {
 }
 
 } // namespace
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct car_with : drawO2Sensors {
@@ -123,3 +125,5 @@ TEST(drawO2Sensors, a_name_stands_in_its_place_also_when_its_sensor_is_chosen) {
     EXPECT_NEAR(name_begins(0), 2 * 130, 3);
     EXPECT_EQ(name_begins(1), name_begins(0));
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 bool is_pure(QColor color, QColor wanted) {
@@ -85,3 +87,5 @@ TEST(limit_bar, draws_whatever_the_row_holds) {
         EXPECT_EQ(draw_the_mode6_cues(limits, {180, 44}, {}, QImage()).width(), 180) << limits;
     EXPECT_TRUE(draw_the_mode6_cues("0~1~2", {0, 0}, {}, QImage()).isNull());
 }
+
+} // namespace brivant

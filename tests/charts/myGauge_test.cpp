@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <numbers>
 
+namespace brivant {
+
 namespace {
 
 constexpr double begin = 3.839724354387525;
@@ -85,3 +87,5 @@ TEST(myGauge, draws_the_needle_on_a_copy_of_the_face) {
 }
 
 } // namespace
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+namespace brivant {
+
 TEST(round_outward, moves_to_the_next_whole_step_of_the_decade) {
     const std::array<double, 3> rows[] = {
         // value, as maximum, as minimum
@@ -19,3 +21,5 @@ TEST(round_outward, moves_to_the_next_whole_step_of_the_decade) {
     EXPECT_FALSE(std::signbit(round_outward(-1.5, true)));
     EXPECT_TRUE(std::isnan(round_outward(std::numeric_limits<double>::quiet_NaN(), true)));
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+namespace brivant {
+
 TEST(plot_span, keeps_its_place_when_zoomed_and_never_leaves_the_run) {
     const plot_span all = plot_span::all_of(10'000);
     const plot_span zoomed = all.with_count(1000, 0.75);
@@ -51,3 +53,5 @@ TEST(series_averages, are_those_of_the_rows_that_have_a_value) {
     EXPECT_TRUE(std::isnan(averages.average(matrix, 1, 0, rows)));
     EXPECT_TRUE(std::isnan(averages.average(matrix, 2, 0, rows)));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
+namespace brivant {
+
 namespace {
 
 // The last two digits as a number; NaN for what is no number.
@@ -154,3 +156,5 @@ TEST(sample_matrix, a_million_sweeps_of_four_pids_take_less_than_150_megabytes) 
 }
 
 } // namespace
+
+} // namespace brivant

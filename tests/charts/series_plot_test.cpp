@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
+namespace brivant {
+
 namespace {
 
 constexpr QRect plot(10, 5, 200, 100);
@@ -105,3 +107,5 @@ TEST(series_points, are_bounded_by_the_width_of_the_picture) {
 }
 
 } // namespace
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // Whole operations: the commands sent, what the screen showed, the rows and what was stored, checked
 // together. The conversations stand in files; those that run to their end are played again with every kind of
 // trouble that is mended on the way.
@@ -215,3 +217,5 @@ TEST(conversations, the_player_finds_what_differs) {
     early.steps = early.steps.first(first);
     EXPECT_TRUE(played(early).contains("sent as well: AT Z"));
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 
 #include <QRegularExpression>
 
+namespace brivant {
+
 // The diagnostics screen's controller on a scripted adapter.
 struct diagnostic_bench : adapter_bench {
     diagnostic_results results;
@@ -137,3 +139,5 @@ struct diagnostic_bench : adapter_bench {
         return one_line(rows.replaceInStrings(date, "then"));
     }
 };
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr int can = 6;
@@ -195,3 +197,5 @@ TEST(mode6_records, detail_text) {
     for (const auto& [limits, unit, failed, p] : examples)
         EXPECT_EQ(work_out_result_html(limits, unit, failed), fill(form, {p[0], p[1], p[2], p[3], p[4]}));
 }
+
+} // namespace brivant

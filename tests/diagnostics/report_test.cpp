@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // What the conversations, which compare whole reports, do not come by.
 
 namespace {
@@ -60,3 +62,5 @@ TEST(report, of_nothing_read) {
     for (const int silent : {0, 2, 3, 4, 7, 9, 10, 12, 13, 14, 20})
         EXPECT_EQ(report_of(silent, results).title, "") << silent;
 }
+
+} // namespace brivant

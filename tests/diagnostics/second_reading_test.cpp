@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // What the conversations, which read a list after it is complete, do not come by.
 
 namespace {
@@ -110,3 +112,5 @@ TEST(second_reading, report_says_which_reading_it_holds) {
     ASSERT_GT(permanent, 0);
     EXPECT_TRUE(lines.value(permanent + 1).startsWith("P0133 - "));
 }
+
+} // namespace brivant

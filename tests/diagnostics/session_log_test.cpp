@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+namespace brivant {
+
 namespace {
 
 struct log_bench : temporary_profile {
@@ -122,3 +124,5 @@ TEST(session_log, a_log_is_stored_whole_or_not_at_all) {
     sqlite3_close(other);
     EXPECT_EQ(locked.headers(), QStringList());
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct console_bench : adapter_bench {
@@ -214,3 +216,5 @@ TEST(history, goes_back_and_forth_and_survives_a_start) {
     EXPECT_EQ(steps, command_history::most_commands);
     EXPECT_EQ(shown, "1050");
 }
+
+} // namespace brivant

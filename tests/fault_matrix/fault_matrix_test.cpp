@@ -4,6 +4,8 @@
 #include <QRegularExpression>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // Every fault of the virtual adapter, at every operation, on every protocol: the operation ends, shows what
 // the car has said or nothing, leaves nothing behind, and the next one is as any other.
 
@@ -275,3 +277,5 @@ TEST(faults, by_operation_and_protocol) {
         qPrintable(table));
     EXPECT_EQ(problems.size(), 0) << problems.join('\n').toStdString();
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // What goes on in spite of a fault: runs and scripts over a lost link, runs behind late replies, and
 // operations with adapters that do not know a command.
 
@@ -131,3 +133,5 @@ TEST(going_on, without_a_command_at_which_the_adapter_hangs) {
     EXPECT_TRUE(
         row_texts(part::vehicle, bench.results.rows(part::vehicle)).contains(" VIN: 1G1JC5444R7252367"));
 }
+
+} // namespace brivant

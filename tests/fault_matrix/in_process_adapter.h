@@ -6,6 +6,8 @@
 
 #include <deque>
 
+namespace brivant {
+
 // A virtual adapter on a car behind a transport, without a socket: what it waits for is cranked by hand, and
 // what it says arrives piece by piece with deliver_next(), never inside a call of the program.
 class in_process_adapter : public transport {
@@ -106,3 +108,5 @@ private:
     std::deque<piece> on_the_way;
     bool closes = false;
 };
+
+} // namespace brivant

@@ -13,6 +13,8 @@
 
 #include <set>
 
+namespace brivant {
+
 // The three controllers on one link to a virtual adapter, and a person who starts an operation, answers Yes,
 // and ends a sampling run after some sweeps or some minutes. Time is cranked by hand.
 class matrix_bench : private run_observer {
@@ -141,3 +143,5 @@ inline in_process_adapter::car_pointer steady_car(const QString& name) {
     made->set_clock([] { return virtual_adapter::steady_moment_s; });
     return made;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
+namespace brivant {
+
 // Long sampling runs behind a link on which everything goes wrong: a steady car's PIDs each have one value,
 // so that any other in a column is wrong. BV_SOAK_EXCHANGES asks for another length than the usual one.
 
@@ -103,3 +105,5 @@ TEST(soak, no_wrong_value_in_a_column_whatever_goes_wrong) {
     soak("kwp", 3, pids, exchanges);
     soak("can11", 4, {"0C"}, exchanges / 4);
 }
+
+} // namespace brivant

@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <cstdint>
 
+namespace brivant {
+
 namespace {
 
 constexpr int most_rows = 2000;
@@ -63,3 +65,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     storing(db);
     return 0;
 }
+
+} // namespace brivant

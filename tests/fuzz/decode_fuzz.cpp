@@ -25,6 +25,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace brivant {
+
 namespace {
 
 // The longest text that a row of the translations or a line of the lists gives by itself.
@@ -249,3 +251,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         translating(data_of_single_message(line.mid(header_width(protocol)), protocol));
     return 0;
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace brivant {
+
 // What has to be true whatever the adapter sends; a fuzzer stops at the first input for which it is not.
 inline void must_hold(bool condition, const char* what) {
     if (condition)
@@ -10,3 +12,5 @@ inline void must_hold(bool condition, const char* what) {
     std::fprintf(stderr, "does not hold: %s\n", what);
     std::abort();
 }
+
+} // namespace brivant

@@ -22,6 +22,8 @@
 #include <QByteArrayList>
 #include <cstdint>
 
+namespace brivant {
+
 namespace {
 
 struct command {
@@ -196,3 +198,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     return 0;
 }
+
+} // namespace brivant

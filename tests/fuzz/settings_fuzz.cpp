@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <cstdint>
 
+namespace brivant {
+
 namespace {
 
 void reading(const user_defaults& defaults) {
@@ -71,3 +73,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QFile::remove(path);
     return 0;
 }
+
+} // namespace brivant

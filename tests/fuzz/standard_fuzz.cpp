@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace brivant {
+
 namespace {
 
 constexpr qsizetype longest_text = 800; // of one value: eleven monitors, or 32 PIDs
@@ -133,3 +135,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     reading_values(reply.text);
     return 0;
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "tests/link/link_bench.h"
 
+namespace brivant {
+
 // The link over Bluetooth: which device it goes to, what is shown, and when the task starts. The channel
 // itself is played by the test.
 
@@ -126,3 +128,5 @@ TEST_F(bluetooth_link, another_device_is_one_choice_away) {
     adapter->finish_opening();
     EXPECT_EQ(heard(), "work");
 }
+
+} // namespace brivant

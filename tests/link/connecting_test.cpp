@@ -2,6 +2,8 @@
 #include "link/simulated_adapter.h"
 #include "tests/link/link_bench.h"
 
+namespace brivant {
+
 // Opening and losing the link.
 
 TEST_F(link_test, the_first_task_starts_once_0_8_s_after_opening) {
@@ -153,3 +155,5 @@ TEST(simulated_adapter, knows_a_command_as_a_whole) {
         EXPECT_EQ(std::exchange(received, {}), "?\r\r>") << command;
     }
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "tests/link/link_bench.h"
 
+namespace brivant {
+
 // One command and its reply: what comes is cut, checked, asked for again, given up, timed.
 
 class exchange_of : public link_test {
@@ -265,3 +267,5 @@ TEST_F(exchange_of, headers_are_known_to_be_shown) {
         EXPECT_EQ(found_out.headers, shown) << command;
     }
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // A controller that writes down what the link tells it.
 class recording_controller : public task_controller {
 public:
@@ -73,3 +75,5 @@ protected:
     QString heard() { return std::exchange(controller.heard, {}).join(", "); }
     QString sent() { return std::exchange(written, {}).join(", "); }
 };
+
+} // namespace brivant

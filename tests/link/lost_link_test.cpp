@@ -1,5 +1,7 @@
 #include "tests/link/link_bench.h"
 
+namespace brivant {
+
 // A link that is lost and opened again by itself, and adapters that do not bear every command.
 
 namespace {
@@ -183,3 +185,5 @@ TEST_F(lost_link, a_command_at_which_the_adapter_falls_silent_is_not_asked_again
     }
     EXPECT_EQ(clock.running(), 0u);
 }
+
+} // namespace brivant

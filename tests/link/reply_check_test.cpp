@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct row {
@@ -143,3 +145,5 @@ TEST(reply_check, error_words) {
     for (const char* passed : {"UNABLETOCONNECT", "BUSINIT:ERROR", "BUS INIT: OK", "ERROR", "", "NODATA"})
         EXPECT_EQ(check_initial_car_reply(passed), car_reply::accepted) << passed;
 }
+
+} // namespace brivant

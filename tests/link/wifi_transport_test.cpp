@@ -5,6 +5,8 @@
 #include <QTcpServer>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // The real transport over the loopback interface.
 
 namespace {
@@ -118,3 +120,5 @@ TEST_F(wifi, tells_a_refused_or_senseless_port) {
         EXPECT_EQ(transport.state(), transport::condition::closed); // to be opened anew
     }
 }
+
+} // namespace brivant

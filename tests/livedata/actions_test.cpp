@@ -3,6 +3,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 conversation conversation_of(const char* text) {
@@ -37,7 +39,7 @@ TEST(actions, the_sample_set_that_is_stored) {
 
 TEST(actions, zoom) {
     live_bench bench;
-    ::actions& screen = bench.opened();
+    brivant::actions& screen = bench.opened();
     for (int row = 1; row < 50; ++row) {
         EXPECT_EQ(screen.zoom_slider_shown(), row >= 21);
         bench.results.cur_log_points.add_row();
@@ -111,3 +113,5 @@ TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     times.sweep_complete();
     EXPECT_GT(times.sweeps_a_second(), 0) << "two in a millisecond are fast";
 }
+
+} // namespace brivant

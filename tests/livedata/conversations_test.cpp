@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // Whole sampling runs: the commands sent, what the screen showed, the matrix and the stored lines, checked
 // together.
 
@@ -48,3 +50,5 @@ TEST(live_conversations, survive_noise_at_every_command) {
         }
     }
 }
+
+} // namespace brivant

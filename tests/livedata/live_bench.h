@@ -3,11 +3,13 @@
 #include "livedata/actions.h"
 #include "tests/support/conversation.h"
 
+namespace brivant {
+
 // The live-data screen's controller on a scripted adapter, and what its view is told.
 struct live_bench : adapter_bench, private run_observer {
     live_results results{[this](const QString& body) { return toolies.get_OBDVal(body); }};
-    std::unique_ptr<::actions> controller; // on the screen once something is done
-    QStringList sensors;                   // the last value of each oxygen sensor
+    std::unique_ptr<brivant::actions> controller; // on the screen once something is done
+    QStringList sensors;                          // the last value of each oxygen sensor
     QString layout = "none";
     int sweeps = 0;
     int stop_after = -1; // sweeps
@@ -33,10 +35,10 @@ struct live_bench : adapter_bench, private run_observer {
     }
 
     // The screen as it is opened.
-    ::actions& opened() {
+    brivant::actions& opened() {
         if (!controller) {
-            controller = std::make_unique<::actions>(state, link, toolies, view, profile.defaults, clock,
-                                                     results, profile.paths);
+            controller = std::make_unique<brivant::actions>(state, link, toolies, view, profile.defaults,
+                                                            clock, results, profile.paths);
             controller->set_observer(this);
             link.set_controller(controller.get());
             view.events.clear();
@@ -114,3 +116,5 @@ private:
         sensors[sensor] = this_value;
     }
 };
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // A sample's value in either reading: text, the other's text, number.
 TEST(second_value, follows_the_switch) {
     adapter_bench bench;
@@ -74,3 +76,5 @@ TEST(second_value, a_run_is_read_again_without_the_car) {
     EXPECT_EQ(volts.value, "0.003 V");
     EXPECT_EQ(volts.units, " V");
 }
+
+} // namespace brivant

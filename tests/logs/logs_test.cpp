@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+namespace brivant {
+
 namespace {
 
 struct log_bench {
@@ -218,3 +220,5 @@ TEST(selected_logs, are_copied_as_the_files_that_exist) {
               QStringList({of_export, of_kept}));
     EXPECT_EQ(missing, 1);
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct stored_run {
@@ -80,3 +82,5 @@ TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
     ASSERT_TRUE(file.resize(5000));
     EXPECT_NE(run.read().problem(), "");
 }
+
+} // namespace brivant

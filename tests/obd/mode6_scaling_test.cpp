@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 TEST(mode6_scaling, worked_examples) {
     // clang-format off
     const std::tuple<const char*, const char*, const char*> examples[] = {
@@ -100,3 +102,5 @@ TEST(mode6_scaling, shipped_descriptions) {
         EXPECT_EQ(grab_CAN_mode6_OBDMID_TESTID_description(identifier, is_monitor, lists), text)
             << identifier;
 }
+
+} // namespace brivant

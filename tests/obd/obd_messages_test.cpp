@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+namespace brivant {
+
 namespace {
 
 // The groups of a reply as "header: body body; header: ...", and the data of each ECU.
@@ -191,3 +193,5 @@ TEST(ecu_names, are_read_from_line_and_header) {
     EXPECT_FALSE(same_ecu("86F110", "C6F110", 4));
     EXPECT_FALSE(same_ecu("86F110", "", 4));
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr unit_system metric = unit_system::metric;
@@ -62,3 +64,5 @@ TEST(pid_catalogue, names) {
         EXPECT_EQ(pid_name("E5", true, lists), localised("FIELD_ENGINE_BOOST", ""));
     }
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr unit_system metric = unit_system::metric;
@@ -173,3 +175,5 @@ TEST(number_text, decimals) {
         EXPECT_EQ(formatStringWithDouble(text, decimals), result) << text;
     EXPECT_EQ(with_decimals(1e308, 1000).size(), 309 + 1 + 60);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr int iso_9141 = 3;
@@ -165,3 +167,5 @@ TEST(reply, without_headers) {
     for (const auto& [text, answer, data] : rows)
         EXPECT_EQ(without_headers(text).data_without_headers(answer), data) << text;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
+namespace brivant {
+
 TEST(prepReply, leaves_the_data_and_the_inner_line_ends) {
     const char* const cases[][2] = {
         {"SEARCHING...\r41 00 BE 3F A8 13\r\r>", "4100BE3FA813"},
@@ -86,3 +88,5 @@ TEST(pieces, are_found_split_and_padded) {
     EXPECT_EQ(padRight("12345", 4, "ab"), "12345");
     EXPECT_EQ(padLeft("1", 4, ""), "1");
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 QString map_of(const QString& reply, int group = 0) {
@@ -121,3 +123,5 @@ TEST(available_pids, survive_storage_and_are_compared_by_value) {
     EXPECT_TRUE(same_pid_sets({{"86F110", {"0C"}}}, {{"83F110", {"0C"}}}, 5));
     EXPECT_TRUE(same_pid_sets({}, {}));
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 constexpr int kwp = 5;
@@ -154,3 +156,5 @@ TEST(readiness, rows_and_summary) {
         EXPECT_EQ(states(handle_readiness_codes(flags, lists)),
                   "N/A N/A N/A N/A N/A N/A N/A N/A N/A N/A N/A");
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 TEST(vin, in_the_reply) {
     const std::pair<QString, const char*> examples[] = {
         {"014 \r0: 49 02 01 31 44 34 \r1: 47 50 30 30 52 35 35 \r2: 42 31 32 33 34 35 36 \r\r>",
@@ -70,3 +72,5 @@ TEST(vin, characters_of_hex_text) {
     EXPECT_EQ(pullAsciiStr(QString("41").repeated(50)), QString(39, 'A'));
     EXPECT_EQ(pullAsciiStr(u""), "");
 }
+
+} // namespace brivant

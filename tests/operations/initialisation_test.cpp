@@ -6,6 +6,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // What every operation stands on, as conversations with talks of the test's own. Whole initialisations with
 // an operation behind them are played in tests/diagnostics.
 
@@ -81,3 +83,5 @@ TEST(initialisation, happens_as_written) {
         EXPECT_EQ(play(conversation::load(folder + file), bench), "");
     }
 }
+
+} // namespace brivant

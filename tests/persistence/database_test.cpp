@@ -1,5 +1,7 @@
 #include "tests/persistence/test_database.h"
 
+namespace brivant {
+
 TEST(database, first_and_second_start) {
     test_database t;
     ASSERT_TRUE(t.db.init_DB());
@@ -127,3 +129,5 @@ TEST(database, rows_are_stepped_through_without_being_collected) {
     EXPECT_TRUE(t.log().endsWith("retrieve_from_DB::sqlite3_prepare_v2:: no such column: NONE\n"));
     EXPECT_EQ(t.column("SELECT COUNT(*) FROM LOGGIES_DATA"), "100000");
 }
+
+} // namespace brivant

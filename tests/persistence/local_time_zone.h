@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <ctime>
 
+namespace brivant {
+
 // The local time zone of the process while the object lives.
 class local_time_zone {
 public:
@@ -22,3 +24,5 @@ private:
     const QByteArray before;
     const bool was_set;
 };
+
+} // namespace brivant

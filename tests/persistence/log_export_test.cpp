@@ -7,6 +7,8 @@
 #include <csignal>
 #include <sys/resource.h>
 
+namespace brivant {
+
 namespace {
 
 // A Documents folder with stored sampling runs, in Berlin.
@@ -297,3 +299,5 @@ TEST(log_export, a_disk_that_fills_up) {
         EXPECT_EQ(QFile::exists(t.path()), was_exported_before);
     }
 }
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QLocale>
 
+namespace brivant {
+
 namespace {
 
 QDateTime at(int hour, int minute, int second) {
@@ -100,3 +102,5 @@ TEST(log_files, folders_are_made_and_session_files_deleted) {
     EXPECT_EQ(pull_out_docs_dir(in_the_way), in_the_way + "/loggies");
     EXPECT_TRUE(t.log().endsWith("Couldn't create loggies folder\n"));
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+namespace brivant {
+
 // The lines of a sampling run: how they get to the disk, and who else may use the database meanwhile.
 
 namespace {
@@ -107,3 +109,5 @@ TEST(sampling_lines, another_program_that_ends_the_log_ahead_costs_no_line) {
     t.db.end_lines();
     EXPECT_EQ(t.column(count_of_lines), "2");
 }
+
+} // namespace brivant

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+namespace brivant {
+
 // A Documents folder of its own with a database in it, the log lines written, and a second way into the file.
 struct test_database {
     QTemporaryDir folder{folder_in_memory()};
@@ -48,3 +50,5 @@ struct test_database {
             "SELECT name FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite%' ORDER BY name");
     }
 };
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace brivant {
+
 namespace {
 
 // Every way to store is refused, says so, and changes no byte.
@@ -160,3 +162,5 @@ TEST(unusable_database, what_a_file_brings_along_does_not_run) {
     EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
     EXPECT_TRUE(t.db.problem().contains("too large")) << t.db.problem().toStdString();
 }
+
+} // namespace brivant

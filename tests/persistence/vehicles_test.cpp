@@ -6,6 +6,8 @@
 
 #include <QBuffer>
 
+namespace brivant {
+
 namespace {
 
 QImage picture(int width, int height) {
@@ -101,3 +103,5 @@ TEST(stored_logs, a_sampling_run_keeps_or_loses_its_header) {
     EXPECT_FALSE(log_with_id(t.db, empty).has_value());
     EXPECT_FALSE(log_header_of({"1", "", "Log"}).has_value());
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // Start-up and the five screens, with a window that writes down what is asked of it.
 
 namespace {
@@ -238,3 +240,5 @@ TEST_F(start_up, focus_comes_back_after_a_moment) {
     again.clock.advance(2000);
     EXPECT_EQ(again.area.seen(), ""); // another screen is not asked
 }
+
+} // namespace brivant

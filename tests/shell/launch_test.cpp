@@ -5,6 +5,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 launch_options asked_for(const QStringList& words) {
@@ -96,3 +98,5 @@ TEST(program_core, a_demo_has_a_car_and_leaves_nothing) {
     EXPECT_FALSE(core.start_demo(problem));
     EXPECT_FALSE(problem.isEmpty());
 }
+
+} // namespace brivant

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct choosing : testing::Test {
@@ -80,3 +82,5 @@ TEST_F(choosing, is_searched_by_any_words) {
     EXPECT_EQ(found("11"), "11|7E8");
     EXPECT_EQ(found("rpm speed"), "");
 }
+
+} // namespace brivant

@@ -8,6 +8,8 @@
 #include <QImageWriter>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 struct vehicles : testing::Test {
@@ -177,3 +179,5 @@ TEST_F(photo_files, that_cannot_be_shown_are_refused_with_a_sentence) {
         EXPECT_TRUE(read.problem.contains(why)) << name << ": " << read.problem.toStdString();
     }
 }
+
+} // namespace brivant

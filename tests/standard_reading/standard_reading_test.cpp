@@ -8,6 +8,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 QString said(const QString& ecu, const QString& text, const QString& fault) {
@@ -243,3 +245,5 @@ TEST(standard_reading, table_is_sound) {
         before = &row;
     }
 }
+
+} // namespace brivant

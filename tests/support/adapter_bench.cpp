@@ -3,6 +3,8 @@
 #include "base/console_log.h"
 #include "persistence/vehicles.h"
 
+namespace brivant {
+
 adapter_bench::adapter_bench() {
     silence_console_log();
     place.choose(interface_wifi);
@@ -40,3 +42,5 @@ obd_groups ecus_of(const QString& text) {
     }
     return ecus;
 }
+
+} // namespace brivant

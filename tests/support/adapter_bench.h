@@ -9,6 +9,8 @@
 
 #include <QMap>
 
+namespace brivant {
+
 // What a test tells about an adapter itself.
 struct told_facts : adapter_facts {
     using adapter_facts::headers, adapter_facts::known, adapter_facts::protocol, adapter_facts::ready;
@@ -42,3 +44,5 @@ struct adapter_bench {
 // The ECUs with their PIDs, "7E8 01 03, 7E9 01", and back.
 QString text_of(const obd_groups& ecus);
 obd_groups ecus_of(const QString& text);
+
+} // namespace brivant

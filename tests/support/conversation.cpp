@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <optional>
 
+namespace brivant {
+
 namespace {
 
 constexpr int first_task_ms = 800;
@@ -217,3 +219,5 @@ conversation disturbed(const conversation& talk, qsizetype command, disturbance 
     changed.steps += talk.steps.sliced(command + 1 + reply.size());
     return changed;
 }
+
+} // namespace brivant

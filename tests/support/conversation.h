@@ -3,6 +3,8 @@
 #include "tests/support/adapter_bench.h"
 #include "tests/support/print_qt.h"
 
+namespace brivant {
+
 // clang-format off
 // A car's side of a talk, and what is expected of ours, as a text file of lines:
 //
@@ -56,3 +58,5 @@ enum class disturbance {
 };
 // The conversation with the disturbance at one command: that is sent once more, and nothing else changes.
 conversation disturbed(const conversation& talk, qsizetype command, disturbance what);
+
+} // namespace brivant

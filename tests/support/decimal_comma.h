@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+namespace brivant {
+
 // BV_DECIMAL_COMMA names a folder with the locale de_DE.UTF-8, under which the tests are to run. To be called
 // before the application is made, which takes the locale of its surroundings.
 inline void ask_for_the_wanted_locale() {
@@ -23,3 +25,5 @@ inline bool has_the_wanted_locale() {
     std::fputs("The locale with a decimal comma is not in force.\n", stderr);
     return false;
 }
+
+} // namespace brivant

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace brivant {
+
 class hand_timers::handle : public running_timer {
 public:
     handle(std::shared_ptr<std::map<int, entry>> entries, int its_id) : all(std::move(entries)), id(its_id) {}
@@ -43,3 +45,5 @@ void hand_timers::advance(int milliseconds) {
     }
     now = until;
 }
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <map>
 
+namespace brivant {
+
 // Time that passes only when a test says so.
 class hand_timers : public timers {
 public:
@@ -28,3 +30,5 @@ private:
     int now = 0;
     int next_id = 0;
 };
+
+} // namespace brivant

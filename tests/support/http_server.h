@@ -5,6 +5,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+namespace brivant {
+
 // A web server on this computer that answers each path with the bytes it was given, and remembers what it was
 // asked.
 class http_server {
@@ -48,3 +50,5 @@ private:
 
     QTcpServer server;
 };
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <array>
 #include <utility>
 
+namespace brivant {
+
 // Writes down what a person would see and hear, one line each, in order; a line end in a text stands as "\n".
 // Questions wait for answer().
 class recording_screen : public screen {
@@ -64,3 +66,5 @@ private:
         events += QLatin1String(kind) + ": " + text.replace('\n', "\\n").replace('\r', "\\r");
     }
 };
+
+} // namespace brivant

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+namespace brivant {
+
 // An adapter whose side of the conversation the test speaks.
 class scripted_transport : public transport {
     Q_OBJECT
@@ -52,3 +54,5 @@ private:
     QStringList& written;
     condition current = condition::closed;
 };
+
+} // namespace brivant

@@ -7,6 +7,8 @@
 
 #include <QTemporaryDir>
 
+namespace brivant {
+
 // A person's files in a folder that goes with it.
 struct temporary_profile {
     QTemporaryDir folder{folder_in_memory()};
@@ -14,3 +16,5 @@ struct temporary_profile {
     user_defaults defaults{paths.settings_file};
     database db{paths.documents};
 };
+
+} // namespace brivant

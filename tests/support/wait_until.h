@@ -4,6 +4,8 @@
 #include <QDeadlineTimer>
 #include <QTimer>
 
+namespace brivant {
+
 // Runs the event loop until the condition holds. False when it does not within the bound.
 template <typename Condition>
 bool wait_until(Condition holds, int milliseconds = 10000) {
@@ -17,3 +19,5 @@ bool wait_until(Condition holds, int milliseconds = 10000) {
     }
     return true;
 }
+
+} // namespace brivant

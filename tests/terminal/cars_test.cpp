@@ -3,6 +3,8 @@
 #include <map>
 #include <set>
 
+namespace brivant {
+
 // Each car of the catalogue through the real program, command by command: what it reports is what the car is.
 
 namespace {
@@ -204,3 +206,5 @@ TEST(cars, tell_each_command_its_own) {
         EXPECT_TRUE(QJsonDocument({found.first()}).toJson().contains(word.toUtf8())) << command;
     }
 }
+
+} // namespace brivant

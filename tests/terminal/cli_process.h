@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 // One run of the real brivant-cli, in a home of its own. It runs beside the test's event loop, which serves
 // the adapters that it talks to.
 class cli_process {
@@ -85,3 +87,5 @@ inline QStringList codes_of(const QJsonObject& result) {
         codes += code["code"].toString() + " " + code["ecu"].toString();
     return codes;
 }
+
+} // namespace brivant

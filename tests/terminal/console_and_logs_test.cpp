@@ -1,5 +1,7 @@
 #include "tests/terminal/cli_process.h"
 
+namespace brivant {
+
 namespace {
 
 QStringList demo(const QStringList& words) {
@@ -94,3 +96,5 @@ TEST(logs, are_shown_and_deleted) {
     EXPECT_EQ(rest.status(), 0);
     EXPECT_EQ(rest.json()["logs"].toArray().size(), 1);
 }
+
+} // namespace brivant

@@ -3,6 +3,8 @@
 #include <csignal>
 #include <memory>
 
+namespace brivant {
+
 // The real program on a real socket whose far end misbehaves.
 
 using virtual_adapter::faults;
@@ -60,3 +62,5 @@ TEST(interrupt, gives_up_a_link_that_does_not_open) {
     EXPECT_EQ(run.status(), 1);
     EXPECT_EQ(run.out(), "");
 }
+
+} // namespace brivant

@@ -6,6 +6,8 @@
 #include <random>
 #include <sqlite3.h>
 
+namespace brivant {
+
 namespace {
 
 // The database of the profile, as another program sees it: each row's columns joined by blanks.
@@ -151,3 +153,5 @@ TEST(live_trouble, a_sudden_end_costs_at_most_the_sweep_in_flight) {
     }
     EXPECT_EQ(rows_of(profile.path(), "SELECT count(*) FROM LOGGIES").join('/'), QString::number(rounds));
 }
+
+} // namespace brivant

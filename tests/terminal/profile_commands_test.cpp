@@ -4,6 +4,8 @@
 #include <QCryptographicHash>
 #include <QFile>
 
+namespace brivant {
+
 // The commands for vehicles and settings, on a profile that is kept from run to run.
 
 namespace {
@@ -115,3 +117,5 @@ TEST(update_check_command, asks_the_server_in_the_settings_alone) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), archive);
 }
+
+} // namespace brivant

@@ -1,5 +1,7 @@
 #include "tests/terminal/cli_process.h"
 
+namespace brivant {
+
 // Both readings of the car with more codes than a frame holds, through the real program.
 
 namespace {
@@ -43,3 +45,5 @@ TEST(standard_reading, stands_beside_the_program_s_own) {
     EXPECT_TRUE(QString(report.out()).contains("\nStandard reading: ")) << report.out().constData();
     EXPECT_TRUE(QString(report.out()).contains("[8]  " + all.join(", ")));
 }
+
+} // namespace brivant

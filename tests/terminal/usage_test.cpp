@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QDirIterator>
 
+namespace brivant {
+
 namespace {
 
 QStringList files_below(const QString& folder) {
@@ -92,3 +94,5 @@ TEST(profile, holds_every_file) {
     EXPECT_EQ(demo.status(), 0);
     EXPECT_EQ(files_below(demo.home.path()).join(' '), "");
 }
+
+} // namespace brivant

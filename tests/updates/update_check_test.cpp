@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+namespace brivant {
+
 namespace {
 
 const QByteArray content = QByteArray("an archive ").repeated(50'000);
@@ -185,3 +187,5 @@ TEST(update_check, compares_versions_number_by_number) {
         EXPECT_EQ(net.updates.is_newer(), row.is_newer) << row.version;
     }
 }
+
+} // namespace brivant

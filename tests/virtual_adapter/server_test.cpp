@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 
+using namespace brivant;
 using namespace virtual_adapter;
 
 namespace {

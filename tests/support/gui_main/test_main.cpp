@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <gtest/gtest.h>
 
+using namespace brivant;
+
 // As the other test main, for tests that draw: text needs an application that knows fonts, but no screen.
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

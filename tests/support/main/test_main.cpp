@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 
+using namespace brivant;
+
 // An application takes the locale of its surroundings, as the programs do.
 int main(int argc, char** argv) {
     ask_for_the_wanted_locale();
