@@ -78,7 +78,7 @@ TEST(mode6_scaling, shipped_descriptions) {
     // Printable ASCII without the characters that separate fields or quote: ~ | and the apostrophe.
     const QRegularExpression form("^[0-9A-F]{2}\\|[!-&(-{}][ -&(-{}]*$");
     const text_resources lists;
-    for (const auto& [name, count] : {std::pair("OBDMID_CAN", 107), std::pair("TID_CAN", 16)}) {
+    for (const auto& [name, count] : {std::pair("OBDMID_CAN", 111), std::pair("TID_CAN", 16)}) {
         QStringList lines = lists.get_array_from_resource(name, "txt").value_or(QStringList());
         lines.removeAll("");
         EXPECT_EQ(lines.size(), count);
@@ -91,7 +91,11 @@ TEST(mode6_scaling, shipped_descriptions) {
     }
     const std::tuple<const char*, bool, const char*> names[] = {
         {"10", true, "Exhaust gas sensor monitor bank 4 sensor 4"},
+        {"12", true, "Exhaust gas sensor monitor bank 2 sensor 5"},
+        {"51", true, "Exhaust gas sensor heater monitor bank 1 sensor 5"},
         {"A5", true, "Misfire cylinder 4 data"},
+        {"B1", true, "Misfire cylinder 16 data"},
+        {"B2", true, "PM filter monitor bank 1"},
         {"1F", true, "Reserved"},
         {"FE", true, "Manufacturer defined"},
         {"FF", true, "N/A"},

@@ -125,8 +125,17 @@ TEST(trouble_codes, description) {
     EXPECT_EQ(look_upCode(localised("NO_CODES"), {}), localised("LOOK_4_PENDING"));
     // A line without a blank would end the shipped list before its last code.
     const auto shipped = text_resources().get_dictionary_from_resource("P0_Codes", "txt", " ");
-    EXPECT_EQ(look_upCode("U0460", shipped.value()),
-              " Invalid Data Received From Parking Assist Control Module");
+    const std::pair<const char*, const char*> codes[] = {
+        {"U0460", " Invalid Data Received From Parking Assist Control Module"},
+        {"U0221", " Lost Communication With Door Switch G"},
+        {"U0222", " Lost Communication With Door Window Motor A"},
+        {"U0228", " Lost Communication With Door Window Motor G"},
+        {"U0229", " Lost Communication With Heated Steering Wheel Module"},
+        {"U0230", " Lost Communication With Rear Gate Module"},
+        {"U0331", " Software Incompatibility With Body Control Module A"},
+    };
+    for (const auto& [code, text] : codes)
+        EXPECT_EQ(look_upCode(code, shipped.value()), text) << code;
 }
 
 TEST(readiness, rows_and_summary) {
