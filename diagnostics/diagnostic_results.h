@@ -5,6 +5,7 @@
 #include "obd/reply.h"
 
 #include <QMap>
+#include <algorithm>
 
 namespace brivant {
 
@@ -36,7 +37,11 @@ struct diagnostic_results {
             all += one.rows;
         return all;
     }
-    bool has_rows(part which) const { return !rows(which).isEmpty(); }
+    // Asked while a list grows, so it looks no further than the first row.
+    bool has_rows(part which) const {
+        const QList<answer> all = answers.value(which);
+        return std::any_of(all.begin(), all.end(), [](const answer& one) { return !one.rows.isEmpty(); });
+    }
 
     QList<readiness_row> readinessFlagsArray; // eleven monitors, or none
     QStringList xtraInfoArray;                // facts about the read
