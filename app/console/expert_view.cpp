@@ -1,6 +1,6 @@
 #include "app/console/expert_view.h"
 
-#include "app/screen/share_menu.h"
+#include "app/sharing/share_menu.h"
 
 #include <QKeyEvent>
 

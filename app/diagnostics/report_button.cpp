@@ -1,7 +1,7 @@
 #include "app/diagnostics/report_button.h"
 
-#include "app/screen/saving.h"
-#include "app/screen/share_menu.h"
+#include "app/sharing/saving.h"
+#include "app/sharing/share_menu.h"
 #include "persistence/vehicles.h"
 
 #include <QDateTime>

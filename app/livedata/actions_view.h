@@ -2,7 +2,7 @@
 
 #include "app/livedata/run_head.h"
 #include "app/look/frame_pace.h"
-#include "app/screen/picture_saver.h"
+#include "app/sharing/picture_saver.h"
 #include "livedata/actions.h"
 
 namespace brivant {

@@ -1,7 +1,7 @@
 #include "app/livedata/run_head.h"
 
 #include "app/look/numbers.h"
-#include "app/screen/pid_chooser.h"
+#include "app/pids/pid_chooser.h"
 
 namespace brivant {
 

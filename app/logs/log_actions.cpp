@@ -2,7 +2,7 @@
 
 #include "app/logs/plots_popup.h"
 #include "app/look/numbers.h"
-#include "app/screen/report_popup.h"
+#include "app/sharing/report_popup.h"
 #include "logs/log_texts.h"
 #include "persistence/log_files.h"
 

@@ -4,7 +4,7 @@
 #include "app/look/progress_overlay.h"
 #include "app/look/toast_overlay.h"
 #include "app/pictures/plotted_run.h"
-#include "app/screen/picture_saver.h"
+#include "app/sharing/picture_saver.h"
 #include "ui_plotsPopup.h"
 
 #include <QTimer>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "app/pids/pid_chooser.h"
 #include "app/preferences/prefs_connection_trial.h"
 #include "app/preferences/prefs_vehicles.h"
-#include "app/screen/pid_chooser.h"
 #include "shell/preferences.h"
 
 namespace brivant {

@@ -1,5 +1,5 @@
 #include "app/livedata/actions_view.h"
-#include "app/screen/pid_chooser.h"
+#include "app/pids/pid_chooser.h"
 #include "tests/app/running_window.h"
 #include "tests/support/wait_until.h"
 

@@ -1,7 +1,7 @@
 #include "tests/app/running_window.h"
 
+#include "app/pids/pid_chooser.h"
 #include "app/preferences/vehicle_dialog.h"
-#include "app/screen/pid_chooser.h"
 #include "persistence/vehicles.h"
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"

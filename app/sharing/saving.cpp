@@ -1,4 +1,4 @@
-#include "app/screen/saving.h"
+#include "app/sharing/saving.h"
 
 #include <QDir>
 #include <QFileDialog>

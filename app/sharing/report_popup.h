@@ -2,7 +2,7 @@
 
 #include "app/look/card_sheet.h"
 #include "app/look/help_panel.h"
-#include "app/screen/share_menu.h"
+#include "app/sharing/share_menu.h"
 
 namespace brivant {
 

@@ -1,6 +1,6 @@
-#include "app/screen/share_menu.h"
+#include "app/sharing/share_menu.h"
 
-#include "app/screen/saving.h"
+#include "app/sharing/saving.h"
 
 #include <QClipboard>
 #include <QFileDialog>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/look/card_sheet.h"
-#include "app/screen/pid_rows.h"
+#include "app/pids/pid_rows.h"
 #include "app/screen/screen_view.h"
 
 #include <QStackedWidget>

@@ -1,4 +1,4 @@
-#include "app/screen/pid_rows.h"
+#include "app/pids/pid_rows.h"
 
 namespace brivant {
 

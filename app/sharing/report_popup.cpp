@@ -1,4 +1,4 @@
-#include "app/screen/report_popup.h"
+#include "app/sharing/report_popup.h"
 
 namespace brivant {
 

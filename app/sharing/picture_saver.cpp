@@ -1,6 +1,6 @@
-#include "app/screen/picture_saver.h"
+#include "app/sharing/picture_saver.h"
 
-#include "app/screen/saving.h"
+#include "app/sharing/saving.h"
 
 #include <QClipboard>
 #include <QDir>

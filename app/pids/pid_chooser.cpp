@@ -1,4 +1,4 @@
-#include "app/screen/pid_chooser.h"
+#include "app/pids/pid_chooser.h"
 
 #include "app/look/tables.h"
 
