@@ -8,6 +8,7 @@
 #include "obd/reply.h"
 #include "obd/reply_text.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace brivant {
@@ -135,6 +136,54 @@ QStringList codes_of_lines(QString reply, const QString& refusal) {
     return codes;
 }
 
+// Who defines the code, by SAE J2012; the standard keeps B3 and C3 back.
+QString owner_of(const QString& code) {
+    const QChar group = code.at(1);
+    const bool is_engine = code.at(0) == u'P';
+    const bool is_makers =
+        group == u'1' || (group == u'2' && !is_engine) || (group == u'3' && is_engine && code.at(2) < u'4');
+    const bool is_reserved = group == u'3' && (code.at(0) == u'B' || code.at(0) == u'C');
+    return is_makers     ? QStringLiteral("maker-specific")
+           : is_reserved ? QStringLiteral("reserved by the standard")
+                         : QStringLiteral("defined by the standard");
+}
+
+// The part of engine and transmission that the third character of P0, P1 and P2 names.
+QString part_of_powertrain(const QString& code) {
+    static const char* const parts[] = {"fuel and air metering, emission controls",
+                                        "fuel and air metering, emission controls",
+                                        "fuel and air metering, emission controls",
+                                        "ignition or misfire",
+                                        "emission controls",
+                                        "vehicle speed, idle control, other inputs",
+                                        "control module and its outputs",
+                                        "transmission",
+                                        "transmission"};
+    const int number = code.at(2).digitValue();
+    if (number < 0) // a letter
+        return code.at(1) == u'0' ? QStringLiteral("hybrid or electric drive") : QString();
+    return number < 9 ? QString::fromLatin1(parts[number]) : QString();
+}
+
+QString system_of(const QString& code) {
+    switch (code.at(0).unicode()) {
+    case u'C': return QStringLiteral("chassis");
+    case u'B': return QStringLiteral("body");
+    case u'U': return QStringLiteral("network of the control modules");
+    default: break;
+    }
+    const QString part = code.at(1) == u'3' ? QString() : part_of_powertrain(code);
+    return part.isEmpty() ? QStringLiteral("engine and transmission") : part;
+}
+
+// What the form alone tells of a code without a description; "" for what is no code.
+QString form_of(const QString& code) {
+    static const QRegularExpression form(QStringLiteral("^[PCBU][0-3][0-9A-Fa-f]{3}$"));
+    if (!form.match(code).hasMatch() || code == QLatin1String("P0000"))
+        return {};
+    return QStringLiteral(" (by its form %1: %2)").arg(owner_of(code), system_of(code));
+}
+
 } // namespace
 
 QString pull_DTC_code(QStringView four) {
@@ -190,7 +239,9 @@ QStringList work_reply_to_error_codes_pid(const QString& mode, const QString& th
 QString look_upCode(const QString& code, const QMap<QString, QString>& this_dict) {
     if (code == localised(QStringLiteral("NO_CODES")))
         return localised(QStringLiteral("LOOK_4_PENDING"));
-    return this_dict.value(code, QStringLiteral("Code not found in our DB"));
+    const auto found = this_dict.constFind(code);
+    return found != this_dict.constEnd() ? *found
+                                         : QStringLiteral("Code not found in our DB") + form_of(code);
 }
 
 } // namespace brivant

@@ -32,8 +32,9 @@ std::optional<QStringList> pull_dtcGruped_pidSet_by_ECU(const obd_groups& groups
 QStringList work_reply_to_error_codes_pid(const QString& mode, const QString& this_reply,
                                           const QString& protocol_description);
 
-// What the dictionary says about the code, "Code not found in our DB" when it says nothing. The row that
-// stands for "no codes" gives the hint to look for pending ones.
+// What the dictionary says about the code; when it says nothing, "Code not found in our DB" and what the
+// code's form tells: whether its maker defines it, and which system it is of. The row that stands for "no
+// codes" gives the hint to look for pending ones.
 QString look_upCode(const QString& code, const QMap<QString, QString>& this_dict);
 
 } // namespace brivant

@@ -121,7 +121,23 @@ TEST(trouble_codes, flat_list) {
 TEST(trouble_codes, description) {
     const QMap<QString, QString> dictionary{{"P0133", " O2 sensor slow"}};
     EXPECT_EQ(look_upCode("P0133", dictionary), " O2 sensor slow");
-    EXPECT_EQ(look_upCode("P0134", dictionary), "Code not found in our DB");
+    const std::pair<const char*, const char*> forms[] = {
+        {"P0134", " (by its form defined by the standard: fuel and air metering, emission controls)"},
+        {"P1351", " (by its form maker-specific: ignition or misfire)"},
+        {"P0D99", " (by its form defined by the standard: hybrid or electric drive)"},
+        {"P1A20", " (by its form maker-specific: engine and transmission)"},
+        {"P2741", " (by its form defined by the standard: transmission)"},
+        {"P33FF", " (by its form maker-specific: engine and transmission)"},
+        {"P3400", " (by its form defined by the standard: engine and transmission)"},
+        {"C1234", " (by its form maker-specific: chassis)"},
+        {"B3001", " (by its form reserved by the standard: body)"},
+        {"U3001", " (by its form defined by the standard: network of the control modules)"},
+        {"U2001", " (by its form maker-specific: network of the control modules)"},
+        {"P0000", ""}, // fills up messages
+        {"no freeze frame is stored", ""},
+    };
+    for (const auto& [code, form] : forms)
+        EXPECT_EQ(look_upCode(code, dictionary), QStringLiteral("Code not found in our DB") + form) << code;
     EXPECT_EQ(look_upCode(localised("NO_CODES"), {}), localised("LOOK_4_PENDING"));
     // A line without a blank would end the shipped list before its last code.
     const auto shipped = text_resources().get_dictionary_from_resource("P0_Codes", "txt", " ");
@@ -132,6 +148,15 @@ TEST(trouble_codes, description) {
         {"U0228", " Lost Communication With Door Window Motor G"},
         {"U0229", " Lost Communication With Heated Steering Wheel Module"},
         {"U0230", " Lost Communication With Rear Gate Module"},
+        {"U0236", " Lost Communication With Column Lock Module"},
+        {"U0252", " Lost Communication With Lighting Control Module - Rear B"},
+        {"P2578", " Turbocharger Speed Sensor Circuit"},
+        {"P2681", " Engine Coolant Bypass Valve Control Circuit/Open"},
+        {"P2685", " Actuator Supply Voltage C Circuit Low"},
+        {"P2806", " Transmission Range Sensor Alignment"},
+        {"P0B6A", " Hybrid Battery Voltage Sense J Circuit Low"},
+        {"P0BEF", " Drive Motor A Phase W Current Sensor Circuit Low"},
+        {"P0C5B", " Drive Motor A Position Sensor Circuit B Range/Performance"},
         {"U0331", " Software Incompatibility With Body Control Module A"},
     };
     for (const auto& [code, text] : codes)
