@@ -3,7 +3,6 @@
 #include "base/string_table.h"
 #include "diagnostics/second_tests.h"
 #include "obd/standard_reading/codes_and_texts.h"
-#include "obd/standard_reading/pid_values.h"
 #include "obd/trouble_codes.h"
 #include "toolkit/mac_toolies.h"
 
@@ -59,9 +58,14 @@ auto* answer_of(const answers& all, const answer& kept, const mac_toolies& tooli
 }
 
 // What the reply says about the PID; nothing when nobody answered.
-std::optional<pid_value> standard_value(const answer& kept, int service, const mac_toolies& toolies) {
+struct pid_answer {
+    std::optional<QByteArray> data;
+    QString absent; // why there is none
+};
+std::optional<pid_answer> pid_answer_of(const answer& kept, const mac_toolies& toolies) {
     constexpr int freeze_frame = 2;
     const int pid = kept.request.mid(2, 2).toInt(nullptr, 16);
+    const int service = kept.request.left(2).toInt(nullptr, 16);
     const qsizetype data_at = service == freeze_frame ? 3 : 2; // behind the frame's number
     const auto answers = answers_to(service, kept.what_came.raw());
     const auto is_it = [&](const QByteArray& data) {
@@ -74,10 +78,18 @@ std::optional<pid_value> standard_value(const answer& kept, int service, const m
         return std::nullopt;
     const auto message = std::find_if(answer->messages.begin(), answer->messages.end(), is_it);
     if (message != answer->messages.end())
-        return decode_pid(pid, message->mid(data_at), toolies.units());
-    pid_value absent;
-    absent.absent = answer->fault.isEmpty() ? QStringLiteral("no answer to this PID") : answer->fault;
-    return absent;
+        return pid_answer{message->mid(data_at), {}};
+    return pid_answer{{}, answer->fault.isEmpty() ? QStringLiteral("no answer to this PID") : answer->fault};
+}
+
+std::optional<pid_value> standard_value(const answer& kept, const mac_toolies& toolies,
+                                        const value_reading& reading) {
+    const auto said = pid_answer_of(kept, toolies);
+    if (!said)
+        return std::nullopt;
+    if (said->data)
+        return decode_pid(kept.request.mid(2, 2).toInt(nullptr, 16), *said->data, reading);
+    return pid_value{{}, {}, said->absent, false};
 }
 
 } // namespace
@@ -111,8 +123,32 @@ void second_reading::reload() {
     const QList<answer> answers = results.answers.value(which);
     if (answers.size() < answers_read)
         start_again();
+    QMap<QString, full_scales> told_scales;
+    for (const answer& one : answers)
+        take_scales(one, told_scales);
+    if (told_scales != scales) { // they hold for the values before them, too
+        scales = told_scales;
+        start_again();
+    }
     while (answers_read < answers.size())
         read(answers.at(answers_read++));
+}
+
+void second_reading::take_scales(const answer& one, QMap<QString, full_scales>& all) const {
+    const QString pid = one.request.mid(2, 2);
+    if (which == part::codes || (pid != QLatin1String("4F") && pid != QLatin1String("50")))
+        return;
+    if (const auto said = pid_answer_of(one, toolies); said && said->data)
+        take_full_scales(pid.toInt(nullptr, 16), *said->data, all[one.ecu]);
+}
+
+value_reading second_reading::reading_for(const answer& one) const {
+    return {toolies.units(), scales.value(one.ecu)};
+}
+
+void second_reading::they_agree(const result_row& own_row, const result_row& row) {
+    own += {own_row, {}};
+    standard += {row, {}};
 }
 
 void second_reading::both_say(const QList<result_row>& rows) {
@@ -185,18 +221,23 @@ void second_reading::read_vin(const answer& one) {
 }
 
 void second_reading::read_value(const answer& one) {
-    const auto value = standard_value(one, 1, toolies);
+    const auto value = standard_value(one, toolies, reading_for(one));
     const value_row* row = value_in(one);
-    if (!value || value->is_undefined || says_the_same(row ? row->value : not_available, *value))
+    if (!value || value->is_undefined)
         return both_say(one.rows);
     const QString pid = one.request.mid(2);
     const QString text = pid_value_text(*value);
-    they_differ(row ? &one.rows.first() : nullptr, row ? row->value : nothing,
-                value_row{pid, toolies.l_get_pid_name(pid, false), text, {}}, text);
+    const value_row other{pid, toolies.get_pid_name_with_pid(pid), text, {}};
+    if (!says_the_same(row ? row->value : not_available, *value))
+        they_differ(row ? &one.rows.first() : nullptr, row ? row->value : nothing, other, text);
+    else if (row && value->absent.isEmpty())
+        they_agree(one.rows.first(), other);
+    else
+        both_say(one.rows);
 }
 
 void second_reading::read_freezing_code(const answer& one) {
-    const auto value = standard_value(one, 2, toolies);
+    const auto value = standard_value(one, toolies, toolies.units());
     const value_row* row = value_in(one);
     const QString shown = row ? row->value : QString();
     const QString code = value ? value->states.value(0) : QString();
@@ -209,12 +250,18 @@ void second_reading::read_freezing_code(const answer& one) {
 }
 
 void second_reading::read_freeze_value(const answer& one) {
-    const auto value = standard_value(one, 2, toolies);
+    const auto value = standard_value(one, toolies, reading_for(one));
     const value_row* row = value_in(one);
-    if (!row || !value || value->is_undefined || says_the_same(row->value, *value))
+    if (!row || !value || value->is_undefined)
         return both_say(one.rows);
     const QString text = pid_value_text(*value);
-    they_differ(&one.rows.first(), row->value, value_row{row->pid, row->label.trimmed(), text, {}}, text);
+    const value_row other{row->pid, row->label.trimmed(), text, {}};
+    if (!says_the_same(row->value, *value))
+        they_differ(&one.rows.first(), row->value, other, text);
+    else if (value->absent.isEmpty())
+        they_agree(one.rows.first(), other);
+    else
+        both_say(one.rows);
 }
 
 void second_reading::read_tests(const answer& one) {
@@ -222,7 +269,7 @@ void second_reading::read_tests(const answer& one) {
     for (const second_test& test : tests.pairs) {
         const result_row* row = test.own_row < 0 ? nullptr : &one.rows.at(test.own_row);
         if (test.same)
-            both_say({*row});
+            they_agree(*row, *test.row);
         else
             they_differ(row, test.own_said.isEmpty() ? nothing : test.own_said, test.row, test.said);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "diagnostics/diagnostic_results.h"
+#include "obd/standard_reading/pid_values.h"
 
 #include <optional>
 
@@ -45,6 +46,9 @@ private:
     void read_freeze_value(const answer& one);
     void read_tests(const answer& one);
     void both_say(const QList<result_row>& rows);
+    void they_agree(const result_row& own_row, const result_row& row);
+    void take_scales(const answer& one, QMap<QString, full_scales>& all) const;
+    value_reading reading_for(const answer& one) const;
     // Either reading's row, where it has one, and what it says.
     void they_differ(const result_row* own_row, const QString& own_said, const std::optional<result_row>& row,
                      const QString& said);
@@ -63,6 +67,7 @@ private:
     int changed = 0; // rows of values that differ
     QString vin;     // by the standard, where it differs
     QStringList told;
+    QMap<QString, full_scales> scales; // by the ECU that was asked
     qsizetype answers_read = 0;
     bool replies_read = false; // that can be read twice
 };

@@ -40,7 +40,7 @@ void value_answered(diagnostic_talk& car, const reply& what_came, const QString&
     if (data.startsWith(QStringLiteral("41") + pid)) {
         const QString value = car.toolies.translateResponse(data);
         if (value != no_reply)
-            told.rows += value_row{pid, car.toolies.l_get_pid_name(pid, false), value, {}};
+            told.rows += value_row{pid, car.toolies.get_pid_name_with_pid(pid), value, {}};
     }
     car.tell(part::vehicle, told);
 }

@@ -134,7 +134,7 @@ void actions::rework_gui_objects() {
         sample_row row;
         row.item = item;
         row.pid = item.section(u'|', 0, 0);
-        row.name = toolies.l_get_pid_name(row.pid, false);
+        row.name = toolies.get_pid_name_with_pid(row.pid);
         row.units = toolies.shown_units(row.pid);
         results.these_samples += row;
     }

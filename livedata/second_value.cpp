@@ -4,7 +4,6 @@
 #include "obd/standard_reading/pid_values.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace brivant {
 
@@ -32,16 +31,17 @@ QString extreme_text(const series_summary& seen, bool upward) {
 } // namespace
 
 second_value read_value(const QString& body, const mac_toolies& toolies) {
-    second_value value{toolies.translateResponse(body), {}};
-    if (!body.startsWith(QLatin1String("41")))
-        return value;
-    value.other = other_value_text(value.text, body, toolies.units());
+    const QString own = toolies.translateResponse(body);
+    const pid_value value = read_pid_value(body, toolies.units());
+    if (!body.startsWith(QLatin1String("41")) || value.is_undefined)
+        return {own, {}};
+    const QString standard = pid_value_text(value);
     // The text may say the same although the number and the unit of a chart do not.
-    if (value.other.isEmpty() && readings_differ(body, toolies.shown_reading(), toolies.lists()))
-        value.other = pid_value_text(read_pid_value(body, toolies.units()));
-    if (!value.other.isEmpty() && toolies.standard_reading())
-        std::swap(value.text, value.other);
-    return value;
+    const bool differ =
+        !says_the_same(own, value) || readings_differ(body, toolies.shown_reading(), toolies.lists());
+    if (toolies.standard_reading())
+        return {standard, differ ? own : QString()};
+    return {own, differ ? standard : QString()};
 }
 
 void read_again(live_results& results, const mac_toolies& toolies) {

@@ -4,6 +4,7 @@
 #include "base/text_resources.h"
 #include "obd/reply_text.h"
 
+#include <algorithm>
 #include <concepts>
 #include <string_view>
 
@@ -76,6 +77,17 @@ constexpr catalogue_row catalogue[] = {
 };
 // clang-format on
 
+const QString not_found = QStringLiteral("NOT FOUND");
+
+// Behind the last list of names.
+struct later_name {
+    unsigned pid;
+    const char* name;
+};
+constexpr later_name later_names[] = {{0xC0, "PIDs supported C1-E0"},
+                                      {0xC3, "Fuel level input A and B"},
+                                      {0xC4, "Exhaust particulate control system"}};
+
 const catalogue_row* find_row(const QString& pid) {
     const unsigned number = convertStr2Byte(pid);
     for (const catalogue_row& row : catalogue)
@@ -117,15 +129,47 @@ double get_PID_min_max(const QString& pid, bool get_max, unit_system units) {
 }
 
 QString get_pid_name(const QString& pid, bool with_prefix, const text_resources& lists) {
-    return name_of(pid, with_prefix, 0x5F, QStringLiteral("NOT FOUND"), lists);
+    return name_of(pid, with_prefix, 0x5F, not_found, lists);
 }
 
 QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resources& lists) {
     return name_of(pid, with_prefix, 0xBF, not_available, lists);
 }
 
-QString get_pid_name_with_pid(const QString& pid, const text_resources& lists) {
-    return get_pid_name(pid, false, lists);
+o2_layout o2_layout_of(const obd_groups& available) {
+    const auto has = [&available](const QString& pid) {
+        return std::any_of(available.begin(), available.end(),
+                           [&pid](const obd_group& ecu) { return ecu.pidSet.contains(pid); });
+    };
+    const bool four = has(QStringLiteral("1D")) && !has(QStringLiteral("13"));
+    return four ? o2_layout::four_banks : o2_layout::two_banks;
+}
+
+QString o2_sensor_of(const QString& pid, o2_layout layout) {
+    constexpr unsigned sensors = 8;
+    const unsigned sensors_a_bank = layout == o2_layout::two_banks ? 4 : 2;
+    const unsigned number = convertStr2Byte(pid);
+    for (const unsigned first : {0x14U, 0x24U, 0x34U})
+        if (number >= first && number < first + sensors)
+            return QStringLiteral("B%1S%2")
+                .arg((number - first) / sensors_a_bank + 1)
+                .arg((number - first) % sensors_a_bank + 1);
+    return {};
+}
+
+QString get_pid_name_with_pid(const QString& pid, const text_resources& lists, o2_layout layout) {
+    QString name = get_pid_name(pid, false, lists);
+    if (name == not_found)
+        name = l_get_pid_name(pid, false, lists);
+    for (const later_name& later : later_names)
+        if (name == not_available && later.pid == convertStr2Byte(pid))
+            return QLatin1String(later.name);
+    if (name == not_available)
+        return QStringLiteral("PID %1").arg(pid.toUpper());
+    if (layout == o2_layout::four_banks)
+        if (const QString in_list = o2_sensor_of(pid, o2_layout::two_banks); !in_list.isEmpty())
+            name.replace(in_list, o2_sensor_of(pid, layout));
+    return name;
 }
 
 } // namespace brivant

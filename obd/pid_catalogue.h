@@ -21,7 +21,16 @@ double get_PID_min_max(const QString& pid, bool get_max, unit_system units);
 QString get_pid_name(const QString& pid, bool with_prefix, const text_resources& lists);
 // The same up to PID BF; "N/A" above.
 QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resources& lists);
-// get_pid_name without the leading characters.
-QString get_pid_name_with_pid(const QString& pid, const text_resources& lists);
+
+// How the PIDs 14-1B, 24-2B and 34-3B are shared out among the banks: four sensors each of banks 1 and 2 (a
+// car with PID 13), or two each of banks 1 to 4 (one with PID 1D).
+enum class o2_layout { two_banks, four_banks };
+o2_layout o2_layout_of(const obd_groups& available);
+// Bank and sensor of such a PID, "B2S1"; "" for another PID.
+QString o2_sensor_of(const QString& pid, o2_layout layout);
+
+// The name that is shown: get_pid_name without the leading characters, and a name for the PIDs above 5F too.
+QString get_pid_name_with_pid(const QString& pid, const text_resources& lists,
+                              o2_layout layout = o2_layout::two_banks);
 
 } // namespace brivant

@@ -42,9 +42,7 @@ pid_entry entry_of(const QString& pid, const QString& header, const mac_toolies&
     entry.item = header.isEmpty() ? pid : pid + u'|' + header;
     entry.pid = pid;
     entry.ecu = ecu_name(header);
-    entry.name = toolies.l_get_pid_name(pid, false);
-    if (entry.name == not_available)
-        entry.name.clear();
+    entry.name = toolies.get_pid_name_with_pid(pid);
     return entry;
 }
 

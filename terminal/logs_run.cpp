@@ -60,10 +60,11 @@ sample_reading by_standard(sample_reading reading) {
 QJsonArray columns_as_json(const QStringList& pids, const sample_reading& own, const text_resources& lists) {
     QJsonArray columns;
     for (const QString& pid : pids)
-        columns += QJsonObject{{"pid", pid},
-                               {"name", pid.isEmpty() ? not_available : get_pid_name(pid, false, lists)},
-                               {"unit", sampled_unit(pid, own).trimmed()},
-                               {"standard_unit", sampled_unit(pid, by_standard(own))}};
+        columns += QJsonObject{
+            {"pid", pid},
+            {"name", pid.isEmpty() ? not_available : get_pid_name_with_pid(pid, lists, own.sensors)},
+            {"unit", sampled_unit(pid, own).trimmed()},
+            {"standard_unit", sampled_unit(pid, by_standard(own))}};
     return columns;
 }
 

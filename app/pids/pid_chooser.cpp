@@ -97,7 +97,7 @@ QString pid_chooser::first_names() const {
     QStringList names;
     const QStringList first = setting::sample_set.first_value();
     for (const QString& pid : first)
-        names += context.core.toolies.l_get_pid_name(pid, false);
+        names += context.core.toolies.get_pid_name_with_pid(pid);
     return names.join(QStringLiteral(", "));
 }
 

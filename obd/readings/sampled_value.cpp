@@ -2,7 +2,6 @@
 
 #include "base/string_table.h"
 #include "obd/number_text.h"
-#include "obd/pid_catalogue.h"
 #include "obd/pid_translation.h"
 #include "obd/standard_reading/pid_table.h"
 #include "obd/standard_reading/pid_values.h"
@@ -56,7 +55,7 @@ QString sampled_heading(const QString& pid, const sample_reading& reading, const
         return fill(QStringLiteral("%@ (%@)"), {not_available, not_available});
     const QString format = reading.by_standard && !is_computed(pid) ? QStringLiteral("%@ (%@ by SAE J1979)")
                                                                     : QStringLiteral("%@ (%@)");
-    return fill(format, {get_pid_name(pid, false, lists), sampled_unit(pid, reading)});
+    return fill(format, {get_pid_name_with_pid(pid, lists, reading.sensors), sampled_unit(pid, reading)});
 }
 
 bool readings_differ(const QString& reply, const sample_reading& reading, const text_resources& lists) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/shared_types.h"
+#include "obd/pid_catalogue.h"
 
 #include <QStringList>
 
@@ -13,6 +13,7 @@ class text_resources;
 struct sample_reading {
     unit_system units = unit_system::imperial;
     bool by_standard = false;
+    o2_layout sensors = o2_layout::two_banks; // how columns of oxygen sensors are named
 };
 
 // NaN when the reply carries no number. By the standard it is the PID's first quantity. What the program

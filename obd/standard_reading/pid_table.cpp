@@ -120,6 +120,10 @@ constexpr quantity_row quantities[] = {
     {0x6B, 1,      2, 1, false, 1,                 -40,    0, celsius,          "bank 1 sensor 2"},
     {0x6B, 2,      3, 1, false, 1,                 -40,    0, celsius,          "bank 2 sensor 1"},
     {0x6B, 3,      4, 1, false, 1,                 -40,    0, celsius,          "bank 2 sensor 2"},
+    {0x6B, 4,      1, 1, false, 4,                 -40,    0, celsius,          "bank 1 sensor 1"},
+    {0x6B, 5,      2, 1, false, 4,                 -40,    0, celsius,          "bank 1 sensor 2"},
+    {0x6B, 6,      3, 1, false, 4,                 -40,    0, celsius,          "bank 2 sensor 1"},
+    {0x6B, 7,      4, 1, false, 4,                 -40,    0, celsius,          "bank 2 sensor 2"},
     {0x6C, 0,      1, 1, false, percent_of_byte,   0,      1, percent,          "commanded throttle A"},
     {0x6C, 1,      2, 1, false, percent_of_byte,   0,      1, percent,          "relative throttle A"},
     {0x6C, 2,      3, 1, false, percent_of_byte,   0,      1, percent,          "commanded throttle B"},
@@ -136,6 +140,8 @@ constexpr quantity_row quantities[] = {
     {0x6E, 3,      7, 2, false, 10,                0,      0, kilopascal,       "control pressure B"},
     {0x6F, 0,      1, 1, false, 1,                 0,      0, kilopascal,       "turbocharger A inlet"},
     {0x6F, 1,      2, 1, false, 1,                 0,      0, kilopascal,       "turbocharger B inlet"},
+    {0x6F, 2,      1, 1, false, 8,                 0,      0, kilopascal,       "turbocharger A inlet"},
+    {0x6F, 3,      2, 1, false, 8,                 0,      0, kilopascal,       "turbocharger B inlet"},
     {0x70, 0,      1, 2, false, 0.03125,           0,      2, kilopascal,       "commanded boost A"},
     {0x70, 1,      3, 2, false, 0.03125,           0,      2, kilopascal,       "boost A"},
     {0x70, 3,      5, 2, false, 0.03125,           0,      2, kilopascal,       "commanded boost B"},
@@ -185,6 +191,16 @@ constexpr quantity_row quantities[] = {
     {0x7F, 0,      1, 4, false, 1,                 0,      0, second,           "engine running"},
     {0x7F, 1,      5, 4, false, 1,                 0,      0, second,           "idle"},
     {0x7F, 2,      9, 4, false, 1,                 0,      0, second,           "power take-off"},
+    {0x81, 0,      1, 4, false, 1,                 0,      0, second,           "first device, timer 1"},
+    {0x81, 0,      5, 4, false, 1,                 0,      0, second,           "first device, timer 2"},
+    {0x81, 1,      9, 4, false, 1,                 0,      0, second,           "second device, timer 1"},
+    {0x81, 1,     13, 4, false, 1,                 0,      0, second,           "second device, timer 2"},
+    {0x81, 2,     17, 4, false, 1,                 0,      0, second,           "third device, timer 1"},
+    {0x81, 2,     21, 4, false, 1,                 0,      0, second,           "third device, timer 2"},
+    {0x81, 3,     25, 4, false, 1,                 0,      0, second,           "fourth device, timer 1"},
+    {0x81, 3,     29, 4, false, 1,                 0,      0, second,           "fourth device, timer 2"},
+    {0x81, 4,     33, 4, false, 1,                 0,      0, second,           "fifth device, timer 1"},
+    {0x81, 4,     37, 4, false, 1,                 0,      0, second,           "fifth device, timer 2"},
     {0x83, 0,      1, 2, false, 1,                 0,      0, ppm,              "bank 1 sensor 1"},
     {0x83, 1,      3, 2, false, 1,                 0,      0, ppm,              "bank 1 sensor 2"},
     {0x83, 2,      5, 2, false, 1,                 0,      0, ppm,              "bank 2 sensor 1"},
@@ -198,6 +214,11 @@ constexpr quantity_row quantities[] = {
     {0x86, 1,      3, 2, false, 0.0125,            0,      3, milligram_per_cubic_metre, "bank 2"},
     {0x87, 0,      1, 2, false, 0.03125,           0,      2, kilopascal,       "sensor A"},
     {0x87, 1,      3, 2, false, 0.03125,           0,      2, kilopascal,       "sensor B"},
+    {0x88, always, 3, 2, false, 1,                 0,      0, kilometre,        "inducement within the current 10,000 km"},
+    {0x88, always, 5, 2, false, 1,                 0,      0, kilometre,        "driven of the current 10,000 km"},
+    {0x88, always, 7, 2, false, 1,                 0,      0, kilometre,        "inducement 10,000 to 20,000 km ago"},
+    {0x88, always, 9, 2, false, 1,                 0,      0, kilometre,        "inducement 20,000 to 30,000 km ago"},
+    {0x88, always,11, 2, false, 1,                 0,      0, kilometre,        "inducement 30,000 to 40,000 km ago"},
     {0x8B, 4,      2, 1, false, percent_of_byte,   0,      1, percent,          "regeneration trigger"},
     {0x8B, 5,      3, 2, false, 1,                 0,      0, minute,           "mean time between"},
     {0x8B, 6,      5, 2, false, 1,                 0,      0, kilometre,        "mean distance between"},
@@ -211,6 +232,17 @@ constexpr quantity_row quantities[] = {
     {0x8C, 7,     15, 2, false, 0.000122,          0,      3, none,             "bank 2 sensor 2 lambda"},
     {0x8D, always, 0, 1, false, percent_of_byte,   0,      1, percent,          ""},
     {0x8E, always, 0, 1, false, 1,                 -125,   0, percent,          ""},
+    {0x8F, 1,      2, 2, true,  0.01,              0,      2, percent,          "bank 1 output"},
+    {0x8F, 3,      5, 2, true,  0.01,              0,      2, percent,          "bank 2 output"},
+    {0x90, always, 1, 2, false, 1,                 0,      0, hour,             "continuous malfunction indicator"},
+    {0x91, always, 1, 2, false, 1,                 0,      0, hour,             "continuous malfunction indicator"},
+    {0x91, always, 3, 2, false, 1,                 0,      0, hour,             "highest B1 counter"},
+    {0x93, 0,      1, 2, false, 1,                 0,      0, hour,             ""},
+    {0x94, 1,      2, 2, false, 1,                 0,      0, hour,             "reagent quality counter"},
+    {0x94, 2,      4, 2, false, 1,                 0,      0, hour,             "reagent consumption counter"},
+    {0x94, 3,      6, 2, false, 1,                 0,      0, hour,             "dosing counter"},
+    {0x94, 4,      8, 2, false, 1,                 0,      0, hour,             "EGR valve counter"},
+    {0x94, 5,     10, 2, false, 1,                 0,      0, hour,             "monitoring system counter"},
     {0x98, 0,      1, 2, false, 0.1,               -40,    1, celsius,          "bank 1 sensor 5"},
     {0x98, 1,      3, 2, false, 0.1,               -40,    1, celsius,          "bank 1 sensor 6"},
     {0x98, 2,      5, 2, false, 0.1,               -40,    1, celsius,          "bank 1 sensor 7"},
@@ -224,14 +256,34 @@ constexpr quantity_row quantities[] = {
     {0x9B, 1,      1, 1, false, 0.25,              0,      2, percent,          "fluid concentration"},
     {0x9B, 2,      2, 1, false, 1,                 -40,    0, celsius,          "fluid temperature"},
     {0x9B, 3,      3, 1, false, percent_of_byte,   0,      1, percent,          "fluid level"},
+    {0x9C, 0,      1, 2, false, 0.001526,          0,      3, percent,          "bank 1 sensor 3 O2"},
+    {0x9C, 1,      3, 2, false, 0.001526,          0,      3, percent,          "bank 1 sensor 4 O2"},
+    {0x9C, 2,      5, 2, false, 0.001526,          0,      3, percent,          "bank 2 sensor 3 O2"},
+    {0x9C, 3,      7, 2, false, 0.001526,          0,      3, percent,          "bank 2 sensor 4 O2"},
+    {0x9C, 4,      9, 2, false, 0.000122,          0,      3, none,             "bank 1 sensor 3 lambda"},
+    {0x9C, 5,     11, 2, false, 0.000122,          0,      3, none,             "bank 1 sensor 4 lambda"},
+    {0x9C, 6,     13, 2, false, 0.000122,          0,      3, none,             "bank 2 sensor 3 lambda"},
+    {0x9C, 7,     15, 2, false, 0.000122,          0,      3, none,             "bank 2 sensor 4 lambda"},
     {0x9D, always, 0, 2, false, 0.02,              0,      2, gram_per_second,  "engine"},
     {0x9D, always, 2, 2, false, 0.02,              0,      2, gram_per_second,  "vehicle"},
     {0x9E, always, 0, 2, false, 0.2,               0,      1, kilogram_per_hour, ""},
+    {0x9F, 0,      1, 1, false, percent_of_byte,   0,      1, percent,          "bank 1 system A"},
+    {0x9F, 1,      2, 1, false, percent_of_byte,   0,      1, percent,          "bank 1 system B"},
+    {0x9F, 2,      3, 1, false, percent_of_byte,   0,      1, percent,          "bank 2 system A"},
+    {0x9F, 3,      4, 1, false, percent_of_byte,   0,      1, percent,          "bank 2 system B"},
+    {0x9F, 4,      5, 1, false, percent_of_byte,   0,      1, percent,          "bank 3 system A"},
+    {0x9F, 5,      6, 1, false, percent_of_byte,   0,      1, percent,          "bank 3 system B"},
+    {0x9F, 6,      7, 1, false, percent_of_byte,   0,      1, percent,          "bank 4 system A"},
+    {0x9F, 7,      8, 1, false, percent_of_byte,   0,      1, percent,          "bank 4 system B"},
     {0xA1, 0,      1, 2, false, 1,                 0,      0, ppm,              "bank 1 sensor 1"},
     {0xA1, 1,      3, 2, false, 1,                 0,      0, ppm,              "bank 1 sensor 2"},
     {0xA1, 2,      5, 2, false, 1,                 0,      0, ppm,              "bank 2 sensor 1"},
     {0xA1, 3,      7, 2, false, 1,                 0,      0, ppm,              "bank 2 sensor 2"},
     {0xA2, always, 0, 2, false, 0.03125,           0,      2, milligram_per_stroke, ""},
+    {0xA3, 0,      1, 2, true,  0.25,              0,      2, pascal,           "pressure A"},
+    {0xA3, 1,      3, 2, true,  2,                 0,      0, pascal,           "pressure A, wide range"},
+    {0xA3, 2,      5, 2, true,  0.25,              0,      2, pascal,           "pressure B"},
+    {0xA3, 3,      7, 2, true,  2,                 0,      0, pascal,           "pressure B, wide range"},
     {0xA4, 1,      2, 2, false, 0.001,             0,      3, none,             "gear ratio"},
     {0xA5, 0,      1, 1, false, 0.5,               0,      1, percent,          "commanded dosing"},
     {0xA5, 1,      2, 2, false, 0.0005,            0,      4, litre,            "fluid used this cycle"},
@@ -245,63 +297,12 @@ constexpr quantity_row quantities[] = {
     {0xA8, 2,      5, 2, false, 1,                 0,      0, ppm,              "bank 2 sensor 3"},
     {0xA8, 3,      7, 2, false, 1,                 0,      0, ppm,              "bank 2 sensor 4"},
 };
-
-struct unit_row {
-    in_unit unit;
-    const char* metric;
-    const char* imperial;
-    double factor;
-    double offset;
-    int decimals; // the fewest shown in imperial units
-};
-constexpr unit_row unit_rows[] = {
-    {none,                      "",         "",         1,            0,   0},
-    {percent,                   "%",        "%",        1,            0,   0},
-    {celsius,                   "° C",      "° F",      1.8,          32,  1},
-    {km_per_hour,               "km/h",     "mph",      0.6213711922, 0,   1},
-    {kilometre,                 "km",       "mi",       0.6213711922, 0,   1},
-    {kilopascal,                "kPa",      "psi",      0.1450377377, 0,   1},
-    {kilopascal_hg,             "kPa",      "in.Hg",    0.2952998,    0,   1},
-    {kilopascal_h2o,            "kPa",      "in.H2O",   4.014631,     0,   1},
-    {pascal,                    "Pa",       "in.H2O",   0.00401463,   0,   3},
-    {rpm,                       "rpm",      "rpm",      1,            0,   0},
-    {degree,                    "°",        "°",        1,            0,   0},
-    {gram_per_second,           "g/s",      "lb/min",   0.1322773573, 0,   1},
-    {volt,                      "V",        "V",        1,            0,   0},
-    {milliampere,               "mA",       "mA",       1,            0,   0},
-    {ampere,                    "A",        "A",        1,            0,   0},
-    {second,                    "s",        "s",        1,            0,   0},
-    {minute,                    "min",      "min",      1,            0,   0},
-    {litre_per_hour,            "L/h",      "gal/h",    0.2641720524, 0,   1},
-    {newton_metre,              "N m",      "lb ft",    0.7375621493, 0,   1},
-    {kilogram_per_hour,         "kg/h",     "lb/h",     2.2046226218, 0,   1},
-    {milligram_per_stroke,      "mg/stroke", "mg/stroke", 1,          0,   0},
-    {ppm,                       "ppm",      "ppm",      1,            0,   0},
-    {milligram_per_cubic_metre, "mg/m3",    "mg/m3",    1,            0,   0},
-    {litre,                     "L",        "gal",      0.2641720524, 0,   1},
-};
 // clang-format on
 
 } // namespace
 
 std::span<const quantity_row> quantity_rows() {
     return quantities;
-}
-int first_of_run(int pid) {
-    constexpr int run = 8;
-    for (const int first : {0x14, 0x24, 0x34})
-        if (pid >= first && pid < first + run)
-            return first;
-    return pid;
-}
-
-shown_unit shown_unit_of(in_unit unit, unit_system units) {
-    for (const unit_row& row : unit_rows)
-        if (row.unit == unit)
-            return units == unit_system::metric
-                       ? shown_unit{1, 0, 0, QString::fromUtf8(row.metric)}
-                       : shown_unit{row.factor, row.offset, row.decimals, QString::fromUtf8(row.imperial)};
-    return {};
 }
 
 } // namespace brivant

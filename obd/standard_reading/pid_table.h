@@ -27,6 +27,7 @@ enum class in_unit {
     ampere,
     second,
     minute,
+    hour,
     litre_per_hour,
     newton_metre,
     kilogram_per_hour,
@@ -57,7 +58,8 @@ struct quantity_row {
     in_unit unit;
     const char* name;
 };
-// Runs of PIDs that read alike (14-1B, 24-2B, 34-3B) stand under the first one: see first_of_run.
+// Runs of PIDs that read alike (14-1B, 24-2B, 34-3B; 81, 82, 89, 8A) stand under the first one: see
+// first_of_run.
 std::span<const quantity_row> quantity_rows();
 int first_of_run(int pid);
 

@@ -3,9 +3,7 @@
 #include "obd/standard_reading/codes_and_texts.h"
 #include "obd/standard_reading/pid_table.h"
 
-#include <QMap>
 #include <algorithm>
-#include <cmath>
 
 namespace brivant {
 
@@ -16,11 +14,29 @@ constexpr int since_cleared = 0x01; // the two PIDs of monitor status
 constexpr int this_drive_cycle = 0x41;
 const QString data_missing = QStringLiteral("data bytes are missing");
 const QString not_defined = QStringLiteral("a state that the standard does not define");
-const QString no_formula = QStringLiteral("no standard formula for this PID here");
+const QString no_formula = QStringLiteral("not decoded here");
 const QString nothing_there = QStringLiteral("the car marks every value of it as unsupported or unavailable");
 
 int byte_at(const QByteArray& bytes, qsizetype at) {
     return static_cast<unsigned char>(bytes.at(at));
+}
+
+// The row as the car scales it, when it tells a greatest value other than the usual one.
+quantity_row scaled_by(const full_scales& scales, quantity_row row) {
+    const double full = row.pid == 0x0B                    ? scales.manifold_pressure
+                        : row.pid == 0x10                  ? scales.air_flow
+                        : row.unit == in_unit::volt        ? scales.o2_voltage
+                        : row.unit == in_unit::milliampere ? scales.o2_current
+                                                           : scales.lambda;
+    const bool is_scaled =
+        row.pid == 0x0B || row.pid == 0x10 || row.pid == 0x24 || row.pid == 0x34 || row.pid == 0x44;
+    if (!is_scaled || full == 0)
+        return row;
+    constexpr double current_of_nothing = 0x8000;
+    const bool is_current = row.unit == in_unit::milliampere;
+    row.factor = full / (is_current ? current_of_nothing : row.bytes == 1 ? 0xFF : 0xFFFF);
+    row.offset = is_current ? -full : 0;
+    return row;
 }
 
 double number_at(const QByteArray& data, const quantity_row& row) {
@@ -60,15 +76,18 @@ bool is_left_out(const quantity_row& row, const QByteArray& data) {
     case 0xA1:
     case 0xA7:
     case 0xA8: return (byte_at(data, 0) >> (4 + row.support) & 1) != 0; // the sensor is not ready
-    default: return false;
+    default: break;
     }
+    const bool is_counter = row.unit == in_unit::hour || (row.unit == in_unit::second && row.bytes == 4);
+    return is_counter && data.mid(row.at, row.bytes) == QByteArray(row.bytes, '\xFF'); // not available
 }
 
-found_rows take_quantities(int pid, const QByteArray& data, unit_system units, pid_value& value) {
+found_rows take_quantities(int pid, const QByteArray& data, const value_reading& reading, pid_value& value) {
     found_rows found;
-    for (const quantity_row& row : quantity_rows()) {
-        if (row.pid != first_of_run(pid))
+    for (const quantity_row& as_usual : quantity_rows()) {
+        if (as_usual.pid != first_of_run(pid))
             continue;
+        const quantity_row row = scaled_by(reading.scales, as_usual);
         found.any = true;
         if (!is_marked(row.support, data) || (is_for_more_banks(row) && data.size() != row.at + 1))
             continue;
@@ -76,7 +95,7 @@ found_rows take_quantities(int pid, const QByteArray& data, unit_system units, p
         found.missing |= data.size() < row.at + row.bytes;
         if (found.missing || is_left_out(row, data))
             continue;
-        const shown_unit unit = shown_unit_of(row.unit, units);
+        const shown_unit unit = shown_unit_of(row.unit, reading.units);
         value.quantities.append({QString::fromUtf8(row.name),
                                  number_at(data, row) * unit.factor + unit.offset,
                                  std::max(row.decimals, unit.decimals), unit.name});
@@ -121,8 +140,8 @@ found_rows take_states(int pid, const QByteArray& data, pid_value& value) {
 }
 
 // Data that is cut is not read in part.
-void take_values(int pid, const QByteArray& data, unit_system units, pid_value& value) {
-    const found_rows quantities = take_quantities(pid, data, units, value);
+void take_values(int pid, const QByteArray& data, const value_reading& reading, pid_value& value) {
+    const found_rows quantities = take_quantities(pid, data, reading, value);
     const found_rows states = take_states(pid, data, value);
     const bool is_empty = value.quantities.isEmpty() && value.states.isEmpty();
     value.is_undefined = !quantities.any && !states.any;
@@ -175,79 +194,9 @@ void take_freezing_code(const QByteArray& data, pid_value& value) {
         value.states.append(trouble_code_name(byte_at(data, 0), byte_at(data, 1)));
 }
 
-// A number and the unit behind it, as a shown text has them.
-struct shown_number {
-    double value = 0;
-    QString unit;
-};
-
-// One spelling for a unit: without blanks, quotes and slashes at its ends, in lower case.
-QString plain_unit(const QString& unit) {
-    static const QMap<QString, QString> same = {
-        {QStringLiteral("kppa"), QStringLiteral("kpa")}, {QStringLiteral("gm/s"), QStringLiteral("g/s")},
-        {QStringLiteral("kms"), QStringLiteral("km")},   {QStringLiteral("mls"), QStringLiteral("mi")},
-        {QStringLiteral("°"), QStringLiteral("deg")},    {QStringLiteral("°c"), QStringLiteral("c")},
-        {QStringLiteral("°f"), QStringLiteral("f")},     {QStringLiteral("hours"), QStringLiteral("h")},
-        {QStringLiteral("hrs"), QStringLiteral("h")},    {QStringLiteral("mins"), QStringLiteral("min")},
-        {QStringLiteral("secs"), QStringLiteral("s")}};
-    QString plain = unit.toLower().remove(u'\'').remove(u' ');
-    while (plain.startsWith(u'/') || plain.startsWith(u','))
-        plain.remove(0, 1);
-    while (plain.endsWith(u'/') || plain.endsWith(u','))
-        plain.chop(1);
-    return same.value(plain, plain);
-}
-
-QList<shown_number> numbers_of(const QString& shown) {
-    QList<shown_number> numbers;
-    for (const QString& word : shown.split(u' ', Qt::SkipEmptyParts)) {
-        bool is_number = false;
-        const double value = word.toDouble(&is_number);
-        if (is_number)
-            numbers.append(shown_number{value, QString()});
-        else if (!numbers.isEmpty())
-            numbers.last().unit += word;
-    }
-    for (shown_number& number : numbers)
-        number.unit = plain_unit(number.unit);
-    return numbers;
-}
-
-double seconds_in(const QString& unit) {
-    return unit == QLatin1String("s")      ? 1
-           : unit == QLatin1String("min")  ? 60
-           : unit == QLatin1String("h")    ? 3600
-           : unit == QLatin1String("days") ? 86400
-                                           : 0;
-}
-
-// "2 days 3 'hrs' 5 'mins'" as seconds.
-QList<shown_number> time_added_up(const QList<shown_number>& numbers) {
-    double seconds = 0;
-    for (const shown_number& number : numbers) {
-        if (seconds_in(number.unit) == 0)
-            return numbers;
-        seconds += number.value * seconds_in(number.unit);
-    }
-    return numbers.isEmpty() ? numbers : QList<shown_number>{{seconds, QStringLiteral("s")}};
-}
-
-// A reply that was not translated at all.
-bool is_raw(const QString& shown) {
-    return shown.startsWith(u'4') && std::all_of(shown.begin(), shown.end(), [](QChar c) {
-               return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F');
-           });
-}
-
-bool nearly(double a, double b, int decimals) {
-    constexpr double conversions = 0.01;
-    const double rounding = 0.6 * std::pow(10.0, -std::min(decimals, 2));
-    return std::abs(a - b) <= std::max(rounding, conversions * std::abs(b));
-}
-
 } // namespace
 
-pid_value decode_pid(int pid, const QByteArray& data, unit_system units) {
+pid_value decode_pid(int pid, const QByteArray& data, const value_reading& reading) {
     constexpr int group = 0x20;
     pid_value value;
     if (pid < 0 || pid > last_pid) {
@@ -260,12 +209,12 @@ pid_value decode_pid(int pid, const QByteArray& data, unit_system units) {
     } else if (pid == 0x02) {
         take_freezing_code(data, value);
     } else {
-        take_values(pid, data, units, value);
+        take_values(pid, data, reading, value);
     }
     return value;
 }
 
-pid_value read_pid_value(const QString& reply, unit_system units) {
+pid_value read_pid_value(const QString& reply, const value_reading& reading) {
     constexpr int current_data = 0x41;
     constexpr int freeze_frame = 0x42;
     const QString digits = QString(reply).remove(u' ');
@@ -276,44 +225,16 @@ pid_value read_pid_value(const QString& reply, unit_system units) {
     if (bytes.size() < 2 || (byte_at(bytes, 0) != current_data && byte_at(bytes, 0) != freeze_frame))
         return {{}, {}, QStringLiteral("no answer to this PID"), false};
     const qsizetype data_at = byte_at(bytes, 0) == freeze_frame ? 3 : 2; // behind the frame's number
-    return decode_pid(byte_at(bytes, 1), bytes.mid(data_at), units);
+    return decode_pid(byte_at(bytes, 1), bytes.mid(data_at), reading);
 }
 
-QString pid_value_text(const pid_value& value) {
-    QStringList texts;
-    for (const quantity& q : value.quantities) {
-        const QString number = QString::number(q.value, 'f', q.decimals);
-        texts.append((q.name.isEmpty() ? QString() : q.name + u' ') + number +
-                     (q.unit.isEmpty() ? QString() : u' ' + q.unit));
-    }
-    texts.append(value.states);
-    return texts.isEmpty() ? QStringLiteral("(%1)").arg(value.absent) : texts.join(QLatin1String(", "));
-}
-
-bool says_the_same(const QString& shown, const pid_value& standard) {
-    const QList<shown_number> numbers = numbers_of(shown);
-    if (standard.quantities.isEmpty()) {
-        const bool is_word = shown != not_available && shown != QLatin1String("Invalid") &&
-                             shown != QLatin1String("Reserved") && !is_raw(shown);
-        return standard.states.isEmpty() ? shown == not_available || shown == no_reply : is_word;
-    }
-    QList<shown_number> wanted;
-    for (const quantity& q : standard.quantities)
-        wanted.append({q.value, plain_unit(q.unit)});
-    const QList<shown_number> have = time_added_up(numbers);
-    wanted = time_added_up(wanted);
-    if (have.size() != wanted.size())
-        return false;
-    for (qsizetype i = 0; i < have.size(); ++i)
-        if (have[i].unit != wanted[i].unit ||
-            !nearly(have[i].value, wanted[i].value, standard.quantities.value(i).decimals))
-            return false;
-    return true;
-}
-
-QString other_value_text(const QString& shown, const QString& reply, unit_system units) {
-    const pid_value standard = read_pid_value(reply, units);
-    return standard.is_undefined || says_the_same(shown, standard) ? QString() : pid_value_text(standard);
+void take_full_scales(int pid, const QByteArray& data, full_scales& scales) {
+    constexpr int tens = 10;
+    if (pid == 0x4F && data.size() >= 4)
+        scales = {double(byte_at(data, 0)), double(byte_at(data, 1)), double(byte_at(data, 2)),
+                  double(tens * byte_at(data, 3)), scales.air_flow};
+    else if (pid == 0x50 && !data.isEmpty())
+        scales.air_flow = tens * byte_at(data, 0);
 }
 
 monitor_status read_monitor_status(const QByteArray& data) {

@@ -59,8 +59,26 @@ TEST(second_reading, follows_a_list_that_grows_and_one_that_begins_anew) {
     EXPECT_EQ(reading.line(), "");
     answers = {rpm("1AF8", {rpm_row("1726.00 RPM")})};
     reading.reload();
-    EXPECT_EQ(texts(reading.shown()), texts(reading.own_rows()));
+    EXPECT_EQ(texts(reading.shown()), QStringList{"0C|Engine RPM|1726.00 rpm"});
+    EXPECT_EQ(texts(reading.own_rows()), QStringList{"0C|Engine RPM|1726.00 RPM"});
     EXPECT_FALSE(reading.differs());
+}
+
+// Each ECU has scales of its own, which hold for the values before them too.
+TEST(second_reading, scales_by_what_the_ecu_tells) {
+    read_twice bench;
+    const auto told = [](const char* ecu, const char* pid, const char* data) {
+        const QString reply_text = QStringLiteral("%1%2").arg(ecu, data);
+        return answer{
+            QStringLiteral("01") + pid, reply({reply_text, 6, true}), ecu, {value_row{pid, "", "", {}}}};
+    };
+    bench.results.answers[part::vehicle] = {told("7E8", "0B", "03410B8C"), told("7E9", "0B", "03410B8C")};
+    second_reading reading(part::vehicle, bench.results, bench.toolies);
+    bench.results.answers[part::vehicle] += told("7E8", "4F", "06414F00000019");
+    reading.reload();
+    EXPECT_EQ(texts(reading.standard_rows()).mid(0, 2),
+              (QStringList{"0B|Intake manifold absolute pressure|40.5 in.Hg",
+                           "0B|Intake manifold absolute pressure|41.3 in.Hg"}));
 }
 
 TEST(second_status, counts_every_ecu_and_names_the_monitors_that_differ) {

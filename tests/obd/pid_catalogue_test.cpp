@@ -58,6 +58,17 @@ TEST(pid_catalogue, names) {
     EXPECT_EQ(get_pid_name("60", false, lists), "NOT FOUND");
     EXPECT_EQ(l_get_pid_name("60", false, lists), "PIDs supported 61-80");
     EXPECT_EQ(l_get_pid_name("C0", false, lists), "N/A");
+    // What is shown has a name for every PID, and bank and sensor of an oxygen sensor as the car has them.
+    const obd_groups four_banks{{"7E8", {"0C", "1D"}}};
+    EXPECT_EQ(get_pid_name_with_pid("78", lists), "Exhaust gas temperature bank 1 S1-S4");
+    EXPECT_EQ(get_pid_name_with_pid("C3", lists), "Fuel level input A and B");
+    EXPECT_EQ(get_pid_name_with_pid("d0", lists), "PID D0");
+    EXPECT_EQ(get_pid_name_with_pid("36", lists), "O2 sensor lambda and current B1S3");
+    EXPECT_EQ(get_pid_name_with_pid("36", lists, o2_layout_of(four_banks)),
+              "O2 sensor lambda and current B2S1");
+    EXPECT_EQ(o2_sensor_of("1B", o2_layout_of(four_banks)), "B4S2");
+    EXPECT_EQ(o2_sensor_of("1B", o2_layout_of({{"7E8", {"13", "1D"}}})), "B2S4");
+    EXPECT_EQ(o2_sensor_of("1C", o2_layout::two_banks), "");
     for (const auto pid_name : {get_pid_name, l_get_pid_name}) {
         EXPECT_EQ(pid_name("0D", false, text_resources("/nowhere")), "N/A");
         EXPECT_EQ(pid_name("E4", false, lists), localised("FIELD_ENGINE_MPG", ""));

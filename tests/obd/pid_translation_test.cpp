@@ -115,8 +115,9 @@ TEST_F(translation, takes_replies_as_they_come) {
 TEST(shipped_lists, begin_at_value_1_and_end_with_their_last_entry) {
     const text_resources lists;
     const QPair<const char*, const char*> pairs[] = {
-        {"411C01", "OBD-II (CARB)"}, {"411C2A", "Brazil OBD Diesel"},     {"411C2B", "N/A"},
-        {"415101", "Gasoline"},      {"415117", "Bifuel running Diesel"}, {"415118", "N/A"},
+        {"411C01", "OBD-II (CARB)"}, {"411C2A", "Brazil OBD Diesel"},  {"411C2B", "N/A"},
+        {"415101", "Gasoline"},      {"411C0E", "OBD, EOBD and KOBD"}, {"41511C", "Dual Fuel Diesel and LNG"},
+        {"41511D", "N/A"},
     };
     for (const auto& [reply, shown] : pairs)
         EXPECT_EQ(translateResponse(reply, metric, lists), shown) << reply;

@@ -191,7 +191,40 @@ TEST(standard_reading, pid_values) {
          "O2 sensor heater: not complete",
          nullptr},
         {"41A600010000", "6553.6 km", "4072.2 mi"},
-        {"41C51234", "(no standard formula for this PID here)", nullptr},
+        {"410320", "system 1: bank 2 open loop, not ready to close", nullptr},
+        {"411C0F", "OBD, OBD II, EOBD and KOBD", nullptr},
+        {"411C10", "(a state that the standard does not define)", nullptr},
+        {"41511C", "dual fuel, diesel and LNG", nullptr},
+        {"416B2100320000", "bank 1 sensor 1 -40 ° C, bank 1 sensor 2 160 ° C", nullptr},
+        {"416F082020", "turbocharger B inlet 256 kPa", nullptr},
+        {"4182010000003CFFFFFFFF0000000000000000000000000000000000000000000000000000000000000000",
+         "first device, timer 1 60 s", nullptr},
+        {"418A010000", "(data bytes are missing)", nullptr},
+        {"418881002000640BB8000000000000",
+         "inducement within the current 10,000 km 100 km, driven of the current 10,000 km 3000 km, "
+         "inducement 10,000 to 20,000 km ago 0 km, inducement 20,000 to 30,000 km ago 0 km, "
+         "inducement 30,000 to 40,000 km ago 0 km, inducement active, now: reagent level too low, "
+         "30,000 to 40,000 km ago: incorrect reagent",
+         nullptr},
+        {"418F0301FF38000000",
+         "bank 1 output -2.00 %, bank 1 sensor measuring, bank 1 sensor not regenerating", nullptr},
+        {"41900C0010",
+         "continuous malfunction indicator 16 h, malfunction indicator: continuous, emission monitors: "
+         "complete",
+         nullptr},
+        {"41920303", "fuel pressure control 1: closed loop, injection quantity control 1: closed loop",
+         nullptr},
+        {"4194030D0001FFFFFFFFFFFFFFFF",
+         "reagent quality counter 1 h, NOx warning active, inducement level 1: active, "
+         "inducement level 2: enabled, inducement level 3: inactive",
+         nullptr},
+        {"419F0180", "bank 1 system A 50.2 %", nullptr},
+        {"419F020080000000000000", "bank 1 system B 50.2 %", nullptr},
+        {"41A301FFFC000000000000", "pressure A -1.00 Pa", nullptr},
+        {"41A4033005DC", "gear ratio 1.500, gear 3", nullptr},
+        {"419A010100000000", "charge depleting", nullptr},
+        {"41C31234", "(not decoded here)", nullptr},
+        {"41C51234", "(not decoded here)", nullptr},
         {"NODATA", "(no answer to this PID)", nullptr},
         {"7F0112", "(no answer to this PID)", nullptr},
         {"410C1", "(no answer to this PID)", nullptr},
@@ -205,6 +238,27 @@ TEST(standard_reading, pid_values) {
                       QString::fromUtf8(c.imperial))
                 << c.reply;
         }
+    }
+}
+
+// A car that tells greatest values scales by them; zero leaves the usual scale.
+TEST(standard_reading, scales_of_the_car) {
+    full_scales scales;
+    take_full_scales(0x4F, QByteArray::fromHex("04104019"), scales);
+    take_full_scales(0x50, QByteArray::fromHex("64000000"), scales);
+    take_full_scales(0x0C, QByteArray::fromHex("FFFFFFFF"), scales);
+    const std::array<const char*, 3> rows[] = {
+        {"410B8C", "137 kPa", "140 kPa"},
+        {"411003E8", "15.26 g/s", "10.00 g/s"},
+        {"41258000C000", "voltage 12.000 V, lambda 2.000", "voltage 6.000 V, lambda 1.000"},
+        {"413A80008100", "current 0.500 mA, lambda 2.000", "current 1.000 mA, lambda 1.000"},
+        {"41448000", "2.000", "1.000"},
+        {"41149A80", "voltage 0.770 V, fuel trim 0.0 %", "voltage 0.770 V, fuel trim 0.0 %"},
+        {"41423A98", "15.000 V", "15.000 V"},
+    };
+    for (const auto& [reply, scaled, usual] : rows) {
+        EXPECT_EQ(pid_value_text(read_pid_value(reply, {unit_system::metric, scales})), scaled) << reply;
+        EXPECT_EQ(pid_value_text(read_pid_value(reply, unit_system::metric)), usual) << reply;
     }
 }
 
