@@ -46,6 +46,7 @@ main_window::main_window(program_core& its_core)
 
 main_window::~main_window() {
     qApp->removeEventFilter(this);
+    core.vehicles.deletion_failed = nullptr;
     refuse_questions();
     delegate.applicationWillTerminate();
     const auto last = std::move(view); // while it goes, nobody is told of what it does
@@ -86,6 +87,7 @@ void main_window::start() {
     started_with = link_now();
     if (!core.folder_problem().isEmpty())
         show_message(QString(), core.folder_problem());
+    core.vehicles.deletion_failed = [this](const QString& problem) { tell({QString(), problem}); };
     delegate.applicationDidFinishLaunching(this);
     show_surroundings();
 }

@@ -140,12 +140,4 @@ QString manage_logsDB::output_folder() const {
     return QDir(folder).exists() ? folder : QString();
 }
 
-bool log_deletion::step() {
-    if (failed || done == ids.size())
-        return false;
-    failed = !db.delete_a_DB_log(ids.at(done));
-    done += !failed;
-    return !failed && done < ids.size();
-}
-
 } // namespace brivant

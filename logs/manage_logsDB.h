@@ -70,22 +70,4 @@ private:
     std::unique_ptr<row_cursor> rows_left;
 };
 
-// Deletes logs one after the other, a log a step, so that it can be shown and stopped.
-class log_deletion {
-public:
-    log_deletion(database& store, QList<int> log_ids) : db(store), ids(std::move(log_ids)) {}
-
-    // Deletes the next log. True while there are more; false too when it could not be deleted.
-    bool step();
-    bool has_failed() const { return failed; }
-    qsizetype deleted() const { return done; }
-    qsizetype asked() const { return ids.size(); }
-
-private:
-    database& db;
-    const QList<int> ids;
-    qsizetype done = 0;
-    bool failed = false;
-};
-
 } // namespace brivant

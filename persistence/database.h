@@ -30,6 +30,10 @@ public:
     // Makes the file when it is missing, else adds what older versions of the program lacked. True when
     // results can be stored. Run at start-up, and again before a result is stored.
     bool init_DB();
+    // Adds what this program keeps beside the tables of init_DB(), once that has done its work: an index of
+    // the chunks, and a table of raw replies. All else works without them, more slowly. False when they are
+    // not there.
+    bool add_own_parts();
     // The last init_DB() made the file, with one vehicle in it.
     bool is_new() const { return made_now; }
     // What the person should know: why the last operation failed and what to do, as a sentence with the name
@@ -45,6 +49,9 @@ public:
     bool for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row);
     // Runs a deletion. False when it failed; true also when there was nothing to delete.
     bool delete_from_DB(const QString& sql);
+
+    // Several changes as one: all of them or, when `work` gives false or the program is killed, none.
+    bool change(const std::function<bool(sqlite_connection&)>& work);
 
     // `values`: name, model year, engine volume. Without `this_id` a new row, whose id is returned; else the
     // row is changed and 1 returned. -1 on failure.

@@ -17,6 +17,9 @@ const auto probe_vehicles    = QStringLiteral("SELECT * FROM VEHICLES ");
 const auto add_pid_record    = QStringLiteral("ALTER TABLE VEHICLES ADD COLUMN 'XTRA_INFO' TEXT default NULL");
 const auto probe_gps         = QStringLiteral("SELECT DATA2 FROM   LOGGIES_DATA ");
 const auto add_gps           = QStringLiteral("ALTER TABLE LOGGIES_DATA ADD COLUMN 'DATA2' TEXT");
+const auto create_replies    = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_REPLIES (LOG_ID INTEGER NOT NULL, SEQUENCE INTEGER NOT NULL, REQUEST TEXT NOT NULL, REPLY TEXT NOT NULL, PROTOCOL INTEGER NOT NULL, HEADERS_SHOWN INTEGER NOT NULL, MILLISECONDS INTEGER NOT NULL, PRIMARY KEY (LOG_ID, SEQUENCE))");
+const auto forget_replies    = QStringLiteral("BV_FORGET_REPLIES AFTER DELETE ON LOGGIES BEGIN DELETE FROM BV_REPLIES WHERE LOG_ID = OLD.LOG_ID; END");
+const auto index_chunks      = QStringLiteral("CREATE INDEX IF NOT EXISTS BV_CHUNKS_OF_LOG ON LOGGIES_DATA (LOG_ID)");
 // clang-format on
 
 bool required(sqlite_connection& connection, const QString& sql) {
@@ -55,28 +58,31 @@ bool add_what_is_missing(sqlite_connection& connection) {
     return required(connection, create_codes);
 }
 
-bool all_or_nothing(sqlite_connection& connection, bool (*work)(sqlite_connection&)) {
-    if (!required(connection, QStringLiteral("BEGIN IMMEDIATE")))
-        return false;
-    if (work(connection) && required(connection, QStringLiteral("COMMIT")))
-        return true;
-    if (connection.in_transaction())
-        connection.execute(QStringLiteral("ROLLBACK"));
-    return false;
-}
-
 } // namespace
 
 bool create_schema(sqlite_connection& connection) {
-    return all_or_nothing(connection, fill_new_database);
+    return connection.as_one([&] { return fill_new_database(connection); });
 }
 
 bool migrate_schema(sqlite_connection& connection) {
-    return all_or_nothing(connection, add_what_is_missing);
+    return connection.as_one([&] { return add_what_is_missing(connection); });
 }
 
 bool create_photo_table(sqlite_connection& connection) {
     return required(connection, create_photos);
+}
+
+bool add_own_schema(sqlite_connection& connection) {
+    return required(connection, index_chunks) && required(connection, create_replies) &&
+           required(connection, QStringLiteral("CREATE TRIGGER IF NOT EXISTS ") + forget_replies);
+}
+
+void let_own_triggers_run(sqlite_connection& connection) {
+    sqlite_statement foreign(
+        connection, QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='trigger' AND sql IS NOT ?"));
+    if (foreign.is_prepared() && foreign.bind(1, QStringLiteral("CREATE TRIGGER ") + forget_replies) &&
+        foreign.step() == sqlite_statement::stepped::done)
+        connection.let_triggers_run();
 }
 
 } // namespace brivant

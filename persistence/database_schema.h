@@ -13,5 +13,10 @@ bool create_schema(sqlite_connection& connection);
 bool migrate_schema(sqlite_connection& connection);
 // Makes the table of the photos when it is missing.
 bool create_photo_table(sqlite_connection& connection);
+// Makes what this program keeps beside the tables, within a transaction of the caller.
+bool add_own_schema(sqlite_connection& connection);
+// With a log its raw replies go, by a trigger, which holds for other programs too. Triggers of the file run
+// only where it has no other than this one, letter for letter.
+void let_own_triggers_run(sqlite_connection& connection);
 
 } // namespace brivant

@@ -95,6 +95,16 @@ bool sqlite_connection::execute(const QString& sql) {
     return state == sqlite_statement::stepped::done;
 }
 
+bool sqlite_connection::as_one(const std::function<bool()>& work) {
+    if (!execute(QStringLiteral("BEGIN IMMEDIATE")))
+        return false;
+    if (work() && execute(QStringLiteral("COMMIT")))
+        return true;
+    if (in_transaction()) // else SQLite has given it up itself
+        execute(QStringLiteral("ROLLBACK"));
+    return false;
+}
+
 bool sqlite_connection::fail() {
     return fail(sqlite3_errcode(db) & 0xff, QString::fromUtf8(sqlite3_errmsg(db)));
 }
@@ -124,8 +134,8 @@ bool sqlite_statement::bind(int position, const QString& value) {
                                         SQLITE_UTF8));
 }
 
-bool sqlite_statement::bind(int position, int number) {
-    return accepted(sqlite3_bind_int(statement, position, number));
+bool sqlite_statement::bind(int position, qint64 number) {
+    return accepted(sqlite3_bind_int64(statement, position, number));
 }
 
 bool sqlite_statement::bind(int position, const QByteArray& bytes) {

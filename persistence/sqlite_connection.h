@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 #include <sqlite3.h>
 
 namespace brivant {
@@ -47,6 +48,10 @@ public:
     // Back to one plain file that can be copied and read anywhere; nothing while somebody else has it open.
     void end_log_ahead();
     bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
+    // What `work` changes is changed as a whole when it gives true, else not at all.
+    bool as_one(const std::function<bool()>& work);
+    // For whoever knows what triggers the file has.
+    void let_triggers_run() { sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr); }
     qint64 last_row_id() const { return sqlite3_last_insert_rowid(db); }
     int changed_rows() const { return sqlite3_changes(db); }
     // The last refusal of this connection or one of its statements.
@@ -78,7 +83,7 @@ public:
     bool is_prepared() const { return statement != nullptr; }
     // Positions count from 1; false when the place does not exist or the value is too large.
     bool bind(int position, const QString& text);
-    bool bind(int position, int number);
+    bool bind(int position, qint64 number);
     bool bind(int position, const QByteArray& blob); // null bytes bind NULL
 
     stepped step();

@@ -42,25 +42,6 @@ std::optional<vehicle> vehicle_or_first(database& db, int veh_id) {
     return vehicles.isEmpty() ? std::nullopt : std::optional(vehicles.first());
 }
 
-bool delete_vehicle(database& db, int veh_id) {
-    if (!db.delete_from_DB(query("DELETE FROM VEHICLES WHERE VEH_ID=%@", veh_id)) ||
-        !db.delete_from_DB(query("DELETE FROM VEH_IMAGES WHERE VEH_ID=%@", veh_id)))
-        return false;
-    QList<int> log_ids;
-    const bool listed = db.for_each_row(query("SELECT * FROM LOGGIES where VEH_ID = %@", veh_id),
-                                        [&log_ids](const QStringList& row) {
-                                            log_ids.append(row.value(0).toInt());
-                                            return true;
-                                        });
-    if (!listed)
-        return false;
-    for (const int log_id : log_ids) {
-        if (!db.delete_from_DB(query("DELETE FROM LOGGIES_DATA WHERE LOG_ID=%@", log_id)))
-            return false;
-    }
-    return db.delete_from_DB(query("DELETE FROM LOGGIES WHERE VEH_ID=%@", veh_id));
-}
-
 int store_vehicle_photo(database& db, int veh_id, const QImage& photo) {
     const QList<QStringList> rows =
         db.retrieve_from_DB(query("SELECT VEH_IMAGE_ID, VEH_ID FROM VEH_IMAGES WHERE VEH_ID=%@", veh_id));

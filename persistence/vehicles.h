@@ -21,9 +21,6 @@ std::optional<vehicle> vehicle_with_id(database& db, int veh_id);
 // The vehicle that was current last time, or the first one when it is gone; none when there is none.
 std::optional<vehicle> vehicle_or_first(database& db, int veh_id);
 
-// Deletes the vehicle with its photos and logs, and stops at the first refusal. True when all of it is gone.
-bool delete_vehicle(database& db, int veh_id);
-
 // Stores the photo in place of the vehicle's present one, if any. The id of its row, 0 or less on failure.
 int store_vehicle_photo(database& db, int veh_id, const QImage& photo);
 QImage photo_of_vehicle(database& db, int veh_id);

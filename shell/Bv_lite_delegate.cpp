@@ -67,6 +67,8 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
         toolies.setDefaults();
     if (!db.init_DB())
         view.show_message(QString(), db.problem());
+    else if (!db.add_own_parts())
+        console_log(db.problem()); // all else works without them
     pick_current_vehicle();
     if (area)
         area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));

@@ -9,6 +9,7 @@
 #include "livedata/live_results.h"
 #include "persistence/database.h"
 #include "shell/launch_options.h"
+#include "shell/vehicle_list.h"
 #include "toolkit/mac_toolies.h"
 
 #include <QTemporaryDir>
@@ -51,6 +52,7 @@ public:
     database db;
     qt_timers clock;
     mac_toolies toolies{adapter, car, defaults, db};
+    vehicle_list vehicles{car, toolies, clock};
     diagnostic_results diagnostics;
     live_results live{[this](const QString& body) { return toolies.shown_number(body); }};
     expert_session expert{defaults};

@@ -1,6 +1,7 @@
 #include "shell/vehicle_list.h"
 
 #include "base/string_table.h"
+#include "base/work_a_moment.h"
 
 #include <algorithm>
 
@@ -24,10 +25,30 @@ QString no_such_vehicle(int veh_id) {
     return QStringLiteral("There is no vehicle with the number %1.").arg(veh_id);
 }
 
+// The statements for the values take no apostrophe; the keyed update does.
+int store_values(database& db, int veh_id, const vehicle_values& values) {
+    const QStringList texts{values.name, values.model_year, values.engine_volume};
+    QStringList plain = texts;
+    plain.replaceInStrings(QStringLiteral("'"), QString());
+    const bool is_new = veh_id < 0;
+    if (is_new || plain == texts) {
+        const int stored =
+            db.add_update_DB(plain, vehicles_table, is_new ? QString() : QString::number(veh_id));
+        if (stored <= 0 || plain == texts)
+            return stored;
+        veh_id = stored;
+    }
+    return db.update_tableInDB2(
+               {QStringLiteral("NAME"), QStringLiteral("MODEL_YEAR"), QStringLiteral("ENG_VOL")}, texts,
+               vehicles_table, QStringLiteral("VEH_ID"), QString::number(veh_id))
+               ? veh_id
+               : -1;
+}
+
 } // namespace
 
-vehicle_list::vehicle_list(car_state& its_car, mac_toolies& its_toolies)
-    : car(its_car), defaults(its_toolies.settings()), db(its_toolies.store()) {}
+vehicle_list::vehicle_list(car_state& its_car, mac_toolies& its_toolies, timers& time_source)
+    : car(its_car), defaults(its_toolies.settings()), db(its_toolies.store()), clock(time_source) {}
 
 QList<vehicle> vehicle_list::load_vehicles() {
     return all_vehicles(db);
@@ -44,8 +65,7 @@ vehicle_list::saved vehicle_list::saveCurCarVals(int veh_id, const vehicle_value
     const bool is_new = veh_id < 0;
     if (!is_new && !vehicle_with_id(db, veh_id))
         return {-1, no_such_vehicle(veh_id)};
-    const int stored = db.add_update_DB({values.name, values.model_year, values.engine_volume},
-                                        vehicles_table, is_new ? QString() : QString::number(veh_id));
+    const int stored = store_values(db, veh_id, values);
     if (stored <= 0)
         return {-1, db.problem()};
     const int id = is_new ? stored : veh_id;
@@ -61,18 +81,60 @@ QString vehicle_list::deleteCar(int veh_id) {
         return no_such_vehicle(veh_id);
     if (vehicles.size() == 1)
         return localised(QStringLiteral("TOAST_CANNOT_DELETE_VEH_ITEM"));
-    const bool all_gone = delete_vehicle(db, veh_id);
-    const QString problem = all_gone ? QString() : db.problem();
-    const QList<vehicle> left = load_vehicles();
-    if (std::any_of(left.begin(), left.end(), has_id))
-        return problem;
-    defaults.remove(setting::sample_set.of_vehicle(veh_id));
-    const QString not_kept =
-        is_current(veh_id) && !left.isEmpty() ? make_current(left.first().id) : QString();
-    return problem.isEmpty() ? not_kept : problem;
+    if (going)
+        return QStringLiteral("Wait until the other vehicle is deleted.");
+    going = std::make_unique<vehicle_deletion>(db, veh_id);
+    if (!work_a_moment([this] { return going->step(); }))
+        return end_deletion();
+    next_slice = clock.one_shot(0, [this] { delete_slice(); });
+    return hand_over(veh_id);
+}
+
+void vehicle_list::delete_slice() {
+    const bool more = work_a_moment([this] { return going->step(); });
+    if (more)
+        next_slice = clock.one_shot(0, [this] { delete_slice(); });
+    const QString problem = more ? QString() : end_deletion();
+    if (deletion_changed)
+        deletion_changed();
+    if (!problem.isEmpty() && deletion_failed)
+        deletion_failed(problem);
+}
+
+QString vehicle_list::finish_deletion() {
+    if (!going)
+        return {};
+    while (going->step()) {
+    }
+    return end_deletion();
+}
+
+QString vehicle_list::end_deletion() {
+    next_slice.reset();
+    const auto ended = std::move(going);
+    if (!ended->has_failed()) {
+        defaults.remove(setting::sample_set.of_vehicle(ended->veh_id()));
+        return hand_over(ended->veh_id());
+    }
+    return ended->logs().deleted() == 0
+               ? db.problem()
+               : QStringLiteral("The vehicle is still listed, with the logs that are left. ") + db.problem();
+}
+
+// The vehicle is gone or going.
+QString vehicle_list::hand_over(int veh_id) {
+    if (!is_current(veh_id))
+        return {};
+    for (const vehicle& one : load_vehicles()) {
+        if (one.id != veh_id)
+            return make_current(one.id);
+    }
+    return {};
 }
 
 QString vehicle_list::setCurrentCar(int veh_id) {
+    if (is_going(veh_id))
+        return QStringLiteral("This vehicle is being deleted.");
     return vehicle_with_id(db, veh_id) ? make_current(veh_id) : no_such_vehicle(veh_id);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/timers.h"
+#include "persistence/deletions.h"
 #include "persistence/vehicles.h"
 #include "toolkit/mac_toolies.h"
 
@@ -18,10 +20,14 @@ struct vehicle_values {
 // comes back as a sentence. All that it is given outlives it.
 class vehicle_list {
 public:
-    vehicle_list(car_state& its_car, mac_toolies& its_toolies);
+    vehicle_list(car_state& its_car, mac_toolies& its_toolies, timers& time_source);
 
     // Another vehicle has become current.
     std::function<void()> current_changed;
+    // A deletion has gone on or ended.
+    std::function<void()> deletion_changed;
+    // What a deletion could not do, told when it ends later than deleteCar().
+    std::function<void(const QString&)> deletion_failed;
 
     QList<vehicle> load_vehicles();
     int count_of_logs(int veh_id) const;
@@ -34,9 +40,15 @@ public:
     // Stores a new vehicle (`veh_id` -1), or changes one. A null photo leaves the present one.
     saved saveCurCarVals(int veh_id, const vehicle_values& values, const QImage& photo);
 
-    // Deletes the vehicle with its photo, its logs and its sample set. The only one is refused. When the
-    // current one goes, the first of the list becomes current. "" when it is gone.
+    // Deletes the vehicle with its photo, its logs and its sample set; with many logs it goes on in slices,
+    // whatever screen is shown, and is listed until it is gone. The only one is refused. When the current one
+    // goes, the first of the others becomes current. "" when it is gone or going.
     QString deleteCar(int veh_id);
+    // Null while none is being deleted.
+    const vehicle_deletion* deletion() const { return going.get(); }
+    bool is_going(int veh_id) const { return going && going->veh_id() == veh_id; }
+    // Does the rest of a deletion at once, for a program without an event loop. "" when it is gone.
+    QString finish_deletion();
 
     // Results, logs and sample sets are from now on those of this vehicle. "" when it is current and will be
     // at the next start.
@@ -50,10 +62,16 @@ public:
 
 private:
     QString make_current(int veh_id);
+    QString hand_over(int veh_id);
+    void delete_slice();
+    QString end_deletion();
 
     car_state& car;
     user_defaults& defaults;
     database& db;
+    timers& clock;
+    std::unique_ptr<vehicle_deletion> going;
+    timer_handle next_slice;
 };
 
 } // namespace brivant

@@ -114,6 +114,7 @@ QString logs_run::wrong_words(const QStringList& words, bool yes) {
 void logs_run::start() {
     if (!core.db.init_DB())
         return end(core.db.problem(), false);
+    core.db.add_own_parts();
     const QString& what = core.options.arguments.first();
     if (what == QLatin1String("list"))
         return list();

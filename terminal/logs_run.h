@@ -1,6 +1,7 @@
 #pragma once
 
 #include "logs/manage_logsDB.h"
+#include "persistence/deletions.h"
 #include "persistence/log_export.h"
 #include "terminal/cli_screen.h"
 #include "terminal/terminal_run.h"

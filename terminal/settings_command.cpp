@@ -132,7 +132,7 @@ QString store(const profile_context& context, const setting_row& row, const QStr
     if (row == setting::sample_set)
         return store_sample_set(context, row.vehicle, value);
     if (row == setting::current_vehicle)
-        return vehicle_list(context.core.car, context.toolies).setCurrentCar(value.toInt());
+        return context.core.vehicles.setCurrentCar(value.toInt());
     context.core.defaults.store(row, row.value_of(value));
     return {};
 }

@@ -130,7 +130,7 @@ command_result run_vehicles(const profile_context& context, const QStringList& w
     database& db = context.core.db;
     if (!db.problem().isEmpty())
         return {{}, {}, db.problem()};
-    vehicle_list list(context.core.car, context.toolies);
+    vehicle_list& list = context.core.vehicles;
     const QString what = words.value(0);
     if (what == QLatin1String("list"))
         return listed(list);
@@ -147,6 +147,8 @@ command_result run_vehicles(const profile_context& context, const QStringList& w
         return saved(list, db, *before, words.sliced(2));
     command_result result;
     result.problem = what == QLatin1String("use") ? list.setCurrentCar(id) : list.deleteCar(id);
+    if (list.deletion())
+        result.problem = list.finish_deletion();
     result.json.insert(QStringLiteral("vehicle"), as_json(list, *before));
     return result;
 }

@@ -2,6 +2,7 @@
 
 #include "app/look/numbers.h"
 #include "app/look/theme.h"
+#include "base/work_a_moment.h"
 
 #include <QHBoxLayout>
 #include <algorithm>
@@ -96,7 +97,7 @@ void export_progress::begin_next() {
 }
 
 void export_progress::write_slice() {
-    const bool more = work_a_moment(slice_ms, [this] { return exporting->step(lines_at_once); });
+    const bool more = work_a_moment([this] { return exporting->step(lines_at_once); });
     show_progress();
     if (more)
         return;

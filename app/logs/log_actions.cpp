@@ -1,8 +1,8 @@
 #include "app/logs/log_actions.h"
 
 #include "app/logs/plots_popup.h"
-#include "app/look/numbers.h"
 #include "app/sharing/report_popup.h"
+#include "base/work_a_moment.h"
 #include "logs/log_texts.h"
 #include "persistence/log_files.h"
 
@@ -18,7 +18,6 @@ namespace brivant {
 
 namespace {
 
-constexpr int slice_ms = 10;           // below a frame of the screen
 constexpr qsizetype most_reports = 20; // shown at once in the place of an export
 constexpr qsizetype most_plots = 8;    // windows opened at once
 
@@ -121,7 +120,7 @@ void log_actions::delete_logs(const QList<log_header>& logs) {
 }
 
 void log_actions::delete_slice() {
-    if (!work_a_moment(slice_ms, [this] { return deletion->step(); }))
+    if (!work_a_moment([this] { return deletion->step(); }))
         return end_deletion();
     context.window.show_status(
         QStringLiteral("Deleting: %1 of %2").arg(deletion->deleted()).arg(deletion->asked()));

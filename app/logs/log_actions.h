@@ -3,6 +3,7 @@
 #include "app/logs/export_progress.h"
 #include "app/screen/screen_view.h"
 #include "logs/manage_logsDB.h"
+#include "persistence/deletions.h"
 
 #include <memory>
 

@@ -1,10 +1,10 @@
 #include "app/logs/logs_view.h"
 
 #include "app/logs/plots_popup.h"
-#include "app/look/numbers.h"
 #include "app/look/tables.h"
 #include "app/screen/reading_choice.h"
 #include "base/string_table.h"
+#include "base/work_a_moment.h"
 #include "logs/log_texts.h"
 
 #include <QHeaderView>
@@ -19,7 +19,6 @@ namespace {
 constexpr int empty_icon_size = 32;
 constexpr int row_height = 34;
 constexpr int rows_at_once = 100;
-constexpr int slice_ms = 10; // below a frame of the screen
 constexpr int preview_delay_ms = 150;
 
 } // namespace
@@ -136,7 +135,7 @@ void logs_view::load() {
 // Rows for a moment; the rest when the event loop had its turn.
 void logs_view::read_block() {
     const bool more =
-        manager.is_loading() && work_a_moment(slice_ms, [this] { return manager.load_more(rows_at_once); });
+        manager.is_loading() && work_a_moment([this] { return manager.load_more(rows_at_once); });
     model.append();
     show_list();
     if (more)

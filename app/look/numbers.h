@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QLocale>
 
 namespace brivant {
@@ -16,17 +15,6 @@ inline QString hours_minutes_seconds(qint64 seconds) {
         .arg(seconds / 3600, 2, 10, QLatin1Char('0'))
         .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
-}
-
-// Does one step after the other for that long, while there is more to do; gives whether there is.
-template <class one_step>
-bool work_a_moment(int milliseconds, one_step step) {
-    QElapsedTimer spent;
-    spent.start();
-    bool more = true;
-    while (more && spent.elapsed() < milliseconds)
-        more = step();
-    return more;
 }
 
 } // namespace brivant

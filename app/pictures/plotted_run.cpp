@@ -2,6 +2,7 @@
 
 #include "app/look/numbers.h"
 #include "base/shared_types.h"
+#include "base/work_a_moment.h"
 #include "livedata/second_value.h"
 
 #include <QDateTime>
@@ -31,7 +32,7 @@ plotted_run::plotted_run(program_core& core, const log_header& log, qsizetype mo
       units(toolies.units()), by_standard(toolies.standard_reading()) {}
 
 bool plotted_run::read_slice() {
-    const bool more = work_a_moment(slice_ms, [this] { return reader.step(lines_at_once); });
+    const bool more = work_a_moment([this] { return reader.step(lines_at_once); });
     if (!more)
         list_columns();
     return more;

@@ -13,9 +13,8 @@ namespace {
 constexpr QSize photo_size{270, 152};
 }
 
-prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context,
-                               mac_toolies& its_toolies)
-    : context(its_context), list(context.core.car, its_toolies), rows(list, context.core.db),
+prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context)
+    : context(its_context), list(context.core.vehicles), rows(list, context.core.db),
       delegate(context.frame.look()), view(its_view), ui(its_ui) {
     ui.vehicle_table->setModel(&rows);
     ui.vehicle_table->setItemDelegate(&delegate);
@@ -36,12 +35,15 @@ prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const
     connect(ui.vehicle_delete, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
     connect(ui.vehicle_use, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
     list.current_changed = [this] { context.link.set_up_next_time(false); }; // its record is to be read
+    list.deletion_changed = [this] { show_deletion(); };
     load_vehicles();
     select(context.core.car.cur_veh_id());
 }
 
 // The table outlives the model and the delegate.
 prefs_vehicles::~prefs_vehicles() {
+    list.current_changed = nullptr;
+    list.deletion_changed = nullptr;
     ui.vehicle_table->selectionModel()->disconnect(this);
     ui.vehicle_table->disconnect(this);
     ui.vehicle_table->setItemDelegate(nullptr);
@@ -113,6 +115,19 @@ void prefs_vehicles::delete_now(int veh_id) {
         Q_EMIT current_changed();
     }
     tell(problem);
+    if (list.deletion())
+        show_deletion();
+}
+
+void prefs_vehicles::show_deletion() {
+    const vehicle_deletion* deletion = list.deletion();
+    context.window.show_status(deletion ? QStringLiteral("Deleting the vehicle: %1 of %2 logs")
+                                              .arg(deletion->logs().deleted())
+                                              .arg(deletion->logs().asked())
+                                        : QStringLiteral("Ready"));
+    if (deletion)
+        return show_selected();
+    load_vehicles();
 }
 
 void prefs_vehicles::setCurrentCar() {
@@ -149,9 +164,10 @@ QString prefs_vehicles::knowledge_of(const vehicle& one) const {
 
 void prefs_vehicles::show_selected() {
     const vehicle* one = selected();
-    for (QPushButton* button : {ui.vehicle_edit, ui.vehicle_delete})
-        button->setEnabled(one);
-    ui.vehicle_use->setEnabled(one && !list.is_current(one->id));
+    const bool is_going = one && list.is_going(one->id);
+    ui.vehicle_edit->setEnabled(one && !is_going);
+    ui.vehicle_delete->setEnabled(one && !list.deletion());
+    ui.vehicle_use->setEnabled(one && !is_going && !list.is_current(one->id));
     ui.vehicle_use->setToolTip(one && list.is_current(one->id) ? QStringLiteral("This is the current vehicle")
                                                                : QString());
     for (QLabel* part : {ui.vehicle_photo, ui.vehicle_facts, ui.vehicle_knowledge})
@@ -167,7 +183,7 @@ void prefs_vehicles::show_selected() {
     theme::mark(*ui.vehicle_shown_name, "role", QStringLiteral("heading"));
     ui.vehicle_shown_name->setText(one->name);
     ui.vehicle_facts->setText(vehicle_rows::facts_of(*one));
-    ui.vehicle_knowledge->setText(knowledge_of(*one));
+    ui.vehicle_knowledge->setText(is_going ? QStringLiteral("It is being deleted.") : knowledge_of(*one));
     ui.vehicle_photo->setPixmap(
         rounded_picture(rows.photo_of(one->id), photo_size, ui.vehicle_photo->devicePixelRatioF()));
 }

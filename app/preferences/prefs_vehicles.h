@@ -12,8 +12,7 @@ class prefs_vehicles : public QObject {
 
 public:
     // `ui` outlives it; its widgets are those whose names begin with "vehicle_".
-    prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context,
-                   mac_toolies& its_toolies);
+    prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const view_context& its_context);
     ~prefs_vehicles() override;
 
     // Reads the vehicles anew.
@@ -33,13 +32,14 @@ private:
     void stored(int veh_id, int mode);
     void deleteCar();
     void delete_now(int veh_id);
+    void show_deletion();
     void setCurrentCar();
     void tell(const QString& problem);
     void show_selected();
     QString knowledge_of(const vehicle& one) const;
 
     view_context context;
-    vehicle_list list;
+    vehicle_list& list;
     vehicle_rows rows;
     vehicle_delegate delegate;
 

@@ -19,6 +19,11 @@ QString link_of_this_run(const launch_options& options) {
     }
 }
 
+// An address that was pasted may bring blanks along.
+QString typed_in(const QLineEdit* field) {
+    return field->text().trimmed();
+}
+
 // The problem takes the place of the help.
 void show_problem(QLabel& beside, QLabel& help, const QString& problem) {
     beside.setText(problem);
@@ -32,7 +37,7 @@ prefs_view::prefs_view(const view_context& its_context)
     : screen_view(its_context), ui(laid_out_in<Ui::prefs>(*this)),
       settings(context.core.defaults, context.core.place, context.link, context.core.toolies),
       connection(ui, context, context.core.toolies), pids(*new pid_chooser(context, ui.pids)),
-      vehicles(*this, ui, context, context.core.toolies) {
+      vehicles(*this, ui, context) {
     ui.pids_column->addWidget(&pids);
     ui.run_note->setText(
         QStringLiteral("This run was started with %1, which stays in use until you change the link here.")
@@ -74,9 +79,9 @@ void prefs_view::connect_tabs() {
 void prefs_view::test_connection() {
     ui.tabs->setCurrentIndex(0);
     savePrefs();
-    if (ui.wifi->isChecked() && !preferences::address_problem(ui.address->text()).isEmpty())
+    if (ui.wifi->isChecked() && !preferences::address_problem(typed_in(ui.address)).isEmpty())
         return ui.address->setFocus();
-    if (ui.wifi->isChecked() && !preferences::port_problem(ui.port->text()).isEmpty())
+    if (ui.wifi->isChecked() && !preferences::port_problem(typed_in(ui.port)).isEmpty())
         return ui.port->setFocus();
     connection.start();
 }
@@ -102,7 +107,9 @@ void prefs_view::setPrefsScreen() {
     ui.log_runs->setChecked(now.log_runs);
     ui.time_stamps->setChecked(now.time_stamps);
     ui.reading_by_standard->setChecked(now.standard_reading);
-    ui.sample_rate->setCurrentIndex(std::max(0, ui.sample_rate->findData(now.sample_rate)));
+    if (ui.sample_rate->findData(now.sample_rate) < 0) // set in the file by hand
+        ui.sample_rate->addItem(QStringLiteral("Every %1 secs").arg(now.sample_rate), now.sample_rate);
+    ui.sample_rate->setCurrentIndex(ui.sample_rate->findData(now.sample_rate));
     filling = false;
     handle_interface();
     show_problems();
@@ -111,8 +118,8 @@ void prefs_view::setPrefsScreen() {
 general_settings prefs_view::chosen() const {
     general_settings what;
     what.interface_kind = ui.wifi->isChecked() ? interface_wifi : interface_bluetooth;
-    what.wifi_ip = ui.address->text();
-    what.wifi_port = ui.port->text();
+    what.wifi_ip = typed_in(ui.address);
+    what.wifi_port = typed_in(ui.port);
     what.metric_units = ui.metric_units->isChecked();
     what.log_runs = ui.log_runs->isChecked();
     what.time_stamps = ui.time_stamps->isChecked();
@@ -133,6 +140,18 @@ void prefs_view::savePrefs() {
 }
 
 void prefs_view::setDefaultsClicked() {
+    context.frame.ask(
+        QStringLiteral("Set the defaults?"),
+        QStringLiteral("Link, address, units, sample rate and reading get the values of a new "
+                       "installation, and so do the chosen PIDs of the current vehicle. \u201cLog "
+                       "runs\u201d is switched on. Vehicles and logs stay."),
+        {QStringLiteral("Set defaults"), QStringLiteral("Cancel")}, [this](bool yes) {
+            if (yes)
+                set_defaults();
+        });
+}
+
+void prefs_view::set_defaults() {
     stop();
     const bool written = settings.restore_first_values();
     setPrefsScreen();
@@ -140,7 +159,7 @@ void prefs_view::setDefaultsClicked() {
     tell_unless(written);
     context.frame.settings_changed();
     if (written)
-        context.window.show_toast(QStringLiteral("Every setting has its first value again."));
+        context.window.show_toast(QStringLiteral("The defaults are set. \u201cLog runs\u201d is on."));
 }
 
 void prefs_view::handle_interface() {
@@ -160,8 +179,8 @@ void prefs_view::show_device() {
 }
 
 void prefs_view::show_problems() {
-    show_problem(*ui.address_problem, *ui.address_help, preferences::address_problem(ui.address->text()));
-    show_problem(*ui.port_problem, *ui.port_help, preferences::port_problem(ui.port->text()));
+    show_problem(*ui.address_problem, *ui.address_help, preferences::address_problem(typed_in(ui.address)));
+    show_problem(*ui.port_problem, *ui.port_help, preferences::port_problem(typed_in(ui.port)));
 }
 
 void prefs_view::tell_unless(bool written) {

@@ -29,6 +29,7 @@ private:
     void setPrefsScreen();
     void savePrefs();
     void setDefaultsClicked();
+    void set_defaults();
     void handle_interface();
     void show_device();
     void show_problems();

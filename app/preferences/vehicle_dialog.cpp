@@ -89,7 +89,7 @@ void vehicle_dialog::add_photo(QGridLayout& grid) {
 vehicle_dialog::field vehicle_dialog::add_field(QGridLayout& grid, const QString& label,
                                                 const char* object_name, const QString& placeholder,
                                                 const QString& text, QString (*check)(const QString&)) {
-    field one{new QLineEdit(text), new QLabel, check};
+    field one{new QLineEdit(text), new QLabel, check, text};
     one.line->setObjectName(QLatin1String(object_name));
     one.line->setPlaceholderText(placeholder);
     one.line->setMaxLength(longest_typed);
@@ -117,7 +117,8 @@ void vehicle_dialog::open() {
 }
 
 bool vehicle_dialog::check_field(const field& one, bool strict) {
-    const QString problem = one.check(one.line->text());
+    const bool is_as_before = veh_id >= 0 && !one.before.isEmpty() && one.line->text() == one.before;
+    const QString problem = is_as_before ? QString() : one.check(one.line->text());
     // Who has just begun to type a year is not told that it is too short.
     const bool is_on_its_way = one.line == year.line && one.line->text().size() < 4;
     if (strict || !is_on_its_way || problem.isEmpty())
@@ -195,12 +196,8 @@ void vehicle_dialog::save() {
         return close_sheet();
     if (saved.id > 0)
         return tell(*photo_problem, saved.problem);
-    const auto refused = std::find_if(fields.begin(), fields.end(), [](const field& one) {
-        return one.line->text().contains(QLatin1Char('\''));
-    });
-    const field& beside = refused == fields.end() ? name : *refused;
-    tell(*beside.problem, saved.problem);
-    beside.line->setFocus(Qt::OtherFocusReason);
+    tell(*name.problem, saved.problem);
+    name.line->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace brivant

@@ -39,6 +39,7 @@ private:
         QLineEdit* line;
         QLabel* problem;
         QString (*check)(const QString& text);
+        QString before; // stays good, whatever it is: it may be older than the check
     };
 
     void add_photo(QGridLayout& grid);

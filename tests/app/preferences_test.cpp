@@ -49,7 +49,7 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6"));
     EXPECT_EQ(program.core.place.interface_kind(), interface_wifi);
 
-    program.type("address", "10.0.0.5");
+    program.type("address", " 10.0.0.5\t"); // pasted
     program.type("port", "70000");
     EXPECT_TRUE(program.is_hidden("address_problem"));
     EXPECT_FALSE(program.is_hidden("port_problem"));
@@ -71,8 +71,20 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.press(Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35001"));
 
+    // A rate that the file was given by hand stays, whoever looks at it.
+    program.core.defaults.set(setting::sample_rate, 7);
+    program.open();
+    EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), QStringLiteral("Every 7 secs"));
+    program.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("7"));
+
     program.open();
     program.click("set_defaults");
+    program.press(Qt::Key_Escape);
+    EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6")) << "it was not wanted";
+    program.click("set_defaults");
+    program.press(Qt::Key_Tab);
+    program.press(Qt::Key_Return);
     EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
     EXPECT_EQ(program.core.place.interface_kind(), interface_bluetooth);
     EXPECT_EQ(program.stored("BV_log_runs"), QStringLiteral("true"));

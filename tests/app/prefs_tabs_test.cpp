@@ -124,16 +124,30 @@ TEST(vehicle_dialog, stays_open_with_the_reason_until_its_values_can_be_stored) 
     program.field("vehicle_year").setText(QStringLiteral("2019"));
     QTest::keyClicks(&program.field("vehicle_name"), QStringLiteral("Ann's car"));
     program.press(Qt::Key_Return);
-    ASSERT_NE(program.dialog(), nullptr);
-    EXPECT_TRUE(program.text("vehicle_name_problem").contains(QStringLiteral("apostrophe")));
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh."));
+    EXPECT_EQ(program.dialog(), nullptr);
+    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh., Ann's car"));
+    program.select_vehicle(1);
+    EXPECT_EQ(program.text("vehicle_facts"), QStringLiteral("2019"));
 
+    // What an older version stored freely stays as it is, and does not keep the name from being changed.
+    ASSERT_EQ(
+        program.core.db.add_update_DB({QStringLiteral("Van"), QStringLiteral("MY 12"), QStringLiteral("big")},
+                                      QStringLiteral("VEHICLES"), QStringLiteral("2")),
+        1);
+    program.window->choose_screen(screen_kind::logs);
+    program.window->choose_screen(screen_kind::preferences);
+    program.show_tab(vehicles_tab);
+    program.select_vehicle(1);
+    program.click("vehicle_edit");
+    program.field("vehicle_volume").setText(QStringLiteral("bigger"));
+    program.press(Qt::Key_Return);
+    EXPECT_TRUE(program.is_shown("vehicle_volume_problem"));
+    program.field("vehicle_volume").setText(QStringLiteral("big"));
     program.field("vehicle_name").setText(QStringLiteral("Car of Ann"));
     program.press(Qt::Key_Return);
     EXPECT_EQ(program.dialog(), nullptr);
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh., Car of Ann"));
-    program.select_vehicle(1);
-    EXPECT_EQ(program.text("vehicle_facts"), QStringLiteral("2019"));
+    EXPECT_EQ(program.text("vehicle_facts"), QStringLiteral("MY 12 \u00b7 big"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     program.click("vehicle_edit");
     program.field("vehicle_name").setText(QStringLiteral("Nobody"));
@@ -207,6 +221,8 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     program.click("vehicle_use");
     EXPECT_EQ(chooser.shown().items(), (QStringList{"0D|7E9"}));
     program.click("set_defaults");
+    program.press(Qt::Key_Tab);
+    program.press(Qt::Key_Return);
     EXPECT_EQ(program.stored_set(1), setting::sample_set.first_value());
     EXPECT_EQ(program.text("chosen_count"), QStringLiteral("4 chosen"));
 }

@@ -2,6 +2,7 @@
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 #include "logs/manage_logsDB.h"
+#include "persistence/deletions.h"
 #include "persistence/vehicles.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/recording_screen.h"

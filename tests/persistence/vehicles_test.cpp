@@ -1,5 +1,6 @@
 #include "persistence/vehicles.h"
 
+#include "persistence/deletions.h"
 #include "persistence/stored_logs.h"
 #include "persistence/vehicle_photos.h"
 #include "tests/persistence/test_database.h"
@@ -53,7 +54,7 @@ TEST(vehicles, bytes_that_are_no_photo_give_none) {
 
 TEST(vehicles, deletion_takes_photos_and_logs_of_that_vehicle_only) {
     test_database t;
-    ASSERT_TRUE(t.db.init_DB());
+    ASSERT_TRUE(t.db.init_DB() && t.db.add_own_parts());
     ASSERT_EQ(t.db.add_update_DB({"Van", "2001", "2.4"}, "VEHICLES"), 2);
     for (const int veh_id : {1, 2, 1}) {
         const int log = t.db.add_2_LOG_DB("Log", veh_id, "sample points");
@@ -61,12 +62,27 @@ TEST(vehicles, deletion_takes_photos_and_logs_of_that_vehicle_only) {
         ASSERT_GT(store_vehicle_photo(t.db, veh_id, picture(2, 2)), 0);
     }
     EXPECT_EQ(vehicle_or_first(t.db, 2)->name, "Van");
-    EXPECT_TRUE(delete_vehicle(t.db, 1));
+    t.outside("INSERT INTO LOGGIES_DATA (LOG_ID, DATA) SELECT 3, 'x' FROM (WITH RECURSIVE n(i) AS "
+              "(SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2500) SELECT i FROM n)");
+    vehicle_deletion first(t.db, 1);
+    EXPECT_EQ(first.logs().asked(), 2);
+    for (int steps = 0; steps < 3; ++steps) { // wherever it is cut short, it is listed
+        ASSERT_TRUE(first.step());
+        EXPECT_EQ(vehicle_or_first(t.db, 1)->id, 1);
+    }
+    EXPECT_EQ(t.column("SELECT COUNT(*) FROM LOGGIES_DATA WHERE LOG_ID=3"), "501");
+    vehicle_deletion again(t.db, 1); // by the next program
+    EXPECT_EQ(again.logs().asked(), 1);
+    while (again.step()) {
+    }
+    EXPECT_FALSE(again.has_failed());
     EXPECT_EQ(t.column("SELECT VEH_ID FROM VEHICLES UNION ALL SELECT VEH_ID FROM VEH_IMAGES "
                        "UNION ALL SELECT VEH_ID FROM LOGGIES UNION ALL SELECT LOG_ID FROM LOGGIES_DATA"),
               "2 2 2 2");
     EXPECT_EQ(vehicle_or_first(t.db, 1)->id, 2);
-    EXPECT_TRUE(delete_vehicle(t.db, 2));
+    vehicle_deletion second(t.db, 2);
+    while (second.step()) {
+    }
     EXPECT_FALSE(vehicle_or_first(t.db, 2).has_value());
 }
 

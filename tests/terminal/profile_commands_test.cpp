@@ -35,18 +35,17 @@ TEST(vehicles_command, keeps_the_vehicles) {
     file.write(QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
     file.close();
     EXPECT_EQ(home.out({"vehicles", "list"}), "*    1  Cur Veh.  2012  3.0 lts.\n");
-    EXPECT_EQ(home.out({"vehicles", "add", "Van", "year=2019", "photo=" + photo}), "2\n");
+    EXPECT_EQ(home.out({"vehicles", "add", "Ann's", "year=2019", "photo=" + photo}), "2\n");
     EXPECT_EQ(home.status({"vehicles", "edit", "2", "engine=1.6"}), 0);
     EXPECT_EQ(home.status({"vehicles", "use", "2"}), 0);
     const QJsonArray listed = home.json({"vehicles", "list"})["vehicles"].toArray();
     EXPECT_EQ(listed[1].toObject(), (QJsonObject{{"id", 2},
-                                                 {"name", "Van"},
+                                                 {"name", "Ann's"},
                                                  {"model_year", "2019"},
                                                  {"engine_volume", "1.6"},
                                                  {"current", true}}));
     for (const QStringList& refused :
-         {QStringList{"vehicles", "add", "Ann's car"},
-          {"vehicles", "use", "9"},
+         {QStringList{"vehicles", "use", "9"},
           {"vehicles", "edit", "2", "photo=" + home.folder.filePath("none.png")}}) {
         const auto [status, out, why] = home.run(refused);
         EXPECT_EQ(status, 1) << refused.join(' ').toStdString();
