@@ -176,6 +176,7 @@ QString launch_options_usage() {
         "  --profile DIR         settings, documents and database below DIR\n"
         "  --metric, --imperial  the units of values\n"
         "  --standard-reading    results as SAE J1979 reads the car's replies\n"
+        "  --log                 results are stored, whatever the preference says\n"
         "  --version, --help\n");
 }
 

@@ -51,7 +51,7 @@ bool preferences::store(const general_settings& chosen) {
     if (chosen.metric_units != before.metric_units)
         defaults.choose(setting::metric_units, chosen.metric_units);
     if (chosen.log_runs != before.log_runs)
-        defaults.set(setting::log_runs, chosen.log_runs);
+        defaults.choose(setting::log_runs, chosen.log_runs);
     if (chosen.time_stamps != before.time_stamps)
         defaults.set(setting::time_stamps, chosen.time_stamps);
     if (chosen.sample_rate != before.sample_rate)

@@ -43,8 +43,7 @@ QString usage() {
         "  vehicles list|add|edit|delete|use, settings get|set\n"
         "                        the vehicles and the preferences; the manual page tells their words\n");
     return text + QLatin1Char('\n') + launch_options_usage() +
-           QStringLiteral("  --log                 store the results, whatever the preference says\n"
-                          "  --json                one JSON object on standard output\n"
+           QStringLiteral("  --json                one JSON object on standard output\n"
                           "  --yes                 the answer to every question\n"
                           "\nResults go to standard output, progress to standard error. Ctrl-C stops.\n"
                           "Exit status: 0 done, 1 failed or stopped, 2 wrong usage.\n");

@@ -137,7 +137,7 @@ bool mac_toolies::standard_reading() const {
 void mac_toolies::setDefaults() {
     defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
                                  setting::metric_units, setting::time_stamps, setting::sample_rate});
-    defaults.set(setting::log_runs, true); // on purpose not the value of a first start
+    defaults.choose(setting::log_runs, true); // on purpose not the value of a first start
     defaults.choose(setting::standard_reading, setting::standard_reading.first_value());
     save_pids_2_sample_prefs(setting::sample_set.first_value());
 }
