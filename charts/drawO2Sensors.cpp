@@ -1,7 +1,5 @@
 #include "charts/drawO2Sensors.h"
 
-#include "charts/o2_layouts.h"
-
 #include <QPainter>
 #include <algorithm>
 #include <bit>
@@ -174,7 +172,7 @@ void draw_legend(QPainter& painter, const o2_picture_look& look) {
     };
     const entry entries[] = {
         {128, -1, QStringLiteral("lean, below %1 V").arg(lean_below, 0, 'f', 2)},
-        {236, 0, QStringLiteral("between, or not known")},
+        {236, 0, QStringLiteral("between, rear, unknown")},
         {358, 1, QStringLiteral("rich, above %1 V").arg(rich_above, 0, 'f', 2)},
     };
     for (const entry& one : entries) {
@@ -187,6 +185,8 @@ void draw_legend(QPainter& painter, const o2_picture_look& look) {
 
 void drawO2Sensors::initO2Charty() {
     mask = 0;
+    layout = {};
+    names.clear();
     cur_sel = -1;
     chosen.reset();
     values.clear();
@@ -204,12 +204,19 @@ void drawO2Sensors::set_look(double pixels_per_unit, const o2_picture_look& its_
 }
 
 bool drawO2Sensors::work_out_sensor_lay_out(int its_mask, int cur_sel_idx) {
-    if (its_mask != mask)
+    const o2_layout its_layout = o2_layout_of(its_mask, banks);
+    constexpr int most_sensors = 6;
+    const int sensors = std::popcount(static_cast<unsigned>(its_mask));
+    const bool fits = sensors > 0 && sensors <= most_sensors;
+    const QStringList its_names = fits ? o2_sensor_names(its_mask, banks) : QStringList();
+    if (its_mask != mask || its_names != names)
         values.clear();
     mask = its_mask;
+    layout = its_layout;
+    names = its_names;
     cur_sel = cur_sel_idx;
     image_without_snsr_vals = image = {};
-    return o2_layout_of(mask).count > 0;
+    return fits;
 }
 
 void drawO2Sensors::set_sensor_value(int sensor, int this_sel_idx, const QString& this_value) {
@@ -234,14 +241,14 @@ int drawO2Sensors::sensor_count() const {
 
 QStringList drawO2Sensors::dots_pos() const {
     QStringList dots;
-    for (const o2_sensor_place& sensor : o2_layout_of(mask).places())
+    for (const o2_sensor_place& sensor : layout.places())
         dots += QStringLiteral("%1|%2").arg(sensor.dot_x).arg(sensor.dot_y);
     return dots;
 }
 
 int drawO2Sensors::sensor_at(QPointF place) const {
     constexpr double reach = 16; // a finger is wider than a dot
-    for (const o2_sensor_place& sensor : o2_layout_of(mask).places()) {
+    for (const o2_sensor_place& sensor : layout.places()) {
         if (std::hypot(place.x() - sensor.dot_x, place.y() - sensor.dot_y) <= reach)
             return sensor.index;
     }
@@ -249,29 +256,39 @@ int drawO2Sensors::sensor_at(QPointF place) const {
 }
 
 QString drawO2Sensors::name_of(int sensor) const {
-    for (const o2_sensor_place& place : o2_layout_of(mask).places()) {
-        if (place.index == sensor)
-            return QLatin1String(place.name);
-    }
-    return {};
+    return names.value(sensor);
 }
 
 int drawO2Sensors::state_of(int sensor) const {
     bool is_number = false;
     const double volts = values.value(sensor).toDouble(&is_number);
-    if (!is_number || (switching >> sensor & 1U) == 0)
+    const bool is_front = name_of(sensor).endsWith(u'1');
+    if (!is_number || !is_front || (switching >> sensor & 1U) == 0)
         return 0;
     return volts < lean_below ? -1 : volts > rich_above ? 1 : 0;
 }
 
+QString drawO2Sensors::words_of(int sensor) const {
+    const int state = state_of(sensor);
+    const QString value = values.value(sensor, QStringLiteral("no value"));
+    const char* meaning = state < 0 ? " (lean)" : state > 0 ? " (rich)" : "";
+    return name_of(sensor) + QLatin1Char(' ') + value + QLatin1String(meaning);
+}
+
 QString drawO2Sensors::in_words() const {
     QStringList words;
-    for (int sensor = 0; sensor < sensor_count(); ++sensor) {
-        const int state = state_of(sensor);
-        const QString value = values.value(sensor, QStringLiteral("no value"));
-        const char* meaning = state < 0 ? " (lean)" : state > 0 ? " (rich)" : "";
-        words += name_of(sensor) + QLatin1Char(' ') + value + QLatin1String(meaning);
-    }
+    for (int sensor = 0; sensor < sensor_count(); ++sensor)
+        words += words_of(sensor);
+    return words.join(QStringLiteral(", "));
+}
+
+QString drawO2Sensors::beside_the_picture() const {
+    const auto places = layout.places();
+    QStringList words;
+    for (int sensor = 0; sensor < names.size(); ++sensor)
+        if (std::none_of(places.begin(), places.end(),
+                         [sensor](const o2_sensor_place& place) { return place.index == sensor; }))
+            words += words_of(sensor);
     return words.join(QStringLiteral(", "));
 }
 
@@ -284,7 +301,7 @@ const QImage& drawO2Sensors::imageRepresentation() {
 }
 
 void drawO2Sensors::draw_schematic() {
-    const o2_layout& shown = o2_layout_of(mask);
+    const o2_layout& shown = layout;
     image_without_snsr_vals = blank(scale);
     QPainter painter(&image_without_snsr_vals);
     prepare(painter, scale);
@@ -297,7 +314,7 @@ void drawO2Sensors::draw_schematic() {
     }
     if (shown.joined)
         draw_artwork(painter, "y_pipe", y_pipe_place);
-    if (shown.count > 0)
+    if (!names.isEmpty())
         draw_legend(painter, look);
 }
 
@@ -305,7 +322,7 @@ void drawO2Sensors::draw_values() {
     image = image_without_snsr_vals.copy();
     QPainter painter(&image);
     prepare(painter, scale);
-    for (const o2_sensor_place& sensor : o2_layout_of(mask).places()) {
+    for (const o2_sensor_place& sensor : layout.places()) {
         const bool is_highlighted = sensor.index == highlighted();
         draw_label(painter, sensor, is_highlighted, look);
         draw_snsr_dot(painter, sensor.dot_x, sensor.dot_y, is_highlighted, state_of(sensor.index),
@@ -313,6 +330,9 @@ void drawO2Sensors::draw_values() {
         if (values.contains(sensor.index))
             draw_value(painter, sensor, values.value(sensor.index), look);
     }
+    constexpr QPointF list_place(104, 195);
+    write(painter, from_above(list_place.x(), list_place.y()), beside_the_picture(), 11, weight::plain,
+          look.ink);
 }
 
 } // namespace brivant

@@ -1,5 +1,6 @@
 #include "charts/o2_layouts.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace brivant {
@@ -36,9 +37,7 @@ constexpr o2_layout six          {{{{0, "S11", 130, 149, 123, 132},
 constexpr o2_layout none{};
 // clang-format on
 
-} // namespace
-
-const o2_layout& o2_layout_of(int mask) {
+const o2_layout& layout_by_count(int mask) {
     const bool bank_2 = (mask & 0x30) != 0;
     switch (std::popcount(static_cast<unsigned>(mask))) {
     case 1: return (mask & 0x01) != 0 ? first_alone : second_alone;
@@ -49,6 +48,43 @@ const o2_layout& o2_layout_of(int mask) {
     case 6: return six;
     default: return none;
     }
+}
+
+// Every sensor at its own point.
+o2_layout layout_by_name(const QStringList& names) {
+    o2_layout layout;
+    for (const o2_sensor_place& point : six.places()) {
+        const qsizetype index = names.indexOf(QLatin1String(point.name));
+        if (index < 0)
+            continue;
+        layout.sensors[layout.count] = point;
+        layout.sensors[layout.count++].index = static_cast<int>(index);
+        layout.two_banks |= point.name[1] == '2';
+    }
+    return layout;
+}
+
+} // namespace
+
+QStringList o2_sensor_names(int mask, o2_banks banks) {
+    constexpr unsigned first_sensor_pid = 0x14;
+    QStringList names;
+    for (unsigned bit = 0; bit < 8; ++bit)
+        if ((mask >> bit & 1) != 0)
+            names += o2_sensor_of(QString::number(first_sensor_pid + bit, 16), banks)
+                         .replace(u'B', u'S')
+                         .remove(2, 1);
+    return names;
+}
+
+o2_layout o2_layout_of(int mask, o2_banks banks) {
+    const QStringList names = o2_sensor_names(mask, banks);
+    const o2_layout& by_count = layout_by_count(mask);
+    const auto places = by_count.places();
+    const bool is_its_own = std::all_of(places.begin(), places.end(), [&names](const o2_sensor_place& place) {
+        return names.value(place.index) == QLatin1String(place.name);
+    });
+    return is_its_own ? by_count : layout_by_name(names);
 }
 
 } // namespace brivant

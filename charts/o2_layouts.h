@@ -1,5 +1,8 @@
 #pragma once
 
+#include "obd/pid_catalogue.h"
+
+#include <QStringList>
 #include <array>
 #include <cstddef>
 #include <span>
@@ -24,8 +27,11 @@ struct o2_layout {
     std::span<const o2_sensor_place> places() const { return {sensors.data(), count}; }
 };
 
-// The layout for a sensors-present map, which its number of bits picks; without sensors for 0 and for more
-// than 6.
-const o2_layout& o2_layout_of(int mask);
+// The sensors of a sensors-present map, "S12", in the order of its bits.
+QStringList o2_sensor_names(int mask, o2_banks banks);
+// The layout for the map, which its number of bits picks where these are the layout's sensors; else each
+// sensor stands at the point of its own name, and one that the picture has no point for is left out. Without
+// sensors for a map of none and of more than 6.
+o2_layout o2_layout_of(int mask, o2_banks banks);
 
 } // namespace brivant

@@ -2,6 +2,7 @@
 
 #include "charts/sample_matrix.h"
 #include "livedata/sweep_times.h"
+#include "obd/pid_catalogue.h"
 
 #include <QList>
 #include <QStringList>
@@ -45,7 +46,8 @@ struct live_results {
     int log_id = -1;        // its number there
     int gauge_2_idx = 1;    // the PID of the second gauge, by its place in the set
 
-    int o2_mask = 0;   // the oxygen sensors, by the map of PID 13; 0 while not known
+    int o2_mask = 0; // the oxygen sensors, by the map of PID 13 or 1D; 0 while not known
+    o2_banks o2_order = o2_banks::two;
     QString o2_header; // the ECU that told
 };
 

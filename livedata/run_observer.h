@@ -22,7 +22,7 @@ public:
     // Every PID of the set was asked for, and the sweep stored where it is to be. The matrix has its next
     // row.
     virtual void sweep_completed() = 0;
-    // The sensors that the car has, by the map of PID 13, and the ECU that told; set_changed() follows.
+    // The sensors that the car has, by the map of PID 13 or 1D, and the ECU that told; set_changed() follows.
     virtual void o2_layout_known(int mask, const QString& header) = 0;
     // A sensor of the picture has a new value ("0.450"; "nan" for none). Comes with sample_arrived().
     virtual void set_sensor_value(int sensor, const QString& this_value) = 0;

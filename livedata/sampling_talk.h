@@ -88,7 +88,7 @@ QString requested_pid(const QString& pid);
 talk work_out_log(sampling_talk& car);    // every PID of the set in turn, sweep after sweep
 talk work_out_mpg(sampling_talk& car);    // speed and air flow, and from them the fuel economy ("E4")
 talk work_out_boost(sampling_talk& car);  // manifold pressure shown as boost ("E5"), trims, fuel pressure
-talk work_o2_layout(sampling_talk& car);  // the car's oxygen sensors (PID 13), and the log run of these
+talk work_o2_layout(sampling_talk& car);  // the car's oxygen sensors (PID 13 or 1D), and the log run of these
 talk sample_for_ever(sampling_talk& car); // what they have in common, once they are ready
 talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&));
 

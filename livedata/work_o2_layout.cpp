@@ -37,13 +37,16 @@ QStringList sensor_set(unsigned mask, const obd_group& engine) {
 
 talk work_o2_layout(sampling_talk& car) {
     co_await car.ready_to_ask("Reading o2 layout");
-    const reply layout = co_await car.ask_pid(QStringLiteral("13"), true);
     const obd_group engine = car.engine_ecu();
-    const QString data = car.data_of_reply(layout, QStringLiteral("13"), engine.header);
+    const o2_banks banks = o2_banks_of({engine});
+    const QString map = banks == o2_banks::two ? QStringLiteral("13") : QStringLiteral("1D");
+    const reply layout = co_await car.ask_pid(map, true);
+    const QString data = car.data_of_reply(layout, map, engine.header);
     if (data == no_reply)
         throw step_failure(QStringLiteral("the car does not tell its oxygen sensors"));
     const unsigned mask = convertStr2Byte(QStringView(data).sliced(4, 2));
     car.results.o2_mask = static_cast<int>(mask);
+    car.results.o2_order = banks;
     car.results.o2_header = engine.header;
     car.observer().o2_layout_known(car.results.o2_mask, car.results.o2_header);
     const int sensors = std::popcount(mask);

@@ -136,18 +136,18 @@ QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resource
     return name_of(pid, with_prefix, 0xBF, not_available, lists);
 }
 
-o2_layout o2_layout_of(const obd_groups& available) {
+o2_banks o2_banks_of(const obd_groups& available) {
     const auto has = [&available](const QString& pid) {
         return std::any_of(available.begin(), available.end(),
                            [&pid](const obd_group& ecu) { return ecu.pidSet.contains(pid); });
     };
     const bool four = has(QStringLiteral("1D")) && !has(QStringLiteral("13"));
-    return four ? o2_layout::four_banks : o2_layout::two_banks;
+    return four ? o2_banks::four : o2_banks::two;
 }
 
-QString o2_sensor_of(const QString& pid, o2_layout layout) {
+QString o2_sensor_of(const QString& pid, o2_banks banks) {
     constexpr unsigned sensors = 8;
-    const unsigned sensors_a_bank = layout == o2_layout::two_banks ? 4 : 2;
+    const unsigned sensors_a_bank = banks == o2_banks::two ? 4 : 2;
     const unsigned number = convertStr2Byte(pid);
     for (const unsigned first : {0x14U, 0x24U, 0x34U})
         if (number >= first && number < first + sensors)
@@ -157,7 +157,7 @@ QString o2_sensor_of(const QString& pid, o2_layout layout) {
     return {};
 }
 
-QString get_pid_name_with_pid(const QString& pid, const text_resources& lists, o2_layout layout) {
+QString get_pid_name_with_pid(const QString& pid, const text_resources& lists, o2_banks banks) {
     QString name = get_pid_name(pid, false, lists);
     if (name == not_found)
         name = l_get_pid_name(pid, false, lists);
@@ -166,9 +166,9 @@ QString get_pid_name_with_pid(const QString& pid, const text_resources& lists, o
             return QLatin1String(later.name);
     if (name == not_available)
         return QStringLiteral("PID %1").arg(pid.toUpper());
-    if (layout == o2_layout::four_banks)
-        if (const QString in_list = o2_sensor_of(pid, o2_layout::two_banks); !in_list.isEmpty())
-            name.replace(in_list, o2_sensor_of(pid, layout));
+    if (banks == o2_banks::four)
+        if (const QString in_list = o2_sensor_of(pid, o2_banks::two); !in_list.isEmpty())
+            name.replace(in_list, o2_sensor_of(pid, banks));
     return name;
 }
 

@@ -24,13 +24,13 @@ QString l_get_pid_name(const QString& pid, bool with_prefix, const text_resource
 
 // How the PIDs 14-1B, 24-2B and 34-3B are shared out among the banks: four sensors each of banks 1 and 2 (a
 // car with PID 13), or two each of banks 1 to 4 (one with PID 1D).
-enum class o2_layout { two_banks, four_banks };
-o2_layout o2_layout_of(const obd_groups& available);
+enum class o2_banks { two, four };
+o2_banks o2_banks_of(const obd_groups& available);
 // Bank and sensor of such a PID, "B2S1"; "" for another PID.
-QString o2_sensor_of(const QString& pid, o2_layout layout);
+QString o2_sensor_of(const QString& pid, o2_banks banks);
 
 // The name that is shown: get_pid_name without the leading characters, and a name for the PIDs above 5F too.
 QString get_pid_name_with_pid(const QString& pid, const text_resources& lists,
-                              o2_layout layout = o2_layout::two_banks);
+                              o2_banks banks = o2_banks::two);
 
 } // namespace brivant

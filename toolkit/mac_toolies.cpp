@@ -87,7 +87,7 @@ QString mac_toolies::shown_units(const QString& pid) const {
 }
 
 sample_reading mac_toolies::shown_reading() const {
-    return {units(), standard_reading(), o2_layout_of(car.available_pids())};
+    return {units(), standard_reading(), o2_banks_of(car.available_pids())};
 }
 
 double mac_toolies::get_PID_min_max(const QString& pid, bool get_max) const {
@@ -103,7 +103,7 @@ QString mac_toolies::l_get_pid_name(const QString& pid, bool with_pid) const {
 }
 
 QString mac_toolies::get_pid_name_with_pid(const QString& pid) const {
-    return brivant::get_pid_name_with_pid(pid, resources, o2_layout_of(car.available_pids()));
+    return brivant::get_pid_name_with_pid(pid, resources, o2_banks_of(car.available_pids()));
 }
 
 QString mac_toolies::translateResponse_subaru(const QString& reply) const {

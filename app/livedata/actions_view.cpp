@@ -203,6 +203,7 @@ void actions_view::sample_arrived(int index) {
 }
 
 void actions_view::o2_layout_known(int mask, const QString&) {
+    ui.o2->picture().set_banks(results.o2_order);
     ui.o2->picture().work_out_sensor_lay_out(mask, shown.chart);
 }
 

@@ -13,7 +13,7 @@ class text_resources;
 struct sample_reading {
     unit_system units = unit_system::imperial;
     bool by_standard = false;
-    o2_layout sensors = o2_layout::two_banks; // how columns of oxygen sensors are named
+    o2_banks sensors = o2_banks::two; // how columns of oxygen sensors are named
 };
 
 // NaN when the reply carries no number. By the standard it is the PID's first quantity. What the program

@@ -8,8 +8,9 @@ namespace brivant {
 namespace {
 
 struct car_with : drawO2Sensors {
-    explicit car_with(int sensors_present) {
+    explicit car_with(int sensors_present, o2_banks order = o2_banks::two) {
         initO2Charty();
+        set_banks(order);
         fits = work_out_sensor_lay_out(sensors_present, -1);
     }
     // Beside the sign in the dot's middle.
@@ -38,7 +39,12 @@ TEST(drawO2Sensors, lays_out_by_count_and_banks) {
         {0x02, "210|149",                                           "S12"},
         {0x03, "130|149 210|149",                                   "S11 S12"},
         {0x22, "225|149 225|66",                                    "S12 S22"},
-        {0x12, "225|149 225|66",                                    "S12 S22"},
+        {0x12, "210|149 130|66",                                    "S12 S21"},
+        {0x13, "130|149 210|149 130|66",                            "S11 S12 S21"},
+        {0x21, "130|149 210|66",                                    "S11 S22"},
+        {0x10, "130|66",                                            "S21"},
+        {0x0F, "130|149 210|149 335|149",                           "S11 S12 S13 S14"},
+        {0x73, "130|149 210|149 130|66 210|66 335|66",              "S11 S12 S21 S22 S23"},
         {0x11, "130|149 130|66",                                    "S11 S21"},
         {0x07, "130|149 210|149 335|149",                           "S11 S12 S13"},
         {0x33, "130|149 210|149 130|66 225|66",                     "S11 S12 S21 S22"},
@@ -62,18 +68,34 @@ TEST(drawO2Sensors, lays_out_by_count_and_banks) {
     }
 }
 
-TEST(drawO2Sensors, tells_lean_from_rich) {
+// By PID 1D two sensors each of four banks; what has no point stands beside the picture.
+TEST(drawO2Sensors, lays_out_four_banks) {
+    car_with car(0x17, o2_banks::four);
+    EXPECT_EQ(car.dots_pos().join(u' '), QStringLiteral("130|149 210|149 130|66"));
+    const QImage without = car.imageRepresentation();
+    car.set_sensor_value(3, -1, QStringLiteral("0.100"));
+    EXPECT_EQ(car.beside_the_picture(), QStringLiteral("S31 0.100 (lean)"));
+    EXPECT_NE(car.imageRepresentation(), without);
+    EXPECT_EQ(car.in_words(), QStringLiteral("S11 no value, S12 no value, S21 no value, S31 0.100 (lean)"));
+    EXPECT_EQ(car_with(0x77).beside_the_picture(), QString());
+}
+
+// Behind the converter a high voltage is as it should be.
+TEST(drawO2Sensors, tells_lean_from_rich_before_the_converter) {
     car_with car(0x37);
     const auto state = [&car](const char* value) {
-        car.set_sensor_value(2, 1, QLatin1String(value));
-        return car.state_of(2);
+        car.set_sensor_value(3, 1, QLatin1String(value));
+        return car.state_of(3);
     };
+    car.set_sensor_value(2, 1, QStringLiteral("0.700"));
+    EXPECT_EQ(car.state_of(2), 0);
     EXPECT_EQ(state("0.299"), -1);
     EXPECT_EQ(state("0.300"), 0);
     EXPECT_EQ(state("0.600"), 0);
     EXPECT_EQ(state("0.601"), 1);
     EXPECT_EQ(state("-nan"), 0);
-    car.set_switching(0x1B); // the third one tells milliamperes
+    car.set_sensor_value(2, 1, QStringLiteral("nan"));
+    car.set_switching(0x17); // the fourth one tells milliamperes
     EXPECT_EQ(state("-2.000"), 0);
     EXPECT_EQ(state("nan"), 0);
     EXPECT_EQ(car.in_words(),
@@ -84,7 +106,9 @@ TEST(drawO2Sensors, colours_the_dot_of_the_sensor_that_was_read) {
     car_with car(0x37);
     const QColor idle = car.colour_of_dot(365, 109);
     car.set_sensor_value(2, 1, QStringLiteral("0.900")); // the third of the set is the one behind the Y pipe
-    const QColor rich = car.colour_of_dot(365, 109);
+    EXPECT_EQ(car.colour_of_dot(365, 109), idle);
+    car.set_sensor_value(0, 1, QStringLiteral("0.900"));
+    const QColor rich = car.colour_of_dot(130, 149);
     EXPECT_GT(rich.red(), rich.blue() + 80);
     EXPECT_EQ(car.colour_of_dot(130, 66), idle);
     car.set_sensor_value(3, 1, QStringLiteral("0.100"));

@@ -64,11 +64,11 @@ TEST(pid_catalogue, names) {
     EXPECT_EQ(get_pid_name_with_pid("C3", lists), "Fuel level input A and B");
     EXPECT_EQ(get_pid_name_with_pid("d0", lists), "PID D0");
     EXPECT_EQ(get_pid_name_with_pid("36", lists), "O2 sensor lambda and current B1S3");
-    EXPECT_EQ(get_pid_name_with_pid("36", lists, o2_layout_of(four_banks)),
+    EXPECT_EQ(get_pid_name_with_pid("36", lists, o2_banks_of(four_banks)),
               "O2 sensor lambda and current B2S1");
-    EXPECT_EQ(o2_sensor_of("1B", o2_layout_of(four_banks)), "B4S2");
-    EXPECT_EQ(o2_sensor_of("1B", o2_layout_of({{"7E8", {"13", "1D"}}})), "B2S4");
-    EXPECT_EQ(o2_sensor_of("1C", o2_layout::two_banks), "");
+    EXPECT_EQ(o2_sensor_of("1B", o2_banks_of(four_banks)), "B4S2");
+    EXPECT_EQ(o2_sensor_of("1B", o2_banks_of({{"7E8", {"13", "1D"}}})), "B2S4");
+    EXPECT_EQ(o2_sensor_of("1C", o2_banks::two), "");
     for (const auto pid_name : {get_pid_name, l_get_pid_name}) {
         EXPECT_EQ(pid_name("0D", false, text_resources("/nowhere")), "N/A");
         EXPECT_EQ(pid_name("E4", false, lists), localised("FIELD_ENGINE_MPG", ""));
