@@ -43,6 +43,11 @@ struct diagnostic_results {
         return std::any_of(all.begin(), all.end(), [](const answer& one) { return !one.rows.isEmpty(); });
     }
 
+    bool has_any_rows() const {
+        return std::any_of(answers.keyBegin(), answers.keyEnd(),
+                           [this](part each) { return has_rows(each); });
+    }
+
     QList<readiness_row> readinessFlagsArray; // eleven monitors, or none
     QStringList xtraInfoArray;                // facts about the read
     QString cur_err_msg;                      // "Read on: ..." of the last read
@@ -51,6 +56,7 @@ struct diagnostic_results {
     // How far the running operation has come; 0 of 0 when that is not known.
     int progress_done = 0;
     int progress_total = 0;
+    QString not_cleared; // null before clearing, "" when the car confirmed it, else who refused and why
     bool car_offers_none = false; // the test that ran last ended because the car has no results of its kind
 
     int no_of_ecus = 0;

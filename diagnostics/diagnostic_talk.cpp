@@ -46,17 +46,27 @@ QString diagnostic_talk::todays_date() const {
 }
 
 diagnostic_report diagnostic_talk::report_of(int operation_code) {
-    const auto describe = [this](const QString& code) { return description_of(code); };
-    if (toolies.standard_reading())
-        return standard_report(operation_code, results, toolies, todays_date(), describe);
-    return work_out_text_4_log(operation_code, results, todays_date(), describe)
-        .value_or(diagnostic_report());
+    return report_to_show(operation_code, results, toolies, todays_date(),
+                          [this](const QString& code) { return description_of(code); });
+}
+
+QString diagnostic_talk::store_report(int operation_code) {
+    return log.store(report_to_store(operation_code, results, toolies, todays_date(),
+                                     [this](const QString& code) { return description_of(code); }),
+                     state.cur_veh_id());
+}
+
+QString diagnostic_talk::store_anyway(int operation_code) {
+    log.work_out_log_file(operation_code, true, toolies.units() == unit_system::metric);
+    const QString problem = store_report(operation_code);
+    log.close();
+    return problem;
 }
 
 void diagnostic_talk::write_report() {
     if (!log.is_on())
         return;
-    const QString problem = log.store(report_of(cur_op()), state.cur_veh_id());
+    const QString problem = store_report(cur_op());
     if (!problem.isEmpty())
         view.show_message(QString(), problem);
 }

@@ -32,7 +32,9 @@ public:
     // While logging is on: writes the text to the session file; writes and stores the operation's report.
     void append_to_log(const QString& text) { log.append_to_log(text); }
     void write_report();
-    // The report of an operation from what was read last; empty for an operation that leaves none.
+    // Stores the operation's report whether logging is on or off; a sentence when it could not be stored.
+    QString store_anyway(int operation_code);
+    // The report of an operation from what was read last, as it is shown: see report_to_show.
     diagnostic_report report_of(int operation_code);
     // The date of a heading.
     QString todays_date() const;
@@ -41,6 +43,9 @@ public:
 
 protected:
     session_log log;
+
+private:
+    QString store_report(int operation_code);
 };
 
 // The operations.

@@ -12,14 +12,12 @@ namespace {
 void take_test(diagnostic_talk& car, const mode6_test& test, const QString& identifier, qsizetype item,
                const reply& what_came) {
     answer told{QStringLiteral("06") + identifier, what_came, {}, {}};
-    if (what_came.is_none())
-        return car.tell(test.which, told);
-    if (what_came.holds_nothing() || what_came.ecus().isEmpty())
-        return;
-    const ecu_said& ecu = what_came.ecus().first();
-    told.ecu = ecu.header;
-    for (const test_row& row : handle_a_mode6_TestID(ecu, static_cast<int>(item), car.toolies.lists()))
-        told.rows += row;
+    const ecu_said* ecu = what_came.holds_nothing() ? nullptr : what_came.answering();
+    if (ecu) {
+        told.ecu = ecu->header;
+        for (const test_row& row : handle_a_mode6_TestID(*ecu, static_cast<int>(item), car.toolies.lists()))
+            told.rows += row;
+    }
     car.tell(test.which, told);
 }
 

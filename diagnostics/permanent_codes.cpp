@@ -32,7 +32,7 @@ void read_codes(const answer& kept, permanent_codes& result) {
 
 void read_drive_cycle(const answer& kept, const mac_toolies& toolies, permanent_codes& result) {
     constexpr int drive_cycle_pid = 0x41;
-    for (const monitor& m : engine_monitors(kept, drive_cycle_pid, toolies).monitors) {
+    for (const monitor& m : engine_monitors(kept, drive_cycle_pid, toolies).status.monitors) {
         const QString state = m.complete ? QStringLiteral("OK") : QStringLiteral("X");
         result.drive_cycle += {m.supported ? state : not_available, m.name, drive_cycle_group};
     }

@@ -92,7 +92,7 @@ void readCodes::readXtras() {
 
 void readCodes::read_for_report() {
     forget_pending(); // the report stored after the codes holds nothing of an earlier read
-    read_codes_and(&readCodes::readPendingFreezeCodes);
+    read_codes_and(pending_and_freeze);
 }
 
 void readCodes::read_link_info() {
@@ -109,7 +109,7 @@ void readCodes::start_operation(const read& what, next_operation next) {
     if (what.code == op_read_codes)
         view.reload(part::codes);
     if (what.code != op_clear_codes && what.code != op_link_info && what.code != op_permanent)
-        log.work_out_log_file(what.code, toolies.settings().value(setting::log_runs),
+        log.work_out_log_file(what.code, is_logging() && !report_due && next != pending_and_freeze,
                               toolies.units() == unit_system::metric);
     start({what.code, what.status, what.failure, what.logged,
            [this, begin = what.begin] { return begin(*this); }});
@@ -120,7 +120,20 @@ void readCodes::task_done() {
     if (!next)
         return diagnostic_talk::task_done();
     close(QString()); // the first half has no end of its own
+    report_due = next == pending_and_freeze && is_logging();
     (this->*next)();
+}
+
+bool readCodes::is_logging() const {
+    return toolies.settings().value(setting::log_runs);
+}
+
+// Both halves of a report are one log; so is the first alone, when the second came to nothing.
+void readCodes::told_the_end(bool done) {
+    if (std::exchange(report_due, false))
+        if (const QString problem = store_anyway(op_read_codes); !problem.isEmpty())
+            view.show_message(QString(), problem);
+    diagnostic_talk::told_the_end(done);
 }
 
 void readCodes::regainFocus() {

@@ -53,12 +53,16 @@ private:
     void read_anew(part which, const read& what);
     // Pending codes and freeze frame.
     void forget_pending();
+    static constexpr next_operation pending_and_freeze = &readCodes::readPendingFreezeCodes;
     void task_done() override;
+    void told_the_end(bool done) override;
+    bool is_logging() const;
     void let_go() override { log.close(); }
 
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     next_operation follows = nullptr;
+    bool report_due = false; // to be stored when the operation ends
 };
 
 } // namespace brivant

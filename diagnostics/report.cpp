@@ -4,6 +4,7 @@
 #include "diagnostics/mode6_records.h"
 #include "operations/operation_code.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace brivant {
@@ -41,11 +42,12 @@ QString confirmed_codes(const diagnostic_results& results, const describer& desc
         text += fill(QStringLiteral("%@ - %@\n"), {row.code, describe(row.code)});
         codes += row.code;
     }
+    const QList<result_row> rows = results.rows(part::codes);
     QString gathered = codes.join(QStringLiteral(", "));
-    if (!results.has_rows(part::codes))
+    if (rows.isEmpty())
         gathered = QStringLiteral("Not read"); // only the pending codes were: nothing is known of these
     else if (codes.isEmpty())
-        gathered = localised(QStringLiteral("NO_CODES"));
+        gathered = row_text(part::codes, rows.first());
     return text + fill(QStringLiteral("[%d]  %@"), {QString::number(codes.size()), gathered});
 }
 
@@ -65,6 +67,8 @@ QString trouble_codes(const diagnostic_results& results, const describer& descri
     QStringList pending;
     for (const code_row& row : rows_of<code_row>(results.rows(part::pending)))
         pending += fill(QStringLiteral("%@ - %@"), {row.code, describe(row.code)});
+    for (const words_row& row : rows_of<words_row>(results.rows(part::pending)))
+        pending += row.text;
     if (!results.pending_received)
         pending += QStringLiteral("Failed to receive the Pending error codes");
     text += pending.join(u'\n');
@@ -108,6 +112,11 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
                                  raw_records(results, part::o2)};
     default: return std::nullopt;
     }
+}
+
+QString without_markup(QString report) {
+    static const QRegularExpression tags(QStringLiteral("</?font[^>]*>"));
+    return report.remove(tags);
 }
 
 } // namespace brivant

@@ -22,4 +22,7 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
                                                      const QString& today,
                                                      const std::function<QString(const QString&)>& describe);
 
+// The text without the piece of HTML that one of its lines holds.
+QString without_markup(QString report);
+
 } // namespace brivant

@@ -33,6 +33,10 @@ QString text_of(const test_row& row) {
 
 } // namespace
 
+bool test_row::was_not_run() const {
+    return value.toDouble() == 0 && minimum.toDouble() == 0 && maximum.toDouble() == 0;
+}
+
 QString test_row::title() const {
     return is_can ? fill(QStringLiteral("OBDMID(%@) - %@"), {obdmid, monitor})
                   : fill(QStringLiteral("Test ID(%@) "), {tid});

@@ -60,6 +60,8 @@ struct test_row {
     bool limit_is_maximum = false;
 
     bool operator==(const test_row&) const = default;
+    // Clearing sets the value and both limits to 0 until the test has run again.
+    bool was_not_run() const;
     QString title() const;   // the monitor, or the test
     QString subject() const; // unit and test, or the component
     QString text() const;    // the values and the verdict

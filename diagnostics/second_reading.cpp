@@ -1,6 +1,8 @@
 #include "diagnostics/second_reading.h"
 
 #include "base/string_table.h"
+#include "diagnostics/answer_faults.h"
+#include "diagnostics/second_codes.h"
 #include "diagnostics/second_tests.h"
 #include "obd/standard_reading/codes_and_texts.h"
 #include "obd/trouble_codes.h"
@@ -14,26 +16,6 @@ namespace {
 
 const QString by_standard = QStringLiteral("By SAE J1979");
 const QString nothing = QStringLiteral("no value");
-
-QString named(const QString& ecu, const QString& text) {
-    return ecu.isEmpty() ? text : ecu + QStringLiteral(": ") + text;
-}
-
-// The codes by ECU, so that two lists can be compared whatever their order.
-QStringList comparable(const QList<result_row>& rows, int protocol) {
-    QStringList codes;
-    for (const code_row& row : rows_of<code_row>(rows))
-        codes += row.code + u'|' + ecu_identity(row.ecu, protocol);
-    codes.sort();
-    return codes;
-}
-
-QString codes_in(const QList<noted_row>& rows) {
-    QStringList codes;
-    for (const code_row& row : rows_of<code_row>(plain(rows)))
-        codes += row.code;
-    return codes.join(QStringLiteral(", "));
-}
 
 const value_row* value_in(const answer& one) {
     return one.rows.isEmpty() ? nullptr : std::get_if<value_row>(&one.rows.first());
@@ -92,6 +74,11 @@ std::optional<pid_value> standard_value(const answer& kept, const mac_toolies& t
     return pid_value{{}, {}, said->absent, false};
 }
 
+QString remark_on(const result_row& row) {
+    const auto* test = std::get_if<test_row>(&row);
+    return test && test->was_not_run() ? QStringLiteral("not run since clearing") : QString();
+}
+
 } // namespace
 
 QList<result_row> plain(const QList<noted_row>& rows) {
@@ -108,10 +95,10 @@ second_reading::second_reading(part its_part, const diagnostic_results& what_was
 }
 
 void second_reading::start_again() {
-    own.clear();
-    standard.clear();
+    for (QList<noted_row>* rows : {&own, &standard, &only_own, &only_standard})
+        rows->clear();
     told.clear();
-    codes_differ = false;
+    weighty = false;
     changed = 0;
     vin.clear();
     answers_read = 0;
@@ -132,6 +119,11 @@ void second_reading::reload() {
     }
     while (answers_read < answers.size())
         read(answers.at(answers_read++));
+    if (only_other().isEmpty())
+        return;
+    const QString heading = standard_shown ? QStringLiteral("In the program's own reading")
+                                           : QStringLiteral("In this reply by SAE J1979");
+    shown_with_other = chosen() + QList<noted_row>{{words_row{heading}, {}}} + only_other();
 }
 
 void second_reading::take_scales(const answer& one, QMap<QString, full_scales>& all) const {
@@ -147,27 +139,31 @@ value_reading second_reading::reading_for(const answer& one) const {
 }
 
 void second_reading::they_agree(const result_row& own_row, const result_row& row) {
-    own += {own_row, {}};
-    standard += {row, {}};
+    own += {own_row, remark_on(own_row)};
+    standard += {row, remark_on(row)};
 }
 
 void second_reading::both_say(const QList<result_row>& rows) {
-    for (const result_row& row : rows) {
-        own += {row, {}};
-        standard += {row, {}};
-    }
+    for (const result_row& row : rows)
+        they_agree(row, row);
 }
 
 void second_reading::they_differ(const result_row* own_row, const QString& own_said,
-                                 const std::optional<result_row>& row, const QString& said) {
+                                 const std::optional<result_row>& row, const QString& said, bool weighs) {
     ++changed;
+    weighty |= weighs;
     if (own_row)
-        own += {*own_row, QStringLiteral("%1: %2").arg(by_standard, said)};
+        own += {*own_row, QStringLiteral("%1: %2").arg(by_standard, said), weighs};
     if (row)
-        standard += {*row, QStringLiteral("The program's own reading: %1").arg(own_said)};
+        standard += {*row, QStringLiteral("The program's own reading: %1").arg(own_said), weighs};
 }
 
 void second_reading::read(const answer& one) {
+    // A value that did not come stands in its row.
+    if (!is_value(one))
+        for (const QString& fault : faults_of(one))
+            if (!told.contains(fault))
+                told += fault;
     if (one.request.isEmpty() || which == part::extras) // which only their maker defines
         return both_say(one.rows);
     replies_read = true;
@@ -181,28 +177,31 @@ void second_reading::read(const answer& one) {
     }
 }
 
+bool second_reading::is_value(const answer& one) const {
+    return which == part::extras || (which == part::freeze && one.request != freezing_code_request) ||
+           (which == part::vehicle && !one.request.startsWith(QLatin1String("09")));
+}
+
 void second_reading::read_codes(const answer& one) {
     const int service = one.request.toInt(nullptr, 16);
     const QList<ecu_codes> answers = read_trouble_codes(service, one.what_came.raw());
+    if (answers.isEmpty())
+        return both_say(one.rows);
     QList<result_row> rows;
-    for (const ecu_codes& ecu : answers) {
+    for (const ecu_codes& ecu : answers)
         for (const QString& code : ecu.codes)
             rows += code_row{code, ecu.ecu};
-        if (!ecu.fault.isEmpty())
-            told += named(ecu.ecu, ecu.fault);
-    }
-    const int protocol = one.what_came.protocol();
-    codes_differ = !answers.isEmpty() && comparable(rows, protocol) != comparable(one.rows, protocol);
-    if (answers.isEmpty() || (!codes_differ && told.isEmpty()))
-        return both_say(one.rows);
     if (rows.isEmpty() && !told.isEmpty())
-        rows += words_row{QStringLiteral("Not readable")};
+        rows += not_read(told);
     else if (rows.isEmpty() && which == part::codes)
         rows += words_row{localised(QStringLiteral("NO_CODES"))};
-    for (const result_row& row : one.rows)
-        own += {row, {}};
-    for (const result_row& row : rows)
-        standard += {row, {}};
+    const int protocol = one.what_came.protocol();
+    own = marked(one.rows, rows, protocol, QStringLiteral("not by SAE J1979"));
+    standard = marked(rows, one.rows, protocol, QStringLiteral("not in the program's own reading"));
+    only_own = codes_marked(own);
+    only_standard = codes_marked(standard);
+    weighty = std::any_of(own.begin(), own.end(), [](const noted_row& row) { return row.weighs; }) ||
+              !only_standard.isEmpty();
 }
 
 void second_reading::read_vin(const answer& one) {
@@ -217,7 +216,7 @@ void second_reading::read_vin(const answer& one) {
     vin = is_read ? info->items.first() : QString();
     const QString said = is_read ? vin : QStringLiteral("(%1)").arg(info->fault);
     they_differ(row ? &one.rows.first() : nullptr, own_vin, value_row{{}, QStringLiteral("VIN"), said, {}},
-                said);
+                said, true);
 }
 
 void second_reading::read_value(const answer& one) {
@@ -237,16 +236,18 @@ void second_reading::read_value(const answer& one) {
 }
 
 void second_reading::read_freezing_code(const answer& one) {
-    const auto value = standard_value(one, toolies, toolies.units());
+    const QStringList codes = freezing_codes(one.what_came);
     const value_row* row = value_in(one);
     const QString shown = row ? row->value : QString();
-    const QString code = value ? value->states.value(0) : QString();
-    const bool no_frame = code.isEmpty() || code == QLatin1String("P0000");
-    if (!value || code == shown || (shown.isEmpty() && no_frame))
+    if (codes.contains(shown) || (shown.isEmpty() && codes.isEmpty()))
         return both_say(one.rows);
-    const QString text = code.isEmpty() ? pid_value_text(*value) : code;
+    const QString code = codes.value(0, QStringLiteral("no freeze frame is stored"));
     they_differ(&one.rows.first(), shown.isEmpty() ? nothing : shown,
-                value_row{{}, QStringLiteral("Freezed by"), text, look_upCode(text, results.P0_Codes)}, text);
+                value_row{{},
+                          QStringLiteral("Freezed by"),
+                          code,
+                          codes.isEmpty() ? QString() : look_upCode(code, results.P0_Codes)},
+                code, true);
 }
 
 void second_reading::read_freeze_value(const answer& one) {
@@ -268,14 +269,21 @@ void second_reading::read_tests(const answer& one) {
     const second_tests tests = read_tests_again(one, static_cast<int>(answers_read), toolies.lists());
     for (const second_test& test : tests.pairs) {
         const result_row* row = test.own_row < 0 ? nullptr : &one.rows.at(test.own_row);
-        if (test.same)
+        if (test.same) {
             they_agree(*row, *test.row);
-        else
-            they_differ(row, test.own_said.isEmpty() ? nothing : test.own_said, test.row, test.said);
+            continue;
+        }
+        they_differ(row, test.own_said.isEmpty() ? nothing : test.own_said, test.row, test.said,
+                    test.other_verdict);
+        if (!row)
+            only_standard += {*test.row, {}, test.other_verdict};
     }
-    const bool says_nothing = one.rows.isEmpty() && tests.pairs.isEmpty(); // and neither does the program
-    if (!tests.fault.isEmpty() && !says_nothing)
-        told += tests.fault;
+}
+
+QString second_reading::fault_line() const {
+    return told.isEmpty()
+               ? QString()
+               : QStringLiteral("Not all of it was answered: %1").arg(told.join(QStringLiteral("; ")));
 }
 
 QString second_reading::line() const {
@@ -283,37 +291,33 @@ QString second_reading::line() const {
         return {};
     if (!differs())
         return QStringLiteral("Read by SAE J1979. The program's own reading is the same");
-    const QString because =
-        told.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(told.join(QStringLiteral("; ")));
-    return is_codes() ? line_of_codes(because) : line_of_values(because);
+    return is_codes() ? line_of_codes() : line_of_values();
 }
 
-QString second_reading::line_of_codes(const QString& because) const {
+QString second_reading::line_of_codes() const {
     const QString other = codes_in(standard_shown ? own : standard);
     if (standard_shown)
-        return QStringLiteral("Read by SAE J1979%1. The program's own reading: %2")
-            .arg(because, other.isEmpty() ? QStringLiteral("no codes") : other);
+        return QStringLiteral("Read by SAE J1979. The program's own reading: %1")
+            .arg(other.isEmpty() ? QStringLiteral("no codes") : other);
     if (!other.isEmpty())
-        return QStringLiteral("By SAE J1979 this reply holds: %1%2").arg(other, because);
+        return QStringLiteral("By SAE J1979 this reply holds: %1").arg(other);
     return told.isEmpty() ? QStringLiteral("By SAE J1979 this reply holds no codes")
-                          : QStringLiteral("By SAE J1979 this reply cannot be read%1").arg(because);
+                          : QStringLiteral("By SAE J1979 this reply cannot be read");
 }
 
-QString second_reading::line_of_values(const QString& because) const {
+QString second_reading::line_of_values() const {
     const QString values =
         changed == 1 ? QStringLiteral("one value differs") : QStringLiteral("%1 values differ").arg(changed);
-    if (changed == 0)
-        return QStringLiteral("By SAE J1979 a part of the replies cannot be read%1").arg(because);
     if (standard_shown)
-        return QStringLiteral("Read by SAE J1979%1. In the program's own reading %2").arg(because, values);
+        return QStringLiteral("Read by SAE J1979. In the program's own reading %1").arg(values);
     if (vin.isEmpty())
-        return QStringLiteral("By SAE J1979, %1%2").arg(values, because);
+        return QStringLiteral("By SAE J1979, %1").arg(values);
     const QString holds = QStringLiteral("By SAE J1979 this reply holds: %1").arg(vin);
     if (changed == 1)
-        return holds + because;
+        return holds;
     const QString others = changed == 2 ? QStringLiteral("one more value differs")
                                         : QStringLiteral("%1 more values differ").arg(changed - 1);
-    return QStringLiteral("%1, and %2%3").arg(holds, others, because);
+    return QStringLiteral("%1, and %2").arg(holds, others);
 }
 
 } // namespace brivant

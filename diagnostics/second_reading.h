@@ -9,11 +9,11 @@ namespace brivant {
 
 class mac_toolies;
 
-// A row as it is shown, and what the other reading says in its place ("By SAE J1979: 15.000 V"), "" where
-// both say the same.
+// A row as it is shown, and what is said beside it ("By SAE J1979: 15.000 V"), "" for nothing.
 struct noted_row {
     result_row row;
     QString note;
+    bool weighs = false; // the note is of something that a person acts on
 };
 
 // One part of the results read twice: the program's own rows, and the rows that the same replies give by SAE
@@ -27,14 +27,22 @@ public:
     void reload();
 
     bool shows_standard() const { return standard_shown; }
-    bool differs() const { return codes_differ || changed > 0 || !told.isEmpty(); }
+    bool differs() const { return weighty || changed > 0; }
+    // They differ in what a person acts on: a trouble code, the code that froze a frame, the VIN, the verdict
+    // of a test.
+    bool weighs() const { return weighty; }
     const QList<noted_row>& own_rows() const { return own; }
     const QList<noted_row>& standard_rows() const { return standard; }
-    const QList<noted_row>& shown() const { return standard_shown ? standard : own; }
+    // The rows of the reading that is shown; then, under a heading, the codes and tests that only the other
+    // one reads.
+    const QList<noted_row>& shown() const { return only_other().isEmpty() ? chosen() : shown_with_other; }
     // What the other reading says of the list as a whole, in a sentence; "" before anything was read.
     QString line() const;
-    // Where an answer was refused, damaged or cut: "7E8: a consecutive frame is missing".
+    // What was refused, damaged or not answered, whichever reading is shown: "7E8: a consecutive frame is
+    // missing".
     const QStringList& faults() const { return told; }
+    // The same in a sentence, "" without any.
+    QString fault_line() const;
 
 private:
     void start_again();
@@ -51,9 +59,12 @@ private:
     value_reading reading_for(const answer& one) const;
     // Either reading's row, where it has one, and what it says.
     void they_differ(const result_row* own_row, const QString& own_said, const std::optional<result_row>& row,
-                     const QString& said);
-    QString line_of_codes(const QString& because) const;
-    QString line_of_values(const QString& because) const;
+                     const QString& said, bool weighs = false);
+    const QList<noted_row>& chosen() const { return standard_shown ? standard : own; }
+    const QList<noted_row>& only_other() const { return standard_shown ? only_own : only_standard; }
+    QString line_of_codes() const;
+    QString line_of_values() const;
+    bool is_value(const answer& one) const;
     bool is_codes() const { return which == part::codes || which == part::pending; }
 
     part which;
@@ -63,7 +74,10 @@ private:
     bool standard_shown = false;
     QList<noted_row> own;
     QList<noted_row> standard;
-    bool codes_differ = false;
+    QList<noted_row> only_own; // codes and tests
+    QList<noted_row> only_standard;
+    QList<noted_row> shown_with_other;
+    bool weighty = false;
     int changed = 0; // rows of values that differ
     QString vin;     // by the standard, where it differs
     QStringList told;

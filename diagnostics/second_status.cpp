@@ -1,6 +1,7 @@
 #include "diagnostics/second_status.h"
 
 #include "base/string_table.h"
+#include "diagnostics/answer_faults.h"
 #include "obd/standard_reading/ecu_answers.h"
 #include "toolkit/mac_toolies.h"
 
@@ -47,7 +48,7 @@ car_status standard_status(const answer& kept, const QList<readiness_row>& own, 
         status.mil |= one.mil;
         status.codes += one.codes;
     });
-    status.monitors = rows_of(engine_monitors(kept, status_pid, toolies), own);
+    status.monitors = rows_of(engine_monitors(kept, status_pid, toolies).status, own);
     return status;
 }
 
@@ -92,15 +93,32 @@ QString in_words(const car_status& told, const car_status& other, const QList<re
                            : words.join(QLatin1String(", "));
 }
 
+// What the status as a whole does not say.
+QString status_faults(const answer& kept, const car_status& status, const mac_toolies& toolies) {
+    const QStringList faults = faults_of(kept);
+    if (!status.is_known)
+        return QStringLiteral("No ECU has told its lamp, codes and monitors%1.")
+            .arg(faults.isEmpty() ? QString()
+                                  : QStringLiteral(" (%1)").arg(faults.join(QStringLiteral("; "))));
+    if (faults.isEmpty())
+        return {};
+    const QString missing = QStringLiteral("The lamp, codes and monitors are without those of %1.")
+                                .arg(faults.join(QStringLiteral("; ")));
+    const QString source = engine_monitors(kept, status_pid, toolies).ecu;
+    return source.isEmpty() || toolies.isThisEngineHeader(source)
+               ? missing
+               : missing + QStringLiteral(" The monitors are those of %1, not of the engine.").arg(source);
+}
+
 } // namespace
 
-monitor_status engine_monitors(const answer& kept, int pid, const mac_toolies& toolies) {
-    monitor_status status;
+told_monitors engine_monitors(const answer& kept, int pid, const mac_toolies& toolies) {
+    told_monitors told;
     for_each_status(kept, pid, [&](const QString& ecu, const monitor_status& one) {
-        if (status.monitors.isEmpty() || toolies.isThisEngineHeader(ecu))
-            status = one;
+        if (told.status.monitors.isEmpty() || toolies.isThisEngineHeader(ecu))
+            told = {ecu, one};
     });
-    return status;
+    return told;
 }
 
 second_status read_status_again(const diagnostic_results& results, const mac_toolies& toolies) {
@@ -114,9 +132,11 @@ second_status read_status_again(const diagnostic_results& results, const mac_too
     status.standard = standard_status(kept.first(), status.own.monitors, toolies);
     const QList<readiness_row> own_apart = monitors_apart(status.own.monitors, status.standard.monitors);
     const QList<readiness_row> standard_apart = monitors_apart(status.standard.monitors, status.own.monitors);
-    status.differs = !status.standard.is_known || status.own.mil != status.standard.mil ||
-                     status.own.codes != status.standard.codes || !own_apart.isEmpty() ||
-                     !standard_apart.isEmpty();
+    status.own.is_known = status.standard.is_known;
+    status.faults = status_faults(kept.first(), status.standard, toolies);
+    status.weighs = status.own.mil != status.standard.mil || status.own.codes != status.standard.codes;
+    status.differs = status.own.mil != status.standard.mil || status.own.codes != status.standard.codes ||
+                     !own_apart.isEmpty() || !standard_apart.isEmpty();
     if (status.differs)
         status.line = status.standard_shown
                           ? QStringLiteral("The program's own reading of the monitor status: ") +

@@ -21,13 +21,19 @@ struct second_status {
     bool was_read = false;
     bool standard_shown = false; // the preference
     bool differs = false;
-    QString line; // what the other reading says, in a sentence; "" while nothing is to be said
+    bool weighs = false; // in the lamp or the number of codes
+    QString line;        // what the other reading says, in a sentence; "" while nothing is to be said
+    QString faults; // whose status did not come, and what is not known for it, in a sentence; "" for none
 
     const car_status& shown() const { return standard_shown && was_read ? standard : own; }
 };
 second_status read_status_again(const diagnostic_results& results, const mac_toolies& toolies);
 
 // What the engine's ECU, else the first that does, answers to PID 01 or 41.
-monitor_status engine_monitors(const answer& kept, int pid, const mac_toolies& toolies);
+struct told_monitors {
+    QString ecu;
+    monitor_status status;
+};
+told_monitors engine_monitors(const answer& kept, int pid, const mac_toolies& toolies);
 
 } // namespace brivant

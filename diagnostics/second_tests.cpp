@@ -97,14 +97,14 @@ second_tests read_tests_again(const answer& kept, int index, const text_resource
         return !kept.ecu.isEmpty() && ecu_identity(test.ecu, protocol) != ecu_identity(kept.ecu, protocol);
     });
     second_tests result;
-    result.fault = read.fault;
     for (const test_row& row : rows_of<test_row>(kept.rows)) {
         const auto found = std::find_if(read.tests.begin(), read.tests.end(),
                                         [&](const ecu_test& test) { return is_same_test(row, test); });
-        second_test pair{result.pairs.size(), false, {}, QStringLiteral("no value"), said_by(row)};
+        second_test pair{result.pairs.size(), false, true, {}, QStringLiteral("no value"), said_by(row)};
         if (found != read.tests.end()) {
             pair.row = row_of(*found, row.index, lists);
             pair.same = say_the_same(row, *pair.row);
+            pair.other_verdict = row.passed != pair.row->passed;
             pair.said = said_by(*pair.row);
             read.tests.erase(found);
         } else if (!read.fault.isEmpty()) {
@@ -115,7 +115,7 @@ second_tests read_tests_again(const answer& kept, int index, const text_resource
     // Records that the program reads under another name stand with their own.
     for (const ecu_test& test : read.tests) {
         const test_row row = row_of(test, index, lists);
-        result.pairs += {-1, false, row, said_by(row), {}};
+        result.pairs += {-1, false, true, row, said_by(row), {}};
     }
     return result;
 }

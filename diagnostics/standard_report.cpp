@@ -4,10 +4,13 @@
 #include "diagnostics/second_reading.h"
 #include "diagnostics/second_status.h"
 #include "operations/operation_code.h"
+#include "toolkit/mac_toolies.h"
 
 namespace brivant {
 
 namespace {
+
+using describer = std::function<QString(const QString&)>;
 
 diagnostic_results as_standard(const diagnostic_results& results, const mac_toolies& toolies) {
     diagnostic_results read = results;
@@ -18,19 +21,72 @@ diagnostic_results as_standard(const diagnostic_results& results, const mac_tool
     return read;
 }
 
-QString permanent_section(const permanent_codes& permanent,
-                          const std::function<QString(const QString&)>& describe) {
+QString permanent_section(const permanent_codes& permanent, const describer& describe) {
     QString text = QStringLiteral("\n\n....... Permanent DTC Codes .......\n");
     for (const code_row& row : rows_of<code_row>(plain(permanent.rows)))
         text += QStringLiteral("%1 - %2\n").arg(row.code, describe(row.code));
     return permanent.words.isEmpty() ? text : text + permanent.words + u'\n';
 }
 
-} // namespace
+QList<part> parts_of(int operation) {
+    switch (operation) {
+    case op_vehicle_info: return {part::vehicle};
+    case op_mode6: return {part::mode6};
+    case op_misfire: return {part::misfire};
+    case op_o2_tests: return {part::o2};
+    default: return {part::codes, part::pending, part::freeze};
+    }
+}
 
-diagnostic_report standard_report(int operation, const diagnostic_results& results,
-                                  const mac_toolies& toolies, const QString& today,
-                                  const std::function<QString(const QString&)>& describe) {
+bool is_of_codes(int operation) {
+    return operation == op_read_codes || operation == op_pending_freeze;
+}
+
+QString section(const char* title, const QStringList& lines) {
+    return lines.isEmpty()
+               ? QString()
+               : QStringLiteral("\n\n....... %1 .......\n%2\n").arg(QLatin1String(title), lines.join(u'\n'));
+}
+
+QString not_answered(int operation, const diagnostic_results& results, const mac_toolies& toolies) {
+    QStringList faults;
+    if (const QString status = read_status_again(results, toolies).faults;
+        is_of_codes(operation) && !status.isEmpty())
+        faults += status;
+    for (const part which : parts_of(operation))
+        faults += second_reading(which, results, toolies).faults();
+    return section("Not answered", faults);
+}
+
+// The codes as a whole, of other lists the rows that differ.
+QStringList lines_of(part which, const second_reading& reading, const describer& describe) {
+    static const QMap<part, QString> names = {{part::codes, QStringLiteral("Confirmed: ")},
+                                              {part::pending, QStringLiteral("Pending: ")}};
+    QStringList lines;
+    for (const noted_row& row : reading.shows_standard() ? reading.own_rows() : reading.standard_rows()) {
+        if (const auto* code = std::get_if<code_row>(&row.row))
+            lines += names.value(which) + QStringLiteral("%1 - %2").arg(code->code, describe(code->code));
+        else if (row.weighs || names.contains(which))
+            lines += names.value(which) + row_text(which, row.row);
+    }
+    return lines;
+}
+
+QString other_reading(int operation, const diagnostic_results& results, const mac_toolies& toolies,
+                      const describer& describe) {
+    QStringList lines;
+    const second_status status = read_status_again(results, toolies);
+    if (is_of_codes(operation) && status.weighs)
+        lines += status.line;
+    for (const part which : parts_of(operation))
+        if (const second_reading reading(which, results, toolies); reading.weighs())
+            lines += lines_of(which, reading, describe);
+    return section(
+        toolies.standard_reading() ? "In the program's own reading" : "In these replies by SAE J1979", lines);
+}
+
+diagnostic_report by_standard(int operation, const diagnostic_results& results, const mac_toolies& toolies,
+                              const QString& today, const describer& describe) {
     diagnostic_report report = work_out_text_4_log(operation, as_standard(results, toolies), today, describe)
                                    .value_or(diagnostic_report());
     if (report.text.isEmpty())
@@ -40,9 +96,32 @@ diagnostic_report standard_report(int operation, const diagnostic_results& resul
         report.text.indexOf(u'\n') + 1,
         QStringLiteral("Standard reading: values and codes as SAE J1979 reads the replies.\n"));
     const permanent_codes permanent = read_permanent_codes(results, toolies);
-    const bool is_of_codes = operation == op_read_codes || operation == op_pending_freeze;
-    if (is_of_codes && permanent.was_read)
+    if (is_of_codes(operation) && permanent.was_read)
         report.text += permanent_section(permanent, describe);
+    return report;
+}
+
+} // namespace
+
+diagnostic_report report_to_show(int operation, const diagnostic_results& results, const mac_toolies& toolies,
+                                 const QString& today, const describer& describe) {
+    diagnostic_report report =
+        toolies.standard_reading()
+            ? by_standard(operation, results, toolies, today, describe)
+            : work_out_text_4_log(operation, results, today, describe).value_or(diagnostic_report());
+    if (!report.text.isEmpty())
+        report.text +=
+            not_answered(operation, results, toolies) + other_reading(operation, results, toolies, describe);
+    return report;
+}
+
+diagnostic_report report_to_store(int operation, const diagnostic_results& results,
+                                  const mac_toolies& toolies, const QString& today,
+                                  const describer& describe) {
+    diagnostic_report report =
+        work_out_text_4_log(operation, results, today, describe).value_or(diagnostic_report());
+    if (!report.text.isEmpty())
+        report.text += not_answered(operation, results, toolies);
     return report;
 }
 

@@ -1,6 +1,8 @@
 #include "diagnostics/diagnostic_talk.h"
 
 #include "base/string_table.h"
+#include "diagnostics/answer_faults.h"
+#include "obd/ecu_names.h"
 #include "obd/reply_text.h"
 #include "obd/trouble_codes.h"
 
@@ -53,22 +55,53 @@ bool list_pending(diagnostic_talk& car, const reply& pending, QList<result_row>&
     return all_whole;
 }
 
-// The engine's answer, with or without headers.
-QString engine_value(const reply& answer) {
-    return answer.value_of(answer.engine(), QStringLiteral("42"));
+answer list_pending_codes(diagnostic_talk& car, const reply& codes) {
+    answer listed{QStringLiteral("07"), codes, {}, {}};
+    car.results.pending_received = !codes.is_none() && list_pending(car, codes, listed.rows);
+    const QStringList faults = faults_of(listed);
+    car.results.pending_received &= faults.isEmpty() || !listed.rows.isEmpty();
+    if (!faults.isEmpty() && listed.rows.isEmpty())
+        listed.rows += not_read(faults);
+    return listed;
 }
 
-QString freezing_code(const reply& frame) {
-    const QString data = frame.holds_nothing() ? QString() : engine_value(frame);
+// The freeze frame that is shown: the engine's, else that of the first ECU that holds one.
+struct freeze_frame {
+    QString ecu;  // "" where the adapter shows no headers
+    QString code; // that froze it, "" when none is stored
+    bool is_engines = true;
+};
+
+QString freezing_code(const QString& data) {
     const QString code = data.mid(frame_map_at, 4);
     const bool is_code =
         data.startsWith(QLatin1String("4202")) && code.size() == 4 && code != QLatin1String("0000");
     return is_code ? pull_DTC_code(code) : QString();
 }
 
-QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters) {
-    QStringList pids =
-        parameters.isEmpty() ? QStringList() : parameters[car.toolies.findEngineEcuIdx(parameters)].pidSet;
+freeze_frame stored_frame(const reply& frame) {
+    if (frame.holds_nothing())
+        return {};
+    if (!frame.headers_shown())
+        return {{}, freezing_code(frame.data_without_headers(QStringLiteral("4202")))};
+    const ecu_said* engine = frame.engine();
+    const ecu_said* holder =
+        engine && !freezing_code(engine->value()).isEmpty()
+            ? engine
+            : frame.first([](const ecu_said& ecu) { return !freezing_code(ecu.value()).isEmpty(); });
+    return holder ? freeze_frame{holder->header, freezing_code(holder->value()), holder == engine}
+                  : freeze_frame();
+}
+
+QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters, const freeze_frame& frame) {
+    const auto holder = std::find_if(parameters.begin(), parameters.end(), [&](const obd_group& ecu) {
+        return same_ecu(ecu.header, frame.ecu, car.link.adapter().cur_protocol());
+    });
+    QStringList pids;
+    if (!frame.is_engines && holder != parameters.end())
+        pids = holder->pidSet;
+    else if (frame.is_engines && !parameters.isEmpty())
+        pids = parameters[car.toolies.findEngineEcuIdx(parameters)].pidSet;
     pids.removeIf([](const QString& pid) {
         return pid == QLatin1String("02") ||
                convertStr2Byte(pid) % group_size == 0; // the code itself; the maps
@@ -77,9 +110,11 @@ QStringList to_ask(diagnostic_talk& car, const obd_groups& parameters) {
 }
 
 // A frame's value reads like a live one once its frame number is taken out.
-value_row freeze_item(diagnostic_talk& car, const reply& answer, const QString& pid) {
+value_row freeze_item(diagnostic_talk& car, const reply& answer, const QString& pid,
+                      const freeze_frame& frame) {
     QString this_label = car.toolies.get_pid_name_with_pid(pid);
-    const QString data = answer.holds_nothing() ? QString() : engine_value(answer);
+    const ecu_said* who = frame.is_engines ? answer.engine() : answer.ecu(frame.ecu);
+    const QString data = answer.holds_nothing() ? QString() : answer.value_of(who, QStringLiteral("42"));
     QString value = no_reply;
     if (data.startsWith(QLatin1String("42")) && data.size() >= frame_map_at) {
         QString live = data.first(4) + data.sliced(frame_map_at);
@@ -117,21 +152,22 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
     bool car_answered = !status.holds_nothing();
 
     const reply codes = co_await car.ask_as_shown("07");
-    QList<result_row> rows;
-    car.results.pending_received = !codes.is_none() && list_pending(car, codes, rows);
+    const answer listed = list_pending_codes(car, codes);
     car_answered |= !codes.holds_nothing();
     car.show(car.results.pending_received ? "Codes read!. Scroll for full description"
                                           : pending_not_received);
-    car.tell(part::pending, {QStringLiteral("07"), codes, {}, rows});
+    car.tell(part::pending, listed);
 
-    const reply frame = co_await car.ask_as_shown("02 02 00");
-    car_answered |= !frame.holds_nothing();
-    const QString code = freezing_code(frame);
-    if (code.isEmpty()) {
+    const reply stored = co_await car.ask_as_shown("02 02 00");
+    car_answered |= !stored.holds_nothing();
+    const freeze_frame frame = stored_frame(stored);
+    if (frame.code.isEmpty()) {
         const words_row none{QStringLiteral("Not Supported or Data Not Available")};
-        car.tell(part::freeze, {freezing_code_request, frame, {}, {none}});
+        car.tell(part::freeze, {freezing_code_request, stored, {}, {none}});
         co_return told(car, car_answered);
     }
+    const value_row freezing{{}, QStringLiteral("Freezed by"), frame.code, car.description_of(frame.code)};
+    car.tell(part::freeze, {freezing_code_request, stored, {}, {freezing}});
 
     co_await car.at("AT H1", "OK");
     obd_groups parameters;
@@ -149,17 +185,16 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
         add_supported_pids(parameters, maps, maps.text(), QStringLiteral("42") + map, frame_map_at, group);
     }
 
-    co_await car.at("AT H0", "OK");
-    car.load_the_codes();
-    const value_row freezing{{}, QStringLiteral("Freezed by"), code, look_upCode(code, car.results.P0_Codes)};
-    car.tell(part::freeze, {freezing_code_request, frame, {}, {freezing}});
-    const QStringList pids = to_ask(car, parameters);
+    if (frame.is_engines) // else only its header tells the ECU's values from the engine's
+        co_await car.at("AT H0", "OK");
+    const QStringList pids = to_ask(car, parameters, frame);
     for (qsizetype asked = 0; asked < pids.size(); ++asked) {
         car.progress(asked, pids.size());
         const QString command = QStringLiteral("02 %1 00").arg(pids[asked]);
         const reply item = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F|?"));
-        const value_row row = freeze_item(car, item, pids[asked]);
-        car.tell(part::freeze, {QStringLiteral("02") + pids[asked], item, {}, {row}});
+        const value_row row = freeze_item(car, item, pids[asked], frame);
+        const QString whose = item.headers_shown() ? frame.ecu : QString();
+        car.tell(part::freeze, {QStringLiteral("02") + pids[asked], item, whose, {row}});
     }
     car.progress(pids.size(), pids.size());
     told(car, car_answered);

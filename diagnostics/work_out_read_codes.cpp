@@ -1,3 +1,4 @@
+#include "diagnostics/answer_faults.h"
 #include "diagnostics/diagnostic_talk.h"
 
 #include "base/console_log.h"
@@ -57,8 +58,11 @@ void note_the_read(diagnostic_talk& car) {
     car.view.reload(part::labels);
 }
 
-QList<result_row> list_codes(diagnostic_talk& car, const reply& codes) {
-    QList<result_row> rows;
+// A refused or damaged answer says nothing of how many codes there are.
+answer list_codes(diagnostic_talk& car, const reply& codes) {
+    answer listed{QStringLiteral("03"), codes, {}, {}};
+    if (codes.is_none())
+        return listed;
     const bool refused = codes.text().contains(QLatin1Char('?')); // anywhere in it
     if (!refused && !codes.holds_nothing()) {
         const obd_groups codes_by_ecu = car.toolies.l_workoutReadCodes(codes);
@@ -67,12 +71,12 @@ QList<result_row> list_codes(diagnostic_talk& car, const reply& codes) {
             fill(QStringLiteral("------DTC Codes read:%@------------- \n"), {car.todays_date()}));
         for (const obd_group& ecu : codes_by_ecu) {
             for (const QString& code : ecu.pidSet)
-                rows += code_row{code, ecu.header};
+                listed.rows += code_row{code, ecu.header};
         }
     }
-    if (rows.isEmpty())
-        rows += words_row{localised(QStringLiteral("NO_CODES"))};
-    return rows;
+    if (const QStringList faults = faults_of(listed); listed.rows.isEmpty())
+        listed.rows += faults.isEmpty() ? words_row{localised(QStringLiteral("NO_CODES"))} : not_read(faults);
+    return listed;
 }
 
 void tell_result(diagnostic_talk& car, const reply& answer) {
@@ -113,8 +117,7 @@ talk work_out_read_codes(diagnostic_talk& car) {
     car.view.show_toast(QStringLiteral("Querying for confirmed DTC(s) "));
     const reply codes = co_await car.ask("03");
     note_the_read(car);
-    const QList<result_row> rows = codes.is_none() ? QList<result_row>() : list_codes(car, codes);
-    car.tell(part::codes, {QStringLiteral("03"), codes, {}, rows});
+    car.tell(part::codes, list_codes(car, codes));
     if (codes.is_none())
         throw left{QStringLiteral("Failed to receive the error codes")};
     tell_result(car, codes);

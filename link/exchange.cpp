@@ -12,6 +12,9 @@ namespace {
 
 constexpr int timeouts_before_giving_up = 4;
 constexpr qsizetype most_on_the_way = 8;
+constexpr int search_ms = 40'000;
+constexpr int before_next_try_ms = 100;
+constexpr qsizetype notice_within = 64; // bytes of a reply
 
 } // namespace
 
@@ -55,7 +58,7 @@ void exchange::write() {
     console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
     rx_accum.clear(); // text that came before the command cannot answer it
     in_flight = true;
-    is_first = is_held_back = false;
+    is_first = is_held_back = is_searching = false;
     if (on_the_way.size() >= most_on_the_way)
         on_the_way.removeFirst();
     on_the_way += cur_cmd;
@@ -65,6 +68,18 @@ void exchange::write() {
 
 void exchange::start_timer(void (exchange::*then)()) {
     obdTimeOutTimer = clock.one_shot(cur_cmd.seconds * 1000, [this, then] { (this->*then)(); });
+}
+
+// A search for the protocol takes up to half a minute, and sending again would stop it and begin another.
+void exchange::wait_for_the_search() {
+    const QByteArrayView begun = rx_accum.text().first(std::min(rx_accum.text().size(), notice_within));
+    if (is_searching || !in_flight || is_held_back || !obdTimeOutTimer ||
+        (begun.indexOf("SEARCHING") < 0 && begun.indexOf("BUS INIT") < 0))
+        return;
+    is_searching = true;
+    owner.show_status(QStringLiteral("The adapter is looking for the car's protocol. This takes up to %1 s")
+                          .arg(search_ms / 1000));
+    obdTimeOutTimer = clock.one_shot(search_ms, [this] { obdTimedOutHandler(); });
 }
 
 void exchange::abandon() {
@@ -100,8 +115,10 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
     QByteArrayView rest = bytes;
     for (;;) {
         const qsizetype prompt = rest.indexOf('>');
-        if (prompt < 0)
-            return rx_accum.append(rest);
+        if (prompt < 0) {
+            rx_accum.append(rest);
+            return wait_for_the_search();
+        }
         const bool looks_on = take_reply(rest, prompt);
         rest = rest.sliced(prompt + 1);
         if (!looks_on) // what else came at once was sent before the next command
@@ -155,9 +172,13 @@ bool exchange::check_reply(const reply& what_came, const QString& raw) {
     if (tells_a_reset(what_came.text(), on_the_way))
         owner.adapter_started_anew();
     const bool may_be_late = earlier_ones() > 0;
-    settle(what_came);
+    const bool is_anothers = settle(what_came);
     if (is_typed() || cur_cmd.text.isEmpty())
         return hand_on(what_came), false;
+    if (is_anothers && cur_cmd.why == sent_command::purpose::on_its_own) {
+        start_timer(&exchange::obdTimedOutHandler); // any answer counts, but none to something else
+        return true;
+    }
 
     // Some commands take any answer, an empty one too, but none that was cut.
     const reply_verdict verdict = rx_reply.is_cut()
@@ -173,13 +194,12 @@ bool exchange::check_reply(const reply& what_came, const QString& raw) {
     case reply_accepted: hand_on(what_came); break;
     case reply_retry:
         owner.show_status(QStringLiteral("Didn't get a confirmation from interface ... Trying again"));
-        write();
+        rx_accum.clear();
+        obdTimeOutTimer = clock.one_shot(before_next_try_ms, [this] { write(); });
         break;
     default:
         if (warn_no_reply && !raw.contains(QLatin1Char('?')))
-            owner.pop_a_messy(QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
-                                             "Check pairing/connections"),
-                              where_it_failed(what_came.text()));
+            owner.pop_a_messy(why_given_up(what_came));
         warn_no_reply = false;
         hand_on(reply::none(what_came.raw()));
     }
@@ -187,17 +207,21 @@ bool exchange::check_reply(const reply& what_came, const QString& raw) {
 }
 
 // Adapters answer in order: what was written before the command that this answers is not answered any more. A
-// reply that answers several is taken for the first one's, and so is one that answers none.
-void exchange::settle(const reply& what_came) {
+// reply that answers several is taken for the first one's, and so is one that answers none. True when it
+// answers one that was written before the command in flight, and says other than that.
+bool exchange::settle(const reply& what_came) {
     const auto answered = [&](const sent_command& sent) {
         return work_a_rcvdOBD_cmd(what_came, sent, 0).result == reply_accepted;
     };
     qsizetype settled = 1;
+    bool is_anothers = false;
     if (on_the_way.size() > 1) {
         const auto first = std::find_if(on_the_way.cbegin(), on_the_way.cend(), answered);
         settled = first == on_the_way.cend() ? 1 : first - on_the_way.cbegin() + 1;
+        is_anothers = first != on_the_way.cend() && first->text != cur_cmd.text && !what_came.no_data();
     }
     on_the_way.remove(0, std::min(settled, on_the_way.size()));
+    return is_anothers;
 }
 
 void exchange::drop_earlier(qsizetype prompts) {

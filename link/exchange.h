@@ -14,7 +14,7 @@ public:
     virtual ~exchange_owner() = default;
     virtual void transmit(const QByteArray& command) = 0;
     virtual void show_status(const QString& status) = 0;
-    virtual void pop_a_messy(const QString& text, const QString& title) = 0;
+    virtual void pop_a_messy(const QString& text, const QString& title = QString()) = 0;
     // The adapter's words say that the operation cannot go on.
     virtual void reply_refused() = 0;
     // A reply to the command in flight, or "~".
@@ -62,12 +62,13 @@ public:
 private:
     void write();
     void start_timer(void (exchange::*then)());
+    void wait_for_the_search();
     void obdTimedOutHandler();
     bool take_reply(QByteArrayView bytes, qsizetype prompt);
     QString cut_reply(QByteArrayView bytes, qsizetype prompt);
     reply taken_apart(const QString& text) const;
     bool check_reply(const reply& what_came, const QString& raw);
-    void settle(const reply& what_came);
+    bool settle(const reply& what_came);
     qsizetype earlier_ones() const { return on_the_way.size() - (in_flight && !is_held_back ? 1 : 0); }
     void drop_earlier(qsizetype prompts);
     bool is_answer_coming() const;
@@ -88,6 +89,7 @@ private:
     int no_confirm_count = 0;    // replies in a row that did not answer the command
     bool warn_no_reply = true;
     bool in_flight = false;
+    bool is_searching = false; // the adapter looks for the car's protocol before it asks
     bool is_first = true;      // no command was written since the operation before
     bool is_held_back = false; // the command in flight is not written: an earlier one will answer it
 

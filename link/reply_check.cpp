@@ -1,6 +1,7 @@
 #include "link/reply_check.h"
 
 #include "base/console_log.h"
+#include "base/refusals.h"
 #include "obd/reply_text.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace {
 
 constexpr int retries = 3;
 constexpr int longest_timeout_secs = 600;
+constexpr qsizetype shown_of_a_fault = 20;
 
 bool is_hex_digit(QChar c) {
     const ushort u = c.unicode();
@@ -33,14 +35,14 @@ QString digits_of_request(const QString& command) {
     return digits.removeIf([](QChar c) { return c == u'\r' || c == u' '; });
 }
 
-// A request answered with headers shown: the first ECU's data must begin with the answer to this very
-// request.
+// A request answered with headers shown: the data of the first ECU that does not refuse must begin with the
+// answer to this very request.
 bool message_confirmed(const reply& what_came, const sent_command& command) {
     if (what_came.protocol() == -1 || what_came.text() == QLatin1String("?"))
         return true;
     // Without an ECU (protocol 0, before the car was found) the reply itself is tested.
-    const QList<ecu_said>& ecus = what_came.ecus();
-    const QString& tested = ecus.isEmpty() ? what_came.text() : ecus.first().data;
+    const ecu_said* answering = what_came.answering();
+    const QString& tested = answering ? answering->data : what_came.text();
     const QString request = digits_of_request(command.text);
     return tested.size() >= request.size() && tested.startsWith(QLatin1Char('4')) &&
            QStringView(tested).mid(1).startsWith(QStringView(request).mid(1));
@@ -116,14 +118,29 @@ bool tells_a_reset(const QString& reply, const QList<sent_command>& unanswered) 
            std::none_of(unanswered.begin(), unanswered.end(), asks_for_greeting);
 }
 
-QString where_it_failed(const QString& reply) {
-    if (string_has_Tokens(reply, QStringLiteral("UNABLETOCONNECT|BUSINIT:ERROR|BUSERROR|CANERROR|FBERROR")))
+QString why_given_up(const reply& what_came) {
+    const QString text = what_came.text();
+    const auto says = [&](const char* words) { return string_has_Tokens(text, QLatin1String(words)); };
+    for (const ecu_said& ecu : what_came.ecus())
+        if (const auto refused = ecu.refused())
+            return refused->is_pending()
+                       ? QStringLiteral("%1 asked for more time and then sent no answer.").arg(ecu.header)
+                       : QStringLiteral("%1 refuses this request: %2.")
+                             .arg(ecu.header, refusal_words(refused->code));
+    if (says("UNABLETOCONNECT|BUSINIT:ERROR|BUSERROR|CANERROR|FBERROR"))
         return QStringLiteral("The adapter answers, the car does not: is the ignition on?");
-    if (string_has_Tokens(reply, QStringLiteral("DATAERROR|RXERROR|BUFFERFULL|BUSBUSY")))
+    if (says("DATAERROR|RXERROR|BUFFERFULL|BUSBUSY"))
         return QStringLiteral("The car answers, but not all of it arrives: is the plug in firmly?");
-    if (string_has_Tokens(reply, QStringLiteral("LVRESET|ELM327v|LPALERT|ACTALERT")))
+    if (says("LVRESET|ELM327v|LPALERT|ACTALERT"))
         return QStringLiteral("The adapter has reset itself or goes to sleep: is its voltage too low?");
-    return {};
+    if (says("STOPPED"))
+        return QStringLiteral("The adapter broke off before the car had answered (STOPPED). Try again.");
+    if (text.startsWith(QLatin1String("ERR")))
+        return QStringLiteral("The adapter reports a fault of its own (%1): unplug it, plug it in again and "
+                              "retry.")
+            .arg(text.left(shown_of_a_fault));
+    return QStringLiteral("Retried 3 times and Did not get a reply from interface.  "
+                          "Check pairing/connections");
 }
 
 car_reply check_initial_car_reply(const QString& reply) {

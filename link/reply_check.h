@@ -52,9 +52,8 @@ QString positive_reply_of(const QString& command);
 // `unanswered`: the commands that it may answer; some ask for the greeting.
 bool tells_a_reset(const QString& reply, const QList<sent_command>& unanswered);
 
-// Which of adapter, car and the line between them a reply without an answer blames, a sentence; "" when it
-// says nothing about it.
-QString where_it_failed(const QString& reply);
+// What a reply that was given up on says of adapter, car and the line between them, a sentence.
+QString why_given_up(const reply& what_came);
 
 // The adapter's error words.
 enum class car_reply { accepted, no_reply_from_car, init_error };

@@ -118,6 +118,12 @@ const ecu_said* reply::engine() const& {
     return named ? named : first([](const ecu_said&) { return true; });
 }
 
+const ecu_said* reply::answering() const& {
+    const ecu_said* answers =
+        first([](const ecu_said& ecu) { return !ecu.data.startsWith(QLatin1String("7F")); });
+    return answers ? answers : first([](const ecu_said&) { return true; });
+}
+
 const ecu_said* reply::ecu(const QString& header) const& {
     return first([&](const ecu_said& ecu) { return same_ecu(ecu.header, header, ecu.protocol); });
 }

@@ -70,6 +70,10 @@ public:
     // The engine's ECU, the first one when none has its header; null when nobody answered.
     const ecu_said* engine() const&;
     const ecu_said* engine() const&& = delete;
+    // The first ECU that does not refuse, else the first: a refusal's shorter header may well sort before
+    // another ECU's answer.
+    const ecu_said* answering() const&;
+    const ecu_said* answering() const&& = delete;
     // The ECU with this header, null when it is not among those that answered.
     const ecu_said* ecu(const QString& header) const&;
     const ecu_said* ecu(const QString& header) const&& = delete;

@@ -9,7 +9,6 @@ cli_run::cli_run(program_core& its_core, const cli_command& its_command)
       controller(core.car, delegate.link, core.toolies, view, core.diagnostics, core.paths) {}
 
 void cli_run::start() {
-    // What was read until then is not shown as a result.
     on_stop([this] { controller.stop(); });
     begin();
     delegate.link.set_controller(&controller);
@@ -22,8 +21,8 @@ void cli_run::start() {
 void cli_run::print_result(bool done) {
     if (core.options.json)
         print_json(view.with_messages(command.as_json(controller), done));
-    else if (done)
-        print(command.as_text(controller));
+    else if (done || controller.results.has_any_rows())
+        print(command.as_text(controller)); // what was read until it failed, too
     Q_EMIT finished(done && is_all_printed() ? 0 : 1);
 }
 

@@ -11,18 +11,20 @@ namespace brivant {
 
 // Pieces of results that several commands print. Rows that name no code are left out.
 QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows);
-// A line a code; the text for no codes when there is none.
-QString codes_as_text(readCodes& controller, const QList<result_row>& rows);
+// A line a row, what is said beside a code behind it; the text for no codes when there are no rows.
+QString codes_as_text(readCodes& controller, const QList<noted_row>& rows);
 
 second_reading both_readings(readCodes& controller, part which);
-// `object` with "standard": what the replies hold by SAE J1979, in the shape of the program's own result;
-// "differs"; "reading": which of the two the plain text shows, "program" or "standard".
-QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings);
-// The shown rows, made texts by `as_text`, each with its note below it; at the end the line about all of
-// them.
+// The result of the reading that is shown, and below "standard" or "program" the other one's in the same
+// shape; "differs"; "reading": which of the two is shown, "program" or "standard"; "faults": what was
+// refused, damaged or not answered.
+QJsonObject both_results(const QJsonObject& own, const QJsonObject& standard,
+                         const QList<second_reading>& readings);
+// The shown rows, made texts by `as_text`, each with its note below it, and what is said of all of them:
+// above them where a person would act on it.
 QString shown_as_text(const second_reading& reading, QString (*as_text)(const result_row& row));
-// That line, "" without one.
-QString line_as_text(const second_reading& reading);
+// The shown rows of a list of codes, in the same way.
+QString shown_codes_as_text(readCodes& controller, const second_reading& reading);
 
 second_status both_statuses(readCodes& controller);
 // The lamp and the announced codes in the reading that is shown, and what the other one says.

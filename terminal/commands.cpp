@@ -24,9 +24,14 @@ QString ecu_name(readCodes& controller, const QString& header) {
 
 // --- link-info ----------------------------------------------------------------------------------------
 
+// What the car itself has told: what the profile holds of it is not shown as an answer.
+obd_groups told_pids(const readCodes& controller) {
+    return controller.state.times_told() > 0 ? controller.state.available_pids() : obd_groups();
+}
+
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
-    for (const obd_group& ecu : controller.state.available_pids())
+    for (const obd_group& ecu : told_pids(controller))
         ecus += QJsonObject{{"header", ecu.header},
                             {"name", ecu_name(controller, ecu.header)},
                             {"pids", QJsonArray::fromStringList(ecu.pidSet)}};
@@ -39,7 +44,7 @@ QString link_info_text(readCodes& controller) {
     QString text = QStringLiteral("Interface: %1\nProtocol: %2\n")
                        .arg(adapter_of(controller).interface_description(),
                             adapter_of(controller).protocol_description());
-    for (const obd_group& ecu : controller.state.available_pids())
+    for (const obd_group& ecu : told_pids(controller))
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
                     .arg(ecu.header, ecu_name(controller, ecu.header))
                     .arg(ecu.pidSet.size())
@@ -49,31 +54,36 @@ QString link_info_text(readCodes& controller) {
 
 // --- read-codes ---------------------------------------------------------------------------------------
 
+QJsonObject codes_and_status(readCodes& controller, const car_status& status, const QList<noted_row>& rows) {
+    const auto known = [&](const QJsonValue& value) { return status.is_known ? value : QJsonValue(); };
+    return {{"mil", known(status.mil)},
+            {"expected_codes", known(status.codes)},
+            {"codes", codes_as_json(controller, plain(rows))},
+            {"readiness", readiness_as_json(status.monitors)}};
+}
+
 QJsonObject read_codes_json(readCodes& controller) {
     const diagnostic_results& results = controller.results;
-    QJsonObject object{{"interface", adapter_of(controller).interface_description()},
-                       {"protocol", adapter_of(controller).protocol_description()},
-                       {"ecus", results.no_of_ecus},
-                       {"mil", results.milLamp},
-                       {"expected_codes", results.no_of_codes},
-                       {"codes", codes_as_json(controller, results.rows(part::codes))},
-                       {"readiness", readiness_as_json(results.readinessFlagsArray)}};
+    const second_reading codes = both_readings(controller, part::codes);
+    const second_status status = both_statuses(controller);
+    QJsonObject object =
+        both_results(codes_and_status(controller, status.own, codes.own_rows()),
+                     codes_and_status(controller, status.standard, codes.standard_rows()), {codes});
+    object.insert("interface", adapter_of(controller).interface_description());
+    object.insert("protocol", adapter_of(controller).protocol_description());
+    object.insert("ecus", results.no_of_ecus);
     if (results.answers.contains(part::permanent)) {
         const QJsonObject permanent = permanent_json(controller);
         for (auto part = permanent.begin(); part != permanent.end(); ++part)
             object.insert(part.key(), part.value());
     }
-    const second_reading codes = both_readings(controller, part::codes);
-    const second_status status = both_statuses(controller);
-    QJsonObject standard{{"codes", codes_as_json(controller, plain(codes.standard_rows()))}};
-    if (status.standard.is_known) {
-        standard.insert("mil", status.standard.mil);
-        standard.insert("expected_codes", status.standard.codes);
-        standard.insert("readiness", readiness_as_json(status.standard.monitors));
-    }
-    object = with_standard(object, standard, {codes});
     if (status.differs)
         object.insert("differs", true);
+    if (!status.faults.isEmpty()) {
+        QJsonArray faults = object["faults"].toArray();
+        faults += status.faults;
+        object.insert("faults", faults);
+    }
     return object;
 }
 
@@ -82,8 +92,7 @@ QString read_codes_text(readCodes& controller) {
     const second_status status = both_statuses(controller);
     QString text =
         results.xtraInfoArray.join(QLatin1Char('\n')) + u'\n' + status_as_text(controller, status) + u'\n';
-    const second_reading codes = both_readings(controller, part::codes);
-    text += codes_as_text(controller, plain(codes.shown())) + line_as_text(codes);
+    text += shown_codes_as_text(controller, both_readings(controller, part::codes));
     if (!status.shown().monitors.isEmpty())
         text += QStringLiteral("\nReadiness:\n");
     for (const readiness_row& row : status.shown().monitors)
@@ -96,12 +105,21 @@ QString read_codes_text(readCodes& controller) {
 // --- clear-codes --------------------------------------------------------------------------------------
 
 QJsonObject clear_codes_json(readCodes& controller) {
-    return {{"interface", adapter_of(controller).interface_description()},
-            {"protocol", adapter_of(controller).protocol_description()}};
+    QJsonObject object = read_codes_json(controller);
+    object.insert("cleared", controller.results.not_cleared.isNull()
+                                 ? QJsonValue()
+                                 : controller.results.not_cleared.isEmpty());
+    if (!controller.results.not_cleared.isEmpty())
+        object.insert("not_cleared", controller.results.not_cleared);
+    return object;
 }
 
-QString clear_codes_text(readCodes&) {
-    return QStringLiteral("Codes cleared\n");
+QString clear_codes_text(readCodes& controller) {
+    const QString& refusal = controller.results.not_cleared;
+    const QString end = refusal.isNull()    ? QStringLiteral("The codes were not cleared.")
+                        : refusal.isEmpty() ? QStringLiteral("Codes cleared")
+                                            : refusal;
+    return read_codes_text(controller) + u'\n' + end + u'\n';
 }
 
 // clang-format off
@@ -126,16 +144,18 @@ QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows) {
     return codes;
 }
 
-QString codes_as_text(readCodes& controller, const QList<result_row>& rows) {
-    const QList<code_row> codes = rows_of<code_row>(rows);
-    if (codes.isEmpty())
-        return (rows.isEmpty() ? localised(QStringLiteral("NO_CODES"))
-                               : row_text(part::codes, rows.first())) +
-               QLatin1Char('\n');
+QString codes_as_text(readCodes& controller, const QList<noted_row>& rows) {
+    if (rows.isEmpty())
+        return localised(QStringLiteral("NO_CODES")) + u'\n';
     QString text;
-    for (const code_row& row : codes)
-        text += QStringLiteral("%1  %2  %3\n")
-                    .arg(row.code, row.ecu, controller.description_of(row.code).trimmed());
+    for (const noted_row& row : rows) {
+        const auto* code = std::get_if<code_row>(&row.row);
+        const QString line =
+            code ? QStringLiteral("%1  %2  %3")
+                       .arg(code->code, code->ecu, controller.description_of(code->code).trimmed())
+                 : row_text(part::codes, row.row);
+        text += (row.note.isEmpty() ? line : QStringLiteral("%1  (%2)").arg(line, row.note)) + u'\n';
+    }
     return text;
 }
 

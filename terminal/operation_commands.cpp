@@ -31,25 +31,28 @@ QJsonObject pending_as_json(readCodes& controller, const QList<result_row>& pend
     return {{"pending", codes_as_json(controller, pending)}, {"freezed_by", freezed_by}, {"freeze", freeze}};
 }
 
-QJsonArray texts_as_json(part which, const second_reading& reading) {
-    return QJsonArray::fromStringList(row_texts(which, plain(reading.own_rows())));
+QJsonArray texts_as_json(part which, const QList<noted_row>& rows) {
+    return QJsonArray::fromStringList(row_texts(which, plain(rows)));
 }
 
 QJsonObject pending_json(readCodes& controller) {
     const second_reading codes = both_readings(controller, part::pending);
     const second_reading frame = both_readings(controller, part::freeze);
-    QJsonObject object = pending_as_json(controller, plain(codes.own_rows()), plain(frame.own_rows()));
-    object.insert("rows", QJsonObject{{"pending", texts_as_json(part::pending, codes)},
-                                      {"freeze", texts_as_json(part::freeze, frame)}});
-    const QJsonObject standard =
-        pending_as_json(controller, plain(codes.standard_rows()), plain(frame.standard_rows()));
-    return with_link(controller, with_standard(object, standard, {codes, frame}));
+    const auto result = [&](const QList<noted_row>& pending, const QList<noted_row>& frozen) {
+        QJsonObject object = pending_as_json(controller, plain(pending), plain(frozen));
+        object.insert("rows", QJsonObject{{"pending", texts_as_json(part::pending, pending)},
+                                          {"freeze", texts_as_json(part::freeze, frozen)}});
+        return object;
+    };
+    return with_link(controller,
+                     both_results(result(codes.own_rows(), frame.own_rows()),
+                                  result(codes.standard_rows(), frame.standard_rows()), {codes, frame}));
 }
 
 QString pending_text(readCodes& controller) {
-    const second_reading codes = both_readings(controller, part::pending);
-    return QStringLiteral("Pending codes:\n") + codes_as_text(controller, plain(codes.shown())) +
-           line_as_text(codes) + QStringLiteral("\nFreeze frame:\n") +
+    return QStringLiteral("Pending codes:\n") +
+           shown_codes_as_text(controller, both_readings(controller, part::pending)) +
+           QStringLiteral("\nFreeze frame:\n") +
            shown_as_text(both_readings(controller, part::freeze), [](const result_row& row) {
                return row_text(part::freeze, row).replace(u'|', QLatin1String(" ")) + u'\n';
            });
@@ -80,10 +83,13 @@ QJsonObject vehicle_rows_json(const QList<result_row>& rows) {
 
 QJsonObject vehicle_info_json(readCodes& controller) {
     const second_reading reading = both_readings(controller, part::vehicle);
-    QJsonObject object = vehicle_rows_json(plain(reading.own_rows()));
-    object.insert("rows", texts_as_json(part::vehicle, reading));
+    const auto result = [](const QList<noted_row>& rows) {
+        QJsonObject object = vehicle_rows_json(plain(rows));
+        object.insert("rows", texts_as_json(part::vehicle, rows));
+        return object;
+    };
     return with_link(controller,
-                     with_standard(object, vehicle_rows_json(plain(reading.standard_rows())), {reading}));
+                     both_results(result(reading.own_rows()), result(reading.standard_rows()), {reading}));
 }
 
 QString vehicle_info_text(readCodes& controller) {
@@ -97,6 +103,8 @@ QString vehicle_info_text(readCodes& controller) {
 QJsonObject test_as_json(const test_row& test) {
     const auto number = [](const QString& text) { return text.toDouble(); };
     QJsonObject object{{"index", test.index}, {"value", number(test.value)}, {"passed", test.passed}};
+    if (test.was_not_run())
+        object.insert("not_run", true);
     object.insert("tid", test.tid);
     if (test.is_can) {
         object.insert("obdmid", test.obdmid);
@@ -123,10 +131,11 @@ QJsonArray tests_as_json(const QList<noted_row>& rows) {
 template <part which>
 QJsonObject tests_json(readCodes& controller) {
     const second_reading reading = both_readings(controller, which);
-    const QJsonObject object{{"tests", tests_as_json(reading.own_rows())},
-                             {"rows", texts_as_json(which, reading)}};
+    const auto result = [](const QList<noted_row>& rows) {
+        return QJsonObject{{"tests", tests_as_json(rows)}, {"rows", texts_as_json(which, rows)}};
+    };
     return with_link(controller,
-                     with_standard(object, {{"tests", tests_as_json(reading.standard_rows())}}, {reading}));
+                     both_results(result(reading.own_rows()), result(reading.standard_rows()), {reading}));
 }
 
 template <part which>
@@ -147,7 +156,8 @@ QJsonObject extras_json(readCodes& controller) {
     QJsonArray extras;
     for (const value_row& row : rows_of<value_row>(plain(reading.own_rows())))
         extras += QJsonObject{{"label", row.label}, {"value", row.value.trimmed()}};
-    return with_link(controller, {{"extras", extras}, {"rows", texts_as_json(part::extras, reading)}});
+    return with_link(controller,
+                     {{"extras", extras}, {"rows", texts_as_json(part::extras, reading.own_rows())}});
 }
 
 QString extras_text(readCodes& controller) {
@@ -158,13 +168,14 @@ QString extras_text(readCodes& controller) {
 }
 
 QString report_text(readCodes& controller) {
-    return controller.report_of(op_read_codes).text + u'\n';
+    return without_markup(controller.report_of(op_read_codes).text) + u'\n';
 }
 
 QJsonObject report_json(readCodes& controller) {
     const diagnostic_report report = controller.report_of(op_read_codes);
-    return with_link(controller,
-                     {{"title", report.title}, {"description", report.description}, {"text", report.text}});
+    return with_link(controller, {{"title", report.title},
+                                  {"description", report.description},
+                                  {"text", without_markup(report.text)}});
 }
 
 // clang-format off

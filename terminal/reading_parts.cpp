@@ -5,30 +5,36 @@
 
 namespace brivant {
 
+namespace {
+
+QString with_lines(const second_reading& reading, const QString& rows) {
+    const QString line = reading.line().isEmpty() ? QString() : reading.line() + u'\n';
+    const QString faults = reading.fault_line().isEmpty() ? QString() : reading.fault_line() + u'\n';
+    return reading.weighs() ? line + rows + faults : rows + line + faults;
+}
+
+} // namespace
+
 second_reading both_readings(readCodes& controller, part which) {
     return {which, controller.results, controller.toolies};
 }
 
-QJsonObject with_standard(QJsonObject object, QJsonObject standard, const QList<second_reading>& readings) {
+QJsonObject both_results(const QJsonObject& own, const QJsonObject& standard,
+                         const QList<second_reading>& readings) {
     QStringList faults;
     bool differs = false;
-    bool shown = false;
+    bool is_standard = false;
     for (const second_reading& reading : readings) {
         faults += reading.faults();
         differs |= reading.differs();
-        shown |= reading.shows_standard();
+        is_standard |= reading.shows_standard();
     }
-    if (!faults.isEmpty())
-        standard.insert("faults", QJsonArray::fromStringList(faults));
-    object.insert("standard", standard);
-    object.insert("differs", differs);
-    object.insert("reading", shown ? "standard" : "program");
-    return object;
-}
-
-QString line_as_text(const second_reading& reading) {
-    const QString line = reading.line();
-    return line.isEmpty() ? QString() : line + u'\n';
+    QJsonObject result = is_standard ? standard : own;
+    result.insert(is_standard ? "program" : "standard", is_standard ? own : standard);
+    result.insert("differs", differs);
+    result.insert("reading", is_standard ? "standard" : "program");
+    result.insert("faults", QJsonArray::fromStringList(faults));
+    return result;
 }
 
 QString shown_as_text(const second_reading& reading, QString (*as_text)(const result_row& row)) {
@@ -38,7 +44,11 @@ QString shown_as_text(const second_reading& reading, QString (*as_text)(const re
         if (!row.note.isEmpty())
             text += QStringLiteral("    ") + row.note + u'\n';
     }
-    return text + line_as_text(reading);
+    return with_lines(reading, text);
+}
+
+QString shown_codes_as_text(readCodes& controller, const second_reading& reading) {
+    return with_lines(reading, codes_as_text(controller, reading.shown()));
 }
 
 second_status both_statuses(readCodes& controller) {
@@ -49,15 +59,18 @@ QString status_as_text(readCodes& controller, const second_status& status) {
     const diagnostic_results& results = controller.results;
     QString mil = results.mil_label;
     QString codes = results.code_count_label;
-    if (status.standard_shown && status.was_read) {
+    if (status.was_read) {
         const car_status& shown = status.shown();
         mil = !shown.is_known ? QStringLiteral("not known")
               : shown.mil     ? QStringLiteral("ON")
                               : QStringLiteral("OFF");
         codes = shown.is_known ? QString::number(shown.codes) : QStringLiteral("not known");
     }
-    const QString line = status.line.isEmpty() ? QString() : status.line + u'\n';
-    return QStringLiteral("MIL: %1\nCodes announced: %2\n").arg(mil, codes) + line;
+    QString text = QStringLiteral("MIL: %1\nCodes announced: %2\n").arg(mil, codes);
+    for (const QString& line : {status.line, status.faults})
+        if (!line.isEmpty())
+            text += line + u'\n';
+    return text;
 }
 
 QJsonArray readiness_as_json(const QList<readiness_row>& rows) {
@@ -83,7 +96,7 @@ QString permanent_text(readCodes& controller) {
     const permanent_codes read = read_permanent_codes(controller.results, controller.toolies);
     QString text = QStringLiteral("Permanent codes:\n");
     if (!read.rows.isEmpty())
-        text += codes_as_text(controller, plain(read.rows));
+        text += codes_as_text(controller, read.rows);
     if (!read.words.isEmpty())
         text += read.words + u'\n';
     text += QStringLiteral("\nThis drive cycle:\n");

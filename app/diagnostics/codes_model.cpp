@@ -1,6 +1,7 @@
 #include "app/diagnostics/codes_model.h"
 
 #include "app/look/theme.h"
+#include "base/string_table.h"
 
 namespace brivant {
 
@@ -8,6 +9,12 @@ namespace {
 
 const QStringList code_headings{QStringLiteral("Codes"), QStringLiteral("ECU"),
                                 QStringLiteral("Description")};
+
+// That there are no codes has a description of its own.
+bool is_sentence(const result_row& row) {
+    const auto* words = std::get_if<words_row>(&row);
+    return words && words->text != localised(QStringLiteral("NO_CODES"));
+}
 
 } // namespace
 
@@ -17,13 +24,19 @@ codes_model::codes_model(readCodes& its_controller, const QList<noted_row>& its_
 codes_model::codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent)
     : results_model(its_reading, code_headings, parent), controller(its_controller) {}
 
+bool codes_model::is_heading(int row) const {
+    return row >= 0 && row < rowCount() && is_sentence(rows().at(row).row);
+}
+
 QVariant codes_model::data(const QModelIndex& index, int role) const {
     if (!is_shown(index))
         return {};
     const result_row& row = row_at(index);
     switch (role) {
-    case Qt::DisplayRole:
-    case Qt::AccessibleTextRole: return cell(row, index.column());
+    case Qt::DisplayRole: return cell(row, index.column());
+    case Qt::AccessibleTextRole:
+        return with_note(cell(row, index.column()), index.data(note_role).toString());
+    case note_role: return index.column() == description_column ? note_on(index.row()) : QString();
     case Qt::ToolTipRole:
         return index.column() == ecu_column ? theme::plain_tool_tip(ecu_name(cell(row, ecu_column)))
                                             : QVariant();
@@ -38,7 +51,7 @@ QString codes_model::cell(const result_row& row, int at) const {
     switch (at) {
     case code_column: return code;
     case ecu_column: return named ? named->ecu : QString();
-    case description_column: return controller.description_of(code).trimmed();
+    case description_column: return is_sentence(row) ? QString() : controller.description_of(code).trimmed();
     default: return {};
     }
 }

@@ -16,6 +16,8 @@ public:
     codes_model(readCodes& its_controller, const QList<noted_row>& its_rows, QObject* parent = nullptr);
     codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent = nullptr);
 
+    // A sentence in the place of codes.
+    bool is_heading(int row) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:

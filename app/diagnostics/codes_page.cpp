@@ -1,7 +1,7 @@
 #include "app/diagnostics/codes_page.h"
 
+#include "app/diagnostics/noted_delegate.h"
 #include "app/look/tables.h"
-#include "app/look/wrapping_delegate.h"
 
 #include <QHeaderView>
 #include <algorithm>
@@ -30,9 +30,9 @@ QString fact_as_html(const QString& fact, const QColor& quiet) {
         .arg(quiet.name(), unbroken(fact.left(colon + 1)), unbroken(fact.mid(colon + 1)));
 }
 
-void set_up_codes(QTableView& table, codes_model& model) {
+void set_up_codes(QTableView& table, codes_model& model, const theme& look) {
     table.setModel(&model);
-    table.setItemDelegate(new wrapping_delegate(&table));
+    table.setItemDelegate(new noted_delegate(look, &table));
     let_rows_wrap(table, codes_model::description_column, code_row_height);
 }
 
@@ -54,8 +54,8 @@ codes_page::codes_page(const Ui::read_codes_view& its_ui, const view_context& it
 }
 
 void codes_page::set_up_tables() {
-    set_up_codes(*ui.codes_table, codes);
-    set_up_codes(*ui.permanent_table, permanent_rows);
+    set_up_codes(*ui.codes_table, codes, context.frame.look());
+    set_up_codes(*ui.permanent_table, permanent_rows, context.frame.look());
     ui.permanent_table->horizontalHeader()->hide();
 
     ui.readiness_table->setModel(&readiness);
@@ -123,7 +123,8 @@ void codes_page::show_permanent() {
 
 void codes_page::show_codes() {
     codes.reload();
-    bar.show_lines({&reading}, status.line);
+    bar.show_lines({&reading}, &status);
+    span_headings(*ui.codes_table, codes);
     ui.codes_stack->setCurrentWidget(codes.rowCount() > 0 ? ui.codes_filled : ui.codes_empty);
     if (head.runs_here())
         ui.empty_text->setText(head.waiting_words());

@@ -11,7 +11,6 @@
 #include <QMenu>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QRegularExpression>
 #include <QSaveFile>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -79,9 +78,7 @@ QString report_button::hint() const {
 }
 
 QString report_button::text() const {
-    // One line of the report holds a piece of HTML.
-    static const QRegularExpression tags(QStringLiteral("</?font[^>]*>"));
-    return controller.report_of(operation).text.remove(tags);
+    return without_markup(controller.report_of(operation).text);
 }
 
 void report_button::fill_page(QTextDocument& document) const {

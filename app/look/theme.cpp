@@ -156,6 +156,7 @@ QMenu::item:selected { background: {accent_soft}; }
 QComboBox QAbstractItemView { background: {field}; color: {text}; selection-background-color: {accent_soft};
     selection-color: {text}; outline: 0; }
 
+brivant--reading_bar[weighs="true"] { background: {amber_soft}; border: 1px solid {amber}; border-radius: 10px; }
 QFrame#notice_card { background: {amber_soft}; border: 1px solid {amber}; border-radius: 10px; }
 QLabel#notice_mark { background: {amber}; color: {card}; border-radius: 12px; font-weight: 700; }
 QFrame#toast_card { background: {toast}; border-radius: 12px; }

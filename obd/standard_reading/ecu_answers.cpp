@@ -1,5 +1,7 @@
 #include "obd/standard_reading/ecu_answers.h"
 
+#include "base/refusals.h"
+
 #include <QMap>
 #include <algorithm>
 #include <utility>
@@ -275,17 +277,8 @@ void add_fault(QString& faults, const QString& fault) {
 
 // Why an ECU refused (ISO 14229-1 response codes).
 QString refusal(const QByteArray& data) {
-    const int code = data.size() > 2 ? byte_at(data, 2) : -1;
-    QString why;
-    switch (code) {
-    case 0x11: why = QStringLiteral("service not supported"); break;
-    case 0x12: why = QStringLiteral("request not supported"); break;
-    case 0x21: why = QStringLiteral("busy"); break;
-    case 0x22: why = QStringLiteral("conditions not right"); break;
-    case 0x31: why = QStringLiteral("request out of range"); break;
-    case 0x33: why = QStringLiteral("access denied"); break;
-    default: why = QStringLiteral("no reason that is known");
-    }
+    const QString why =
+        data.size() > 2 ? refusal_words(byte_at(data, 2)) : QStringLiteral("it does not say why");
     return QStringLiteral("refused by the ECU: %1 (%2)")
         .arg(why, QString::fromLatin1(data.toHex(' ').toUpper()));
 }

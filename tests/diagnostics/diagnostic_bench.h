@@ -51,6 +51,7 @@ struct diagnostic_bench : adapter_bench {
                                           {"vehicle", part::vehicle},
                                           {"extras", part::extras}})
             add_results(name, which);
+        facts["faults-status"] = [this] { return read_status_again(results, toolies).faults; };
         facts["line-status"] = [this] { return read_status_again(results, toolies).line; };
         facts["permanent"] = [this] {
             const permanent_codes read = read_permanent_codes(results, toolies);
@@ -81,12 +82,15 @@ struct diagnostic_bench : adapter_bench {
         results.P0_Codes = {{"P0133", " the sensor's answer is slow"}}; // the whole list takes its time
     }
 
-    // "codes", "std-codes", "notes-codes", "line-codes": the rows of a part, the standard's, what stands
-    // beside the shown ones, and the line about it.
+    // "codes", "std-codes", "shown-codes", "notes-codes", "line-codes", "faults-codes": the rows of a part,
+    // the standard's, the shown ones, what stands beside these, the line about them, what was not answered.
     void add_results(const QString& name, part which) {
         const auto joined = [which](const QList<result_row>& rows) {
             const QStringList texts = row_texts(which, rows);
             return which == part::codes ? texts.join(", ") : one_line(texts);
+        };
+        facts["shown-" + name] = [this, which, joined] {
+            return joined(plain(second_reading(which, results, toolies).shown()));
         };
         facts[name] = [this, which, joined] { return joined(results.rows(which)); };
         facts["std-" + name] = [this, which, joined] {
@@ -99,6 +103,9 @@ struct diagnostic_bench : adapter_bench {
                 if (!reading.shown()[row].note.isEmpty())
                     notes += QString::number(row) + ' ' + reading.shown()[row].note;
             return one_line(notes);
+        };
+        facts["faults-" + name] = [this, which] {
+            return second_reading(which, results, toolies).faults().join(", ");
         };
         facts["line-" + name] = [this, which] { return second_reading(which, results, toolies).line(); };
     }

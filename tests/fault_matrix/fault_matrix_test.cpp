@@ -201,7 +201,7 @@ bool is_of_the_car(const fault_row& fault, const QString& row, const QStringList
     static const QRegularExpression end("[| ]+$");
     const bool is_short =
         (row.endsWith('|') && row.size() == 6) || fault.what.garbage_inside == cutting_prompt;
-    return row == " VIN: 113358XA001276" ||
+    return row == " VIN: 113358XA001276" || row.startsWith("Not read (") ||
            std::any_of(clean.begin(), clean.end(), [&](const QString& known) {
                return is_short ? known.startsWith(QString(row).remove(end)) : known == row;
            });

@@ -51,10 +51,12 @@ TEST_F(exchange_of, an_oversize_reply_is_not_decoded) {
     adapter->receive(much);
     adapter->receive(much + ">");
     EXPECT_EQ(heard(), "");
+    clock.advance(100);
     EXPECT_EQ(sent(), "01 00, 01 00");
     adapter->receive("4100BE>");
     ask("AT RV", "8|9|1"); // takes any text, but not this one
     adapter->receive(much + ">");
+    clock.advance(100);
     EXPECT_EQ(sent(), "AT RV, AT RV");
     adapter->receive("12.3V>");
     EXPECT_EQ(heard(), "reply 4100BE, reply 12.3V");
@@ -78,19 +80,18 @@ TEST_F(exchange_of, an_unconfirmed_command_is_sent_three_times_more) {
             EXPECT_EQ(heard(), "");
             clock.advance(11999); // the time-out of the command holds for each try
             adapter->receive(QString(word) + "\r\r>");
+            EXPECT_EQ(sent(), ""); // the adapter is given a moment
+            clock.advance(100);
         }
         EXPECT_EQ(heard(), "reply ~");
         EXPECT_EQ(sent(), "");
         EXPECT_EQ(view.events.count("status: Didn't get a confirmation from interface ... Trying again"), 3);
-        EXPECT_EQ(view.events
-                      .filter("message: Retried 3 times and Did not get a reply from interface.  Check "
-                              "pairing/connections")
-                      .size(),
+        EXPECT_EQ(view.events.filter("message: The adapter reports a fault of its own (ERR94)").size(),
                   boxes);
     }
     view.events.clear();
     set_up("AT I"); // a "?" keeps the box away by itself
-    for (int tries = 1; tries <= 4; ++tries)
+    for (int tries = 1; tries <= 4; ++tries, clock.advance(100))
         adapter->receive("?\r\r>");
     EXPECT_TRUE(view.events.filter("message").isEmpty());
 }
@@ -99,6 +100,7 @@ TEST_F(exchange_of, an_accepted_reply_ends_the_run_of_refused_ones) {
     for (int times = 0; times < 5; ++times) {
         ask("AT I", "ELM");
         adapter->receive("#>");
+        clock.advance(100);
         adapter->receive("ELM>");
         EXPECT_EQ(heard(), "reply ELM");
     }
@@ -119,6 +121,26 @@ TEST_F(exchange_of, time_outs) {
         EXPECT_EQ(sent(), "AT I") << command;
         adapter->receive("ELM>ELM>");
         EXPECT_EQ(heard(), "reply ELM") << command;
+    }
+}
+
+// A search for the protocol would begin anew with each try.
+TEST_F(exchange_of, a_search_is_waited_for) {
+    for (const char* notice : {"SEARCHING...", "SEARCH|ING", "BUS INIT: ..."}) {
+        ask("01 00|12.0", "4100");
+        EXPECT_EQ(sent(), "01 00");
+        clock.advance(11000);
+        for (const QString& piece : QString(notice).split('|'))
+            adapter->receive(piece);
+        EXPECT_TRUE(view.last("status").startsWith("The adapter is looking for the car's protocol"));
+        clock.advance(20000);
+        adapter->receive(".");
+        clock.advance(19999);
+        EXPECT_EQ(sent(), "") << notice;
+        clock.advance(1);
+        EXPECT_EQ(sent(), "01 00") << notice;
+        adapter->receive("4100BE3FA813\r>4100BE3FA813\r>");
+        EXPECT_EQ(heard(), "reply 4100BE3FA813") << notice;
     }
 }
 
@@ -159,9 +181,10 @@ TEST_F(exchange_of, late_replies_do_not_put_it_one_behind) {
     adapter->receive(rpm.first(5));
     adapter->receive(rpm.sliced(5) + rpm + "410D3C\r\r>");
     EXPECT_EQ(heard(), "reply 410D3C");
-    for (int n = 0; n < 3; ++n) { // back in step: an unconfirmed reply is asked for again at once
+    for (int n = 0; n < 3; ++n) { // back in step: an unconfirmed reply is asked for again
         ask("01 0C", "410C");
         adapter->receive("#>");
+        clock.advance(100);
         adapter->receive(rpm);
         EXPECT_EQ(heard(), "reply 410C1AF8");
         EXPECT_EQ(sent(), "01 0C, 01 0C");

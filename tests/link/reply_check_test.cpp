@@ -52,8 +52,9 @@ constexpr row rows[] = {
     {"  another PID",                          "01 0C\r",    nullptr,   headers,  6, "7E803410D3C",                false},
     {"  cut off",                              "01 0C\r",    nullptr,   headers,  6, "7E80341",                    false},
     {"  the first group counts",               "01 0C\r",    nullptr,   headers,  6, "7E804410C1AF8\r7E9037F0112", true},
-    {"  even when it refuses",                 "01 0C\r",    nullptr,   headers,  6, "7E8037F0112\r7E904410C1AF8", false},
-    {"  which it is by header, not by time",   "01 0C\r",    nullptr,   headers,  6, "7E9037F0112\r7E804410C1AF8", true},
+    {"  set aside when it refuses",            "01 0C\r",    nullptr,   headers,  6, "7E8037F0112\r7E904410C1AF8", true},
+    {"  a refusal that sorts first",           "01 01\r",    nullptr,   headers,  5, "83F1187F01121E\r86F1104101880765E5D7", true},
+    {"  all refuse",                           "01 0C\r",    nullptr,   headers,  6, "7E8037F0112\r7E9037F0112", false},
     {"  an answer that comes later",           "01 0C\r",    nullptr,   headers,  6, "7E8037F0178\r7E804410C1AF8", true},
     {"  several frames",                       "09 02\r",    nullptr,   headers,  6,
         "7E81014490201314731\r7E8214A433534343452\r7E82237323532333637", true},
@@ -130,12 +131,15 @@ TEST(reply_check, tells_adapter_from_car) {
         {"CANERROR", "The adapter answers, the car does not"},
         {"7E80441<RXERROR", "The car answers, but not all"},
         {"LVRESET", "The adapter has reset itself"},
-        {"7E8037F0112", ""},
+        {"STOPPED", "The adapter broke off"},
+        {"ERR94", "The adapter reports a fault of its own (ERR94)"},
+        {"7E8037F0122", "7E8 refuses this request: conditions not right."},
+        {"7E8037F019A", "7E8 refuses this request: code 9A."},
+        {"7E8037F0178", "7E8 asked for more time and then sent no answer."},
+        {"#", "Retried 3 times and Did not get a reply"},
     };
-    for (const auto& [reply, beginning] : rows) {
-        EXPECT_EQ(where_it_failed(reply).left(qsizetype(qstrlen(beginning))), beginning) << reply;
-        EXPECT_EQ(where_it_failed(reply).isEmpty(), *beginning == 0) << reply;
-    }
+    for (const auto& [text, beginning] : rows)
+        EXPECT_EQ(why_given_up(reply({text, 6, true})).left(qsizetype(qstrlen(beginning))), beginning);
 }
 
 // The words keep their blanks, so nothing that was normalised is refused.

@@ -13,6 +13,7 @@ namespace brivant {
 namespace {
 
 constexpr int first_task_ms = 800;
+constexpr int before_next_try_ms = 100; // after a reply that was no answer
 
 QString command_of(const QString& text) {
     return text.section(" |", 0, 0);
@@ -64,6 +65,8 @@ private:
     }
 
     void expect_command(const QString& text) {
+        if (taken == bench.written.size())
+            bench.clock.advance(before_next_try_ms);
         const QString sent = bench.written.value(taken, "nothing");
         if (sent != command_of(text))
             return fail("expected " + command_of(text) + ", sent " + sent);

@@ -1,0 +1,73 @@
+#include "diagnostics/answer_faults.h"
+
+#include "obd/standard_reading/codes_and_texts.h"
+#include "obd/standard_reading/test_results.h"
+
+namespace brivant {
+
+namespace {
+
+constexpr qsizetype most_shown = 40; // characters of a reply that is no answer
+
+QString named(const QString& ecu, const QString& text) {
+    return ecu.isEmpty() ? text : ecu + QStringLiteral(": ") + text;
+}
+
+template <class answers>
+QStringList faults_in(const answers& of_ecus) {
+    QStringList faults;
+    for (const auto& one : of_ecus)
+        if (!one.fault.isEmpty())
+            faults += named(one.ecu, one.fault);
+    return faults;
+}
+
+QStringList faults_by_ecu(int service, const raw_reply& came) {
+    constexpr int stored_codes = 0x03, test_results = 0x06, pending_codes = 0x07, permanent_codes = 0x0A;
+    switch (service) {
+    case stored_codes:
+    case pending_codes:
+    case permanent_codes: return faults_in(read_trouble_codes(service, came));
+    case test_results: {
+        const QString fault = read_tests(came).fault;
+        return fault.isEmpty() ? QStringList() : QStringList(fault);
+    }
+    default: return faults_in(answers_to(service, came));
+    }
+}
+
+// Why the reply as a whole is no answer; "" when it is one, or when the car is silent.
+QString why_no_answer(const answer& one, bool is_announced) {
+    const reply came(one.what_came.raw());
+    if (came.refused_by_adapter())
+        return QStringLiteral("the adapter does not know this request (?)");
+    if (came.no_data() || came.is_none() || came.text().isEmpty())
+        return is_announced || one.what_came.is_none() ? QStringLiteral("no answer") : QString();
+    if (one.what_came.is_none())
+        return QStringLiteral("no answer that can be read (%1)")
+            .arg(QString(came.text()).replace(u'\r', u' ').left(most_shown));
+    return {};
+}
+
+} // namespace
+
+QStringList faults_of(const answer& one) {
+    if (one.request.isEmpty())
+        return {};
+    constexpr int test_results = 0x06;
+    const int service = one.request.left(2).toInt(nullptr, 16);
+    const bool is_test = service == test_results;
+    QStringList faults = faults_by_ecu(service, one.what_came.raw());
+    if (const QString why = why_no_answer(one, is_test); faults.isEmpty() && !why.isEmpty())
+        faults += why;
+    if (is_test)
+        for (QString& fault : faults)
+            fault = QStringLiteral("Test %1: %2").arg(one.request.mid(2), fault);
+    return faults;
+}
+
+words_row not_read(const QStringList& faults) {
+    return {QStringLiteral("Not read (%1)").arg(faults.join(QStringLiteral("; ")))};
+}
+
+} // namespace brivant
