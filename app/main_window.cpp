@@ -5,6 +5,7 @@
 #include "app/livedata/actions_view.h"
 #include "app/logs/logs_view.h"
 #include "app/preferences/prefs_view.h"
+#include "app/preferences/vehicle_dialog.h"
 #include "app/screen/link_report.h"
 #include "app/update_sheet.h"
 #include "base/string_table.h"
@@ -105,7 +106,7 @@ void main_window::go_to(screen_kind kind) {
 }
 
 std::unique_ptr<screen_view> main_window::make_view(screen_kind kind) {
-    const view_context context{core, delegate, delegate.link, *this, *this};
+    const view_context context = for_screens();
     switch (kind) {
     case screen_kind::diagnostics: return std::make_unique<read_codes_view>(context);
     case screen_kind::preferences: return std::make_unique<prefs_view>(context);
@@ -187,6 +188,33 @@ void main_window::ask(const QString& title, const QString& text, const question_
                       std::function<void(bool)> answer) {
     help.hide();
     sheet.ask(title, text, std::move(answer), words);
+}
+
+void main_window::ask_same_car(const QString& title, const QString& text, std::function<void(bool)> answer) {
+    question_sheet::answers words = question_sheet::usual_answers();
+    words.third = QStringLiteral("New vehicle...");
+    help.hide();
+    sheet.ask(title, text, std::move(answer), words, [this] { add_vehicle(); });
+}
+
+// The car gets a record of its own, which is current from then on; what was asked is started anew.
+void main_window::add_vehicle() {
+    if (!view)
+        return;
+    auto* dialog = new vehicle_dialog(*view, for_screens(), core.vehicles, vehicle(), QImage());
+    connect(
+        dialog, &vehicle_dialog::stored, this,
+        [this](int veh_id) {
+            const QString problem = core.vehicles.setCurrentCar(veh_id);
+            delegate.link.set_up_next_time(false); // its record is to be read
+            delegate.show_current_vehicle();
+            delegate.switch_to(delegate.current_screen()); // what it shows is the other car's
+            if (!problem.isEmpty())
+                show_message(QString(), problem);
+            show_status(QStringLiteral("The new vehicle is the current one. Start again (F5)"));
+        },
+        Qt::QueuedConnection);
+    dialog->open();
 }
 
 void main_window::choose_device(const QString& why, device_chooser::answer answer) {

@@ -37,6 +37,7 @@ public:
     void show_busy(bool busy) override;
     void show_message(const QString& title, const QString& text) override;
     void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) override;
+    void ask_same_car(const QString& title, const QString& text, std::function<void(bool)> answer) override;
     void choose_device(const QString& why, device_chooser::answer answer) override;
     void reload(part what) override;
     void play_sound(int sound) override { sounds.play(sound); }
@@ -82,6 +83,8 @@ private:
     void show_surroundings();
     void toggle_help();
     void open_updates();
+    void add_vehicle();
+    view_context for_screens() { return {core, delegate, delegate.link, *this, *this}; }
     void escape();
     void refuse_questions();
     std::unique_ptr<screen_view> make_view(screen_kind kind);

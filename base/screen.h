@@ -40,6 +40,11 @@ public:
     virtual void show_message(const QString& title, const QString& text) = 0;
     // `answer` is called once: true for Yes.
     virtual void ask_yes_no(const QString& title, const QString& text, std::function<void(bool)> answer) = 0;
+    // The same for whether the car is the current vehicle. A window has a third way beside Yes and No: a new
+    // vehicle for it, which answers No.
+    virtual void ask_same_car(const QString& title, const QString& text, std::function<void(bool)> answer) {
+        ask_yes_no(title, text, std::move(answer));
+    }
     // `answer` is called once, with the address and the name of the Bluetooth device that the person chose,
     // or two empty texts. `why`: what is wrong with the device before, "" for nothing. A screen that cannot
     // ask answers so at once.

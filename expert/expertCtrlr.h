@@ -47,7 +47,6 @@ private:
     talk exchange_one(QString command);
     void check_words(const reply& answer);
     void let_go() override { script_runs = false; }
-    bool wants_link_back() const override { return true; }
     void started() override;
 
     user_defaults& defaults;

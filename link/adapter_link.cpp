@@ -160,8 +160,7 @@ void adapter_link::link_closed() {
     const bool is_bluetooth = far_end.interface_kind() == interface_bluetooth;
     link_lost loss{.status = is_bluetooth ? QStringLiteral("Connection to BT lost")
                                           : QStringLiteral("Disconnected"),
-                   .status_stays = !is_bluetooth,
-                   .by_far_end = true};
+                   .status_stays = !is_bluetooth};
     if (traffic.is_in_flight())
         loss.message =
             QStringLiteral("The adapter closed the connection before it had answered. Check that it "
@@ -270,8 +269,8 @@ void adapter_link::command_unanswered() {
     view.beep();
     if (facts.known) // so it is alive, and did not answer this
         quirks.unanswered(current_command());
-    tell_loss({});
-    if (again.tries() <= 1) // once for a link that is tried for again and again
+    tell_loss({.status = QStringLiteral("No answer came five times in a row: the link is closed")});
+    if (!again.is_active()) // else the status tells, try after try
         late_message = clock.one_shot(message_delay_ms, [this] {
             view.show_message(QString(), localised(QStringLiteral("DLG_4_TIMEOUTS_CHECK")));
         });

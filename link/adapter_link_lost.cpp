@@ -30,8 +30,6 @@ void adapter_link::left_by_loss(const link_lost& loss) {
         l_set_status_msg(loss.status);
     if (!loss.message.isEmpty())
         pop_a_messy(loss.message);
-    if (loss.by_far_end && controller && controller->wants_link_back())
-        again.next_try();
 }
 
 // Its supply dipped, as when the engine is started: echo is on again and headers are off.

@@ -13,7 +13,6 @@ struct link_lost {
     bool at_reset = false;
     // The operation is left first, and the status shown behind that.
     bool status_stays = false;
-    bool by_far_end = false; // closed there, not given up here
 };
 
 // What the link asks of the screen controller that is current: `readCodes`, `actions`, `expertCtrlr`.
@@ -30,8 +29,6 @@ public:
     virtual void leave_cur_op_gracefully(const QString& status) = 0;
     // Calls adapter_link::reopen() or adapter_link::left_by_loss(), now or when the talk has heard of it.
     virtual void handle_link_loss(const link_lost& loss) = 0;
-    // A link that the far end closed is opened again by itself, though the operation is left.
-    virtual bool wants_link_back() const { return false; }
     virtual void set_status_msg(const QString& status) = 0;
     // A transient notice; "" hides it.
     virtual void handleOBDToast(const QString& toast) = 0;

@@ -151,6 +151,8 @@ bool actions::results_still_fit() {
 }
 
 void actions::addEngECU_toPidList() {
+    if (results.sample_cnt > 0)
+        return; // a run keeps its columns over a new link
     const QString header = engine_ecu().header;
     if (results.mode == op_log_run && !own_pids) {
         // The initialisation rewrites the stored set when it finds another car.

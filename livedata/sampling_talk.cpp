@@ -63,6 +63,8 @@ talk sampling_talk::ready_to_sample(QString opening) {
 }
 
 void sampling_talk::make_sure_all_are_supported() {
+    if (results.sample_cnt > 0)
+        return;
     for (const QString& item : std::as_const(results.pid_logitems_list)) {
         const std::optional<sample_item> entry = split_sample_item(item);
         if (!entry || entry->pid == fuel_economy)

@@ -23,6 +23,7 @@ public:
     // The same, and every entry of the set with the header of its ECU.
     talk ready_to_sample(QString opening);
     // Every entry but those of the program's own PIDs is answered by its ECU; else the run ends with a text.
+    // Not asked of a run that goes on over a new link.
     void make_sure_all_are_supported();
 
     // Asks for a PID, or for that of a row. In a run a time-out is a value that did not come.

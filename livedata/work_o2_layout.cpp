@@ -33,9 +33,8 @@ QStringList sensor_set(unsigned mask, const obd_group& engine) {
     return items;
 }
 
-} // namespace
-
-talk work_o2_layout(sampling_talk& car) {
+// What the car has told of its sensors holds for the run, also over a new link.
+talk find_sensors(sampling_talk& car) {
     co_await car.ready_to_ask("Reading o2 layout");
     const obd_group engine = car.engine_ecu();
     const o2_banks banks = o2_banks_of({engine});
@@ -54,9 +53,14 @@ talk work_o2_layout(sampling_talk& car) {
         car.view.show_message(QString(), QStringLiteral("Couldn't lay out O2 sensors for your vehicle"));
     if (sensors == 0)
         throw left{};
-    const QStringList sensors_of_the_car = sensor_set(mask, engine);
-    if (car.results.sample_cnt == 0 || car.results.pid_logitems_list != sensors_of_the_car)
-        car.take_set(sensors_of_the_car); // else the run goes on over a new link
+    car.take_set(sensor_set(mask, engine));
+}
+
+} // namespace
+
+talk work_o2_layout(sampling_talk& car) {
+    if (car.results.sample_cnt == 0)
+        co_await find_sensors(car);
     co_await work_out_log(car);
 }
 

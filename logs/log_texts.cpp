@@ -97,7 +97,7 @@ QString samples(mac_toolies& toolies, int log_id) {
             rows += QStringList();
         tell_columns(pids, items);
         rows += QStringList(gmt_date_str_2_local_date_str(stored.value(chunk_time_stamp)).section(u' ', 1));
-        for (const QString& item : items) {
+        for (const QString& item : in_columns(pids, items)) {
             rows.last() += cell_of(toolies, item);
             const QString name = toolies.get_pid_name_with_pid(sampled_pid(item));
             if (!otherwise.contains(name) && readings_differ(item, toolies.shown_reading(), toolies.lists()))

@@ -1,7 +1,6 @@
 #include "logs/stored_series.h"
 
 #include "base/string_table.h"
-#include "obd/readings/sampled_value.h"
 #include "persistence/log_files.h"
 
 #include <algorithm>
@@ -82,9 +81,24 @@ void stored_series::take(QByteArrayView line) {
 void stored_series::take_cell(int column, QByteArrayView item) {
     if (item.size() <= pid_end || !item.startsWith(answer))
         return;
-    matrix.set_bytes(column, item);
-    if (column_pids[column].isEmpty())
-        column_pids[column] = sampled_pid(QString::fromLatin1(item));
+    column = column_of(item.sliced(answer.size(), pid_end - answer.size()), column);
+    if (column >= 0)
+        matrix.set_bytes(column, item);
+}
+
+// That of the PID, wherever the cell stands; -1 for a PID that has none.
+int stored_series::column_of(QByteArrayView pid, int place) {
+    QString& told = column_pids[place];
+    if (told == QLatin1String(pid))
+        return place;
+    const QString its_pid = QString::fromLatin1(pid).toUpper();
+    const int column = static_cast<int>(column_pids.indexOf(its_pid));
+    const bool is_anothers = // of the same PID at another ECU
+        told.isEmpty() && matrix.body(matrix.rows() - 1, column).startsWith(QLatin1String("41"));
+    if (!told.isEmpty() || (column >= 0 && !is_anothers))
+        return column;
+    told = its_pid;
+    return place;
 }
 
 void stored_series::count_again() {

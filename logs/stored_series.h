@@ -12,7 +12,8 @@ namespace brivant {
 
 // Reads a stored sampling run into a sample matrix, a slice of its lines at a time, so that one of any length
 // can be shown as it comes, and stopped by letting this go. A cell that holds no reply ("~", "NODATA", "-1")
-// stays empty. The columns are those of the first line.
+// stays empty. The columns are those of the first line, and a cell stands in
+// that of its PID.
 class stored_series {
 public:
     static constexpr qsizetype most_columns = 64;
@@ -47,6 +48,7 @@ private:
     void begin_row(QByteArrayView line);
     void take(QByteArrayView line);
     void take_cell(int column, QByteArrayView item);
+    int column_of(QByteArrayView pid, int place);
     bool fail(const QString& reason);
 
     sample_matrix& matrix;

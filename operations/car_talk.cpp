@@ -175,20 +175,23 @@ car_talk::asking car_talk::wait_longer() {
 }
 
 car_talk::asking_person car_talk::ask_yes_no(const QString& title, const QString& text) {
-    return {*this, title, text};
+    return {*this, &screen::ask_yes_no, title, text};
+}
+
+car_talk::asking_person car_talk::ask_same_car(const QString& title, const QString& text) {
+    return {*this, &screen::ask_same_car, title, text};
 }
 
 bool car_talk::asking_person::await_suspend(talk::handle who) {
     return car.held.wait(who, held_talk::thing::person, [this] {
         car.open_question = std::make_shared<int>(0);
-        car.view.ask_yes_no(title, text,
-                            [&of = car, question = std::weak_ptr(car.open_question)](bool is_yes) {
-                                if (question.expired())
-                                    return; // the operation was left meanwhile
-                                of.open_question.reset();
-                                of.said_yes = is_yes;
-                                of.held.go_on();
-                            });
+        (car.view.*way)(title, text, [&of = car, asked = std::weak_ptr(car.open_question)](bool is_yes) {
+            if (asked.expired())
+                return; // the operation was left meanwhile
+            of.open_question.reset();
+            of.said_yes = is_yes;
+            of.held.go_on();
+        });
     });
 }
 

@@ -69,9 +69,10 @@ public:
     // A request whose reply is read with headers or without, as the adapter shows them now.
     asking ask_as_shown(const QString& request);
     asking send(const sent_command& command);
-    // A question to the person: true for Yes.
+    // A question to the person: true for Yes. The second: see screen::ask_same_car().
     class asking_person;
     asking_person ask_yes_no(const QString& title, const QString& text);
+    asking_person ask_same_car(const QString& title, const QString& text);
     // A pause: true when hurry() ended it.
     class pausing;
     pausing pause(int milliseconds);
@@ -161,14 +162,16 @@ private:
 
 class car_talk::asking_person {
 public:
-    asking_person(car_talk& its_car, const QString& its_title, const QString& its_text)
-        : car(its_car), title(its_title), text(its_text) {}
+    using question = void (screen::*)(const QString&, const QString&, std::function<void(bool)>);
+    asking_person(car_talk& its_car, question its_way, const QString& its_title, const QString& its_text)
+        : car(its_car), way(its_way), title(its_title), text(its_text) {}
     bool await_ready() const { return false; }
     bool await_suspend(talk::handle who);
     bool await_resume();
 
 private:
     car_talk& car;
+    question way;
     QString title;
     QString text;
 };

@@ -114,7 +114,8 @@ talk set_up(car_talk& car) {
     obd_groups found;
     co_await inner_process_pid_support(car, QStringLiteral("01"), found);
     car.show("Got the PIDs.. starting current task");
-    if (!car.state.available_pids().isEmpty() && !car.toolies.save_pids_available(car.state.available_pids()))
+    if (!car.link.is_reconnecting() && !car.state.available_pids().isEmpty() &&
+        !car.toolies.save_pids_available(car.state.available_pids()))
         console_log(QStringLiteral(
             "reacCods>m::connect_2_interface >> Did not save avail pids to VEHICLES.XTRA_INFO"));
     car.link.adapter_is_set_up();

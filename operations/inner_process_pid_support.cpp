@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "obd/reply_text.h"
+#include "persistence/vehicles.h"
 
 #include <QRegularExpression>
 #include <algorithm>
@@ -36,22 +37,27 @@ void take_maps(const QString& service, unsigned group, const reply& maps, obd_gr
     add_supported_pids(found, maps, first_answer, answer, answer.size() + own_byte, group);
 }
 
-// A car that is silent to the first request of another service just does not offer it.
+// A car that is silent to the first request of another service just does not offer it. While a lost link is
+// opened again the car may be off, and is waited for; what a run needs of its maps is known.
 void check_given_up(car_talk& car, const QString& service, unsigned group) {
-    if (!is_the_car(service) && group == 0)
+    if (is_the_car(service) ? car.link.is_reconnecting() && group > 0 : group == 0)
         return;
     const QString text = group == 0 ? localised(QStringLiteral("DLG_FAILED_RCV_PIDS"))
                                     : QStringLiteral("Failed to receive available PIDs ");
-    if (!car.link.is_reconnecting()) // else the car may be off, and is waited for
+    if (!car.link.is_reconnecting())
         car.view.show_message(QString(), text);
     throw left{};
 }
 
 talk make_sure_it_is_the_car(car_talk& car, const obd_groups& found) {
+    if (car.link.is_reconnecting() && !car.state.available_pids().isEmpty())
+        co_return; // other PIDs than before: a module that is not awake yet
     if (!car.toolies.checkIfSameVehicle(found)) {
+        const auto stored = vehicle_with_id(car.toolies.store(), car.state.cur_veh_id());
         const QString title = localised(QStringLiteral("LBL_VEH_DIFF_CONTINUE"));
-        const QString text = localised(QStringLiteral("DLG_VEH_DIFF_CONTINUE"));
-        if (const bool yes = co_await car.ask_yes_no(title, text); !yes) {
+        const QString text =
+            fill(localised(QStringLiteral("DLG_VEH_DIFF_CONTINUE")), {stored ? stored->name : QString()});
+        if (const bool yes = co_await car.ask_same_car(title, text); !yes) {
             car.link.stop_opening(); // nor is it tried again
             throw left{};
         }

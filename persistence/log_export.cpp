@@ -95,7 +95,7 @@ QString log_export::header() const {
 
 QString log_export::line_of(const QStringList& row) const {
     QString text;
-    for (const QString& item : items_of_chunk(row)) {
+    for (const QString& item : in_columns(column_pids, items_of_chunk(row))) {
         const QString value = value_text(sampled_number(item, reading, lists));
         text += text.isEmpty() ? value : u',' + value;
     }

@@ -198,12 +198,13 @@ void logs_run::show_text(int log_id) {
 void logs_run::show_samples(int log_id) {
     const mac_toolies& toolies = core.toolies;
     QString head = QStringLiteral("Time");
-    for (const QString& pid : columns_of(log_id))
+    const QStringList pids = columns_of(log_id);
+    for (const QString& pid : pids)
         head += u',' + sampled_heading(pid, toolies.shown_reading(), toolies.lists());
     print(head + u'\n');
     const bool read = each_chunk(log_id, [&](const QStringList& row) {
         QString line = gmt_date_str_2_local_date_str(row.value(chunk_time_stamp));
-        for (const QString& item : items_of_chunk(row)) {
+        for (const QString& item : in_columns(pids, items_of_chunk(row))) {
             const double number = toolies.shown_number(item);
             line += u',' + (std::isfinite(number) ? QString::number(number, 'g', digits) : QString());
         }

@@ -50,7 +50,7 @@ void expert_view::clickScript() {
 }
 
 void expert_view::stop() {
-    if (console.is_running() || context.link.is_reconnecting())
+    if (console.is_running())
         console.stop();
 }
 
@@ -106,7 +106,7 @@ void expert_view::show_operation() {
     const bool runs = console.is_running();
     const bool had_focus = runs ? ui.send->hasFocus() || ui.script->hasFocus() : ui.stop->hasFocus();
     ui.send->setVisible(!runs);
-    ui.stop->setVisible(runs || context.link.is_reconnecting());
+    ui.stop->setVisible(runs);
     ui.script->setEnabled(!runs);
     if (had_focus)
         (runs ? static_cast<QWidget&>(*ui.stop) : *ui.command).setFocus();

@@ -7,6 +7,7 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <algorithm>
 #include <utility>
 
 namespace brivant {
@@ -24,17 +25,19 @@ question_sheet::question_sheet(QWidget* over) : overlay(over) {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
     }
-    for (QPushButton* button : {&yes_button, &no_button}) {
+    for (QPushButton* button : {&yes_button, &third_button, &no_button}) {
         button->setProperty("large", true);
         button->setMinimumWidth(14 * theme::step);
         button->setAutoDefault(true); // the Return key presses the one that has the focus
     }
+    third_button.setObjectName(QStringLiteral("third_answer"));
     no_button.setProperty("role", QStringLiteral("primary"));
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->setSpacing(2 * theme::step);
     buttons->addWidget(&yes_button);
+    buttons->addWidget(&third_button);
     buttons->addWidget(&no_button);
     auto* column = new QVBoxLayout(card);
     column->setContentsMargins(4 * theme::step, 4 * theme::step, 4 * theme::step, 3 * theme::step);
@@ -48,6 +51,11 @@ question_sheet::question_sheet(QWidget* over) : overlay(over) {
 
     connect(&yes_button, &QPushButton::clicked, this, [this] { finish(true); });
     connect(&no_button, &QPushButton::clicked, this, [this] { finish(false); });
+    connect(&third_button, &QPushButton::clicked, this, [this] {
+        const auto go = third_way;
+        finish(false);
+        go();
+    });
 }
 
 question_sheet::answers question_sheet::usual_answers() {
@@ -55,11 +63,14 @@ question_sheet::answers question_sheet::usual_answers() {
 }
 
 void question_sheet::ask(const QString& title, const QString& text, std::function<void(bool)> answer,
-                         const answers& words) {
+                         const answers& words, std::function<void()> go_third) {
     refuse();
     waiting = std::move(answer);
+    third_way = std::move(go_third);
     yes_button.setText(words.yes);
     no_button.setText(words.no);
+    third_button.setText(words.third);
+    third_button.setVisible(!words.third.isEmpty());
     title_label.setText(title.trimmed());
     title_label.setVisible(!title.trimmed().isEmpty());
     text_label.setText(text);
@@ -89,8 +100,12 @@ void question_sheet::paintEvent(QPaintEvent*) {
 }
 
 // The Tab key stays within the sheet.
-bool question_sheet::focusNextPrevChild(bool) {
-    (no_button.hasFocus() ? yes_button : no_button).setFocus(Qt::TabFocusReason);
+bool question_sheet::focusNextPrevChild(bool next) {
+    QList<QPushButton*> buttons{&yes_button, &third_button, &no_button};
+    buttons.removeIf([](const QPushButton* button) { return button->isHidden(); });
+    const auto is_focused = [](const QPushButton* button) { return button->hasFocus(); };
+    const auto at = std::find_if(buttons.begin(), buttons.end(), is_focused) - buttons.begin();
+    buttons[(at + (next ? 1 : buttons.size() - 1)) % buttons.size()]->setFocus(Qt::TabFocusReason);
     return true;
 }
 

@@ -85,10 +85,26 @@ QString sampled_pid(const QString& item) {
 
 bool tell_columns(QStringList& pids, const QStringList& items) {
     pids.resize(std::max(pids.size(), items.size()));
-    for (qsizetype column = 0; column < items.size(); ++column)
-        if (pids[column].isEmpty())
-            pids[column] = sampled_pid(items[column]);
+    for (qsizetype column = 0; column < items.size(); ++column) {
+        if (!pids[column].isEmpty())
+            continue;
+        const QString pid = sampled_pid(items[column]);
+        const qsizetype other = pids.indexOf(pid); // which is another ECU's when it has its own here
+        if (other < 0 || sampled_pid(items.value(other)) == pid)
+            pids[column] = pid;
+    }
     return !pids.isEmpty() && !pids.contains(QString());
+}
+
+QStringList in_columns(const QStringList& pids, const QStringList& items) {
+    QStringList row(pids.size(), no_reply);
+    for (qsizetype place = 0; place < items.size(); ++place) {
+        const QString pid = sampled_pid(items[place]);
+        const qsizetype column = pids.value(place) == pid ? place : pids.indexOf(pid);
+        if (!pid.isEmpty() && column >= 0)
+            row[column] = items[place];
+    }
+    return row;
 }
 
 } // namespace brivant

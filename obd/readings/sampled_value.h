@@ -32,5 +32,8 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
 QString sampled_pid(const QString& item);
 // Fills in the PIDs that a stored line tells of columns that no line before it told. True when all are known.
 bool tell_columns(QStringList& pids, const QStringList& items);
+// The items of a stored line, each in the column of its PID; "~" where there is none. A PID without a column
+// is left out.
+QStringList in_columns(const QStringList& pids, const QStringList& items);
 
 } // namespace brivant

@@ -156,10 +156,11 @@ TEST_F(exchange_of, five_time_outs_close_the_link) {
     found_out.ready = true;
     clock.advance(3000);
     EXPECT_EQ(heard(), "leave");
-    EXPECT_EQ(view.events.join(", "), "beep: ");
+    EXPECT_EQ(view.events.join(", "),
+              "beep: , status: No answer came five times in a row: the link is closed");
     EXPECT_FALSE(link.is_connected() || found_out.ready);
     clock.advance(499);
-    EXPECT_EQ(view.events.size(), 1);
+    EXPECT_EQ(view.events.size(), 2);
     clock.advance(1);
     EXPECT_EQ(view.last("message"), localised("DLG_4_TIMEOUTS_CHECK").replace('\n', "\\n"));
     EXPECT_EQ(clock.running(), 0u);

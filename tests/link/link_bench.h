@@ -17,7 +17,6 @@ public:
     std::function<void()> on_work;  // what it sends when its task is to start
     std::function<void()> on_reply; // what it sends when a reply came
     bool goes_on = false;           // over a new link
-    bool wants_it_back = false;     // though it does not go on
 
     void work_current_task(const QString&) override {
         heard += "work";
@@ -38,7 +37,6 @@ public:
         else
             link.left_by_loss(loss);
     }
-    bool wants_link_back() const override { return wants_it_back; }
     void set_status_msg(const QString& status) override { view.show_status(status); }
     void handleOBDToast(const QString& toast) override { view.show_toast(toast); }
 

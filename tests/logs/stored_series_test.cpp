@@ -42,14 +42,18 @@ struct stored_run {
 } // namespace
 
 TEST(stored_series, reads_what_the_run_stored) {
-    stored_run run({"-1,410C1AF8,~,", "410D3C,410C1B00,NODATA,410", "410D3D,-1,~,,410D01", "410D3E", ""});
+    stored_run run({"-1,410C1AF8,~,", "410D3C,410C1B00,NODATA,410", "410D3D,-1,~,,410D01", "410D3E", "",
+                    // Other PIDs, as a run over a new link once had: one has a column elsewhere.
+                    "41055A,410D3F"});
     const stored_series series = run.read();
     EXPECT_EQ(series.problem(), "");
     EXPECT_FALSE(series.is_cut());
-    EXPECT_EQ(series.rows(), 5);
-    EXPECT_EQ(series.announced(), 5);
+    EXPECT_EQ(series.rows(), 6);
+    EXPECT_EQ(series.announced(), 6);
     EXPECT_EQ(series.pids(), QStringList({"0D", "0C", "", ""}));
-    EXPECT_EQ(run.matrix.rows(), 5);
+    EXPECT_EQ(run.matrix.rows(), 6);
+    EXPECT_EQ(run.matrix.body(5, 0), "410D3F");
+    EXPECT_EQ(run.matrix.body(5, 1), "-1");
     EXPECT_EQ(run.matrix.columns(), 4);
 
     EXPECT_TRUE(std::isnan(run.matrix.value(0, 0)));
