@@ -111,6 +111,8 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
     const QList<int> columns = plotted(these_labels);
     QList<series_summary> values;
     bool has_points = false;
+    const QList<int> gaps = gap_places(matrix, place, {first, rows});
+    draw_gaps(painter, gaps, place, ratio);
     for (const int column : columns) {
         const value_range range = rounded_range(these_labels[column]);
         values.append(matrix.extremes_with_first(column));
@@ -125,8 +127,9 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
                         static_cast<double>(rows), static_cast<double>(first), range.maximum, range.minimum)
                 .y();
         painter.setClipRect(visible);
-        draw_series(painter, points, baseline, setMyColor(column),
-                    ratio * (is_thumbnail ? thumbnail_line_width : line_width));
+        for (const QPolygon& part : parts_between(points, gaps))
+            draw_series(painter, part, baseline, setMyColor(column),
+                        ratio * (is_thumbnail ? thumbnail_line_width : line_width));
         if (!is_thumbnail && !points.isEmpty()) {
             const double radius = ratio * latest_point_radius;
             painter.setClipRect(visible.adjusted(-radius, -radius, radius, radius));

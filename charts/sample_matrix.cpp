@@ -20,6 +20,7 @@ constexpr quint64 missing = 0;
 constexpr int digits_in_word = 14;
 constexpr int top_byte = 56;
 constexpr quint64 odd_mark = 0xFF;
+constexpr quint64 none_word = odd_mark << top_byte; // "~"
 constexpr quint64 below_top = (quint64{1} << top_byte) - 1;
 
 const QString missing_text = QStringLiteral("-1");
@@ -117,6 +118,7 @@ sample_matrix::~sample_matrix() = default;
 void sample_matrix::start(int columns) {
     column_count = std::max(columns, 0);
     row_count = dropped_rows = 0;
+    gaps.clear();
     blocks.clear();
     numbers.reset();
     finished.assign(static_cast<size_t>(column_count), {});
@@ -144,18 +146,29 @@ void sample_matrix::make_room() {
         row_count -= block_rows;
         dropped_rows += block_rows;
     }
+    gaps.erase(gaps.begin(), std::lower_bound(gaps.begin(), gaps.end(), dropped_rows));
 }
 
 void sample_matrix::finish_row() {
     const qsizetype row = row_count - 1;
     block& rows_of_it = *blocks.back();
+    bool is_gap = true;
     for (int column = 0; column < column_count; ++column) {
+        const quint64 word = rows_of_it.words[block::cell(row, column)];
+        is_gap = is_gap && (word == missing || word == none_word);
         const double number = rows_of_it.values[block::cell(row, column)];
         rows_of_it.leaves[block::leaf(row, column)].append(number);
         rows_of_it.whole[static_cast<size_t>(column)].append(number);
         if (dropped_rows + row > 0)
             finished[static_cast<size_t>(column)].append(number);
     }
+    if (is_gap)
+        gaps.push_back(dropped_rows + row);
+}
+
+bool sample_matrix::has_gap(qsizetype begin, qsizetype end) const {
+    const auto first = std::lower_bound(gaps.begin(), gaps.end(), dropped_rows + begin);
+    return first != gaps.end() && *first < dropped_rows + end;
 }
 
 void sample_matrix::set(int column, const QString& body) {

@@ -12,6 +12,7 @@ namespace {
 constexpr double farthest = 30000; // what the painter can still place
 constexpr double filling_alpha = 0.2;
 constexpr qsizetype steps_at_once = 16;
+constexpr QColor gap_colour(128, 128, 128);
 
 int whole(double pixels) {
     return static_cast<int>(std::trunc(std::clamp(pixels, -farthest, farthest)));
@@ -102,33 +103,86 @@ QPoint scale_point(qsizetype this_x, double this_y, int scr_x, int scr_y, int sc
     return {whole(x) + scr_x, whole(src_height / (maxY - minY) * (this_y - minY)) + scr_y};
 }
 
-QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range) {
-    QPolygon points;
-    if (range.rows <= range.first || place.width() <= 0)
-        return points;
-    const auto point = [&](qsizetype row, double value) {
+namespace {
+
+// From left to right, the rows of each pixel column.
+class pixel_columns {
+public:
+    pixel_columns(const QRect& its_place, const plot_range& its_range)
+        : place(its_place), range(its_range), next(range.first),
+          rows_per_pixel(static_cast<double>(range.rows - range.first) / place.width()) {}
+
+    QPoint point(qsizetype row, double value) const {
         return scale_point(row, value, place.x(), place.y(), place.width(), place.height(),
                            static_cast<double>(range.rows), static_cast<double>(range.first), range.maximum,
                            range.minimum);
-    };
-    const double rows_per_pixel = static_cast<double>(range.rows - range.first) / place.width();
-
-    for (qsizetype row = range.first; row < range.rows;) {
-        const int x = point(row, 0).x();
-        qsizetype next = range.first + static_cast<qsizetype>(rows_per_pixel * (x - place.x() + 1));
-        next = std::clamp(next, row + 1, range.rows);
-        while (next < range.rows && point(next, 0).x() == x)
+    }
+    bool advance() {
+        if (place.width() <= 0 || next >= range.rows)
+            return false;
+        begin = next;
+        const int at = x();
+        next = range.first + static_cast<qsizetype>(rows_per_pixel * (at - place.x() + 1));
+        next = std::clamp(next, begin + 1, range.rows);
+        while (next < range.rows && point(next, 0).x() == at)
             ++next;
-        while (next > row + 1 && point(next - 1, 0).x() != x)
+        while (next > begin + 1 && point(next - 1, 0).x() != at)
             --next;
+        return true;
+    }
+    qsizetype first_row() const { return begin; }
+    qsizetype end_row() const { return next; }
+    int x() const { return point(begin, 0).x(); }
 
-        const series_summary pixel = matrix.summary(column, row, next);
+private:
+    const QRect& place;
+    const plot_range& range;
+    qsizetype begin = 0;
+    qsizetype next;
+    double rows_per_pixel;
+};
+
+} // namespace
+
+QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range) {
+    QPolygon points;
+    for (pixel_columns pixels(place, range); pixels.advance();) {
+        const series_summary pixel = matrix.summary(column, pixels.first_row(), pixels.end_row());
         if (!pixel.empty())
             for (const double value : {pixel.first, pixel.minimum, pixel.maximum, pixel.last})
-                append_distinct(points, point(row, value));
-        row = next;
+                append_distinct(points, pixels.point(pixels.first_row(), value));
     }
     return points;
+}
+
+QList<int> gap_places(const sample_matrix& matrix, const QRect& place, const plot_range& range) {
+    QList<int> gaps;
+    if (!matrix.has_gap(range.first, range.rows))
+        return gaps;
+    for (pixel_columns pixels(place, range); pixels.advance();)
+        if (matrix.has_gap(pixels.first_row(), pixels.end_row()))
+            gaps += pixels.x();
+    return gaps;
+}
+
+QList<QPolygon> parts_between(const QPolygon& points, const QList<int>& gaps) {
+    QList<QPolygon> parts;
+    auto gap = gaps.begin();
+    for (const QPoint& point : points) {
+        bool is_behind = parts.isEmpty();
+        for (; gap != gaps.end() && *gap <= point.x(); ++gap)
+            is_behind = true;
+        if (is_behind)
+            parts += QPolygon();
+        parts.last() += point;
+    }
+    return parts;
+}
+
+void draw_gaps(QPainter& painter, const QList<int>& gaps, const QRect& place, double line_width) {
+    painter.setPen(QPen(gap_colour, line_width, Qt::DotLine));
+    for (const int x : gaps)
+        painter.drawLine(x, place.top(), x, place.top() + place.height());
 }
 
 void draw_series(QPainter& painter, const QPolygon& points, int baseline, const QColor& colour,

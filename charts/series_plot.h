@@ -23,10 +23,17 @@ struct plot_range {
     double maximum = 0;
 };
 
-// The series from row `first` on; rows without a value are bridged. A pixel column gets at most its first,
+// The series from row `first` on; rows that lack a value are bridged. A pixel column gets at most its first,
 // smallest, largest and last point, which cover the same pixels as all of them would: the cost depends on the
 // width, not on the rows.
 QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range);
+
+// The places, from the left, of the gaps among these rows: see sample_matrix::has_gap().
+QList<int> gap_places(const sample_matrix& matrix, const QRect& place, const plot_range& range);
+// The parts of the points between the gaps.
+QList<QPolygon> parts_between(const QPolygon& points, const QList<int>& gaps);
+// A line from bottom to top at each.
+void draw_gaps(QPainter& painter, const QList<int>& gaps, const QRect& place, double line_width);
 
 // Fills the area between the points and the baseline, and draws the line over it. Nothing for fewer than two
 // points.

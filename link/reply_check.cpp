@@ -94,6 +94,8 @@ reply_verdict unconfirmed(int no_confirm_count) {
 }
 
 reply_verdict work_a_rcvdOBD_cmd(const reply& what_came, const sent_command& command, int no_confirm_count) {
+    if (command.is_sent_once)
+        no_confirm_count = retries;
     return confirmed(what_came, command) ? reply_verdict{.result = reply_accepted, .no_confirm_count = 0}
                                          : unconfirmed(no_confirm_count);
 }

@@ -194,7 +194,6 @@ void actions::begin_run() {
 
 void actions::started() {
     sampling_talk::started();
-    results.times.run_begins();
     watching->run_started();
 }
 
@@ -205,12 +204,15 @@ void actions::end_run() {
 }
 
 void actions::let_go() {
+    sampling_talk::let_go();
     storing.end();
     if (is_running())
         results.times.run_ends();
 }
 
 void actions::told_the_end(bool) {
+    if (storing.sweeps_lost() > 0)
+        set_status_msg(storing.problem());
     watching->run_ended();
 }
 

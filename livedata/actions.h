@@ -40,8 +40,9 @@ public:
 
     // The button: starts a run, or ends the one that is active.
     void runLogs();
-    // Why no line of the run can be stored, a sentence; "" while all is well.
-    const QString& storing_problem() const { return storing.problem(); }
+    // Why sweeps of the run were not stored, a sentence; "" while all is well.
+    QString storing_problem() const { return storing.problem(); }
+    int sweeps_lost() const { return storing.sweeps_lost(); }
 
     // What the zoom slider (0 to 1) says about the chart: how many of the last sweeps it shows, -1 for all,
     // and its title. The slider is shown from 21 rows of the matrix on.

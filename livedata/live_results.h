@@ -21,6 +21,7 @@ struct sample_row {
     double latest = qQNaN();             // its number; NaN for none
     QString max = QStringLiteral("max"); // the largest number of the run as text, once there is one
     QString min = QStringLiteral("min"); // the smallest
+    int refusals = 0;                    // how often in turn the car has refused it
 };
 
 // What the sampling runs have read, kept until the next run or choice, also while another screen is shown.
@@ -40,7 +41,7 @@ struct live_results {
     sample_matrix cur_log_points;
     sweep_times times;
 
-    qint64 sample_cnt = 0;  // complete sweeps of the run
+    qint64 sample_cnt = 0;  // complete sweeps of the run that have a value
     int log_sample_cnt = 0; // of them stored
     bool is_stored = false; // the run has, or had, a log in the database
     int log_id = -1;        // its number there

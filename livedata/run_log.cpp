@@ -1,6 +1,7 @@
 #include "livedata/run_log.h"
 
 #include "base/console_log.h"
+#include "base/shared_types.h"
 #include "base/string_table.h"
 #include "operations/operation_code.h"
 #include "persistence/log_files.h"
@@ -35,7 +36,8 @@ void run_log::set_rate(int seconds) {
 void run_log::create_row(int operation, int veh_id) {
     end();
     log_sample_cnt = 0;
-    gaps = 0;
+    gaps = lost = 0;
+    owes_gap = false;
     log_now_delayed = true;
     cur_GPS_info.clear();
     what_is_wrong.clear();
@@ -59,7 +61,11 @@ void run_log::work_out_log_file(int operation, bool metric) {
 bool run_log::sweep_complete(const QString& line) {
     if (!is_on() || !stores_this_sweep())
         return false;
-    const bool stored = store(line);
+    const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line);
+    if (!stored) {
+        ++lost;
+        owes_gap = log_sample_cnt > 0;
+    }
     if (log_now_delayed && g_sample_rate != -1) {
         sample_timer = clock.one_shot(g_sample_rate * 1000, [this] { sample_delayed(); });
         log_now_delayed = false;
@@ -69,9 +75,18 @@ bool run_log::sweep_complete(const QString& line) {
     return stored;
 }
 
-void run_log::store_gap(const QString& line) {
-    if (is_on() && store(line))
-        ++gaps;
+void run_log::store_gap(int columns) {
+    owes_gap = log_sample_cnt > 0;
+    if (is_on())
+        store_owed_gap(columns);
+}
+
+bool run_log::store_owed_gap(int columns) {
+    if (!owes_gap)
+        return true;
+    owes_gap = !store(QStringList(columns, no_reply).join(u','));
+    gaps += owes_gap ? 0 : 1;
+    return !owes_gap;
 }
 
 bool run_log::store(const QString& line) {
@@ -80,7 +95,6 @@ bool run_log::store(const QString& line) {
         return false;
     }
     ++log_sample_cnt;
-    what_is_wrong.clear();
     return true;
 }
 
@@ -89,6 +103,14 @@ void run_log::fail() {
     what_is_wrong = db.problem();
     if (!told && storing_failed)
         storing_failed();
+}
+
+QString run_log::problem() const {
+    if (lost == 0)
+        return what_is_wrong;
+    return QStringLiteral("%1 %2 could not be stored. %3")
+        .arg(lost)
+        .arg(lost == 1 ? QStringLiteral("sweep") : QStringLiteral("sweeps"), what_is_wrong);
 }
 
 void run_log::end() {

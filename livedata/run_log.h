@@ -11,7 +11,8 @@ namespace brivant {
 
 // What a run leaves behind while the logging of runs is on: a row of LOGGIES with one row of LOGGIES_DATA a
 // stored sweep, and a session file, which stays empty: the lines go to the database. A rate of N seconds
-// thins what is stored: the first complete sweep, then the first one after each N seconds.
+// thins what is stored: the first complete sweep, then the first one after each N seconds. What is missing,
+// the sweeps that could not be stored among it, leaves a gap: one line without values.
 class run_log {
 public:
     // All of it outlives the log.
@@ -29,8 +30,8 @@ public:
     bool sweep_complete(const QString& line);
     // True when the sweep under way is one to be stored.
     bool stores_this_sweep() const { return g_sample_rate == -1 || log_now_delayed; }
-    // Sweeps are missing here: a line without values, whatever the rate.
-    void store_gap(const QString& line);
+    // Sweeps of so many columns are missing from here on: a gap, whatever the rate, behind the first sweep.
+    void store_gap(int columns);
     // The run has ended: its header gets the final text, or goes away when no line was stored.
     void end();
 
@@ -38,8 +39,10 @@ public:
     bool is_on() const { return cur_log_DB_id > 0; }
     int log_id() const { return cur_log_DB_id; }
     int sweeps_stored() const { return log_sample_cnt - gaps; }
-    // Why lines are not stored, a sentence; "" while they are.
-    const QString& problem() const { return what_is_wrong; }
+    // Sweeps of the run that were to be stored and could not be.
+    int sweeps_lost() const { return lost; }
+    // Why sweeps of the run were not stored, and how many; "" while all are.
+    QString problem() const;
 
     // Called when a delayed sample was stored.
     std::function<void()> saved_delayed_sample;
@@ -49,6 +52,7 @@ public:
 private:
     void sample_delayed() { log_now_delayed = true; }
     bool store(const QString& line);
+    bool store_owed_gap(int columns);
     void fail();
     QString final_info() const;
 
@@ -59,6 +63,8 @@ private:
     int cur_log_DB_id = -1;
     int log_sample_cnt = 0; // lines stored so far, and the next line's number
     int gaps = 0;           // of them those without a sweep
+    int lost = 0;
+    bool owes_gap = false; // sweeps are missing behind the last line
     int g_sample_rate = -1;
     bool log_now_delayed = false;
     timer_handle sample_timer;

@@ -19,9 +19,14 @@ public:
     virtual void run_ended() = 0;
     // Row `index` of these_samples and its column in the last row of the matrix have a new value.
     virtual void sample_arrived(int index) = 0;
-    // Every PID of the set was asked for, and the sweep stored where it is to be. The matrix has its next
-    // row.
+    // Every PID of the set was asked for and one has a value; the sweep is stored where it is to be. The
+    // matrix has its next row.
     virtual void sweep_completed() = 0;
+    // No PID of the set has a value any more, or the link is lost: the matrix has a row without values. Told
+    // once, however long it lasts; the next sweep_completed() ends it.
+    virtual void gap_begun() {}
+    // It lasts five minutes: the car is left alone, so as not to empty its battery.
+    virtual void car_gone() {}
     // The sensors that the car has, by the map of PID 13 or 1D, and the ECU that told; set_changed() follows.
     virtual void o2_layout_known(int mask, const QString& header) = 0;
     // A sensor of the picture has a new value ("0.450"; "nan" for none). Comes with sample_arrived().

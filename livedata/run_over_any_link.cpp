@@ -52,6 +52,7 @@ talk wait_for_the_car(sampling_talk& car, std::optional<double>& lowest) {
 talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&)) {
     std::optional<link_lost> lost;
     std::optional<double> lowest_voltage;
+    qint64 sweeps = 0; // when it was lost
     for (;;) {
         try {
             if (lost) {
@@ -59,14 +60,15 @@ talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&)) {
                 co_await car.again(*lost);
                 if (car.is_car_gone())
                     co_await wait_for_the_car(car, lowest_voltage);
-                else
-                    lowest_voltage.reset();
             }
             co_await run(car);
             co_return;
         } catch (const link_lost& loss) {
             if (car.results.sample_cnt == 0)
                 throw;
+            if (car.results.sample_cnt > sweeps)
+                lowest_voltage.reset();
+            sweeps = car.results.sample_cnt;
             car.mark_gap();
             lost = loss;
         } catch (const left&) { // neither adapter nor car answers over the new link yet

@@ -16,6 +16,18 @@ namespace {
 const QString fuel_economy = QStringLiteral("E4");
 const QString boost_pressure = QStringLiteral("E5");
 const QString manifold_pressure = QStringLiteral("0B");
+constexpr int car_gone_ms = 5 * 60'000;
+constexpr int refused_for_good = 2;     // times
+constexpr qint64 refused_is_asked = 10; // every so many sweeps
+
+bool is_refused(const reply& what_came, const QString& header) {
+    const reply said(what_came.raw());
+    const ecu_said* ecu = said.ecu(header);
+    if (!ecu && !said.ecus().isEmpty())
+        ecu = &said.ecus().first();
+    const auto why = ecu ? ecu->refused() : std::nullopt;
+    return why ? !why->is_pending() : said.text().startsWith(QLatin1String("7F01"));
+}
 
 } // namespace
 
@@ -41,6 +53,9 @@ void sampling_talk::started() {
     car_is_silent = false;
     is_first_reply = true;
     headers_asked = false;
+    sweeps_begun = 0;
+    end_gap();
+    results.times.clear();
 }
 
 // --- before the first request ------------------------------------------------------------------------------
@@ -85,18 +100,28 @@ obd_group sampling_talk::engine_ecu() {
     return state.available_pids().at(toolies.findEngineEcuIdx(state.available_pids()));
 }
 
-car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again) {
+car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again, bool is_sent_once) {
     const QString request = QStringLiteral("01 ") + pid;
     const bool shown = link.adapter().headers_shown();
+    results.times.run_begins();
     return send({.text = request + u'\r',
                  .expectedReply = shown ? QString() : positive_reply_of(request),
                  .has_header = shown,
                  .is_asked_again = is_asked_again,
+                 .is_sent_once = is_sent_once,
                  .why = sent_command::purpose::on_its_own});
 }
 
 car_talk::asking sampling_talk::ask_row(int index) {
-    return ask_pid(requested_pid(row(index).pid), false);
+    return ask_pid(requested_pid(row(index).pid), false, row(index).refusals >= refused_for_good);
+}
+
+// A sweep asks for something, so that it takes its time.
+bool sampling_talk::is_turn_of(int index) const {
+    const auto is_refused = [](const sample_row& its_row) { return its_row.refusals >= refused_for_good; };
+    const QList<sample_row>& rows = results.these_samples;
+    return !is_refused(rows.at(index)) || sweeps_begun % refused_is_asked == 0 ||
+           (index == 0 && std::all_of(rows.begin(), rows.end(), is_refused));
 }
 
 // --- the reply ---------------------------------------------------------------------------------------------
@@ -121,12 +146,18 @@ QString sampling_talk::data_of_reply(const reply& what_came, int index) {
         link.set_up_next_time(false); // the next run initialises it again
         throw left{QStringLiteral("Timed out** .. Try again")};
     }
-    const sample_row& its_row = results.these_samples.at(index);
+    sample_row& its_row = row(index);
     const QString asked = requested_pid(its_row.pid);
-    QString data = data_of_reply(what_came, asked, its_row.item.section(u'|', 1));
+    const QString header = its_row.item.section(u'|', 1);
+    QString data = data_of_reply(what_came, asked, header);
+    if (data != no_reply)
+        its_row.refusals = 0;
+    else if (is_refused(what_came, header))
+        ++its_row.refusals;
     if (data != no_reply && asked != its_row.pid)
-        data.replace(2, 2, its_row.pid); // the PID alone: a data byte may be the same
-    show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
+        data.replace(2, 2, its_row.pid);              // the PID alone: a data byte may be the same
+    if (!what_came.is_none() || link.timeouts() == 0) // else the status tells of the time-out
+        show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
     return data;
 }
 
@@ -177,21 +208,27 @@ void sampling_talk::check_the_run() {
 
 void sampling_talk::end_of_sweep() {
     const QString line = std::exchange(cur_log_set, QString());
-    add_item_to_log_vector(results.cur_log_points, QString(), -1);
-    ++results.sample_cnt;
-    results.times.sweep_complete();
-    tell_silence(line);
-    storing.sweep_complete(line);
-    results.log_sample_cnt = storing.sweeps_stored();
-    observer().sweep_completed();
+    const bool is_empty =
+        std::all_of(line.begin(), line.end(), [](QChar c) { return c == u'~' || c == u','; });
+    ++sweeps_begun;
+    tell_silence(is_empty && link.timeouts() == 0); // a time-out tells of itself
+    if (is_empty) {
+        mark_gap();
+    } else {
+        end_gap();
+        add_item_to_log_vector(results.cur_log_points, QString(), -1);
+        ++results.sample_cnt;
+        results.times.sweep_complete();
+        storing.sweep_complete(line);
+        results.log_sample_cnt = storing.sweeps_stored();
+        observer().sweep_completed();
+    }
     check_the_run();
+    if (car_is_gone)
+        throw link_lost{.status = QStringLiteral("The car has not answered for five minutes")};
 }
 
-// A time-out tells of itself.
-void sampling_talk::tell_silence(const QString& line) {
-    const bool is_silent = link.timeouts() == 0 && std::all_of(line.begin(), line.end(), [](QChar c) {
-                               return c == u'~' || c == u',';
-                           });
+void sampling_talk::tell_silence(bool is_silent) {
     if (std::exchange(car_is_silent, is_silent) == is_silent)
         return;
     handleOBDToast(
@@ -211,17 +248,35 @@ void sampling_talk::mark_gap() {
         row(column).value = no_reply;
         row(column).latest = qQNaN();
         output_item(column, no_reply);
+        if (cur_op() == op_o2_layout)
+            observer().set_sensor_value(column, QStringLiteral("nan"));
     }
+    if (std::exchange(is_in_gap, true))
+        return;
     add_item_to_log_vector(results.cur_log_points, QString(), -1);
-    storing.store_gap(QStringList(columns(), no_reply).join(u','));
+    storing.store_gap(columns());
+    results.times.gap();
+    until_car_is_gone = link.time_source().one_shot(car_gone_ms, [this] {
+        car_is_gone = true;
+        observer().car_gone();
+    });
+    observer().gap_begun();
+}
+
+void sampling_talk::end_gap() {
+    is_in_gap = car_is_gone = false;
+    until_car_is_gone.reset();
 }
 
 talk sample_for_ever(sampling_talk& car) {
     const bool are_sensors = car.cur_op() == op_o2_layout; // the values go into the picture too
     for (;;) {
         for (int index = 0; index < car.columns(); ++index) {
-            const reply what_came = co_await car.ask_row(index);
-            const QString data = car.data_of_reply(what_came, index);
+            QString data = no_reply;
+            if (car.is_turn_of(index)) {
+                const reply what_came = co_await car.ask_row(index);
+                data = car.data_of_reply(what_came, index);
+            }
             car.take(index, data);
             if (are_sensors)
                 car.observer().set_sensor_value(index, QString::number(car.row(index).latest, 'f', 3));
@@ -229,35 +284,6 @@ talk sample_for_ever(sampling_talk& car) {
             car.check_the_run();
         }
         car.end_of_sweep();
-    }
-}
-
-talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&)) {
-    std::optional<link_lost> lost;
-    for (;;) {
-        try {
-            if (lost) {
-                car.begin_anew();
-                co_await car.again(*lost);
-            }
-            co_await run(car);
-            co_return;
-        } catch (const link_lost& loss) {
-            if (car.results.sample_cnt == 0)
-                throw;
-            if (!car.link.is_reconnecting()) // else it was marked
-                car.mark_gap();
-            lost = loss;
-        } catch (const left&) { // neither adapter nor car answers over the new link yet
-            if (!car.link.is_reconnecting())
-                throw;
-            lost = link_lost();
-        } catch (const failed& why) {
-            if (!car.link.is_reconnecting())
-                throw;
-            car.show(why.text);
-            lost = link_lost();
-        }
     }
 }
 

@@ -27,8 +27,10 @@ public:
     void make_sure_all_are_supported();
 
     // Asks for a PID, or for that of a row. In a run a time-out is a value that did not come.
-    asking ask_pid(const QString& pid, bool is_asked_again);
+    asking ask_pid(const QString& pid, bool is_asked_again, bool is_sent_once = false);
     asking ask_row(int index);
+    // A PID that the car refuses is asked for once in many sweeps.
+    bool is_turn_of(int index) const;
     // The data of the ECU that was meant ("410D3C"), "~" for none. When that ECU is not among those that
     // answered, the reply is used as it arrived: its first message counts.
     QString data_of_reply(const reply& what_came, const QString& pid, const QString& header) const;
@@ -48,10 +50,15 @@ public:
     void add_to_line(const QString& data);
     // The run goes on: nobody has ended it, and the adapter is still set up.
     void check_the_run();
-    // A complete sweep: its line is stored when it is its turn, and the next one begins.
+    // A complete sweep: its line is stored when it is its turn, and the next one begins. One without a value
+    // is a gap.
     void end_of_sweep();
-    // The link was lost: the sweep under way is dropped, its row and a line of the log are without values.
+    // No values come, or the link was lost: the sweep under way is dropped. However long a gap lasts, one row
+    // and one line of the log are without values.
     void mark_gap();
+    bool is_without_values() const { return is_in_gap; }
+    // For five minutes now.
+    bool is_car_gone() const { return car_is_gone; }
     void begin_anew();
 
     // The engine among the ECUs with their supported PIDs; the header "48xx10" and no PIDs while none is
@@ -68,15 +75,21 @@ public:
 
 protected:
     void started() override;
+    void let_go() override { until_car_is_gone.reset(); }
     run_log storing;
 
 private:
-    void tell_silence(const QString& line);
+    void tell_silence(bool is_silent);
+    void end_gap();
 
     QString cur_log_set;        // the line of the sweep under way: its bodies in set order, separated by ","
     bool car_is_silent = false; // the last sweep was answered without a single value
     bool is_first_reply = true;
     bool headers_asked = false; // "AT H1" was tried
+    qint64 sweeps_begun = 0;    // those without a value among them
+    bool is_in_gap = false;
+    bool car_is_gone = false;
+    timer_handle until_car_is_gone;
 };
 
 // Puts a value into a column of the last row; index -1 begins a new row of "-1".
@@ -85,7 +98,8 @@ void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val,
 // The PID that is asked for in the place of one of the program's own: boost is the manifold pressure.
 QString requested_pid(const QString& pid);
 
-// The runs. Each goes on over a new link, once it has a complete sweep.
+// The runs. Each goes on over a new link, once it has a complete sweep; when the car has been gone for five
+// minutes only its voltage is read, until it rises by half a volt or hurry() ends the pause.
 talk work_out_log(sampling_talk& car);    // every PID of the set in turn, sweep after sweep
 talk work_out_mpg(sampling_talk& car);    // speed and air flow, and from them the fuel economy ("E4")
 talk work_out_boost(sampling_talk& car);  // manifold pressure shown as boost ("E5"), trims, fuel pressure

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace brivant {
 
@@ -16,10 +17,14 @@ qint64 system_milliseconds() {
 
 sweep_times::sweep_times(std::function<qint64()> now) : clock(now ? std::move(now) : system_milliseconds) {}
 
+void sweep_times::clear() {
+    begun = ended = sweeps = behind_gap = 0;
+    is_running = false;
+}
+
 void sweep_times::run_begins() {
-    begun = clock();
-    is_running = true;
-    sweeps = 0;
+    if (!std::exchange(is_running, true))
+        begun = clock();
 }
 
 void sweep_times::sweep_complete() {
@@ -38,7 +43,7 @@ qint64 sweep_times::duration_ms() const {
 }
 
 double sweep_times::sweeps_a_second() const {
-    const qint64 known = std::min(sweeps, kept);
+    const qint64 known = std::min(sweeps - behind_gap, kept);
     if (known < 2)
         return 0;
     const qint64 span =

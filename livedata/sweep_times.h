@@ -6,19 +6,24 @@
 
 namespace brivant {
 
-// When a run began, and when each of its latest sweeps was complete.
+// When a run began to ask, and when each of its latest sweeps was complete.
 class sweep_times {
 public:
     // `now`: milliseconds of a clock that only goes forward; the system's by default.
     explicit sweep_times(std::function<qint64()> now = {});
 
+    // A run is to begin.
+    void clear();
+    // It asks: the first time counts.
     void run_begins();
     void sweep_complete();
+    // No sweep comes for a while.
+    void gap() { behind_gap = sweeps; }
     void run_ends();
 
     // Milliseconds from the start of the run until now, or until its end; 0 before the first run.
     qint64 duration_ms() const;
-    // Over the latest sweeps, at most 20 of them; 0 while there are fewer than two.
+    // Over the latest sweeps behind a gap, at most 20 of them; 0 while there are fewer than two.
     double sweeps_a_second() const;
 
 private:
@@ -29,6 +34,7 @@ private:
     qint64 ended = 0;
     bool is_running = false;
     qint64 sweeps = 0;
+    qint64 behind_gap = 0;         // the first of them
     std::array<qint64, kept> at{}; // the latest ones, in turn
 };
 

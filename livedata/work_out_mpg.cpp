@@ -13,9 +13,9 @@ constexpr double litres_per_gallon = 3.78541178;
 constexpr double air_fuel_factor = 7.1073357;
 constexpr double density_factor = 7.55987;
 
-// A reply that does not come ends the run.
+// A reply that does not come ends a run that has no sweep yet.
 QString value_of(sampling_talk& car, const reply& came, int index) {
-    if (came.is_none()) {
+    if (came.is_none() && car.results.sample_cnt == 0) {
         if (!car.link.adapter().adapter_ready())
             car.check_the_run();
         car.show("Speed or air flow did not come: the run has ended. Is the ignition on? Start again (F5)");

@@ -87,20 +87,32 @@ void live_run::sample_arrived(int index) {
 void live_run::sweep_completed() {
     if (!core.options.json && results.sample_cnt == 1)
         print(header());
-    print(core.options.json ? json_line() : csv_line());
+    print(core.options.json ? json_line(false) : csv_line());
     if (!is_all_printed())
         stop(false);
     else if (results.sample_cnt == words.sweeps)
         stop(true);
 }
 
+void live_run::gap_begun() {
+    if (results.sample_cnt > 0)
+        print(core.options.json ? json_line(true) : csv_line());
+}
+
+// A run without an end of its own waits for the car.
+void live_run::car_gone() {
+    if (words.sweeps > 0)
+        stop(false);
+}
+
 void live_run::run_ended() {
     time_limit.reset();
+    ended_in_gap = words.seconds > 0 && controller->is_without_values();
     after_last_words(as_asked, [this] { end(); });
 }
 
 void live_run::end() {
-    const bool done = as_asked && results.sample_cnt > 0 && is_all_printed() &&
+    const bool done = as_asked && !ended_in_gap && results.sample_cnt > 0 && is_all_printed() &&
                       controller->storing_problem().isEmpty() && every_asked_pid_answered();
     tell(summary());
     Q_EMIT finished(done ? 0 : 1);
@@ -132,7 +144,7 @@ QByteArray live_run::csv_line() const {
     return line + '\n';
 }
 
-QByteArray live_run::json_line() const {
+QByteArray live_run::json_line(bool is_gap) const {
     const bool by_standard = core.toolies.standard_reading();
     QJsonObject values;
     for (const sample_row& row : results.these_samples) {
@@ -146,10 +158,12 @@ QByteArray live_run::json_line() const {
             value.insert(by_standard ? "program" : "standard", row.other_value.simplified());
         values.insert(row.pid, value);
     }
-    const QJsonObject sweep{{"time", now_text()},
-                            {"sweep", results.sample_cnt},
-                            {"reading", by_standard ? "standard" : "program"},
-                            {"values", values}};
+    QJsonObject sweep{{"time", now_text()},
+                      {"sweep", results.sample_cnt},
+                      {"reading", by_standard ? "standard" : "program"},
+                      {"values", values}};
+    if (is_gap)
+        sweep.insert("gap", true);
     return compact(sweep) + '\n';
 }
 
@@ -162,6 +176,8 @@ QString live_run::summary() const {
     if (results.log_sample_cnt > 0)
         text +=
             QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
+    if (controller->sweeps_lost() > 0)
+        text += QStringLiteral("\n%1").arg(controller->storing_problem());
     text += u'\n';
     for (qsizetype i = 0; i < results.these_samples.size() && i < static_cast<qsizetype>(seen.size()); ++i) {
         const auto& [numbers, answered] = seen[static_cast<size_t>(i)];

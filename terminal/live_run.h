@@ -27,13 +27,15 @@ private:
     void run_ended() override;
     void sample_arrived(int index) override;
     void sweep_completed() override;
+    void gap_begun() override;
+    void car_gone() override;
     void o2_layout_known(int, const QString&) override {}
     void set_sensor_value(int, const QString&) override {}
 
     void stop(bool as_asked);
     QByteArray header() const;
     QByteArray csv_line() const;
-    QByteArray json_line() const;
+    QByteArray json_line(bool is_gap) const;
     QString summary() const;
     bool every_asked_pid_answered() const;
     void end();
@@ -49,6 +51,7 @@ private:
     };
     std::vector<seen_column> seen;
     bool as_asked = false; // the run ended where it was to end
+    bool ended_in_gap = false;
 };
 
 } // namespace brivant

@@ -35,7 +35,7 @@ void run_head::connect_parts() {
 
 void run_head::start() {
     if (controller.is_running())
-        return;
+        return controller.hurry(); // a car that is left alone is asked again
     controller.runLogs();
     show();
 }
@@ -108,10 +108,13 @@ void run_head::show_figures() {
 }
 
 void run_head::show_stored() {
-    const QString& problem = controller.storing_problem();
-    ui.stored->setText(results.is_stored && problem.isEmpty()
-                           ? QStringLiteral("%1 stored").arg(QLocale::c().toString(results.log_sample_cnt))
-                           : QStringLiteral("not stored"));
+    const QString problem = controller.storing_problem();
+    const QString stored = QStringLiteral("%1 stored").arg(QLocale::c().toString(results.log_sample_cnt));
+    ui.stored->setText(!results.is_stored || (results.log_sample_cnt == 0 && !problem.isEmpty())
+                           ? QStringLiteral("not stored")
+                       : controller.sweeps_lost() > 0
+                           ? QStringLiteral("%1, %2 lost").arg(stored).arg(controller.sweeps_lost())
+                           : stored);
     ui.stored->setToolTip(!problem.isEmpty() ? theme::plain_tool_tip(problem)
                           : results.is_stored
                               ? QStringLiteral("Sweeps of this run on the Logs screen")

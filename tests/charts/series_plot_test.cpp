@@ -30,6 +30,29 @@ TEST(series_points, bridge_what_is_missing_and_begin_at_the_first_value) {
     EXPECT_TRUE(series_points(bench.matrix, 0, plot, {2, 2, 0, 50}).isEmpty());
 }
 
+TEST(series_points, do_not_belong_together_over_a_gap) {
+    sample_matrix matrix([](const QString& body) { return body.mid(4).toInt(nullptr, 16); });
+    matrix.start(2);
+    for (const char* cells :
+         {"410D0A ~", "~ 410C0A", "410D0A ~", "~ ~", "410D14 410C0A", "-1 -1", "-1 -1", "410D14 ~"}) {
+        matrix.set(0, QString(cells).section(' ', 0, 0));
+        matrix.set(1, QString(cells).section(' ', 1));
+        matrix.add_row();
+    }
+    EXPECT_FALSE(matrix.has_gap(0, 3));
+    EXPECT_TRUE(matrix.has_gap(3, 4));
+    EXPECT_FALSE(matrix.has_gap(7, 9)) << "the last row is not over";
+    const plot_range range{0, 8, 0, 20};
+    const QRect place(0, 0, 80, 20);
+    const QList<int> gaps = gap_places(matrix, place, range);
+    EXPECT_EQ(gaps, (QList<int>{30, 50, 60}));
+    EXPECT_EQ(parts_between(series_points(matrix, 0, place, range), gaps),
+              (QList<QPolygon>{{{0, 10}, {20, 10}}, {{40, 20}}, {{70, 20}}}));
+    // Many rows a pixel: at the place of the gap.
+    EXPECT_EQ(gap_places(matrix, {0, 0, 2, 20}, range), (QList<int>{0, 1}));
+    EXPECT_EQ(parts_between({{0, 1}, {1, 2}, {1, 3}}, {1}), (QList<QPolygon>{{{0, 1}}, {{1, 2}, {1, 3}}}));
+}
+
 // Every row one step: the area below it, then the line.
 void draw_row_by_row(QPainter& painter, const sample_matrix& matrix, const plot_range& range,
                      const QColor& colour) {

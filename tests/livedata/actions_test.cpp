@@ -1,7 +1,7 @@
 #include "tests/livedata/live_bench.h"
 
-#include <QFile>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 namespace brivant {
 
@@ -74,7 +74,7 @@ TEST(actions, what_was_read_outlives_the_screen_until_it_no_longer_fits) {
     EXPECT_EQ(bench.results.cur_log_points.rows(), 1);
 }
 
-TEST(actions, a_database_that_is_lost_is_told_once_and_the_run_goes_on) {
+TEST(actions, sweeps_that_could_not_be_stored_are_counted_and_leave_a_gap) {
     live_bench bench;
     const QString begun =
         play(conversation_of("! store\n! pids 0C\n! do button\n"
@@ -82,15 +82,25 @@ TEST(actions, a_database_that_is_lost_is_told_once_and_the_run_goes_on) {
                              "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C"),
              bench);
     EXPECT_EQ(begun, "");
-    for (const char* companion : {"", "-wal", "-shm"})
-        QFile::remove(bench.profile.db.path() + companion);
+    const auto outside = [path = bench.profile.db.path().toUtf8()](const char* statement) {
+        sqlite3* other = nullptr;
+        ASSERT_EQ(sqlite3_open(path.constData(), &other), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(other, statement, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(other);
+    };
+    outside("ALTER TABLE LOGGIES_DATA RENAME TO AWAY");
     bench.adapter->receive("7E8 04 41 0C 1A F8 \r\r>");
     bench.adapter->receive("7E8 04 41 0C 1A FC \r\r>");
     EXPECT_EQ(bench.view.events.filter("message: The samples are shown, but not stored. ").size(), 1);
     EXPECT_EQ(bench.facts["sweeps"](), "3");
     EXPECT_EQ(bench.facts["lines"](), "1");
-    EXPECT_FALSE(bench.controller->storing_problem().isEmpty());
+    outside("ALTER TABLE AWAY RENAME TO LOGGIES_DATA");
+    bench.adapter->receive("7E8 04 41 0C 1A FC \r\r>");
+    EXPECT_EQ(bench.facts["data"](), "0:410C1AF8 / 1:~ / 2:410C1AFC");
+    EXPECT_EQ(bench.controller->sweeps_lost(), 2);
     bench.controller->stop();
+    EXPECT_TRUE(bench.view.last("status").startsWith("2 sweeps could not be stored. "));
+    EXPECT_EQ(bench.facts["log"](), "Log [2 Sample points  ]");
 }
 
 TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
@@ -107,9 +117,15 @@ TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     times.run_ends();
     now += 60'000;
     EXPECT_EQ(times.duration_ms(), 77'500);
+    times.clear();
     times.run_begins();
     times.sweep_complete();
     EXPECT_EQ(times.sweeps_a_second(), 0); // one tells nothing
+    now += 60'000;
+    times.gap();
+    times.run_begins(); // it goes on
+    EXPECT_EQ(times.duration_ms(), 60'000);
+    times.sweep_complete();
     times.sweep_complete();
     EXPECT_GT(times.sweeps_a_second(), 0) << "two in a millisecond are fast";
 }

@@ -54,6 +54,7 @@ private:
             actions[modes[mode]] = [this, mode](const QString&) { choose_and_start(mode); };
         actions["button"] = [this](const QString&) { opened().runLogs(); };
         actions["stop"] = [this](const QString&) { opened().stop(); };
+        actions["hurry"] = [this](const QString&) { opened().hurry(); };
         actions["leave-screen"] = [this](const QString&) { link.set_controller(nullptr); };
         actions["pids"] = [this](const QString& pids) { opened().use_pids(pids.split(' ')); };
         actions["store"] = [this](const QString&) { profile.defaults.set(setting::log_runs, true); };
