@@ -118,7 +118,7 @@ sample_matrix::~sample_matrix() = default;
 void sample_matrix::start(int columns) {
     column_count = std::max(columns, 0);
     row_count = dropped_rows = 0;
-    gaps.clear();
+    empty_rows.clear();
     blocks.clear();
     numbers.reset();
     finished.assign(static_cast<size_t>(column_count), {});
@@ -146,7 +146,8 @@ void sample_matrix::make_room() {
         row_count -= block_rows;
         dropped_rows += block_rows;
     }
-    gaps.erase(gaps.begin(), std::lower_bound(gaps.begin(), gaps.end(), dropped_rows));
+    empty_rows.erase(empty_rows.begin(),
+                     std::lower_bound(empty_rows.begin(), empty_rows.end(), dropped_rows));
 }
 
 void sample_matrix::finish_row() {
@@ -163,12 +164,14 @@ void sample_matrix::finish_row() {
             finished[static_cast<size_t>(column)].append(number);
     }
     if (is_gap)
-        gaps.push_back(dropped_rows + row);
+        empty_rows.push_back(dropped_rows + row);
 }
 
-bool sample_matrix::has_gap(qsizetype begin, qsizetype end) const {
-    const auto first = std::lower_bound(gaps.begin(), gaps.end(), dropped_rows + begin);
-    return first != gaps.end() && *first < dropped_rows + end;
+qsizetype sample_matrix::gaps(qsizetype begin, qsizetype end) const {
+    const auto row = [this](qsizetype number) {
+        return std::lower_bound(empty_rows.begin(), empty_rows.end(), dropped_rows + number);
+    };
+    return begin < end ? row(end) - row(begin) : 0;
 }
 
 void sample_matrix::set(int column, const QString& body) {

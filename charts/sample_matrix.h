@@ -68,9 +68,9 @@ public:
     QString body(qsizetype row, int column) const;
     // NaN where the body is "-1" or "~" or carries no number.
     double value(qsizetype row, int column) const;
-    // Whether a row from `begin` to before `end` holds no reply in any column: the values before it and
-    // behind it do not belong together. The last row is none.
-    bool has_gap(qsizetype begin, qsizetype end) const;
+    // How many rows from `begin` to before `end` hold no reply in any column: the values before and behind
+    // such a gap do not belong together. The last row is none.
+    qsizetype gaps(qsizetype begin, qsizetype end) const;
     // Rows from `begin` to before `end`; the cost does not depend on how many they are.
     series_summary summary(int column, qsizetype begin, qsizetype end) const;
     // Smallest and largest value of the whole run, its first row left out; also of rows that were dropped.
@@ -103,7 +103,7 @@ private:
     qsizetype dropped_rows = 0;
     std::vector<std::unique_ptr<block>> blocks;
     std::unique_ptr<number_cache> numbers;
-    std::vector<qsizetype> gaps;          // rows without a reply, counted with those that were dropped
+    std::vector<qsizetype> empty_rows;    // rows without a reply, counted with those that were dropped
     std::vector<series_summary> finished; // a column: the run's extremes up to the row before the last
 
     // Bodies that are no short hexadecimal text, each once.

@@ -157,10 +157,10 @@ QPolygon series_points(const sample_matrix& matrix, int column, const QRect& pla
 
 QList<int> gap_places(const sample_matrix& matrix, const QRect& place, const plot_range& range) {
     QList<int> gaps;
-    if (!matrix.has_gap(range.first, range.rows))
+    if (matrix.gaps(range.first, range.rows) == 0)
         return gaps;
     for (pixel_columns pixels(place, range); pixels.advance();)
-        if (matrix.has_gap(pixels.first_row(), pixels.end_row()))
+        if (matrix.gaps(pixels.first_row(), pixels.end_row()) > 0)
             gaps += pixels.x();
     return gaps;
 }

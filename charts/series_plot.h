@@ -28,7 +28,7 @@ struct plot_range {
 // width, not on the rows.
 QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range);
 
-// The places, from the left, of the gaps among these rows: see sample_matrix::has_gap().
+// The places, from the left, of the gaps among these rows: see sample_matrix::gaps().
 QList<int> gap_places(const sample_matrix& matrix, const QRect& place, const plot_range& range);
 // The parts of the points between the gaps.
 QList<QPolygon> parts_between(const QPolygon& points, const QList<int>& gaps);

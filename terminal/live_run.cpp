@@ -46,7 +46,7 @@ live_run::live_run(program_core& its_core, const live_words& its_words)
 
 void live_run::start() {
     on_stop([this] {
-        as_asked = true;
+        as_asked = words.sweeps < 0 && words.seconds < 0; // else it has an end of its own
         controller->stop();
     });
     begin();
@@ -120,8 +120,11 @@ void live_run::end() {
 
 bool live_run::every_asked_pid_answered() const {
     const auto has_value = [](const seen_column& column) { return column.answered; };
-    return words.pids.isEmpty() ? std::any_of(seen.begin(), seen.end(), has_value)
-                                : std::all_of(seen.begin(), seen.end(), has_value);
+    if (!words.pids.isEmpty())
+        return std::all_of(seen.begin(), seen.end(), has_value);
+    const bool is_computed = !seen.empty() && results.these_samples.first().pid.startsWith(u'E');
+    // What the mode is for comes first.
+    return std::any_of(seen.begin(), is_computed ? seen.begin() + 1 : seen.end(), has_value);
 }
 
 // --- output --------------------------------------------------------------------------------------------

@@ -188,8 +188,8 @@ void plots_popup::show_words() {
             (since.isEmpty() ? QString() : QStringLiteral(", %1 after the start").arg(since)));
         ui.times->setText(run.time_of(row, true));
     } else {
-        ui.caption->set_text(
-            fill(QStringLiteral("Averages displayed - %d data points"), {QString::number(span.count)}));
+        ui.caption->set_text(fill(QStringLiteral("Averages displayed - %d data points"),
+                                  {QString::number(run.sweeps_in(span))}));
         const QString from = run.time_of(span.first, true);
         const QString to = run.time_of(span.end() - 1, false);
         ui.times->setText(

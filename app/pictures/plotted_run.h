@@ -16,6 +16,10 @@ public:
     bool read_slice();
     const stored_series& series() const { return reader; }
     qsizetype rows() const { return reader.rows(); }
+    // Rows of the span that are sweeps, and no gap.
+    qsizetype sweeps_in(const plot_span& span) const {
+        return span.count - results.cur_log_points.gaps(span.first, span.end());
+    }
     bool is_empty() const { return results.these_samples.isEmpty(); }
 
     // What is shown beside the series: the averages of a span, or the values of one row.

@@ -39,9 +39,9 @@ TEST(series_points, do_not_belong_together_over_a_gap) {
         matrix.set(1, QString(cells).section(' ', 1));
         matrix.add_row();
     }
-    EXPECT_FALSE(matrix.has_gap(0, 3));
-    EXPECT_TRUE(matrix.has_gap(3, 4));
-    EXPECT_FALSE(matrix.has_gap(7, 9)) << "the last row is not over";
+    EXPECT_EQ(matrix.gaps(0, 3), 0);
+    EXPECT_EQ(matrix.gaps(3, 6), 2);
+    EXPECT_EQ(matrix.gaps(7, 9), 0) << "the last row is not over";
     const plot_range range{0, 8, 0, 20};
     const QRect place(0, 0, 80, 20);
     const QList<int> gaps = gap_places(matrix, place, range);
