@@ -43,7 +43,7 @@ void run_log::create_row(int operation, int veh_id) {
     what_is_wrong.clear();
     if (!db.init_DB())
         return fail();
-    cur_log_DB_id = db.add_2_LOG_DB(log_type_of(operation), veh_id, QStringLiteral("sample points"));
+    cur_log_DB_id = db.add_2_LOG_DB(log_type_of(operation), veh_id, info_of_open_run);
     if (cur_log_DB_id <= 0)
         return fail();
     db.begin_lines();
@@ -127,12 +127,7 @@ void run_log::end() {
 }
 
 QString run_log::final_info() const {
-    const QString position = cur_GPS_info.isEmpty() ? QString() : QStringLiteral("  +GPS");
-    const QString rate = g_sample_rate == -1
-                             ? QString()
-                             : fill(QStringLiteral(": %d sec rate"), {QString::number(g_sample_rate)});
-    return fill(QStringLiteral("%d Sample points %@ %@"),
-                {QString::number(log_sample_cnt - gaps), position, rate});
+    return info_of_run(log_sample_cnt - gaps, !cur_GPS_info.isEmpty(), g_sample_rate);
 }
 
 } // namespace brivant

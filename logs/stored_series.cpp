@@ -19,10 +19,6 @@ constexpr qsizetype pid_end = 4; // "41", then the PID
 stored_series::stored_series(database& store, const log_header& log, sample_matrix& into, qsizetype most_rows)
     : matrix(into), limit(most_rows), lines_announced(log.info.section(u' ', 0, 0).toLongLong()) {
     matrix.start(0);
-    if (!store.init_DB()) {
-        fail(store.problem());
-        return;
-    }
     lines_left = std::make_unique<row_cursor>(
         store.path(), fill(QStringLiteral("SELECT DATA, time_stamp FROM LOGGIES_DATA WHERE LOG_ID=%d"),
                            {QString::number(log.id)}));
@@ -63,6 +59,7 @@ void stored_series::begin_row(QByteArrayView line) {
     }
     const qsizetype items = std::count(line.begin(), line.end(), ',') + 1;
     const int columns = static_cast<int>(std::min(items, most_columns));
+    left_out = items - columns;
     column_pids = QStringList(columns);
     sums.start(columns);
     matrix.start(columns);

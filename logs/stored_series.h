@@ -32,6 +32,8 @@ public:
     qint64 announced() const { return lines_announced; }
     // The run has more rows than were read.
     bool is_cut() const { return cut; }
+    // The columns beyond those that can be drawn.
+    qsizetype columns_left_out() const { return left_out; }
     // A sentence for the person, "" while nothing is wrong.
     const QString& problem() const { return what_is_wrong; }
 
@@ -56,6 +58,7 @@ private:
     qint64 lines_announced = 0;
     qsizetype row_count = 0;
     bool cut = false;
+    qsizetype left_out = 0;
     QStringList column_pids;
     std::vector<qint64> row_times;
     series_averages sums;

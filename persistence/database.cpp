@@ -4,6 +4,7 @@
 #include "base/string_table.h"
 #include "persistence/database_problem.h"
 #include "persistence/database_schema.h"
+#include "persistence/run_mark.h"
 #include "persistence/sqlite_connection.h"
 #include "persistence/vehicle_photos.h"
 #include <QDir>
@@ -33,6 +34,8 @@ qint64 memory_of(const QString& text) {
 
 database::database(const QString& documents_folder)
     : file(QDir(documents_folder).filePath(QStringLiteral("BV_loggies_lite.db"))) {}
+
+database::~database() = default;
 
 bool database::init_DB() {
     // A file without a byte is what a first start leaves that was cut short, or found the disk full.

@@ -5,9 +5,11 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 
 namespace brivant {
 
+class run_mark;
 class sqlite_connection;
 class sqlite_statement;
 struct sqlite_failure;
@@ -25,6 +27,7 @@ struct sqlite_failure;
 class database {
 public:
     explicit database(const QString& documents_folder);
+    ~database();
 
     QString path() const { return file; }
     // Makes the file when it is missing, else adds what older versions of the program lacked. True when
@@ -71,6 +74,8 @@ public:
     // database.
     void begin_lines();
     void end_lines();
+    // Whether any program is between the two.
+    bool lines_are_coming() const;
     // Deletes a log with its chunks.
     bool delete_a_DB_log(int log_id);
     // "-1" and after it the chunks of the log, newest first; "-1" alone for a log without any.
@@ -101,7 +106,7 @@ private:
     const QString file;
     QString what_is_wrong;
     bool made_now = false;
-    bool lines_follow = false;
+    std::unique_ptr<run_mark> lines_follow;
     int lines_in_log = 0; // since the write-ahead log was emptied
 };
 

@@ -3,8 +3,10 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "persistence/database_schema.h"
+#include "persistence/run_mark.h"
 #include "persistence/sqlite_connection.h"
 #include "persistence/vehicle_photos.h"
+#include <QFileInfo>
 #include <limits>
 
 namespace brivant {
@@ -109,15 +111,19 @@ int database::append_2_LOG_DB(const QString& chunk, const QString& this_GPS_data
 }
 
 void database::begin_lines() {
-    lines_follow = true;
+    lines_follow = std::make_unique<run_mark>(QFileInfo(file).path());
     lines_in_log = 0;
 }
 
 void database::end_lines() {
-    lines_follow = false;
+    lines_follow.reset();
     sqlite_connection connection(file, db_access::writing);
     if (connection.is_open())
         connection.end_log_ahead();
+}
+
+bool database::lines_are_coming() const {
+    return run_mark::is_set(QFileInfo(file).path());
 }
 
 bool database::delete_a_DB_log(int log_id) {

@@ -34,11 +34,11 @@ bool log_export::begin(int log_id, bool as_txt) {
     column_pids.clear();
     what_is_wrong.clear();
     log = log_id;
-    if (!db.init_DB())
-        return fail(db.problem());
+    const bool can_be_changed = db.init_DB(); // only to be read, it is enough
     const auto found = log_with_id(db, log_id);
     if (!found)
-        return fail(QStringLiteral("There is no log with the number %1.").arg(log_id));
+        return fail(!can_be_changed ? db.problem()
+                                    : QStringLiteral("There is no log with the number %1.").arg(log_id));
     announced = found->info.section(u' ', 0, 0).toLongLong();
 
     const QString name = export_file_name(*found, as_txt);

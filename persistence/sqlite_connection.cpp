@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QUrl>
 
 namespace brivant {
 
@@ -36,13 +37,37 @@ bool sqlite_connection::open(const QString& path, db_access access) {
     distrust_file();
     // A reader too opens the file for writing where it may: only so can SQLite undo what a crash left half
     // done.
-    if (access == db_access::reading)
+    if (access == db_access::reading) {
+        if (!can_be_read() && !open_as_it_stands(path))
+            return false;
         return execute(QStringLiteral("PRAGMA query_only=1"));
+    }
     if (!is_writable())
         return false;
     if (access == db_access::appending)
         prepare_for_appending();
     return true;
+}
+
+bool sqlite_connection::can_be_read() {
+    sqlite_statement probe(*this, QStringLiteral("PRAGMA schema_version"));
+    return probe.is_prepared() && probe.step() == sqlite_statement::stepped::row;
+}
+
+// A copy of a database that was in use has the write-ahead log switched on, which needs a file more beside
+// it. Where none can be made nobody writes, unless somebody else's log is there.
+bool sqlite_connection::open_as_it_stands(const QString& path) {
+    if (last_failure.code != SQLITE_CANTOPEN && last_failure.code != SQLITE_READONLY)
+        return false;
+    if (QFileInfo(path + QStringLiteral("-wal")).size() > 0)
+        return false;
+    sqlite3_close(db);
+    const QByteArray uri =
+        QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toEncoded() + "?immutable=1";
+    if (sqlite3_open_v2(uri.constData(), &db, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr) != SQLITE_OK)
+        return fail();
+    distrust_file();
+    return can_be_read();
 }
 
 // A log that cannot be kept (a file system without shared memory) leaves the slower rollback journal, which

@@ -61,6 +61,8 @@ private:
     friend class sqlite_statement;
     bool open(const QString& path, db_access access);
     bool is_writable();
+    bool can_be_read();
+    bool open_as_it_stands(const QString& path);
     void prepare_for_appending();
     void distrust_file();
     bool fail();

@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "link/bluetooth_service.h"
+#include "persistence/stored_logs.h"
 #include "persistence/vehicles.h"
 
 #include <array>
@@ -69,6 +70,8 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
         view.show_message(QString(), db.problem());
     else if (!db.add_own_parts())
         console_log(db.problem()); // all else works without them
+    else
+        finish_cut_runs(db);
     pick_current_vehicle();
     if (area)
         area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));

@@ -5,8 +5,10 @@
 #include "obd/pid_catalogue.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
+#include "persistence/vehicles.h"
 #include "terminal/output.h"
 
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <algorithm>
@@ -42,12 +44,17 @@ QByteArray quoted(const QString& text) {
     return compact(QJsonArray{text}).sliced(1).chopped(1);
 }
 
-QJsonObject as_json(const log_header& log) {
-    return {{"id", log.id},
-            {"vehicle", log.veh_id},
-            {"type", log.type},
-            {"info", log.info},
-            {"time", gmt_date_str_2_local_date_str(log.time_stamp)}};
+QHash<int, QString> names_of(const QList<vehicle>& vehicles) {
+    QHash<int, QString> names;
+    for (const vehicle& one : vehicles)
+        names.insert(one.id, one.name);
+    return names;
+}
+
+QJsonObject as_json(const log_header& log, const QString& vehicle_name) {
+    return {
+        {"id", log.id},     {"vehicle", log.veh_id}, {"vehicle_name", vehicle_name},
+        {"type", log.type}, {"info", log.info},      {"time", gmt_date_str_2_local_date_str(log.time_stamp)}};
 }
 
 // --- sampling runs -------------------------------------------------------------------------------------
@@ -112,10 +119,12 @@ QString logs_run::wrong_words(const QStringList& words, bool yes) {
 }
 
 void logs_run::start() {
-    if (!core.db.init_DB())
-        return end(core.db.problem(), false);
-    core.db.add_own_parts();
     const QString& what = core.options.arguments.first();
+    const bool can_be_changed = core.db.init_DB() && core.db.add_own_parts();
+    if (can_be_changed)
+        finish_cut_runs(core.db);
+    else if (what == QLatin1String("delete") || !can_be_read())
+        return end(core.db.problem(), false);
     if (what == QLatin1String("list"))
         return list();
     QList<log_header> logs;
@@ -134,20 +143,31 @@ void logs_run::start() {
     begin_export(logs.first().id);
 }
 
+bool logs_run::can_be_read() {
+    return core.db.for_each_row(QStringLiteral("SELECT LOG_ID FROM LOGGIES"),
+                                [](const QStringList&) { return false; });
+}
+
 void logs_run::list() {
+    const QHash<int, QString> vehicles = names_of(all_vehicles(core.db));
     QJsonArray rows;
     const bool read = core.db.for_each_row(
         QStringLiteral("SELECT * FROM LOGGIES ORDER by time_stamp DESC "), [&](const QStringList& row) {
-            if (const auto log = log_header_of(row)) {
-                if (core.options.json)
-                    rows += as_json(*log);
-                else
-                    print(QStringLiteral("%1  %2  %3  %4\n")
-                              .arg(log->id, 6)
-                              .arg(gmt_date_str_2_local_date_str(log->time_stamp))
-                              .arg(printable(log->type), -8)
-                              .arg(printable(log->info)));
-            }
+            const auto log = log_header_of(row);
+            if (!log)
+                return true;
+            const QString name = vehicles.value(log->veh_id);
+            if (core.options.json)
+                rows += as_json(*log, name);
+            else
+                print(QStringList{QString::number(log->id).rightJustified(6),
+                                  gmt_date_str_2_local_date_str(log->time_stamp),
+                                  printable(log->type).leftJustified(8),
+                                  name.isEmpty() ? QStringLiteral("vehicle %1").arg(log->veh_id)
+                                                 : printable(name),
+                                  printable(log->info)}
+                          .join(QLatin1String("  ")) +
+                      u'\n');
             return true;
         });
     if (core.options.json)
@@ -215,7 +235,8 @@ void logs_run::show_samples(int log_id) {
 }
 
 void logs_run::show_as_json(const log_header& log) {
-    print(compact(as_json(log)).chopped(1) + ",\"lines\":[");
+    print(compact(as_json(log, names_of(all_vehicles(core.db)).value(log.veh_id))).chopped(1) +
+          ",\"lines\":[");
     bool is_first = true;
     bool read = each_chunk(log.id, [&](const QStringList& row) {
         print((is_first ? "" : ",") + quoted(row.value(chunk_data)));

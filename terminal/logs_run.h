@@ -19,6 +19,8 @@ public:
     static QString wrong_words(const QStringList& words, bool yes);
 
 private:
+    // A file that cannot be written is enough for all but deleting.
+    bool can_be_read();
     void list();
     void show(const log_header& log);
     void show_text(int log_id);

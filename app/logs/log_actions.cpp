@@ -18,8 +18,15 @@ namespace brivant {
 
 namespace {
 
-constexpr qsizetype most_reports = 20; // shown at once in the place of an export
-constexpr qsizetype most_plots = 8;    // windows opened at once
+constexpr qsizetype most_reports = 20;         // shown at once in the place of an export
+constexpr qsizetype longest_view = 512 * 1024; // characters, of several logs
+constexpr qsizetype most_plots = 8;            // windows opened at once
+
+QString not_shown(qsizetype logs, const char* kind) {
+    return QStringLiteral("%1 more %2 are selected. Select fewer to see them.")
+        .arg(logs)
+        .arg(QLatin1String(kind));
+}
 
 } // namespace
 
@@ -30,8 +37,18 @@ QString log_actions::title_of(const log_header& log) {
     return QStringLiteral("%1, %2").arg(log.type, format_date_str(log.time_stamp));
 }
 
-void log_actions::view(const log_header& log) {
-    context.frame.pop_helpy(title_of(log), viewLog(context.core.db, log.id), QStringLiteral("empty.png"));
+void log_actions::view(const QList<log_header>& logs) {
+    if (logs.size() == 1)
+        return context.frame.pop_helpy(title_of(logs.first()), viewLog(context.core.db, logs.first().id),
+                                       QStringLiteral("empty.png"));
+    QString html;
+    qsizetype shown = 0;
+    for (; shown < logs.size() && html.size() < longest_view; ++shown)
+        html += QStringLiteral("<h4>%1</h4>").arg(title_of(logs.at(shown)).toHtmlEscaped()) +
+                viewLog(context.core.db, logs.at(shown).id);
+    if (shown < logs.size())
+        html += QStringLiteral("<hr>") + not_shown(logs.size() - shown, "logs");
+    context.frame.pop_helpy(QStringLiteral("%1 logs").arg(logs.size()), html, QStringLiteral("empty.png"));
 }
 
 void log_actions::plot(const QList<log_header>& logs) {
@@ -44,6 +61,11 @@ void log_actions::plot(const QList<log_header>& logs) {
                 "Only live data runs can be drawn: Log, Fuel, O2 and Boost. View shows a report."));
     for (const log_header& log : runs.first(std::min(runs.size(), most_plots)))
         plot_this_log(screen_widget, context, log);
+    if (runs.size() > most_plots)
+        context.window.show_message(
+            QStringLiteral("%1 of %2 runs are drawn").arg(most_plots).arg(runs.size()),
+            QStringLiteral("No more windows are opened at once. Select the other runs "
+                           "and press Plot again."));
 }
 
 void log_actions::handle_export(const QList<log_header>& logs, bool as_txt) {
@@ -66,8 +88,7 @@ void log_actions::show_reports(const QList<log_header>& reports) {
     for (const log_header& log : reports.first(std::min(reports.size(), most_reports)))
         html += (html.isEmpty() ? QString() : QStringLiteral("<hr>")) + report_html(context.core.db, log);
     if (reports.size() > most_reports)
-        html += QStringLiteral("<hr>%1 more reports are selected. Select fewer to see them.")
-                    .arg(reports.size() - most_reports);
+        html += QStringLiteral("<hr>") + not_shown(reports.size() - most_reports, "reports");
     QTextDocument document;
     document.setHtml(html);
     const shared_text shared{QStringLiteral("report"), QStringLiteral("report"),

@@ -17,7 +17,7 @@ class log_actions : public QObject {
 public:
     log_actions(QWidget& its_screen, const view_context& its_context, manage_logsDB& its_manager);
 
-    void view(const log_header& log);
+    void view(const QList<log_header>& logs);
     void plot(const QList<log_header>& logs);
     // Runs are written, reports are shown.
     void handle_export(const QList<log_header>& logs, bool as_txt);

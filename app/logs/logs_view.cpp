@@ -227,7 +227,7 @@ void logs_view::reload(part what) {
 void logs_view::viewLog() {
     const QList<log_header> logs = selected_or_told();
     if (!logs.isEmpty())
-        actions.view(logs.first());
+        actions.view(logs);
 }
 
 void logs_view::plotClicked() {

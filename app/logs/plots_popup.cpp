@@ -131,12 +131,20 @@ void plots_popup::run_is_read() {
     ui.chart->show_rows(run.rows());
     mark();
     ui.chart->setFocus();
+    QStringList told;
     if (!series.problem().isEmpty())
-        toast.show_text(series.problem());
+        told += series.problem();
     else if (series.is_cut())
-        toast.show_text(QStringLiteral("The run is longer than can be drawn: its first %1 sweeps are shown. "
-                                       "Export holds all of it.")
-                            .arg(grouped(run.rows())));
+        told +=
+            QStringLiteral("The run is longer than can be drawn: its first %1 sweeps are shown. Export holds "
+                           "all of it.")
+                .arg(grouped(run.rows()));
+    if (series.columns_left_out() > 0)
+        told += QStringLiteral("The run has %1 PIDs: the first %2 are drawn. Export holds all of them.")
+                    .arg(series.pids().size() + series.columns_left_out())
+                    .arg(series.pids().size());
+    if (!told.isEmpty())
+        toast.show_text(told.join(u'\n'));
 }
 
 // --- one frame ---------------------------------------------------------------------------------------------

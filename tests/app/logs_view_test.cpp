@@ -2,6 +2,7 @@
 
 #include "app/logs/export_progress.h"
 #include "app/logs/logs_view.h"
+#include "app/logs/plots_popup.h"
 #include "app/look/elided_label.h"
 #include "base/string_table.h"
 
@@ -142,6 +143,11 @@ TEST(logs_view, exports_runs_and_shows_reports) {
     EXPECT_TRUE(program.part<export_progress>().words().startsWith(
         QStringLiteral("Exported to loggies folder in Documents\n\n")));
 
+    QTest::keyClick(&program.table(), Qt::Key_Return); // all that are selected, one below the other
+    const QString both = program.part<help_panel>().findChild<QTextBrowser*>()->toPlainText();
+    EXPECT_TRUE(both.contains(QStringLiteral("P0133 - <b>")) && both.contains(QStringLiteral("410C1AF8")));
+    program.press(Qt::Key_Escape);
+
     program.click("copy");
     EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->urls().size(), 1);
     EXPECT_TRUE(program.told().contains(QStringLiteral("One of the selected logs has no file")));
@@ -149,6 +155,17 @@ TEST(logs_view, exports_runs_and_shows_reports) {
     program.part<notice_banner>().dismiss();
     program.click("copy");
     EXPECT_EQ(program.told(), QStringLiteral("Item(s) must be selected to proceed"));
+}
+
+TEST(logs_view, tells_how_many_plots_it_opens) {
+    opened_logs program;
+    for (int i = 0; i < 9; ++i)
+        program.store("Log", {QStringLiteral("410C1AF8")});
+    program.open(9);
+    program.part<QCheckBox>("all_files").click();
+    program.click("plot");
+    EXPECT_EQ(program.window->findChildren<plots_popup*>().size(), 8);
+    EXPECT_TRUE(program.told().startsWith(QStringLiteral("No more windows are opened at once.")));
 }
 
 TEST(logs_view, deletes_what_was_selected_after_a_yes) {

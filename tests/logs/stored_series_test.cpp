@@ -1,6 +1,7 @@
 #include "logs/stored_series.h"
 
 #include "base/console_log.h"
+#include "persistence/sqlite_connection.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
 #include "toolkit/mac_toolies.h"
@@ -75,12 +76,17 @@ TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
     EXPECT_FALSE(run.read(10).is_cut());
 
     stored_run wide({QStringList(200, "410D3C").join(',')});
-    wide.read();
+    EXPECT_EQ(wide.read().columns_left_out(), 136);
     EXPECT_EQ(wide.matrix.columns(), stored_series::most_columns);
 
     stored_run none({});
     EXPECT_EQ(none.read().rows(), 0);
     EXPECT_EQ(none.matrix.rows(), 0);
+
+    run.profile.db.change( // made by a newer version: not to be written
+        [](sqlite_connection& file) { return file.execute("PRAGMA user_version=9"); });
+    EXPECT_FALSE(run.profile.db.init_DB());
+    EXPECT_EQ(run.read().rows(), 10);
 
     QFile file(run.profile.db.path());
     ASSERT_TRUE(file.resize(5000));

@@ -50,6 +50,23 @@ TEST(sampling_lines, the_file_is_plain_again_behind_the_run_and_the_log_ahead_st
     EXPECT_EQ(t.column("SELECT INFO FROM LOGGIES"), "140 Sample points  ");
 }
 
+TEST(sampling_lines, the_next_start_finishes_a_run_that_was_cut_short) {
+    run_database t; // two lines and a gap; another run without a line; and one that begins just now
+    t.db.begin_lines();
+    ASSERT_GT(t.append(0), 0);
+    ASSERT_GT(t.db.append_2_LOG_DB("~,~", "", 1, t.log), 0);
+    ASSERT_GT(t.append(2), 0);
+    t.db.add_2_LOG_DB("Log", 1, "sample points");
+    t.outside("UPDATE LOGGIES SET time_stamp='2026-01-01 10:00:00'");
+    t.db.add_2_LOG_DB("Log", 1, "sample points");
+    database next_start(t.folder.path());
+    finish_cut_runs(next_start);
+    EXPECT_EQ(t.column("SELECT DISTINCT INFO FROM LOGGIES"), "sample points") << "it goes on";
+    t.db.end_lines();
+    finish_cut_runs(next_start);
+    EXPECT_EQ(t.column("SELECT LOG_ID || ':' || INFO FROM LOGGIES"), "1:2 Sample points   3:sample points");
+}
+
 TEST(sampling_lines, every_line_that_was_stored_outlives_a_sudden_end) {
     run_database t;
     t.db.begin_lines();

@@ -119,11 +119,14 @@ TEST(unusable_database, read_only_and_unreadable) {
         // folder, file
         {0755, 0444, "read-only"},
         {0755, 0000, "cannot be opened"},
-        {0555, 0666, "folder"}, // no journal can be made
+        {0555, 0666, "folder"},    // no journal can be made
+        {0555, 0444, "read-only"}, // a copy made during a run, with its log ahead
     };
     for (const auto& [folder, file, reason] : cases) {
         test_database t;
         ASSERT_TRUE(t.db.init_DB() && t.db.init_DB()); // nothing is left to migrate
+        if (folder == 0555 && file == 0444)
+            t.outside("PRAGMA journal_mode=WAL");
         ASSERT_EQ(chmod(t.db.path().toUtf8().constData(), file), 0);
         ASSERT_EQ(chmod(t.folder.path().toUtf8().constData(), folder), 0);
         const as_nobody nobody;

@@ -151,7 +151,13 @@ TEST(live_trouble, a_sudden_end_costs_at_most_the_sweep_in_flight) {
         for (qsizetype line = 0; line < stored.size(); ++line)
             ASSERT_EQ(stored[line], QString::number(line));
     }
-    EXPECT_EQ(rows_of(profile.path(), "SELECT count(*) FROM LOGGIES").join('/'), QString::number(rounds));
+    EXPECT_EQ(cli_process({"--profile", profile.path(), "logs", "list"}).status(), 0); // the next start
+    EXPECT_EQ(rows_of(profile.path(),
+                      "SELECT count(*) FROM LOGGIES JOIN (SELECT LOG_ID, count(*) AS lines FROM "
+                      "LOGGIES_DATA GROUP BY LOG_ID) USING (LOG_ID) WHERE INFO = lines || ' Sample "
+                      "points  '")
+                  .join('/'),
+              QString::number(rounds));
 }
 
 } // namespace brivant
