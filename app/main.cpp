@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 #include "base/console_log.h"
+#include "shell/stop_signals.h"
 
 #include <QApplication>
 #include <cstdio>
@@ -63,6 +64,7 @@ int run(const launch_options& options) {
     QApplication::setWindowIcon(program_icon());
     window.start();
     window.show();
+    const stop_signals closing([&window] { window.close(); }); // a run ends with its summary
     return QApplication::exec();
 }
 

@@ -4,6 +4,7 @@
 #include "base/string_table.h"
 #include "obd/reply_text.h"
 
+#include <QRegularExpression>
 #include <optional>
 
 namespace brivant {
@@ -98,6 +99,8 @@ void expertCtrlr::warn_first(const QStringList& commands, std::function<void()> 
 
 void expertCtrlr::start_operation(talk (expertCtrlr::*what)(), const char* logged) {
     has_asked = true;
+    is_stopping = false;
+    unfinished.clear();
     if (link.is_connected())
         set_status_msg(QStringLiteral(""));
     start({op_expert, QString(), QStringLiteral("work_out_script_mode::Did not fully complete [ %@ ]"),
@@ -119,6 +122,8 @@ talk expertCtrlr::exchange_one(QString command) {
     try {
         const sent_command typed = as_typed(command + u'\r');
         latest = co_await send(typed);
+        if (is_stopping && script_runs)
+            throw left{QStringLiteral("Stopped")};
         // Commands that are answered inside the send must not keep the event loop; the reply to an earlier
         // try must not stand under the next command.
         if (was_answered_at_once())
@@ -136,7 +141,8 @@ talk expertCtrlr::exchange_one(QString command) {
 
 // One that was typed is not sent again by itself: it may have reached the car.
 talk expertCtrlr::say_typed() {
-    return exchange_one(typed_command);
+    co_await exchange_one(typed_command);
+    show(QStringLiteral(""));
 }
 
 // The bytes From to To, one command each, as often as there are loops.
@@ -189,17 +195,53 @@ void expertCtrlr::handleOBDRcvdMsg(const reply& what_came) {
     console_log(QStringLiteral("expertC:handleOBDRcvdMsg got the stuff%1").arg(what_came.text()));
     if (!has_asked)
         return; // it answers the screen before
-    if (!what_came.text().contains(QLatin1String("Timeout"))) {
-        if (script_runs && !is_paused()) // else it is the reply to the second try
-            print_cmd_highlighted(QString(link.current_command()).remove(u'\r'));
-        own.lines.add_reply(what_came.text());
-        view.reload(part::transcript);
-    }
+    show_lines(std::exchange(unfinished, QString()));
+    if (!is_shown)
+        add_to_transcript(QString()); // an answer all the same
+    is_shown = false;
     if (is_paused()) {
         latest = what_came;
         return hurry();
     }
     car_talk::handleOBDRcvdMsg(what_came);
+}
+
+void expertCtrlr::handle_piece(const QString& text) {
+    if (!has_asked)
+        return; // it answers the screen before
+    unfinished += text;
+    const qsizetype end = std::max(unfinished.lastIndexOf(u'\r'), unfinished.lastIndexOf(u'\n'));
+    if (end >= 0) {
+        show_lines(unfinished.first(end));
+        unfinished.remove(0, end + 1);
+    } else if (unfinished.size() >= transcript::longest_line) {
+        show_lines(std::exchange(unfinished, QString()));
+    }
+}
+
+void expertCtrlr::show_lines(QString lines) {
+    static const QRegularExpression line_ends(QStringLiteral("[\r\n]+"));
+    lines = prepReply(lines).replace(line_ends, QStringLiteral("\n"));
+    if (lines.endsWith(u'\n'))
+        lines.chop(1);
+    if (!lines.isEmpty())
+        add_to_transcript(lines);
+}
+
+void expertCtrlr::add_to_transcript(const QString& lines) {
+    if (!std::exchange(is_shown, true) && script_runs &&
+        !is_paused()) // else it is the reply to the second try
+        print_cmd_highlighted(QString(link.current_command()).remove(u'\r'));
+    own.lines.add_reply(lines);
+    view.reload(part::transcript);
+}
+
+void expertCtrlr::stop() {
+    if (is_stopping || !is_running() || !link.is_being_answered())
+        return car_talk::stop();
+    is_stopping = true;
+    link.interrupt();
+    show(QStringLiteral("Stopping the answer; Esc again leaves it"));
 }
 
 void expertCtrlr::print_cmd_highlighted(const QString& command) {

@@ -33,11 +33,16 @@ public:
 
     // Also called with false when the person does not agree to send it: operation_ended.
 
-    // Every reply goes into the transcript, a late one too.
+    // Every reply goes into the transcript, a late one too, line by line as it comes.
+    void handle_piece(const QString& text) override;
     void handleOBDRcvdMsg(const reply& what_came) override;
+    // An answer without an end is stopped at the adapter, and shown to its end; the second time it is left.
+    void stop() override;
 
 private:
     void print_cmd_highlighted(const QString& command);
+    void show_lines(QString lines);
+    void add_to_transcript(const QString& lines);
     // Goes on with `send` at once, or when the person agrees to what `commands` change.
     void warn_first(const QStringList& commands, std::function<void()> send);
     void start_operation(talk (expertCtrlr::*what)(), const char* logged);
@@ -54,6 +59,9 @@ private:
     expert_script script;
     QString typed_command; // the one that the current operation sends, without its "\r"
     reply latest;          // the last reply
+    QString unfinished;    // the line that is coming
+    bool is_shown = false; // something of the reply that is coming
+    bool is_stopping = false;
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     int answered = 0; // commands of the script

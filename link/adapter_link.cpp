@@ -248,6 +248,17 @@ void adapter_link::set_up_next_time(bool from_a_reset) {
     Q_EMIT condition_changed();
 }
 
+// A line end could make an adapter that has just finished carry out the command again.
+void adapter_link::interrupt() {
+    if (link)
+        link->write(" ");
+}
+
+void adapter_link::piece_arrived(const QString& text) {
+    if (tcpConnectReady && controller)
+        controller->handle_piece(text);
+}
+
 void adapter_link::reply_arrived(const reply& what_came) {
     const QString& command = current_command();
     if (!what_came.is_none() && !quirks.falls_silent_at(command))

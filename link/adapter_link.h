@@ -69,6 +69,9 @@ public:
     void sendOBDcmd(const QString& command) { send(as_typed(command)); }
     int timeouts() const { return traffic.timeouts(); }
     void warn_no_more() { traffic.warn_no_more(); }
+    bool is_being_answered() const { return traffic.is_being_answered(); }
+    // Any byte makes an adapter stop what it is answering.
+    void interrupt();
     bool is_late_reply_due() const { return traffic.is_late_reply_due(); }
     void forget_late_replies() { traffic.forget_late_replies(); }
     // The command that was sent last, with its "\r".
@@ -104,6 +107,7 @@ private:
     // exchange_owner
     void transmit(const QByteArray& command) override;
     void show_status(const QString& status) override { l_set_status_msg(status); }
+    void piece_arrived(const QString& text) override;
     void reply_refused() override { l_leave_cur_op_gracefully(QStringLiteral("")); }
     void reply_arrived(const reply& what_came) override;
     void command_unanswered() override;

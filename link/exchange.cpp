@@ -12,6 +12,8 @@ namespace {
 
 constexpr int timeouts_before_giving_up = 4;
 constexpr qsizetype most_on_the_way = 8;
+constexpr int spells_of_a_stream = 2;
+constexpr int longest_silence = 20; // spells
 constexpr int search_ms = 40'000;
 constexpr int before_next_try_ms = 100;
 constexpr qsizetype notice_within = 64; // bytes of a reply
@@ -58,6 +60,8 @@ void exchange::write() {
     console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
     rx_accum.clear(); // text that came before the command cannot answer it
     in_flight = true;
+    has_text = false;
+    spells_of_text = spells_of_silence = 0;
     is_first = is_held_back = is_searching = false;
     if (on_the_way.size() >= most_on_the_way)
         on_the_way.removeFirst();
@@ -115,6 +119,9 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
     QByteArrayView rest = bytes;
     for (;;) {
         const qsizetype prompt = rest.indexOf('>');
+        if (is_typed())
+            owner.piece_arrived(QString::fromUtf8(prompt < 0 ? rest : rest.first(prompt)));
+        has_text = true;
         if (prompt < 0) {
             rx_accum.append(rest);
             return wait_for_the_search();
@@ -233,9 +240,23 @@ void exchange::hand_on(const reply& what_came) {
     owner.reply_arrived(what_came);
 }
 
+// Some commands are answered without an end, until the person stops it.
+bool exchange::is_streaming() {
+    if (std::exchange(has_text, false)) {
+        ++spells_of_text;
+        spells_of_silence = 0;
+        return true;
+    }
+    return spells_of_text >= spells_of_a_stream && ++spells_of_silence < longest_silence;
+}
+
 void exchange::obdTimedOutHandler() {
+    if (is_typed() && is_streaming())
+        return start_timer(&exchange::obdTimedOutHandler);
     console_log(QStringLiteral("Timed out handler here"));
     stop_timer();
+    if (is_typed())
+        owner.piece_arrived(QStringLiteral("\r"));
     if (timeout_retry_count >= timeouts_before_giving_up) {
         timeout_retry_count = 0;
         return owner.command_unanswered();

@@ -17,6 +17,9 @@ public:
     virtual void pop_a_messy(const QString& text, const QString& title = QString()) = 0;
     // The adapter's words say that the operation cannot go on.
     virtual void reply_refused() = 0;
+    // Text that answers a command typed by hand, as it comes; its reply_arrived() follows. After a time-out
+    // the line is ended.
+    virtual void piece_arrived(const QString& text) = 0;
     // A reply to the command in flight, or "~".
     virtual void reply_arrived(const reply& what_came) = 0;
     // No prompt came in time, five times.
@@ -49,6 +52,8 @@ public:
     void reset();
 
     bool is_in_flight() const { return in_flight; }
+    // The command in flight is answered, and not to the end.
+    bool is_being_answered() const { return in_flight && !rx_accum.is_empty(); }
     // Time-outs since the last reply.
     int timeouts() const { return timeout_retry_count; }
     // Whether the next command that is given up on is told in a box: once, until something is set up again.
@@ -64,6 +69,7 @@ private:
     void start_timer(void (exchange::*then)());
     void wait_for_the_search();
     void obdTimedOutHandler();
+    bool is_streaming();
     bool take_reply(QByteArrayView bytes, qsizetype prompt);
     QString cut_reply(QByteArrayView bytes, qsizetype prompt);
     reply taken_apart(const QString& text) const;
@@ -91,6 +97,9 @@ private:
     bool in_flight = false;
     bool is_searching = false; // the adapter looks for the car's protocol before it asks
     bool is_first = true;      // no command was written since the operation before
+    bool has_text = false;     // since the timer was started
+    int spells_of_text = 0;    // how often the timer ran out behind some
+    int spells_of_silence = 0; // and behind none, since
     bool is_held_back = false; // the command in flight is not written: an earlier one will answer it
 
     // What was written and may still be answered, in order, the command in flight last. Others stand before

@@ -24,6 +24,8 @@ public:
     virtual void work_current_task(const QString& status) = 0;
     // A whole reply was accepted for the command in flight, or given up on ("~").
     virtual void handleOBDRcvdMsg(const reply& what_came) = 0;
+    // Text that answers a command typed by hand, as it comes, in front of its reply.
+    virtual void handle_piece(const QString&) {}
     // The operation is to stop: adapter error, too many time-outs, or the person said so. May come at any
     // moment and more than once.
     virtual void leave_cur_op_gracefully(const QString& status) = 0;

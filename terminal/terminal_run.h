@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/program_core.h"
-#include "terminal/stop_signals.h"
+#include "shell/stop_signals.h"
 
 namespace brivant {
 

@@ -1,10 +1,12 @@
 #include "app/livedata/actions_view.h"
 #include "app/pids/pid_chooser.h"
+#include "shell/stop_signals.h"
 #include "tests/app/running_window.h"
 #include "tests/support/wait_until.h"
 
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <csignal>
 
 namespace brivant {
 
@@ -228,6 +230,17 @@ TEST(actions_view, stores_a_run_when_the_person_says_so) {
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_for_sweeps(2));
     EXPECT_EQ(car.text_of<QLabel>("stored"), QStringLiteral("not stored"));
+    car.press(Qt::Key_Escape);
+
+    store_runs.click();
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(2));
+    const stop_signals closing([&car] { car.window->close(); });
+    std::raise(SIGTERM); // as at the end of the session
+    EXPECT_TRUE(wait_until([&] { return car.window->isHidden(); }));
+    const QString info =
+        car.core.db.retrieve_from_DB(QStringLiteral("SELECT INFO FROM LOGGIES ORDER BY LOG_ID DESC"))[0][0];
+    EXPECT_EQ(info, QStringLiteral("%1 Sample points  ").arg(car.results.log_sample_cnt));
 }
 
 TEST(actions_view, takes_another_set_of_pids) {

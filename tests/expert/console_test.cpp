@@ -57,6 +57,23 @@ TEST(console, happens_as_written) {
     }
 }
 
+TEST(console, shows_an_answer_of_any_length) {
+    console_bench bench;
+    bench.controller.handle_a_send("AT MA");
+    bench.clock.advance(800);
+    for (int line = 0; line < 1000; ++line) { // 40 s, and more than is ever decoded
+        bench.adapter->receive("7E8 03 41 0D 3C 00 00 00 00 \r");
+        bench.clock.advance(40);
+    }
+    EXPECT_EQ(bench.session.lines.end(), 1001);
+    bench.clock.advance(50'000);
+    EXPECT_TRUE(bench.controller.is_running()) << "the bus may be quiet for a while";
+    EXPECT_EQ(bench.written.join(' '), "AT MA");
+    bench.controller.stop();
+    bench.adapter->receive("STOPPED\r\r>");
+    EXPECT_EQ(bench.ended, "done");
+}
+
 TEST(console, refuses_what_cannot_be_sent) {
     console_bench bench;
     for (const QString& typed : {QString(""), QString(" \t "), QString("01 00\r04"), QString("01\u00A000"),

@@ -158,6 +158,7 @@ private:
     void show_status(const QString&) override {}
     void pop_a_messy(const QString&, const QString&) override {}
     void adapter_started_anew() override {}
+    void piece_arrived(const QString&) override {}
     void reply_refused() override { traffic.abandon(); }
     void reply_arrived(const reply& handed_on) override {
         must_hold(!traffic.is_in_flight(), "a reply ends the command");

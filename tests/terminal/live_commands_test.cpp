@@ -110,6 +110,23 @@ TEST(live_trouble, an_interrupt_ends_the_run_in_order) {
     EXPECT_EQ(rows_of(live.profile.path(), "PRAGMA journal_mode").join('/'), "delete"); // one plain file
 }
 
+TEST(live_trouble, a_locked_database_leaves_a_gap_and_fails_the_run) {
+    endless_run live({"log", "--pids", "0C,0D", "--store"});
+    ASSERT_TRUE(live.prints(3)) << live.run.progress().constData();
+    sqlite3* other = nullptr;
+    const QByteArray path = (live.profile.path() + "/Documents/BV_loggies_lite.db").toUtf8();
+    ASSERT_EQ(sqlite3_open(path.constData(), &other), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_TRUE(live.prints(live.lines() + 3));
+    sqlite3_close(other);
+    EXPECT_TRUE(live.prints(live.lines() + 3));
+    ::kill(static_cast<pid_t>(live.run.process.processId()), SIGINT);
+    EXPECT_EQ(live.run.status(), 1);
+    EXPECT_TRUE(live.run.progress().contains(" could not be stored. ")) << live.run.progress().constData();
+    EXPECT_EQ(rows_of(live.profile.path(), "SELECT count(*) FROM LOGGIES_DATA WHERE DATA='~,~'").join('/'),
+              "1");
+}
+
 TEST(live_trouble, a_reader_that_goes_away_ends_the_run_in_order) {
     bench_adapter adapter;
     QTemporaryDir profile{folder_in_memory()};

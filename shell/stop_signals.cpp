@@ -1,4 +1,4 @@
-#include "terminal/stop_signals.h"
+#include "shell/stop_signals.h"
 
 #include <csignal>
 #include <fcntl.h>
