@@ -71,6 +71,7 @@ void exchange::write() {
 }
 
 void exchange::start_timer(void (exchange::*then)()) {
+    stop_timer();
     obdTimeOutTimer = clock.one_shot(cur_cmd.seconds * 1000, [this, then] { (this->*then)(); });
 }
 
@@ -83,6 +84,7 @@ void exchange::wait_for_the_search() {
     is_searching = true;
     owner.show_status(QStringLiteral("The adapter is looking for the car's protocol. This takes up to %1 s")
                           .arg(search_ms / 1000));
+    stop_timer();
     obdTimeOutTimer = clock.one_shot(search_ms, [this] { obdTimedOutHandler(); });
 }
 
@@ -251,10 +253,10 @@ bool exchange::is_streaming() {
 }
 
 void exchange::obdTimedOutHandler() {
+    stop_timer();
     if (is_typed() && is_streaming())
         return start_timer(&exchange::obdTimedOutHandler);
     console_log(QStringLiteral("Timed out handler here"));
-    stop_timer();
     if (is_typed())
         owner.piece_arrived(QStringLiteral("\r"));
     if (timeout_retry_count >= timeouts_before_giving_up) {

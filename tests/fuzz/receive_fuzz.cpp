@@ -47,7 +47,8 @@ constexpr qsizetype longest_piece = 2 * rx_buffer::limit;
 class still_timers : public timers {
 public:
     timer_handle one_shot(int milliseconds, std::function<void()> call) override {
-        must_hold(milliseconds >= 1000 && milliseconds <= 600'000, "a time-out is one second to ten minutes");
+        must_hold(milliseconds >= 100 && milliseconds <= 600'000,
+                  "a pause is a tenth of a second to ten minutes");
         must_hold(++running == 1, "one command is timed at a time");
         due = std::move(call);
         return std::make_unique<handle>(*this);
