@@ -3,6 +3,7 @@
 #include "base/shared_types.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace brivant {
 
@@ -73,23 +74,6 @@ private:
     std::vector<entry> entries = std::vector<entry>(1 << 16);
 };
 
-void series_summary::append(const series_summary& later) {
-    if (later.empty())
-        return;
-    if (empty()) {
-        *this = later;
-        return;
-    }
-    minimum = std::min(minimum, later.minimum);
-    maximum = std::max(maximum, later.maximum);
-    last = later.last;
-}
-
-void series_summary::append(double value) {
-    if (!std::isnan(value))
-        append(series_summary{value, value, value, value});
-}
-
 // Column after column. A leaf and the whole hold the finished rows only.
 struct sample_matrix::block {
     explicit block(int columns)
@@ -125,6 +109,7 @@ void sample_matrix::start(int columns) {
     odd_bodies.clear();
     odd_body_at.clear();
     odd_bytes = 0;
+    of_rows.clear();
     add_row();
 }
 
@@ -154,6 +139,8 @@ void sample_matrix::finish_row() {
     const qsizetype row = row_count - 1;
     block& rows_of_it = *blocks.back();
     bool is_gap = true;
+    for (const int column : std::as_const(of_rows))
+        rows_of_it.values[block::cell(row, column)] = number_in_row(row, column);
     for (int column = 0; column < column_count; ++column) {
         const quint64 word = rows_of_it.words[block::cell(row, column)];
         is_gap = is_gap && (word == missing || word == none_word);
@@ -184,6 +171,25 @@ void sample_matrix::set(int column, const QString& body) {
             word = odd_word(body);
     }
     put(column, word, number_of(body));
+    for (const int worked_out : std::as_const(of_rows))
+        blocks.back()->values[block::cell(row_count - 1, worked_out)] =
+            number_in_row(row_count - 1, worked_out);
+}
+
+void sample_matrix::work_out_of_rows(const QList<int>& columns, row_function of_row) {
+    of_rows = columns;
+    of_rows.removeIf([this](int column) { return column < 0 || column >= column_count; });
+    row_value_of = std::move(of_row);
+    if (!of_rows.isEmpty())
+        units_changed();
+}
+
+double sample_matrix::number_in_row(qsizetype row, int column) const {
+    QStringList bodies;
+    for (int each = 0; each < column_count; ++each)
+        bodies += body(row, each);
+    const double number = row_value_of(bodies, column);
+    return std::isfinite(number) ? number : std::numeric_limits<double>::quiet_NaN();
 }
 
 void sample_matrix::set_bytes(int column, QByteArrayView body) {
@@ -216,7 +222,9 @@ void sample_matrix::units_changed() {
                 rows_of_it.leaves[block::leaf(row, column)] = {};
             const size_t cell = block::cell(row, column);
             const quint64 word = rows_of_it.words[cell];
-            const double number = cache.number(word, [&] { return number_of(text_of(word)); });
+            const double number = of_rows.contains(column)
+                                      ? number_in_row(row, column)
+                                      : cache.number(word, [&] { return number_of(text_of(word)); });
             rows_of_it.values[cell] = number;
             if (row == row_count - 1)
                 break;

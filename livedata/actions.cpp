@@ -139,6 +139,7 @@ void actions::rework_gui_objects() {
         results.these_samples += row;
     }
     results.cur_log_points.start(static_cast<int>(results.these_samples.size()));
+    work_out_sweeps(results, toolies);
     watching->set_changed();
 }
 

@@ -39,6 +39,7 @@ struct live_results {
     QList<sample_row> these_samples;
     // One row a sweep, one column a PID of the set; the last row is the sweep under way.
     sample_matrix cur_log_points;
+    bool needs_sweeps = false; // some numbers need the whole sweep: see work_out_sweeps
     sweep_times times;
 
     qint64 sample_cnt = 0;  // complete sweeps of the run that have a value

@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 #include "charts/outward_rounding.h"
+#include "livedata/sample_set.h"
 #include "livedata/second_value.h"
 #include "obd/reply_text.h"
 #include "obd/supported_pids.h"
@@ -16,6 +17,7 @@ namespace {
 const QString fuel_economy = QStringLiteral("E4");
 const QString boost_pressure = QStringLiteral("E5");
 const QString manifold_pressure = QStringLiteral("0B");
+const QString outside_pressure = QStringLiteral("33");
 constexpr int car_gone_ms = 5 * 60'000;
 constexpr int refused_for_good = 2;     // times
 constexpr qint64 refused_is_asked = 10; // every so many sweeps
@@ -75,6 +77,22 @@ talk sampling_talk::ready_to_ask(QString opening) {
 talk sampling_talk::ready_to_sample(QString opening) {
     co_await ready_to_ask(opening);
     addEngECU_toPidList();
+}
+
+void sampling_talk::fit_set(const QStringList& by_standard, const QString& demanded) {
+    const obd_group engine = engine_ecu();
+    if (results.sample_cnt > 0 || engine.pidSet.isEmpty()) // a run that goes on keeps its columns
+        return;
+    QStringList set = set_of_mode(results.mode);
+    if (toolies.standard_reading())
+        set += by_standard;
+    set.removeIf([&](const QString& pid) {
+        const bool is_own = pid == fuel_economy || pid == boost_pressure;
+        return !is_own && !demanded.contains(pid) && !engine.pidSet.contains(pid);
+    });
+    name_ecu(set, engine.header);
+    if (set != results.pid_logitems_list)
+        take_set(set);
 }
 
 void sampling_talk::make_sure_all_are_supported() {
@@ -163,12 +181,11 @@ QString sampling_talk::data_of_reply(const reply& what_came, int index) {
 
 void sampling_talk::take(int index, const QString& data) {
     sample_row& its_row = row(index);
-    const second_value read = read_value(data, toolies);
-    its_row.value = read.text;
-    its_row.other_value = read.other;
-    its_row.latest = toolies.shown_number(data);
+    read_row(results, index, data, toolies);
     note_extremes(its_row, its_row.latest);
     output_item(index, data);
+    if (its_row.pid == outside_pressure && row(0).pid == boost_pressure && row(0).value != no_reply)
+        read_row(results, 0, results.cur_log_points.body(results.cur_log_points.rows() - 1, 0), toolies);
 }
 
 void sampling_talk::output_item(int index, const QString& data) {

@@ -22,6 +22,9 @@ public:
     talk ready_to_ask(QString opening);
     // The same, and every entry of the set with the header of its ECU.
     talk ready_to_sample(QString opening);
+    // The set of the mode and, with the standard reading, `by_standard`: without what the engine lacks,
+    // unless it is `demanded` ("0D 10"). A run that goes on keeps its columns.
+    void fit_set(const QStringList& by_standard, const QString& demanded);
     // Every entry but those of the program's own PIDs is answered by its ECU; else the run ends with a text.
     // Not asked of a run that goes on over a new link.
     void make_sure_all_are_supported();

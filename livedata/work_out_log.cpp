@@ -14,6 +14,7 @@ talk work_out_log(sampling_talk& car) {
 
 talk work_out_boost(sampling_talk& car) {
     co_await car.ready_to_sample("Starting log");
+    car.fit_set({QStringLiteral("33")}, QString());
     car.make_sure_all_are_supported();
     co_await sample_for_ever(car);
 }

@@ -1,17 +1,21 @@
 #include "base/string_table.h"
 #include "livedata/sampling_talk.h"
+#include "livedata/second_value.h"
+#include "obd/readings/sweep_values.h"
 
 namespace brivant {
 
 namespace {
 
-enum place { economy, speed, air_flow }; // in the sample set
-
+constexpr int economy = 0; // in the sample set
 constexpr double km_per_mile = 1.609344;
-constexpr double litres_per_gallon = 3.78541178;
 // The program's own factors of air to fuel and of fuel density.
 constexpr double air_fuel_factor = 7.1073357;
 constexpr double density_factor = 7.55987;
+const QString speed = QStringLiteral("0D");
+const QString air_flow = QStringLiteral("10");
+const QString fuel_rate = QStringLiteral("5E");
+const QString fuel_type = QStringLiteral("51");
 
 // A reply that does not come ends a run that has no sweep yet.
 QString value_of(sampling_talk& car, const reply& came, int index) {
@@ -27,15 +31,35 @@ QString value_of(sampling_talk& car, const reply& came, int index) {
     return data;
 }
 
-// The text follows the unit system, while matrix and log hold miles a gallon in either: on purpose.
-void show_economy(sampling_talk& car, const QString& data, double miles_per_gallon) {
-    const bool metric = car.toolies.units() == unit_system::metric;
-    const double shown = metric ? miles_per_gallon * km_per_mile / litres_per_gallon : miles_per_gallon;
+// What column of a PID holds in these bodies; "~" without such a column.
+QString body_of(const sampling_talk& car, const QStringList& bodies, const QString& pid) {
+    for (int column = 0; column < car.columns(); ++column)
+        if (car.results.these_samples[column].pid == pid)
+            return bodies[column];
+    return no_reply;
+}
+
+// Miles a gallon by the program's own factors; of a car that tells its fuel rate alone by that.
+QString economy_of(sampling_talk& car, const QStringList& bodies) {
+    const QString moved = body_of(car, bodies, speed);
+    const QString burnt = body_of(car, bodies, air_flow);
+    const QString by_rate = economy_by_physics(bodies, unit_system::imperial);
+    if (moved == no_reply || (burnt == no_reply && by_rate == no_reply))
+        return no_reply;
+    const double mpg = burnt != no_reply
+                           ? compute_MPG(car.toolies.get_OBDVal(moved), car.toolies.get_OBDVal(burnt), true)
+                           : by_rate.section(u' ', 0, 0).toDouble();
+    return car.toolies.encode_to_OBD(QStringLiteral("E4"), mpg);
+}
+
+// The program's text follows the unit system, while matrix and log hold miles a gallon in either: on purpose.
+void show_economy(sampling_talk& car, const QStringList& bodies) {
+    read_row_of(car.results, economy, bodies, car.toolies);
     sample_row& its_row = car.row(economy);
-    its_row.value = data == no_reply ? no_reply : QString::number(shown, 'f', 6); // "inf" without air flow
-    its_row.latest = car.toolies.get_OBDVal(data);
-    car.note_extremes(its_row, shown);
-    car.output_item(economy, data);
+    if (its_row.value != no_reply)
+        car.note_extremes(its_row,
+                          car.toolies.standard_reading() ? its_row.latest : its_row.value.toDouble());
+    car.output_item(economy, bodies[economy]);
 }
 
 } // namespace
@@ -48,15 +72,27 @@ double compute_MPG(double speed, double air_flow, bool by_density) {
 
 talk work_out_mpg(sampling_talk& car) {
     co_await car.ready_to_sample("Starting fule consumption");
+    const bool tells_rate = car.toolies.standard_reading() && car.engine_ecu().pidSet.contains(fuel_rate);
+    car.fit_set({tells_rate ? fuel_rate : fuel_type}, tells_rate ? speed : speed + u' ' + air_flow);
     car.make_sure_all_are_supported();
+    QString its_fuel; // does not change: asked once
     for (;;) {
-        const QString moved = value_of(car, co_await car.ask_row(speed), speed);
-        const QString burnt = value_of(car, co_await car.ask_row(air_flow), air_flow);
-        const double mpg = compute_MPG(car.toolies.get_OBDVal(moved), car.toolies.get_OBDVal(burnt), true);
-        const bool known = moved != no_reply && burnt != no_reply;
-        const QString economy_of_it = known ? car.toolies.encode_to_OBD(QStringLiteral("E4"), mpg) : no_reply;
-        show_economy(car, economy_of_it, mpg);
-        car.add_to_line(economy_of_it + u',' + moved + u',' + burnt);
+        QStringList bodies(car.columns(), no_reply);
+        for (int column = economy + 1; column < car.columns(); ++column) {
+            const bool is_fuel = car.row(column).pid == fuel_type;
+            if (is_fuel && !its_fuel.isEmpty()) {
+                car.take(column, its_fuel);
+                bodies[column] = its_fuel;
+                continue;
+            }
+            const reply came = co_await car.ask_row(column);
+            bodies[column] = value_of(car, came, column);
+            if (is_fuel && bodies[column] != no_reply)
+                its_fuel = bodies[column];
+        }
+        bodies[economy] = economy_of(car, bodies);
+        show_economy(car, bodies);
+        car.add_to_line(bodies.join(u','));
         car.end_of_sweep();
     }
 }

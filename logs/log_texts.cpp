@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 #include "obd/number_text.h"
+#include "obd/readings/sweep_values.h"
 #include "obd/reply_text.h"
 #include "persistence/log_files.h"
 
@@ -48,9 +49,7 @@ QString report_statement(int log_id) {
 
 // --- the preview of a run ----------------------------------------------------------------------------------
 
-QString cell_of(const mac_toolies& toolies, const QString& item) {
-    const bool is_reply = item.startsWith(QLatin1String("41")) && item.size() > 4;
-    const double number = is_reply ? toolies.shown_number(item) : qQNaN();
+QString cell_of(double number) {
     return std::isfinite(number) ? with_decimals(number, preview_decimals) : QStringLiteral("-");
 }
 
@@ -97,10 +96,13 @@ QString samples(mac_toolies& toolies, int log_id) {
             rows += QStringList();
         tell_columns(pids, items);
         rows += QStringList(gmt_date_str_2_local_date_str(stored.value(chunk_time_stamp)).section(u' ', 1));
-        for (const QString& item : in_columns(pids, items)) {
-            rows.last() += cell_of(toolies, item);
+        const QStringList cells = in_columns(pids, items);
+        for (const double number : sampled_numbers(cells, toolies.shown_reading(), toolies.lists()))
+            rows.last() += cell_of(number);
+        for (const QString& item : cells) {
             const QString name = toolies.get_pid_name_with_pid(sampled_pid(item));
-            if (!otherwise.contains(name) && readings_differ(item, toolies.shown_reading(), toolies.lists()))
+            if (!otherwise.contains(name) &&
+                readings_differ_in(cells, item, toolies.shown_reading(), toolies.lists()))
                 otherwise += name;
         }
         return true;

@@ -1,5 +1,7 @@
 #include "persistence/log_export.h"
 
+#include "obd/readings/sweep_values.h"
+
 #include "base/console_log.h"
 #include "obd/number_text.h"
 #include "persistence/log_files.h"
@@ -95,8 +97,9 @@ QString log_export::header() const {
 
 QString log_export::line_of(const QStringList& row) const {
     QString text;
-    for (const QString& item : in_columns(column_pids, items_of_chunk(row))) {
-        const QString value = value_text(sampled_number(item, reading, lists));
+    for (const double number :
+         sampled_numbers(in_columns(column_pids, items_of_chunk(row)), reading, lists)) {
+        const QString value = value_text(number);
         text += text.isEmpty() ? value : u',' + value;
     }
     if (settings.time_column)

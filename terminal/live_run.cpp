@@ -23,9 +23,10 @@ QString number_text(double value) {
     return std::isfinite(value) ? QString::number(value, 'g', 10) : QString();
 }
 
-// The number that the row's text shows; for the fuel economy another than the one in the chart.
-double number_of(const sample_row& row) {
-    return row.pid == QLatin1String("E4") && row.value != no_reply ? row.value.toDouble() : row.latest;
+// The number that the row's text shows; for the program's own fuel economy another than the one in the chart.
+double number_of(const sample_row& row, bool by_standard) {
+    return !by_standard && row.pid == QLatin1String("E4") && row.value != no_reply ? row.value.toDouble()
+                                                                                   : row.latest;
 }
 
 QString label_of(const sample_row& row) {
@@ -80,7 +81,7 @@ void live_run::sample_arrived(int index) {
     const sample_row& row = results.these_samples.at(index);
     seen_column& column = seen[static_cast<size_t>(index)];
     column.answered |= row.value != no_reply;
-    if (const double value = number_of(row); std::isfinite(value))
+    if (const double value = number_of(row, results.by_standard); std::isfinite(value))
         column.numbers.append(value);
 }
 
@@ -143,7 +144,7 @@ QByteArray live_run::header() const {
 QByteArray live_run::csv_line() const {
     QByteArray line = now_text().toLatin1();
     for (const sample_row& row : results.these_samples)
-        line += ',' + number_text(number_of(row)).toLatin1();
+        line += ',' + number_text(number_of(row, results.by_standard)).toLatin1();
     return line + '\n';
 }
 
@@ -151,7 +152,7 @@ QByteArray live_run::json_line(bool is_gap) const {
     const bool by_standard = core.toolies.standard_reading();
     QJsonObject values;
     for (const sample_row& row : results.these_samples) {
-        const double number = number_of(row);
+        const double number = number_of(row, results.by_standard);
         const bool answered = row.value != no_reply;
         QJsonObject value{{"value", std::isfinite(number) ? QJsonValue(number) : QJsonValue()},
                           {"text", answered ? QJsonValue(row.value.simplified()) : QJsonValue()},

@@ -3,6 +3,7 @@
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 #include "obd/pid_catalogue.h"
+#include "obd/readings/sweep_values.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 #include "persistence/vehicles.h"
@@ -78,10 +79,8 @@ QJsonArray columns_as_json(const QStringList& pids, const sample_reading& own, c
 QJsonArray numbers_as_json(const QStringList& items, const sample_reading& reading,
                            const text_resources& lists) {
     QJsonArray numbers;
-    for (const QString& item : items) {
-        const double number = sampled_number(item, reading, lists);
+    for (const double number : sampled_numbers(items, reading, lists))
         numbers += std::isfinite(number) ? QJsonValue(number) : QJsonValue();
-    }
     return numbers;
 }
 
@@ -89,7 +88,7 @@ QJsonArray numbers_as_json(const QStringList& items, const sample_reading& readi
 QJsonObject sample_as_json(const QStringList& items, const sample_reading& own, const text_resources& lists) {
     QJsonObject sample{{"values", numbers_as_json(items, own, lists)}};
     if (std::any_of(items.begin(), items.end(),
-                    [&](const QString& item) { return readings_differ(item, own, lists); }))
+                    [&](const QString& item) { return readings_differ_in(items, item, own, lists); }))
         sample.insert("standard", numbers_as_json(items, by_standard(own), lists));
     return sample;
 }
@@ -224,10 +223,9 @@ void logs_run::show_samples(int log_id) {
     print(head + u'\n');
     const bool read = each_chunk(log_id, [&](const QStringList& row) {
         QString line = gmt_date_str_2_local_date_str(row.value(chunk_time_stamp));
-        for (const QString& item : in_columns(pids, items_of_chunk(row))) {
-            const double number = toolies.shown_number(item);
+        const QStringList items = in_columns(pids, items_of_chunk(row));
+        for (const double number : sampled_numbers(items, toolies.shown_reading(), toolies.lists()))
             line += u',' + (std::isfinite(number) ? QString::number(number, 'g', digits) : QString());
-        }
         print(line + u'\n');
         return true;
     });

@@ -42,6 +42,8 @@ bool plotted_run::read_slice() {
 void plotted_run::list_columns() {
     results.these_samples.clear();
     results.pid_logitems_list = reader.pids();
+    if (work_out_sweeps(results, toolies))
+        reader.count_again();
     drawChartyItem item(toolies);
     item.use_this_pids(results.pid_logitems_list);
     shown.labels = item.work_out_labels(results.cur_log_points);

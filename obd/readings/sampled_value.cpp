@@ -4,7 +4,6 @@
 #include "obd/number_text.h"
 #include "obd/pid_translation.h"
 #include "obd/standard_reading/pid_table.h"
-#include "obd/standard_reading/pid_values.h"
 
 #include <algorithm>
 #include <limits>
@@ -12,6 +11,9 @@
 namespace brivant {
 
 namespace {
+
+const QString fuel_economy = QStringLiteral("E4");
+const QString boost = QStringLiteral("E5");
 
 bool is_computed(const QString& pid) {
     return pid >= QLatin1String("E1") && pid <= QLatin1String("E8");
@@ -38,12 +40,17 @@ double sampled_number(const QString& reply, const sample_reading& reading, const
     const QString pid = reading.by_standard ? sampled_pid(reply) : QString();
     if (!reading.by_standard || is_computed(pid))
         return get_OBDVal(reply, reading.units, lists);
-    const pid_value value = read_pid_value(reply.trimmed(), reading.units);
+    const pid_value value = read_pid_value(reply.trimmed(), {reading.units, reading.scales});
     const quantity* drawn = drawn_quantity(value, standard_unit(pid, reading.units));
     return drawn ? drawn->value : std::numeric_limits<double>::quiet_NaN();
 }
 
 QString sampled_unit(const QString& pid, const sample_reading& reading) {
+    const bool metric = reading.units == unit_system::metric;
+    if (reading.by_standard && pid == fuel_economy)
+        return metric ? QStringLiteral("km/l") : QStringLiteral("mpg");
+    if (reading.by_standard && pid == boost)
+        return shown_unit_of(in_unit::kilopascal, reading.units).name;
     if (!reading.by_standard || is_computed(pid))
         return get_units(pid, reading.units);
     const QString unit = standard_unit(pid, reading.units);
@@ -53,8 +60,11 @@ QString sampled_unit(const QString& pid, const sample_reading& reading) {
 QString sampled_heading(const QString& pid, const sample_reading& reading, const text_resources& lists) {
     if (pid.isEmpty())
         return fill(QStringLiteral("%@ (%@)"), {not_available, not_available});
-    const QString format = reading.by_standard && !is_computed(pid) ? QStringLiteral("%@ (%@ by SAE J1979)")
-                                                                    : QStringLiteral("%@ (%@)");
+    const QString format = !reading.by_standard  ? QStringLiteral("%@ (%@)")
+                           : pid == fuel_economy ? QStringLiteral("%@ (%@ by speed and fuel)")
+                           : pid == boost        ? QStringLiteral("%@ (%@ over outside pressure)")
+                           : is_computed(pid)    ? QStringLiteral("%@ (%@)")
+                                                 : QStringLiteral("%@ (%@ by SAE J1979)");
     return fill(format, {get_pid_name_with_pid(pid, lists, reading.sensors), sampled_unit(pid, reading)});
 }
 
@@ -63,9 +73,10 @@ bool readings_differ(const QString& reply, const sample_reading& reading, const 
     if (pid.isEmpty() || is_computed(pid))
         return false;
     const QString unit = standard_unit(pid, reading.units);
-    const pid_value value = read_pid_value(reply.trimmed(), reading.units);
+    const pid_value value = read_pid_value(reply.trimmed(), {reading.units, reading.scales});
     const quantity* number = drawn_quantity(value, unit);
-    const sample_reading own{reading.units, false};
+    sample_reading own;
+    own.units = reading.units;
     if (!number) // one that lacks data, or a state, whose number says nothing in either reading
         return value.states.isEmpty() && !value.is_undefined;
     QString own_unit = sampled_unit(pid, own).trimmed();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "obd/pid_catalogue.h"
+#include "obd/standard_reading/pid_values.h"
 
 #include <QStringList>
 
@@ -14,10 +15,11 @@ struct sample_reading {
     unit_system units = unit_system::imperial;
     bool by_standard = false;
     o2_banks sensors = o2_banks::two; // how columns of oxygen sensors are named
+    full_scales scales = {};          // by which the car itself scales, by the standard
 };
 
 // NaN when the reply carries no number. By the standard it is the PID's first quantity. What the program
-// works out itself (PIDs E1 to E8) is its own in either reading.
+// works out itself (PIDs E1 to E8) is its own in either reading, but see sweep_values.h for E4 and E5.
 double sampled_number(const QString& reply, const sample_reading& reading, const text_resources& lists);
 // The unit of that number; "N/A" without one.
 QString sampled_unit(const QString& pid, const sample_reading& reading);

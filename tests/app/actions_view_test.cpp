@@ -201,15 +201,16 @@ TEST(actions_view, ends_the_run_when_the_mode_changes) {
 }
 
 TEST(actions_view, says_what_a_car_lacks) {
-    live_car car(QStringLiteral("can11-basic")); // without fuel trims and fuel pressure
+    live_car car(QStringLiteral("iso9141")); // without manifold pressure
     car.choose(boost);
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_until_stopped());
     EXPECT_EQ(car.part<status_strip>().status_text(),
               QStringLiteral("One or more PIDs needed not available for this vehicle"));
-    EXPECT_TRUE(
-        wait_until([&] { return car.text_of<QLabel>("empty_text").contains(u"Fuel pressure (0A)"); }));
-    EXPECT_FALSE(car.text_of<QLabel>("empty_text").contains(u"0B"));
+    EXPECT_TRUE(wait_until([&] {
+        return car.text_of<QLabel>("empty_text").contains(u"Intake manifold absolute pressure (0B)");
+    }));
+    EXPECT_FALSE(car.text_of<QLabel>("empty_text").contains(u"0A"));
     EXPECT_EQ(car.results.sample_cnt, 0);
 }
 

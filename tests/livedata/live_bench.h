@@ -7,7 +7,7 @@ namespace brivant {
 
 // The live-data screen's controller on a scripted adapter, and what its view is told.
 struct live_bench : adapter_bench, private run_observer {
-    live_results results{[this](const QString& body) { return toolies.get_OBDVal(body); }};
+    live_results results{[this](const QString& body) { return toolies.shown_number(body); }};
     std::unique_ptr<brivant::actions> controller; // on the screen once something is done
     QStringList sensors;                          // the last value of each oxygen sensor
     QString layout = "none";
@@ -63,6 +63,9 @@ private:
         };
         actions["units"] = [this](const QString& units) {
             profile.defaults.set(setting::metric_units, units == "metric");
+        };
+        actions["standard"] = [this](const QString& on) {
+            profile.defaults.set(setting::standard_reading, on == "on");
         };
         actions["stop-after"] = [this](const QString& count) { stop_after = count.toInt(); };
         actions["choose"] = [this](const QString& mode) {

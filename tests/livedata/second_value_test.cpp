@@ -39,8 +39,37 @@ TEST(second_value, follows_the_switch) {
             EXPECT_NEAR(bench.toolies.shown_number(body), r.number, 1e-9);
         }
     }
-    // A computed value is the program's own.
-    EXPECT_EQ(read_value("41E41234", bench.toolies).other, "");
+}
+
+// The economy of a run, text and number and their extremes, in either reading.
+TEST(second_value, a_fuel_run_is_read_again) {
+    adapter_bench bench;
+    bench.profile.defaults.set(setting::metric_units, true);
+    live_results results([&](const QString& body) { return bench.toolies.shown_number(body); });
+    results.pid_logitems_list = QStringList{"E4|7E8", "0D|7E8", "10|7E8"};
+    results.these_samples.resize(3);
+    for (int column = 0; column < 3; ++column)
+        results.these_samples[column].pid = results.pid_logitems_list[column].left(2);
+    results.cur_log_points.start(3);
+    EXPECT_TRUE(work_out_sweeps(results, bench.toolies));
+    for (const QStringList& sweep :
+         {QStringList{"41E40181", "410D3C", "411003E8"}, QStringList{"41E402F1", "410D3C", "41100200"}}) {
+        for (int column = 0; column < 3; ++column)
+            results.cur_log_points.set(column, sweep[column]);
+        results.cur_log_points.add_row();
+    }
+    results.these_samples[0].value = "of now";
+    const sample_row& economy = results.these_samples[0];
+    for (const bool standard : {true, false, true}) {
+        bench.profile.defaults.set(setting::standard_reading, standard);
+        read_again(results, bench.toolies);
+        EXPECT_EQ(economy.value, standard ? "35.65 km/l, 2.81 l/100 km" : "7.538040");
+        EXPECT_EQ(economy.other_value, standard ? "7.538040" : "35.65 km/l, 2.81 l/100 km");
+        EXPECT_EQ(economy.units, standard ? "km/l" : "km/litre");
+        EXPECT_NEAR(results.cur_log_points.value(0, 0), standard ? 18.2525 : 3.85, 1e-6);
+        EXPECT_NEAR(economy.latest, standard ? 35.649414 : 7.53, 1e-6);
+        EXPECT_NEAR(economy.max.toDouble(), standard ? 35.649414 : 7.53, 1e-6);
+    }
 }
 
 TEST(second_value, a_run_is_read_again_without_the_car) {

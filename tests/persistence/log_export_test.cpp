@@ -136,7 +136,7 @@ TEST(log_export, in_the_reading_of_the_standard) {
          {"Control module voltage (V by SAE J1979)", "11.900000"}},
         {"4103", {"Fuel system status (N/A)", "nan"}, {"Fuel system status (N/A by SAE J1979)", "nan"}},
         {"410C1A", {"Engine RPM (RPM)", "0.000000"}, {"Engine RPM (rpm by SAE J1979)", "nan"}},
-        {"41E565", {"Boost (KPa)", "0.000000"}, {"Boost (KPa)", "0.000000"}},
+        {"41E565", {"Boost (KPa)", "0.000000"}, {"Boost (kPa over outside pressure)", "0.000000"}},
     };
     QStringList replies;
     QString own, standard;
@@ -153,6 +153,38 @@ TEST(log_export, in_the_reading_of_the_standard) {
     EXPECT_EQ(t.exported(id).toStdString(), own.toStdString());
     t.settings.by_standard = true;
     EXPECT_EQ(t.exported(id).toStdString(), standard.toStdString());
+}
+
+// By the standard some numbers need the other items of their line.
+TEST(log_export, works_lines_out_by_physics) {
+    const struct {
+        const char* line;
+        const char* metric; // of its first item
+        const char* imperial;
+    } rows[] = {
+        {"41E40181,410D3C,411003E8", "18.252500", "42.932542"},        // petrol, where the car tells no fuel
+        {"41E40181,410D3C,411003E8,415104", "20.106667", "47.293812"}, // diesel
+        {"41E40181,410D3C,411003E8,415103", "nan", "nan"},             // its figures are not known here
+        {"41E40181,410D3C,415E0064", "12.000000", "28.225750"},        // the fuel rate itself
+        {"41E40181,410D3C,411003E8,415E0000", "nan", "nan"},           // none is burnt
+        {"41E40181,~,411003E8", "nan", "nan"},
+        {"~,410D3C,411003E8", "nan", "nan"},
+        {"41E58C,410A64", "39.000000", "5.656472"},
+        {"41E58C,413362", "42.000000", "6.091585"}, // over the pressure that the car measures
+        {"410B8C,414F00000019", "137.254902", "40.531345"},
+        {"41100100,41506400", "3.906310", "0.516716"},
+    };
+    export_bench t;
+    t.settings.by_standard = true;
+    for (const auto& row : rows) {
+        const int id = t.stored({{row.line}});
+        for (const unit_system units : {unit_system::metric, unit_system::imperial}) {
+            t.settings.units = units;
+            EXPECT_EQ(t.exported(id).section('\n', 1, 1).section(',', 0, 0),
+                      units == unit_system::metric ? row.metric : row.imperial)
+                << row.line;
+        }
+    }
 }
 
 TEST(sampled_value, tells_where_the_readings_differ) {

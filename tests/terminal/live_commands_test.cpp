@@ -55,7 +55,8 @@ TEST(live_commands, exit_statuses_and_lines) {
         {"can11", {"boost", "--sweeps", "2"}, 0, 3},
         {"can11", {"o2", "--sweeps", "2"}, 0, 3},
         {"kwp", {"log", "--sweeps", "2"}, 0, 3},
-        {"kwp", {"boost", "--sweeps", "2"}, 1, 0}, // PIDs missing
+        {"kwp", {"boost", "--sweeps", "2"}, 0, 3},     // the manifold pressure alone
+        {"iso9141", {"boost", "--sweeps", "2"}, 1, 0}, // not even that
         {"can11", {"log", "--pids", "0G"}, 2, 0},
         {"can11", {"log", "--pids", "20"}, 2, 0},
         {"can11", {"fuel", "--pids", "0C"}, 2, 0},
