@@ -12,6 +12,17 @@ diagnostic_talk::diagnostic_talk(car_state& its_car, adapter_link& its_link, mac
     : car_talk(its_car, its_link, its_toolies, its_view), results(its_results),
       log(its_paths, its_toolies.store()) {}
 
+talk work_out_link_info(diagnostic_talk& car) {
+    co_await car.ready(QString());
+    if (car.state.times_told() == 0) // what is known of the car is from before
+        car.give_up_the_car();
+}
+
+void diagnostic_talk::give_up_the_car() {
+    link.set_up_next_time(false);
+    throw step_failure(no_ecu_answers);
+}
+
 void diagnostic_talk::progress(qsizetype done, qsizetype total) {
     results.progress_done = static_cast<int>(done);
     results.progress_total = static_cast<int>(total);

@@ -29,6 +29,8 @@ public:
     void load_the_codes();
     // The code's description: see look_upCode of obd/trouble_codes.h.
     QString description_of(const QString& code);
+    // Ends the operation as failed, because nobody in the car answers; the next one looks for the car anew.
+    [[noreturn]] void give_up_the_car();
     // While logging is on: writes the text to the session file; writes and stores the operation's report.
     void append_to_log(const QString& text) { log.append_to_log(text); }
     void write_report();
@@ -51,6 +53,7 @@ private:
 // The operations.
 talk work_out_read_codes(diagnostic_talk& car);     // monitor status and confirmed codes (services 01, 03)
 talk work_out_clear_codes(diagnostic_talk& car);    // service 04
+talk work_out_link_info(diagnostic_talk& car);      // the adapter set up, and who answers
 talk work_out_pending_freeze(diagnostic_talk& car); // pending codes and the freeze frame (07, 02)
 talk work_out_permanent(diagnostic_talk& car);    // permanent codes and this drive cycle's monitors (0A, 41)
 talk work_out_vehicle_info(diagnostic_talk& car); // voltage, VIN, a value of every supported PID of every ECU

@@ -1,19 +1,38 @@
 #include "diagnostics/mode6_test.h"
 
 #include "base/string_table.h"
+#include "diagnostics/car_presence.h"
 #include "diagnostics/mode6_records.h"
 #include "obd/mode6_scaling.h"
 #include "obd/reply_text.h"
+
+#include <QRegularExpression>
 
 namespace brivant {
 
 namespace {
 
+// The first ECU that does not refuse; where the adapter shows no headers, the answer itself.
+std::optional<ecu_said> who_answers(const reply& what_came, const QString& identifier) {
+    if (what_came.holds_nothing())
+        return std::nullopt;
+    if (what_came.headers_shown()) {
+        const ecu_said* ecu = what_came.answering();
+        return ecu ? std::optional(*ecu) : std::nullopt;
+    }
+    const QString answer = QStringLiteral("46") + identifier;
+    if (!is_can(what_came.protocol()))
+        return ecu_said{
+            {}, what_came.lines().filter(QRegularExpression(u'^' + answer)), what_came.protocol(), {}};
+    const QString data = what_came.data_without_headers(answer);
+    const QString single_frame = QStringLiteral("0");
+    return ecu_said{{}, {single_frame}, what_came.protocol(), data};
+}
+
 void take_test(diagnostic_talk& car, const mode6_test& test, const QString& identifier, qsizetype item,
                const reply& what_came) {
     answer told{QStringLiteral("06") + identifier, what_came, {}, {}};
-    const ecu_said* ecu = what_came.holds_nothing() ? nullptr : what_came.answering();
-    if (ecu) {
+    if (const auto ecu = who_answers(what_came, identifier)) {
         told.ecu = ecu->header;
         for (const test_row& row : handle_a_mode6_TestID(*ecu, static_cast<int>(item), car.toolies.lists()))
             told.rows += row;
@@ -30,7 +49,12 @@ void log_rows(diagnostic_talk& car, const mode6_test& test) {
 
 } // namespace
 
-void nothing_there(diagnostic_talk& car, const QString& text, int sound) {
+talk nothing_there(diagnostic_talk& car, QString text, int sound) {
+    co_await make_sure_the_car_answers(car);
+    leave_without_results(car, text, sound);
+}
+
+void leave_without_results(diagnostic_talk& car, const QString& text, int sound) {
     car.show(text.section(u'\n', 0, 0));
     car.view.play_sound(sound);
     car.view.show_message(QString(), text);
@@ -53,9 +77,11 @@ talk work_mode6_test(diagnostic_talk& car, mode6_test test) {
 
     QStringList identifiers;
     co_await test.find_identifiers(car, identifiers);
+    car_presence presence(car);
     for (qsizetype item = 0; item < identifiers.size(); ++item) {
         car.progress(item, identifiers.size());
-        const reply what_came = co_await car.ask(QStringLiteral("06 ") + identifiers[item]);
+        reply what_came;
+        co_await presence.ask(car.as_shown(QStringLiteral("06 ") + identifiers[item]), true, what_came);
         take_test(car, test, identifiers[item], item, what_came);
         const QString querying = fill(
             test.querying, {QString::number(item + test.counts_from), QString::number(identifiers.size())});
@@ -69,19 +95,27 @@ talk work_mode6_test(diagnostic_talk& car, mode6_test test) {
 }
 
 talk find_monitors(diagnostic_talk& car, monitor_range monitors, QStringList& identifiers) {
-    if (!is_can(car.link.adapter().cur_protocol()))
-        nothing_there(car, QStringLiteral("Not Supported by your vehicle"), sound_done);
-    const reply support = co_await car.ask(monitors.support_request);
+    const int protocol = car.link.adapter().cur_protocol();
+    if (protocol <= 0) // none was found
+        car.give_up_the_car();
+    if (!is_can(protocol))
+        leave_without_results(car, QStringLiteral("Not Supported by your vehicle"), sound_done);
+    const reply support = co_await car.ask_as_shown(monitors.support_request);
     if (support.no_data())
-        nothing_there(car, monitors.no_data, sound_done);
-    const QString bitmap = support.ecus().value(0).data.mid(4, 8);
+        co_await nothing_there(car, monitors.no_data, sound_done);
+    const auto told = who_answers(support, monitors.support_request.last(2));
+    const QString bitmap = told ? told->data.mid(4, 8) : QString();
     for (int n = 0; n < monitors.count; ++n) {
         const QString identifier = convertByte2HexStr(monitors.first + static_cast<unsigned>(n));
         if (is_this_code_available(bitmap, identifier, monitors.map))
             identifiers += identifier;
     }
-    if (identifiers.isEmpty())
-        nothing_there(car, QStringLiteral("Not available or No data"), sound_no_identifier);
+    if (!identifiers.isEmpty())
+        co_return;
+    const QString text = QStringLiteral("Not available or No data");
+    if (told)
+        leave_without_results(car, text, sound_no_identifier);
+    co_await nothing_there(car, text, sound_no_identifier);
 }
 
 } // namespace brivant

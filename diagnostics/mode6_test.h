@@ -20,7 +20,9 @@ struct mode6_test {
 // The talk that they share: one request an identifier; each test is a row.
 talk work_mode6_test(diagnostic_talk& car, mode6_test test);
 // A car without results of the kind: it is said, and the operation left.
-[[noreturn]] void nothing_there(diagnostic_talk& car, const QString& text, int sound);
+[[noreturn]] void leave_without_results(diagnostic_talk& car, const QString& text, int sound);
+// The same, unless the car does not answer at all.
+talk nothing_there(diagnostic_talk& car, QString text, int sound);
 
 // A range of monitors that one map of supported identifiers (SAE J1979) tells, CAN only.
 struct monitor_range {

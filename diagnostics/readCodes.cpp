@@ -96,8 +96,7 @@ void readCodes::read_for_report() {
 }
 
 void readCodes::read_link_info() {
-    start_operation({op_link_info, "Asking the adapter and the car who they are", "%@",
-                     [](diagnostic_talk& car) { return car.ready(QString()); }});
+    start_operation({op_link_info, "Asking the adapter and the car who they are", "%@", work_out_link_info});
 }
 
 void readCodes::start_operation(const read& what, next_operation next) {

@@ -98,6 +98,7 @@ void second_reading::start_again() {
     for (QList<noted_row>* rows : {&own, &standard, &only_own, &only_standard})
         rows->clear();
     told.clear();
+    unanswered.clear();
     weighty = false;
     changed = 0;
     vin.clear();
@@ -160,10 +161,13 @@ void second_reading::they_differ(const result_row* own_row, const QString& own_s
 
 void second_reading::read(const answer& one) {
     // A value that did not come stands in its row.
-    if (!is_value(one))
+    if (!is_value(one)) {
         for (const QString& fault : faults_of(one))
             if (!told.contains(fault))
                 told += fault;
+    } else if (which == part::vehicle && !one.request.isEmpty() && one.rows.isEmpty()) {
+        unanswered[one.ecu] += one.request.mid(2);
+    }
     if (one.request.isEmpty() || which == part::extras) // which only their maker defines
         return both_say(one.rows);
     replies_read = true;
@@ -280,10 +284,18 @@ void second_reading::read_tests(const answer& one) {
     }
 }
 
+QStringList second_reading::faults() const {
+    QStringList all = told;
+    for (auto ecu = unanswered.keyValueBegin(); ecu != unanswered.keyValueEnd(); ++ecu)
+        all += QStringLiteral("%1 announces, but does not answer: %2")
+                   .arg(ecu->first.isEmpty() ? QStringLiteral("the car") : ecu->first,
+                        ecu->second.join(QStringLiteral(", ")));
+    return all;
+}
+
 QString second_reading::fault_line() const {
-    return told.isEmpty()
-               ? QString()
-               : QStringLiteral("Not all of it was answered: %1").arg(told.join(QStringLiteral("; ")));
+    const QString all = faults().join(QStringLiteral("; "));
+    return all.isEmpty() ? QString() : QStringLiteral("Not all of it was answered: %1").arg(all);
 }
 
 QString second_reading::line() const {

@@ -40,7 +40,7 @@ public:
     QString line() const;
     // What was refused, damaged or not answered, whichever reading is shown: "7E8: a consecutive frame is
     // missing".
-    const QStringList& faults() const { return told; }
+    QStringList faults() const;
     // The same in a sentence, "" without any.
     QString fault_line() const;
 
@@ -81,7 +81,8 @@ private:
     int changed = 0; // rows of values that differ
     QString vin;     // by the standard, where it differs
     QStringList told;
-    QMap<QString, full_scales> scales; // by the ECU that was asked
+    QMap<QString, QStringList> unanswered; // the PIDs that came to nothing, by the ECU that announced them
+    QMap<QString, full_scales> scales;     // by the ECU that was asked
     qsizetype answers_read = 0;
     bool replies_read = false; // that can be read twice
 };

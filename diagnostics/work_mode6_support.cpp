@@ -14,7 +14,8 @@ talk find_tests(diagnostic_talk& car, QStringList& tests) {
         tests = found[car.toolies.findEngineEcuIdx(found)].pidSet;
     fixArrayForMode6(tests);
     if (tests.isEmpty())
-        nothing_there(car, localised(QStringLiteral("DLG_NOT_SUPPTED_NOR_AVAILABLE")), sound_nothing_found);
+        co_await nothing_there(car, localised(QStringLiteral("DLG_NOT_SUPPTED_NOR_AVAILABLE")),
+                               sound_nothing_found);
 }
 
 } // namespace

@@ -134,7 +134,7 @@ void told(diagnostic_talk& car, bool car_answered) {
     if (!car.results.pending_received)
         throw left{QLatin1String(pending_not_received)};
     if (!car_answered)
-        throw step_failure(no_ecu_answers);
+        car.give_up_the_car();
     car.view.play_sound(sound_done);
 }
 

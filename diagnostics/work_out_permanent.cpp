@@ -1,4 +1,4 @@
-#include "diagnostics/diagnostic_talk.h"
+#include "diagnostics/car_presence.h"
 
 #include "diagnostics/permanent_codes.h"
 
@@ -21,6 +21,8 @@ talk work_out_permanent(diagnostic_talk& car) {
     car.show("Asking what the car has checked in this drive cycle");
     const reply monitors = co_await ask_the_car(car, "01 41");
     car.tell(part::permanent, {drive_cycle_request, monitors, {}, {}});
+    if (codes.holds_nothing() && monitors.holds_nothing()) // older than both requests, or not there
+        co_await make_sure_the_car_answers(car);
     car.show(read_permanent_codes(car.results, car.toolies).summary());
     car.view.play_sound(sound_done);
 }

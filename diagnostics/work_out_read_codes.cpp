@@ -85,7 +85,7 @@ void tell_result(diagnostic_talk& car, const reply& answer) {
     car.show(codes == car.results.no_of_codes ? "Codes read!. Scroll for full description"
                                               : "Codes read...but different no of codes recvd");
     if (car.results.no_of_ecus == 0 && answer.holds_nothing())
-        throw step_failure(no_ecu_answers);
+        car.give_up_the_car();
 }
 
 } // namespace

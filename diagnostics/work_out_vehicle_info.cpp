@@ -1,4 +1,4 @@
-#include "diagnostics/diagnostic_talk.h"
+#include "diagnostics/car_presence.h"
 
 #include "base/console_log.h"
 #include "base/string_table.h"
@@ -49,7 +49,8 @@ void value_answered(diagnostic_talk& car, const reply& what_came, const QString&
 
 talk work_out_vehicle_info(diagnostic_talk& car) {
     co_await car.ready("Starting Read vehicle Info");
-    const obd_groups ecus = car.state.available_pids(); // as they are now
+    // As they are now; what is known from earlier is not shown as this car's answer.
+    const obd_groups ecus = car.state.times_told() > 0 ? car.state.available_pids() : obd_groups();
     QStringList supporting;
     qsizetype pids = 0;
     for (const obd_group& ecu : ecus) {
@@ -64,10 +65,14 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
     co_await car.at("AT H1", "OK");
     const reply volts = co_await car.at("AT RV", "8|9|1");
     voltage_answered(car, volts);
-    const reply vin = co_await car.ask_as_shown("09 02|12.0");
+    car_presence presence(car);
+    reply vin;
+    co_await presence.ask(car.as_shown("09 02|12.0"), false, vin);
     const value_row vin_row{{}, QStringLiteral("VIN"), vin_of(vin), {}};
     car.tell(part::vehicle, {QStringLiteral("0902"), vin, {}, {vin_row}});
 
+    if (ecus.isEmpty())
+        co_await make_sure_the_car_answers(car);
     if (pids == 0) {
         console_log(QStringLiteral("work_out_vehInfo done No pids "));
         co_return car.write_report();
@@ -82,7 +87,8 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
                  ecu_row{ecu.header, name_of(car, ecu), ecu.pidSet.size(), &ecu == &ecus.first()});
         for (qsizetype place = 0; place < ecu.pidSet.size(); ++place) {
             const QString pid = ecu.pidSet[place];
-            const reply answer = co_await car.ask_as_shown(QStringLiteral("01 %1 ").arg(pid));
+            reply answer;
+            co_await presence.ask(car.as_shown(QStringLiteral("01 %1 ").arg(pid)), true, answer);
             value_answered(car, answer, ecu.header, pid);
             car.progress(++asked, pids);
             car.show(fill(QStringLiteral("Sampling  PID(%@) for ECU(%@) %d of %d "),

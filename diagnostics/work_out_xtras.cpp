@@ -1,4 +1,4 @@
-#include "diagnostics/diagnostic_talk.h"
+#include "diagnostics/car_presence.h"
 
 #include "base/string_table.h"
 #include "obd/vin.h"
@@ -30,15 +30,22 @@ talk work_out_xtras(diagnostic_talk& car) {
     lines.removeIf([](const QString& line) { return line.indexOf(u'|') <= 0; }); // command and label
     if (lines.isEmpty())
         throw step_failure(QStringLiteral("the list of commands is missing"));
+    car_presence presence(car);
+    bool anybody_answered = false;
     for (qsizetype item = 0; item < lines.size(); ++item) {
         car.progress(item, lines.size());
         const QString command = lines[item].section(u'|', 0, 0);
-        const reply value = co_await car.at(command, positive_reply_of(command) + QStringLiteral("|7F"));
+        const QString expected = positive_reply_of(command) + QStringLiteral("|7F");
+        reply value;
+        co_await presence.ask(command_of(command + u'\r', expected, false), false, value);
         if (value.is_none() || value.text().contains(u'?'))
             throw left{QStringLiteral("Failed to receive data")};
+        anybody_answered |= !value.no_data();
         const value_row row = xtraInfo_item(car, value, command, lines[item].section(u'|', 1));
         car.tell(part::extras, {command, value, {}, {row}});
     }
+    if (!anybody_answered) // a car of another maker, or none
+        co_await make_sure_the_car_answers(car);
     car.view.play_sound(sound_done);
     car.show("Read succesfully");
 }

@@ -163,9 +163,11 @@ void adapter_link::link_closed() {
                    .status_stays = !is_bluetooth};
     if (traffic.is_in_flight())
         loss.message =
-            QStringLiteral("The adapter closed the connection before it had answered. Check that it "
-                           "has power and %1, then start again.")
-                .arg(is_bluetooth ? QStringLiteral("is near this computer")
+            QStringLiteral("The adapter closed the connection%1. Check that it has power and %2, then start "
+                           "again.")
+                .arg(facts.known ? QStringLiteral(" in the middle of the work")
+                                 : QStringLiteral(" before it had answered"),
+                     is_bluetooth ? QStringLiteral("is near this computer")
                                   : QStringLiteral("that this computer is still in its network"));
     tell_loss(loss);
 }

@@ -166,7 +166,12 @@ car_talk::asking car_talk::ask(const QString& request) {
 }
 
 car_talk::asking car_talk::ask_as_shown(const QString& request) {
-    return link.adapter().headers_shown() ? ask(request) : at(request, positive_reply_of(request));
+    return send(as_shown(request));
+}
+
+sent_command car_talk::as_shown(const QString& request) const {
+    const bool shown = link.adapter().headers_shown();
+    return command_of(request + u'\r', shown ? QString() : positive_reply_of(request), shown);
 }
 
 car_talk::asking car_talk::wait_longer() {

@@ -68,6 +68,8 @@ public:
     asking ask(const QString& request);
     // A request whose reply is read with headers or without, as the adapter shows them now.
     asking ask_as_shown(const QString& request);
+    // The same, not sent yet.
+    sent_command as_shown(const QString& request) const;
     asking send(const sent_command& command);
     // A question to the person: true for Yes. The second: see screen::ask_same_car().
     class asking_person;

@@ -82,7 +82,7 @@ talk find_the_car(car_talk& car) {
         car.show("No data for [01 00] .. trying next");
     } else {
         car.show(fill(QStringLiteral("Initial  reply: (%@)"), {pids.text()}));
-        const int ecus = count_items_in_Str(pids.text(), QStringLiteral("\r"));
+        const qsizetype ecus = pids.lines().filter(QStringLiteral("4100")).size();
         car.show(fill(QStringLiteral("No of ECUS: %d"), {QString::number(ecus)}));
     }
     number = co_await say(car, "AT DPN", automatic);
