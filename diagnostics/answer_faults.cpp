@@ -7,7 +7,8 @@ namespace brivant {
 
 namespace {
 
-constexpr qsizetype most_shown = 40; // characters of a reply that is no answer
+const QString frame_map_request = QStringLiteral("0200"); // of a frame whose code is known
+constexpr qsizetype most_shown = 40;                      // characters of a reply that is no answer
 
 QString named(const QString& ecu, const QString& text) {
     return ecu.isEmpty() ? text : ecu + QStringLiteral(": ") + text;
@@ -57,8 +58,11 @@ QStringList faults_of(const answer& one) {
     constexpr int test_results = 0x06;
     const int service = one.request.left(2).toInt(nullptr, 16);
     const bool is_test = service == test_results;
+    // On CAN every ECU tells its codes, none of them with a count of 0.
+    const bool is_announced = is_test || one.request == frame_map_request ||
+                              (is_can(one.what_came.protocol()) && (service == 0x03 || service == 0x07));
     QStringList faults = faults_by_ecu(service, one.what_came.raw());
-    if (const QString why = why_no_answer(one, is_test); faults.isEmpty() && !why.isEmpty())
+    if (const QString why = why_no_answer(one, is_announced); faults.isEmpty() && !why.isEmpty())
         faults += why;
     if (is_test)
         for (QString& fault : faults)

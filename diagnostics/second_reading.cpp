@@ -182,8 +182,15 @@ void second_reading::read(const answer& one) {
 }
 
 bool second_reading::is_value(const answer& one) const {
-    return which == part::extras || (which == part::freeze && one.request != freezing_code_request) ||
-           (which == part::vehicle && !one.request.startsWith(QLatin1String("09")));
+    constexpr int map_of_pids = 0x20;
+    switch (which) {
+    case part::extras: return true;
+    case part::vehicle: return !one.request.startsWith(QLatin1String("09"));
+    case part::freeze:
+        return one.request != freezing_code_request &&
+               one.request.mid(2).toInt(nullptr, 16) % map_of_pids != 0;
+    default: return false;
+    }
 }
 
 void second_reading::read_codes(const answer& one) {

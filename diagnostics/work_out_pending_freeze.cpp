@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 #include "diagnostics/answer_faults.h"
+#include "diagnostics/car_presence.h"
 #include "obd/ecu_names.h"
 #include "obd/reply_text.h"
 #include "obd/trouble_codes.h"
@@ -59,7 +60,7 @@ answer list_pending_codes(diagnostic_talk& car, const reply& codes) {
     answer listed{QStringLiteral("07"), codes, {}, {}};
     car.results.pending_received = !codes.is_none() && list_pending(car, codes, listed.rows);
     const QStringList faults = faults_of(listed);
-    car.results.pending_received &= faults.isEmpty() || !listed.rows.isEmpty();
+    car.results.pending_received &= faults.isEmpty() || !listed.rows.isEmpty() || codes.no_data();
     if (!faults.isEmpty() && listed.rows.isEmpty())
         listed.rows += not_read(faults);
     return listed;
@@ -160,6 +161,8 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
 
     const reply stored = co_await car.ask_as_shown("02 02 00");
     car_answered |= !stored.holds_nothing();
+    if (codes.no_data() && stored.no_data()) // which a car without codes may say, too
+        co_await make_sure_the_car_answers(car);
     const freeze_frame frame = stored_frame(stored);
     if (frame.code.isEmpty()) {
         const words_row none{QStringLiteral("Not Supported or Data Not Available")};
@@ -176,6 +179,7 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
         if (group > 0 && !is_map_announced(parameters, group))
             break;
         const reply maps = co_await car.ask_as_shown(QStringLiteral("02 %1 00").arg(map));
+        car.tell(part::freeze, {QStringLiteral("02") + map, maps, {}, {}});
         if (group == 0 && maps.holds_nothing()) { // without it there is no frame to show
             car.view.show_message(QString(), QStringLiteral("Not Supported or Not Available"));
             if (maps.is_none())

@@ -74,8 +74,14 @@ answer list_codes(diagnostic_talk& car, const reply& codes) {
                 listed.rows += code_row{code, ecu.header};
         }
     }
-    if (const QStringList faults = faults_of(listed); listed.rows.isEmpty())
-        listed.rows += faults.isEmpty() ? words_row{localised(QStringLiteral("NO_CODES"))} : not_read(faults);
+    if (!listed.rows.isEmpty())
+        return listed;
+    QStringList faults = faults_of(listed);
+    if (codes.no_data() && car.results.no_of_codes > 0)
+        faults = QStringList(
+            QStringLiteral("the car announces codes: %1, and sent none").arg(car.results.no_of_codes));
+    const bool are_none = faults.isEmpty() || (codes.no_data() && car.results.no_of_codes == 0);
+    listed.rows += are_none ? words_row{localised(QStringLiteral("NO_CODES"))} : not_read(faults);
     return listed;
 }
 

@@ -69,7 +69,7 @@ bool is_echo(const QString& digits) {
 qsizetype trouble_in(const QString& text) {
     qsizetype first = -1;
     for (const char* word : {"<", "DATAERROR", "RXERROR", "CANERROR", "BUSERROR", "FBERROR", "STOPPED",
-                             "BUFFERFULL", "LVRESET"}) {
+                             "BUFFERFULL", "LVRESET", "UNABLETOCONNECT"}) {
         const qsizetype at = text.indexOf(QLatin1String(word), 0, Qt::CaseInsensitive);
         if (at >= 0 && (first < 0 || at < first))
             first = at;

@@ -88,6 +88,7 @@ public:
         clock.advance(50);
         spent_ms += 50;
     }
+    int spent() const { return spent_ms; }
     void pump_until(const std::function<bool()>& reached, int minutes = 15) {
         const int limit_ms = spent_ms + minutes * 60000;
         while (!reached() && spent_ms < limit_ms)
