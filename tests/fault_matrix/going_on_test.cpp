@@ -1,6 +1,7 @@
 #include "tests/fault_matrix/matrix_bench.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 namespace brivant {
 
@@ -64,6 +65,24 @@ TEST(going_on, over_a_lost_link_in_the_same_log) {
         EXPECT_EQ(bench.clock.running(), bench.adapter->is_waiting() ? 1u : 0u);
         EXPECT_EQ(bench.profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES").size(), 1);
     }
+}
+
+TEST(going_on, over_a_locked_database_behind_a_counted_gap) {
+    matrix_bench bench(steady_car("can11"));
+    bench.on_sweep = [] {};
+    start_a_run(bench, {"0C", "0D"});
+    run_to(bench, 3);
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(bench.profile.db.path().toUtf8().constData(), &other), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    run_to(bench, 5);
+    sqlite3_close(other);
+    run_to(bench, 8);
+    QStringList lines = stored_lines(bench);
+    EXPECT_TRUE(lines.value(3).endsWith(":~,~")) << lines.value(3).toStdString();
+    EXPECT_EQ(lines.removeAll(lines.value(0)), 6);
+    bench.live_controller.stop();
+    EXPECT_TRUE(bench.view.last("status").startsWith("2 sweeps could not be stored. "));
 }
 
 TEST(going_on, a_script_asks_the_byte_that_was_not_answered) {
