@@ -47,6 +47,7 @@ main_window::main_window(program_core& its_core)
 
 main_window::~main_window() {
     qApp->removeEventFilter(this);
+    core.vehicles.current_changed = nullptr;
     core.vehicles.deletion_failed = nullptr;
     refuse_questions();
     delegate.applicationWillTerminate();
@@ -88,7 +89,12 @@ void main_window::start() {
     started_with = link_now();
     if (!core.folder_problem().isEmpty())
         show_message(QString(), core.folder_problem());
-    core.vehicles.deletion_failed = [this](const QString& problem) { tell({QString(), problem}); };
+    core.vehicles.current_changed = [this] {
+        delegate.link.set_up_next_time(false);
+    }; // its record is to be read
+    core.vehicles.deletion_failed = [this](const QString& problem) {
+        tell({QString(), problem, {}, nullptr, notice::life::until_dismissed});
+    };
     delegate.applicationDidFinishLaunching(this);
     show_surroundings();
 }
@@ -122,6 +128,7 @@ void main_window::open_screen(screen_kind kind) {
     help.hide();
     toast.show_text(QString());
     banner.drop(notice::life::while_on_screen);
+    banner.drop(notice::life::of_operation_on_screen);
     area_room->addWidget(next.get());
     next->look_changed();
     view.swap(next);
@@ -163,7 +170,8 @@ void main_window::show_toast(const QString& text) {
 
 void main_window::show_busy(bool busy) {
     if (busy)
-        banner.drop(notice::life::until_next_operation);
+        for (const auto ended : {notice::life::until_next_operation, notice::life::of_operation_on_screen})
+            banner.drop(ended);
     status.set_busy(busy);
     toast.set_busy(busy);
     if (view)
@@ -171,10 +179,10 @@ void main_window::show_busy(bool busy) {
 }
 
 void main_window::show_message(const QString& title, const QString& text) {
-    // What an operation told is often mended on another screen; what a screen told is about itself.
+    // What was told before there was a screen is about the program.
     auto stays = notice::life::until_dismissed;
     if (view)
-        stays = view->controller() ? notice::life::until_next_operation : notice::life::while_on_screen;
+        stays = view->controller() ? notice::life::of_operation_on_screen : notice::life::while_on_screen;
     if (stays == notice::life::while_on_screen)
         banner.drop(stays);
     tell({title, text, {}, nullptr, stays});
@@ -206,7 +214,6 @@ void main_window::add_vehicle() {
         dialog, &vehicle_dialog::stored, this,
         [this](int veh_id) {
             const QString problem = core.vehicles.setCurrentCar(veh_id);
-            delegate.link.set_up_next_time(false); // its record is to be read
             delegate.show_current_vehicle();
             delegate.switch_to(delegate.current_screen()); // what it shows is the other car's
             if (!problem.isEmpty())

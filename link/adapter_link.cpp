@@ -123,6 +123,7 @@ void adapter_link::close_link() {
 }
 
 void adapter_link::link_opened() {
+    quirks.link_opened();
     watchdog.stop();
     again.opened();
     forget_adapter();

@@ -11,13 +11,16 @@ QString bare(const QString& command) {
     return text.removeIf([](QChar c) { return c <= u' '; });
 }
 
-// How often an adapter has to be silent at a command before that is taken for its nature; 0 for never.
-int silences_needed(const QString& command) {
-    if (!command.startsWith(QLatin1String("AT")) || command == QLatin1String("ATZ") ||
-        command == QLatin1String("ATE0"))
-        return 0;
-    const bool is_extra = command == QLatin1String("ATRV") || command.startsWith(QLatin1String("ATST"));
-    return is_extra ? 1 : 2;
+constexpr int silences_of_its_nature = 2;
+
+bool can_be_done_without(const QString& command) {
+    return command.startsWith(QLatin1String("AT")) && command != QLatin1String("ATZ") &&
+           command != QLatin1String("ATE0");
+}
+
+// A voltage that is not known, or answers that are waited for less long.
+bool is_extra(const QString& command) {
+    return command == QLatin1String("ATRV") || command.startsWith(QLatin1String("ATST"));
 }
 
 } // namespace
@@ -45,7 +48,7 @@ void adapter_quirks::unanswered(const QString& command) {
     const QString text = bare(command);
     knowledge& adapter = known[current_adapter()];
     if (!adapter.answered.contains(text) && adapter.silences_at.size() < most_commands)
-        ++adapter.silences_at[text];
+        adapter.silences_at[text] = {adapter.silences_at.value(text).times + 1, links};
 }
 
 bool adapter_quirks::falls_silent_at(const QString& command) const {
@@ -53,8 +56,9 @@ bool adapter_quirks::falls_silent_at(const QString& command) const {
     if (adapter == known.end() || adapter->silences_at.isEmpty())
         return false;
     const QString text = bare(command);
-    const int needed = silences_needed(text);
-    return needed > 0 && adapter->silences_at.value(text) >= needed;
+    const silence before = adapter->silences_at.value(text);
+    return can_be_done_without(text) && (before.times >= silences_of_its_nature ||
+                                         (is_extra(text) && before.times > 0 && links == before.on_link + 1));
 }
 
 } // namespace brivant

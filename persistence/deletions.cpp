@@ -1,29 +1,33 @@
 #include "persistence/deletions.h"
 
 #include "base/string_table.h"
+#include "persistence/database_schema.h"
 
 namespace brivant {
 
 namespace {
 
-constexpr int lines_a_step = 1000;
+constexpr int rows_a_step = 4000; // few for a moment, and enough for what a flush of the disk costs
+constexpr int rows_a_header = 40; // two statements
 
 QString with_id(const char* format, int id) {
     return fill(QString::fromLatin1(format), {QString::number(id)});
 }
 
-// Where more lines are stored than one step deletes, those stored last go.
-bool shorten(database& db, int log_id, bool& is_longer) {
-    const auto last =
-        QStringLiteral("(SELECT rowid FROM LOGGIES_DATA WHERE LOG_ID=%1 ORDER BY rowid DESC LIMIT %2)");
-    const auto count = QStringLiteral("SELECT COUNT(*) FROM ") + last.arg(log_id).arg(lines_a_step + 1);
-    const bool read = db.for_each_row(count, [&is_longer](const QStringList& row) {
-        is_longer = row.value(0).toInt() > lines_a_step;
+// Deletes a log, or those of its lines that were stored last: as many rows as are left in `rows`. False when
+// it failed; `is_gone` tells whether it was all of it.
+bool delete_log(sqlite_connection& connection, int log_id, int& rows, bool& is_gone) {
+    const auto lines =
+        QStringLiteral("DELETE FROM LOGGIES_DATA WHERE rowid IN (SELECT rowid FROM LOGGIES_DATA "
+                       "WHERE LOG_ID=%1 ORDER BY rowid DESC LIMIT %2)");
+    if (!connection.execute(lines.arg(log_id).arg(rows)))
         return false;
-    });
-    return read &&
-           (!is_longer || db.delete_from_DB(QStringLiteral("DELETE FROM LOGGIES_DATA WHERE rowid IN ") +
-                                            last.arg(log_id).arg(lines_a_step)));
+    rows -= connection.changed_rows();
+    is_gone = rows > 0;
+    if (!is_gone)
+        return true;
+    rows -= rows_a_header;
+    return connection.execute(with_id("DELETE FROM LOGGIES where log_id=%d", log_id));
 }
 
 } // namespace
@@ -31,12 +35,17 @@ bool shorten(database& db, int log_id, bool& is_longer) {
 bool log_deletion::step() {
     if (failed || done == ids.size())
         return false;
-    bool is_longer = false;
-    failed = !shorten(db, ids.at(done), is_longer);
-    if (failed || is_longer)
-        return !failed;
-    failed = !db.delete_a_DB_log(ids.at(done));
-    done += !failed;
+    qsizetype gone = 0;
+    failed = !db.change([&](sqlite_connection& connection) {
+        let_own_triggers_run(connection);
+        bool is_gone = true;
+        for (int rows = rows_a_step; rows > 0 && is_gone && done + gone < ids.size(); gone += is_gone) {
+            if (!delete_log(connection, ids.at(done + gone), rows, is_gone))
+                return false;
+        }
+        return true;
+    });
+    done += failed ? 0 : gone;
     return !failed && done < ids.size();
 }
 

@@ -13,8 +13,8 @@ class log_deletion {
 public:
     log_deletion(database& store, QList<int> log_ids) : db(store), ids(std::move(log_ids)) {}
 
-    // Deletes the next log, or so much of a long one. True while there are more; false too when it could not
-    // be deleted.
+    // Deletes some of them, or so much of a long one. True while there are more; false too when they could
+    // not be deleted.
     bool step();
     bool has_failed() const { return failed; }
     qsizetype deleted() const { return done; }

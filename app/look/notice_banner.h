@@ -15,8 +15,13 @@ struct notice {
     QString text;
     QString button = {}; // "" for none
     std::function<void()> action = {};
-    enum class life { until_dismissed, until_next_operation, while_on_screen };
-    life stays = life::until_dismissed;
+    enum class life {
+        until_dismissed,
+        until_next_operation,   // also on other screens, where it can be mended
+        of_operation_on_screen, // until the next operation or another screen
+        while_on_screen,
+    };
+    life stays = life::while_on_screen;
 };
 
 // Shows the notices one after the other, the oldest first. Esc does not close it.

@@ -34,7 +34,6 @@ prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const
     });
     connect(ui.vehicle_delete, &QPushButton::clicked, this, &prefs_vehicles::deleteCar);
     connect(ui.vehicle_use, &QPushButton::clicked, this, &prefs_vehicles::setCurrentCar);
-    list.current_changed = [this] { context.link.set_up_next_time(false); }; // its record is to be read
     list.deletion_changed = [this] { show_deletion(); };
     load_vehicles();
     select(context.core.car.cur_veh_id());
@@ -42,7 +41,6 @@ prefs_vehicles::prefs_vehicles(QWidget& its_view, const Ui::prefs& its_ui, const
 
 // The table outlives the model and the delegate.
 prefs_vehicles::~prefs_vehicles() {
-    list.current_changed = nullptr;
     list.deletion_changed = nullptr;
     ui.vehicle_table->selectionModel()->disconnect(this);
     ui.vehicle_table->disconnect(this);

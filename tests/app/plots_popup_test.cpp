@@ -54,7 +54,8 @@ TEST(plots_popup, zooms_pans_and_reads_a_moment) {
     ASSERT_TRUE(program.wait_until_read());
     EXPECT_TRUE(program.plot().windowTitle().startsWith(QStringLiteral("Plot - Log : ")));
     EXPECT_TRUE(program.says(QStringLiteral("Averages displayed - 1000 data points")));
-    EXPECT_TRUE(program.chart().accessibleDescription().contains(QStringLiteral("99.50 kph")))
+    EXPECT_TRUE(QTest::qWaitFor( // until it is drawn
+        [&] { return program.chart().accessibleDescription().contains(QStringLiteral("99.50 kph")); }))
         << program.chart().accessibleDescription().toStdString();
 
     program.key(Qt::Key_Plus);

@@ -240,6 +240,21 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     EXPECT_EQ(program.text("chosen_count"), QStringLiteral("4 chosen"));
 }
 
+TEST(vehicles_tab, another_vehicle_leaves_nothing_of_the_other_one_at_the_link_mark) {
+    preferences_tabs program(0, launch_options::link_choice::demo);
+    program.press(Qt::Key_F5);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !program.is_shown("test_stop"); }, 20000));
+    const auto words = [&] { return program.part<status_strip>().link(); };
+    EXPECT_TRUE(words().protocol.contains(QStringLiteral("CAN")));
+    program.show_tab(vehicles_tab);
+    program.add_vehicle("Van");
+    program.select_vehicle(1);
+    program.click("vehicle_use");
+    EXPECT_EQ(program.link(), link_words::condition::open);
+    EXPECT_EQ(words().protocol, QString());
+    EXPECT_FALSE(words().details.contains(QStringLiteral("CAN")));
+}
+
 TEST(connection_test, tells_what_answered) {
     preferences_tabs program(0, launch_options::link_choice::demo);
     const auto ended = [&] { return QTest::qWaitFor([&] { return !program.is_shown("test_stop"); }, 20000); };

@@ -138,6 +138,22 @@ TEST(going_on, after_a_late_reply_as_many_commands_a_sweep_as_before) {
     }
 }
 
+TEST(going_on, with_a_command_that_was_not_answered_when_the_plug_was_pulled) {
+    matrix_bench bench(steady_car("can11"));
+    bench.adapter->faults.hangs_on = {"ATRV"};
+    for (const bool hangs : {true, false, false}) {
+        if (!hangs)
+            bench.adapter->faults.hangs_on.clear();
+        bench.begin(bench.diagnostics);
+        bench.diagnostics.readVehicleInfo();
+        EXPECT_TRUE(bench.pump());
+        bench.link.disconnect();
+    }
+    EXPECT_EQ(bench.adapter->commands.count("ATRV"), 6)
+        << "the link after it goes without, the next asks again";
+    EXPECT_FALSE(row_texts(part::vehicle, bench.results.rows(part::vehicle)).contains(" Voltage: N/A"));
+}
+
 TEST(going_on, without_a_command_at_which_the_adapter_hangs) {
     matrix_bench bench(steady_car("can11"));
     bench.adapter->faults.hangs_on = {"ATRV"};

@@ -96,7 +96,7 @@ TEST_F(vehicles, with_many_logs_go_in_slices_and_are_listed_until_they_are_gone)
     const auto begin = [&](int van) {
         const auto logs =
             QStringLiteral("INSERT INTO LOGGIES (VEH_ID, LOG_TYPE) WITH RECURSIVE n(i) AS (SELECT 1 "
-                           "UNION ALL SELECT i + 1 FROM n WHERE i < 1000) SELECT %1, 'DTC' FROM n");
+                           "UNION ALL SELECT i + 1 FROM n WHERE i < 2000) SELECT %1, 'DTC' FROM n");
         profile.db.change([&](sqlite_connection& connection) { return connection.execute(logs.arg(van)); });
         EXPECT_EQ(list.setCurrentCar(van), "");
         EXPECT_EQ(list.deleteCar(van), "");
