@@ -4,7 +4,8 @@
 // An input is the file.
 
 #include "base/console_log.h"
-#include "persistence/database.h"
+#include "persistence/stored_logs.h"
+#include "persistence/stored_replies.h"
 #include "tests/fuzz/must_hold.h"
 
 #include <QFile>
@@ -29,6 +30,9 @@ void reading(database& db) {
     }
     must_hold(db.pull_rawData_fromDB(QStringLiteral("1"), true).startsWith(QLatin1String("-1")),
               "a log's text begins as readers expect it");
+    const auto replies = replies_of(db, 1);
+    must_hold(!replies || replies->size() <= stored_reply::most_of_a_log,
+              "a log has a bounded number of replies");
     const QImage photo = db.pull_veh_image(QStringLiteral("VEH_ID=1"));
     must_hold(photo.width() <= 4096 && photo.height() <= 4096, "a photo is of a bounded size");
 }
@@ -39,8 +43,11 @@ void storing(database& db) {
     const bool stored = log > 0 && db.append_2_LOG_DB(QStringLiteral("410D3C"), QString(), 0, log) > 0;
     db.end_lines();
     must_hold(stored || !db.problem().isEmpty(), "a line is stored, or it is said why not");
-    if (log > 0)
+    if (log > 0) {
+        store_replies(db, log, {{QStringLiteral("03"), {QStringLiteral("4300"), 6, true}, 0}});
         db.delete_a_DB_log(log);
+    }
+    finish_cut_runs(db);
     db.add_update_DB({QStringLiteral("Car"), QStringLiteral("2012"), QStringLiteral("2.0")},
                      QStringLiteral("VEHICLES"));
 }
