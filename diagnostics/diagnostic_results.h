@@ -15,6 +15,7 @@ struct answer {
     reply what_came;
     QString ecu; // the header of the ECU whose answer the rows hold, "" for all of them
     QList<result_row> rows;
+    qint64 milliseconds = 0; // since the start of its operation
 };
 
 // Rows about what nobody was asked.

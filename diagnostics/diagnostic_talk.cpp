@@ -1,6 +1,7 @@
 #include "diagnostics/diagnostic_talk.h"
 
 #include "diagnostics/standard_report.h"
+#include "diagnostics/stored_result.h"
 #include "obd/trouble_codes.h"
 #include "persistence/log_files.h"
 
@@ -31,6 +32,7 @@ void diagnostic_talk::progress(qsizetype done, qsizetype total) {
 
 void diagnostic_talk::tell(part which, const answer& what) {
     results.answers[which] += what;
+    results.answers[which].last().milliseconds = since_start.isValid() ? since_start.elapsed() : 0;
     view.reload(which);
 }
 
@@ -64,7 +66,7 @@ diagnostic_report diagnostic_talk::report_of(int operation_code) {
 QString diagnostic_talk::store_report(int operation_code) {
     return log.store(report_to_store(operation_code, results, toolies, todays_date(),
                                      [this](const QString& code) { return description_of(code); }),
-                     state.cur_veh_id());
+                     replies_behind(operation_code, results), state.cur_veh_id());
 }
 
 QString diagnostic_talk::store_anyway(int operation_code) {

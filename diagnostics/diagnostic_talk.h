@@ -4,6 +4,8 @@
 #include "diagnostics/session_log.h"
 #include "operations/car_talk.h"
 
+#include <QElapsedTimer>
+
 namespace brivant {
 
 // Why an operation failed to which the adapter passed on no answer at all.
@@ -44,9 +46,11 @@ public:
     diagnostic_results& results;
 
 protected:
+    void started() override { since_start.start(); }
     session_log log;
 
 private:
+    QElapsedTimer since_start;
     QString store_report(int operation_code);
 };
 

@@ -253,7 +253,7 @@ void second_reading::read_freezing_code(const answer& one) {
     if (codes.contains(shown) || (shown.isEmpty() && codes.isEmpty()))
         return both_say(one.rows);
     const QString code = codes.value(0, QStringLiteral("no freeze frame is stored"));
-    they_differ(&one.rows.first(), shown.isEmpty() ? nothing : shown,
+    they_differ(one.rows.isEmpty() ? nullptr : &one.rows.first(), shown.isEmpty() ? nothing : shown,
                 value_row{{},
                           QStringLiteral("Freezed by"),
                           code,
@@ -262,13 +262,16 @@ void second_reading::read_freezing_code(const answer& one) {
 }
 
 void second_reading::read_freeze_value(const answer& one) {
-    const auto value = standard_value(one, toolies, reading_for(one));
-    const value_row* row = value_in(one);
-    if (!row || !value || value->is_undefined)
+    const auto value = is_value(one) ? standard_value(one, toolies, reading_for(one)) : std::nullopt;
+    if (!value || value->is_undefined)
         return both_say(one.rows);
+    const value_row* row = value_in(one); // none in what is read from a stored log
+    const QString pid = one.request.mid(2);
     const QString text = pid_value_text(*value);
-    const value_row other{row->pid, row->label.trimmed(), text, {}};
-    if (!says_the_same(row->value, *value))
+    const value_row other{pid, row ? row->label.trimmed() : toolies.get_pid_name_with_pid(pid), text, {}};
+    if (!row)
+        they_differ(nullptr, nothing, other, text);
+    else if (!says_the_same(row->value, *value))
         they_differ(&one.rows.first(), row->value, other, text);
     else if (value->absent.isEmpty())
         they_agree(one.rows.first(), other);

@@ -23,7 +23,7 @@ void session_log::append_to_log(const QString& text) {
         console_log(QStringLiteral("append_to_log: %1").arg(log_out_file.errorString()));
 }
 
-QString session_log::store(const diagnostic_report& report, int veh_id) {
+QString session_log::store(const diagnostic_report& report, const QList<stored_reply>& replies, int veh_id) {
     if (!do_the_log)
         return {};
     append_to_log(report.text);
@@ -39,6 +39,8 @@ QString session_log::store(const diagnostic_report& report, int veh_id) {
     bool stored = db.append_2_LOG_DB(quoted(report.text), QString(), 0, log_id) > 0;
     if (stored && !report.raw.isEmpty())
         stored = db.append_2_LOG_DB(quoted(report.raw), QString(), 1, log_id) > 0;
+    if (stored && !store_replies(db, log_id, replies))
+        stored = db.problem().isEmpty(); // else more than is ever read again: the report stands without
     if (stored)
         return {};
     const QString problem = db.problem();

@@ -2,7 +2,7 @@
 
 #include "base/app_paths.h"
 #include "diagnostics/report.h"
-#include "persistence/database.h"
+#include "persistence/stored_replies.h"
 
 #include <QFile>
 
@@ -18,9 +18,9 @@ public:
     void work_out_log_file(int operation, bool do_the_log, bool metric);
     // Writes the text as it stands.
     void append_to_log(const QString& text);
-    // Writes the report to the file and stores it for the vehicle. A sentence for the person when it could
-    // not be stored, else "".
-    QString store(const diagnostic_report& report, int veh_id);
+    // Writes the report to the file and stores it, with the replies behind it, for the vehicle. A sentence
+    // for the person when it could not be stored, else "".
+    QString store(const diagnostic_report& report, const QList<stored_reply>& replies, int veh_id);
     void close();
 
     bool is_on() const { return do_the_log; }

@@ -14,7 +14,7 @@ using describer = std::function<QString(const QString&)>;
 
 diagnostic_results as_standard(const diagnostic_results& results, const mac_toolies& toolies) {
     diagnostic_results read = results;
-    read.readinessFlagsArray = read_status_again(results, toolies).shown().monitors;
+    read.readinessFlagsArray = read_status_again(results, toolies).standard.monitors;
     for (const part which : results.answers.keys())
         if (which != part::readiness && which != part::permanent)
             read.answers[which] = {facts(plain(second_reading(which, results, toolies).standard_rows()))};
@@ -85,8 +85,11 @@ QString other_reading(int operation, const diagnostic_results& results, const ma
         toolies.standard_reading() ? "In the program's own reading" : "In these replies by SAE J1979", lines);
 }
 
-diagnostic_report by_standard(int operation, const diagnostic_results& results, const mac_toolies& toolies,
-                              const QString& today, const describer& describe) {
+} // namespace
+
+diagnostic_report report_by_standard(int operation, const diagnostic_results& results,
+                                     const mac_toolies& toolies, const QString& today,
+                                     const describer& describe) {
     diagnostic_report report = work_out_text_4_log(operation, as_standard(results, toolies), today, describe)
                                    .value_or(diagnostic_report());
     if (report.text.isEmpty())
@@ -101,13 +104,11 @@ diagnostic_report by_standard(int operation, const diagnostic_results& results, 
     return report;
 }
 
-} // namespace
-
 diagnostic_report report_to_show(int operation, const diagnostic_results& results, const mac_toolies& toolies,
                                  const QString& today, const describer& describe) {
     diagnostic_report report =
         toolies.standard_reading()
-            ? by_standard(operation, results, toolies, today, describe)
+            ? report_by_standard(operation, results, toolies, today, describe)
             : work_out_text_4_log(operation, results, today, describe).value_or(diagnostic_report());
     if (!report.text.isEmpty())
         report.text +=

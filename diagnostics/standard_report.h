@@ -14,6 +14,11 @@ diagnostic_report report_to_show(int operation, const diagnostic_results& result
                                  const QString& today,
                                  const std::function<QString(const QString&)>& describe);
 
+// The report by SAE J1979, without what was not answered.
+diagnostic_report report_by_standard(int operation, const diagnostic_results& results,
+                                     const mac_toolies& toolies, const QString& today,
+                                     const std::function<QString(const QString&)>& describe);
+
 // The report as it is stored: the program's own reading, with what was not answered.
 diagnostic_report report_to_store(int operation, const diagnostic_results& results,
                                   const mac_toolies& toolies, const QString& today,

@@ -1,6 +1,7 @@
 #include "logs/log_texts.h"
 
 #include "base/string_table.h"
+#include "diagnostics/stored_result.h"
 #include "obd/number_text.h"
 #include "obd/readings/sweep_values.h"
 #include "obd/reply_text.h"
@@ -133,8 +134,27 @@ QString stored_text(database& db, int log_id) {
     return text.size() <= longest_text ? text : text.left(longest_text) + u'\n' + cut_note;
 }
 
-QString viewLog(database& db, int log_id) {
-    return QStringLiteral("<font size=-2>%1").arg(as_html(stored_text(db, log_id), QStringLiteral("<br>")));
+QString standard_part_of(mac_toolies& toolies, const log_header& log) {
+    const bool is_of_codes = log.type == QLatin1String("DTC");
+    if (isSampledLog(log.type) || (!is_of_codes && !toolies.standard_reading()))
+        return {};
+    const auto replies = replies_of(toolies.store(), log.id);
+    if (!replies)
+        return QStringLiteral("\nThe replies that are stored with this log cannot be read.\n");
+    if (replies->isEmpty())
+        return toolies.standard_reading()
+                   ? QStringLiteral(
+                         "\nNo replies are stored with this log: it can only be shown as the program "
+                         "read it.\n")
+                   : QString();
+    return QStringLiteral("\n\n....... The same replies by SAE J1979 .......\n%1\n")
+        .arg(without_tags(standard_text(log.type, *replies, toolies)));
+}
+
+QString viewLog(mac_toolies& toolies, const log_header& log) {
+    return QStringLiteral("<font size=-2>%1")
+        .arg(as_html(stored_text(toolies.store(), log.id) + standard_part_of(toolies, log),
+                     QStringLiteral("<br>")));
 }
 
 QString report_html(database& db, const log_header& log) {
@@ -156,7 +176,8 @@ QString without_tags(QString text) {
 QString preview_of(mac_toolies& toolies, const log_header& log) {
     if (isSampledLog(log.type))
         return samples(toolies, log.id);
-    return without_tags(stored_text(toolies.store(), log.id)).left(longest_preview);
+    return without_tags(stored_text(toolies.store(), log.id) + standard_part_of(toolies, log))
+        .left(longest_preview);
 }
 
 } // namespace brivant

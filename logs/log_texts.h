@@ -14,8 +14,11 @@ bool isSampledLog(const QString& log_type);
 
 // The chunks of a log as database::pull_rawData_fromDB gives them with line feeds, without its leading "-1".
 QString stored_text(database& db, int log_id);
-// The same for the pop-up of View, as HTML.
-QString viewLog(database& db, int log_id);
+// What stands below the text of a stored report: what its stored replies hold by SAE J1979, for trouble codes
+// always, for others while that reading is the shown one. "" for nothing.
+QString standard_part_of(mac_toolies& toolies, const log_header& log);
+// Both for the pop-up of View, as HTML.
+QString viewLog(mac_toolies& toolies, const log_header& log);
 // What stands in the pop-up in the place of an export of a diagnostic report, as HTML: description and first
 // chunk.
 QString report_html(database& db, const log_header& log);

@@ -138,7 +138,7 @@ void logs_run::start() {
     if (what == QLatin1String("show"))
         return show(logs.first());
     if (!isSampledLog(logs.first().type))
-        return show_text(logs.first().id); // a report is shown, not exported
+        return show_text(logs.first()); // a report is shown, not exported
     begin_export(logs.first().id);
 }
 
@@ -203,14 +203,15 @@ QStringList logs_run::columns_of(int log_id) {
 void logs_run::show(const log_header& log) {
     if (core.options.json)
         return show_as_json(log);
-    return isSampledLog(log.type) ? show_samples(log.id) : show_text(log.id);
+    return isSampledLog(log.type) ? show_samples(log.id) : show_text(log);
 }
 
-void logs_run::show_text(int log_id) {
-    const bool read = each_chunk(log_id, [&](const QStringList& row) {
+void logs_run::show_text(const log_header& log) {
+    const bool read = each_chunk(log.id, [&](const QStringList& row) {
         print(printable(row.value(chunk_data)) + u'\n');
         return true;
     });
+    print(printable(standard_part_of(core.toolies, log)));
     end(read ? QString() : core.db.problem(), read);
 }
 

@@ -23,7 +23,7 @@ private:
     bool can_be_read();
     void list();
     void show(const log_header& log);
-    void show_text(int log_id);
+    void show_text(const log_header& log);
     void show_samples(int log_id);
     void show_as_json(const log_header& log);
     void end_in_order();

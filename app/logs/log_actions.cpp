@@ -39,13 +39,13 @@ QString log_actions::title_of(const log_header& log) {
 
 void log_actions::view(const QList<log_header>& logs) {
     if (logs.size() == 1)
-        return context.frame.pop_helpy(title_of(logs.first()), viewLog(context.core.db, logs.first().id),
+        return context.frame.pop_helpy(title_of(logs.first()), viewLog(context.core.toolies, logs.first()),
                                        QStringLiteral("empty.png"));
     QString html;
     qsizetype shown = 0;
     for (; shown < logs.size() && html.size() < longest_view; ++shown)
         html += QStringLiteral("<h4>%1</h4>").arg(title_of(logs.at(shown)).toHtmlEscaped()) +
-                viewLog(context.core.db, logs.at(shown).id);
+                viewLog(context.core.toolies, logs.at(shown));
     if (shown < logs.size())
         html += QStringLiteral("<hr>") + not_shown(logs.size() - shown, "logs");
     context.frame.pop_helpy(QStringLiteral("%1 logs").arg(logs.size()), html, QStringLiteral("empty.png"));

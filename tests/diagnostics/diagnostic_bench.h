@@ -4,6 +4,7 @@
 #include "diagnostics/readCodes.h"
 #include "diagnostics/second_reading.h"
 #include "diagnostics/second_status.h"
+#include "diagnostics/stored_result.h"
 #include "tests/support/conversation.h"
 
 #include <QRegularExpression>
@@ -66,6 +67,24 @@ struct diagnostic_bench : adapter_bench {
             return states.join(' ').trimmed();
         };
         facts["logs"] = [this] { return stored_logs(); };
+        facts["stored-replies"] = [this] {
+            QStringList requests;
+            const auto logs = profile.db.retrieve_from_DB("SELECT LOG_ID FROM LOGGIES ORDER BY LOG_ID DESC");
+            for (const stored_reply& one :
+                 replies_of(profile.db, logs.value(0).value(0).toInt()).value_or(QList<stored_reply>()))
+                requests += one.request;
+            return requests.join(' ');
+        };
+        facts["stored-standard"] = [this] {
+            const auto logs =
+                profile.db.retrieve_from_DB("SELECT LOG_ID, LOG_TYPE FROM LOGGIES ORDER BY LOG_ID DESC");
+            return standard_text(
+                       logs.value(0).value(1),
+                       replies_of(profile.db, logs.value(0).value(0).toInt()).value_or(QList<stored_reply>()),
+                       toolies)
+                .section('\n', 2, 4)
+                .replace('\n', " / ");
+        };
         facts["mil"] = [this] { return results.mil_label; };
         facts["announced"] = [this] { return results.code_count_label; };
         facts["ecus"] = [this] { return QString::number(results.no_of_ecus); };

@@ -55,7 +55,7 @@ TEST(session_log, writes_nothing_with_logging_off) {
     log_bench t;
     t.log.work_out_log_file(op_misfire, false, true);
     t.log.append_to_log("text");
-    EXPECT_EQ(t.log.store(misfire, 1), "");
+    EXPECT_EQ(t.log.store(misfire, {}, 1), "");
     EXPECT_FALSE(t.log.is_on());
     EXPECT_EQ(t.session_files() + t.headers() + t.chunks(), QStringList());
     EXPECT_FALSE(QDir(t.paths.application_folder + "/loggies").exists());
@@ -64,7 +64,7 @@ TEST(session_log, writes_nothing_with_logging_off) {
     t.log.work_out_log_file(op_misfire, true, true);
     t.log.close();
     t.log.append_to_log("text");
-    EXPECT_EQ(t.log.store(misfire, 1), "");
+    EXPECT_EQ(t.log.store(misfire, {}, 1), "");
     EXPECT_EQ(t.session_files() + t.headers() + t.chunks(), QStringList());
 }
 
@@ -74,7 +74,7 @@ TEST(session_log, a_report_in_the_file_and_in_the_database) {
     t.log.append_to_log("------Misfire read------ \n");
     t.log.append_to_log(QString::fromUtf8("0.5 \xC2\xB0"
                                           "C"));
-    EXPECT_EQ(t.log.store(misfire, 3), "");
+    EXPECT_EQ(t.log.store(misfire, {}, 3), "");
     t.log.close();
     ASSERT_EQ(t.session_files().size(), 1);
     EXPECT_TRUE(t.session_files()[0].startsWith("misfire_") && t.session_files()[0].endsWith(".txt"));
@@ -85,7 +85,7 @@ TEST(session_log, a_report_in_the_file_and_in_the_database) {
     EXPECT_EQ(t.chunks(), (QStringList{"1|0|the driver's 'rows'\n", "1|1||A2_0B~3.000000 'counts'"}));
 
     t.log.work_out_log_file(op_read_codes, true, true);
-    EXPECT_EQ(t.log.store({"DTC", "Codes and flags", "''", ""}, 3), "");
+    EXPECT_EQ(t.log.store({"DTC", "Codes and flags", "''", ""}, {}, 3), "");
     t.log.close();
     EXPECT_EQ(t.chunks().mid(2), QStringList("2|0|''")); // no second chunk without raw records
     EXPECT_EQ(t.session_files().size(), 2);
@@ -99,7 +99,7 @@ TEST(session_log, a_file_that_cannot_be_written_is_left_out) {
     t.log.work_out_log_file(op_mode6, true, false);
     t.log.append_to_log("text");
     EXPECT_TRUE(t.log.is_on());
-    EXPECT_EQ(t.log.store({"Mode6", "results", "text", ""}, 1), "");
+    EXPECT_EQ(t.log.store({"Mode6", "results", "text", ""}, {}, 1), "");
     EXPECT_EQ(in_the_way.size(), 0);
     EXPECT_EQ(t.chunks(), QStringList("1|0|text"));
 }
@@ -109,7 +109,7 @@ TEST(session_log, a_log_is_stored_whole_or_not_at_all) {
         log_bench t;
         t.refuse_line(refused);
         t.log.work_out_log_file(op_misfire, true, true);
-        EXPECT_NE(t.log.store(misfire, 1), "");
+        EXPECT_NE(t.log.store(misfire, {}, 1), "");
         EXPECT_EQ(t.headers() + t.chunks(), QStringList());
         EXPECT_EQ(t.session_text(), misfire.text);
     }
@@ -119,7 +119,7 @@ TEST(session_log, a_log_is_stored_whole_or_not_at_all) {
     ASSERT_EQ(sqlite3_open(locked.db.path().toUtf8().constData(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
     locked.log.work_out_log_file(op_misfire, true, true);
-    EXPECT_TRUE(locked.log.store(misfire, 1).contains("locked by another program"));
+    EXPECT_TRUE(locked.log.store(misfire, {}, 1).contains("locked by another program"));
     EXPECT_EQ(locked.session_text(), misfire.text);
     sqlite3_close(other);
     EXPECT_EQ(locked.headers(), QStringList());

@@ -119,13 +119,14 @@ TEST(log_list, keeps_the_fields_apart_and_tells_a_damaged_database) {
 TEST(log_text, is_shown_without_its_mark_and_never_as_html) {
     log_bench bench;
     const int empty = bench.store("Log");
-    EXPECT_EQ(viewLog(bench.profile.db, empty), "<font size=-2>");
+    EXPECT_EQ(viewLog(bench.toolies, bench.header(empty)), "<font size=-2>");
     const int report = bench.store("DTC", {"one\n<b>two</b> & <font color=#66ff33>[OK]</font>"});
-    EXPECT_EQ(viewLog(bench.profile.db, report),
+    EXPECT_EQ(viewLog(bench.toolies, bench.header(report)),
               "<font size=-2>one<br>&lt;b&gt;two&lt;/b&gt; &amp; <font color=#66ff33>[OK]</font><br>");
     EXPECT_EQ(preview_of(bench.toolies, bench.header(report)), "one\n<b>two</b> & [OK]\n");
     const int hostile = bench.store("DTC", {"<img src=x><font face=evil><font color=url(x)>"});
-    EXPECT_EQ(viewLog(bench.profile.db, hostile).count('<'), 2); // its own tag and the last line end
+    EXPECT_EQ(viewLog(bench.toolies, bench.header(hostile)).count('<'),
+              2); // its own tag and the last line end
     EXPECT_TRUE(report_html(bench.profile.db, bench.header(report))
                     .startsWith("<font size=-3>sample points\none<BR>"));
 
