@@ -70,7 +70,7 @@ talk make_protocol_automatic(car_talk& car) {
 }
 
 // The first request makes the adapter look for the car's protocol, which it tells afterwards.
-talk find_the_car(car_talk& car) {
+talk find_the_car(car_talk& car, bool echo_stays) {
     reply number = co_await say(car, "AT DPN", automatic);
     car.link.protocol_told(protocol_number(number.text()));
     sent_command first = command_of(QStringLiteral("01 00|12.0"), QStringLiteral("4100"), false);
@@ -87,6 +87,13 @@ talk find_the_car(car_talk& car) {
     }
     number = co_await say(car, "AT DPN", automatic);
     car.link.protocol_told(protocol_number(number.text()));
+    if (car.link.adapter().cur_protocol() == -1 && echo_stays)
+        give_up(car,
+                QStringLiteral("The adapter repeats every command and cannot be told not to (AT E0): its "
+                               "answers cannot be read."));
+    if (number.is_none())
+        give_up(car, QStringLiteral("The adapter does not tell the protocol that it has found (AT DPN): what "
+                                    "the car answers cannot be read."));
     if (car.link.adapter().cur_protocol() == -1)
         give_up(car, localised(QStringLiteral("DLG_FAILED_RCV_PIDS")));
     const QString name = car.toolies.lists()
@@ -102,14 +109,14 @@ talk set_up(car_talk& car) {
     const reply greeting = co_await say(car, is_reset ? "AT Z" : "AT E0", QStringLiteral("OK|ELM"));
     if (!greeting.is_none())
         car.link.adapter_answered();
-    co_await say(car, "AT E0", ok);
+    const reply echo = co_await say(car, "AT E0", ok);
     car.show("Got a ECHO off from ELM chip");
     const reply interface = co_await say(car, "AT I", QStringLiteral("ELM"));
     keep_interface(car, interface.text());
     co_await make_protocol_automatic(car);
     const reply headers = co_await say(car, "AT H1", ok);
     car.show(headers.holds_nothing() ? "AT H1 not supported by current chip" : "AT H1 replied OK");
-    co_await find_the_car(car);
+    co_await find_the_car(car, echo.is_none());
 
     obd_groups found;
     co_await inner_process_pid_support(car, QStringLiteral("01"), found);

@@ -160,7 +160,7 @@ TEST(conversations, give_up_at_every_command) {
         {"AT H1", "AT DPN", "status: AT H1 not supported by current chip"},
         {"AT DPN", "01 00", ""},
         {"01 00", "", no_pids},
-        {"AT DPN", "", no_pids},
+        {"AT DPN", "", "message: The adapter does not tell the protocol"},
         {"01 00", "", no_pids},
         {"01 20", "", "message: Failed to receive available PIDs "},
         {"AT H1", "", "message: " + localised("DLG_TIMEDOUT_RETRY") + " | Timed out .. Try again"},
