@@ -87,4 +87,15 @@ o2_layout o2_layout_of(int mask, o2_banks banks) {
     return is_its_own ? by_count : layout_by_name(names);
 }
 
+unsigned switching_sensors(const QStringList& set) {
+    constexpr qsizetype most_sensors = 8;
+    unsigned sensors = 0;
+    for (qsizetype place = 0; place < std::min(set.size(), most_sensors); ++place) {
+        const QString& pid = set.at(place);
+        if (pid >= QLatin1String("14") && pid <= QLatin1String("1B"))
+            sensors |= 1U << place;
+    }
+    return sensors;
+}
+
 } // namespace brivant

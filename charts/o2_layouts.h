@@ -34,4 +34,7 @@ QStringList o2_sensor_names(int mask, o2_banks banks);
 // sensors for a map of none and of more than 6.
 o2_layout o2_layout_of(int mask, o2_banks banks);
 
+// The places in a run's set of the sensors of 0 to 1.275 V (PIDs 14 to 1B), a bit each.
+unsigned switching_sensors(const QStringList& set);
+
 } // namespace brivant

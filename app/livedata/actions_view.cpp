@@ -36,18 +36,6 @@ QString invitation(int mode) {
     }
 }
 
-// The places of the sensors of 0 to 1.275 V (PIDs 14 to 1B), a bit each.
-unsigned switching_sensors(const QStringList& set) {
-    constexpr qsizetype most_sensors = 8;
-    unsigned sensors = 0;
-    for (qsizetype place = 0; place < std::min(set.size(), most_sensors); ++place) {
-        const QString& pid = set.at(place);
-        if (pid >= QLatin1String("14") && pid <= QLatin1String("1B"))
-            sensors |= 1U << place;
-    }
-    return sensors;
-}
-
 void keep_room(QWidget& widget, bool also_hidden) {
     QSizePolicy policy = widget.sizePolicy();
     policy.setRetainSizeWhenHidden(also_hidden);
