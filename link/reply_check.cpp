@@ -121,7 +121,7 @@ bool tells_a_reset(const QString& reply, const QList<sent_command>& unanswered) 
 }
 
 QString why_given_up(const reply& what_came) {
-    const QString text = what_came.text();
+    const QString& text = what_came.text();
     const auto says = [&](const char* words) { return string_has_Tokens(text, QLatin1String(words)); };
     for (const ecu_said& ecu : what_came.ecus())
         if (const auto refused = ecu.refused())
