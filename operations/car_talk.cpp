@@ -180,23 +180,28 @@ car_talk::asking car_talk::wait_longer() {
 }
 
 car_talk::asking_person car_talk::ask_yes_no(const QString& title, const QString& text) {
-    return {*this, &screen::ask_yes_no, title, text};
+    return {*this, false, title, text};
 }
 
 car_talk::asking_person car_talk::ask_same_car(const QString& title, const QString& text) {
-    return {*this, &screen::ask_same_car, title, text};
+    return {*this, true, title, text};
 }
 
 bool car_talk::asking_person::await_suspend(talk::handle who) {
     return car.held.wait(who, held_talk::thing::person, [this] {
         car.open_question = std::make_shared<int>(0);
-        (car.view.*way)(title, text, [&of = car, asked = std::weak_ptr(car.open_question)](bool is_yes) {
+        std::function<void(bool)> answered = [&of = car,
+                                              asked = std::weak_ptr(car.open_question)](bool is_yes) {
             if (asked.expired())
                 return; // the operation was left meanwhile
             of.open_question.reset();
             of.said_yes = is_yes;
             of.held.go_on();
-        });
+        };
+        if (is_about_the_car)
+            car.view.ask_same_car(title, text, std::move(answered));
+        else
+            car.view.ask_yes_no(title, text, std::move(answered));
     });
 }
 

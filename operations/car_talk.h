@@ -164,16 +164,15 @@ private:
 
 class car_talk::asking_person {
 public:
-    using question = void (screen::*)(const QString&, const QString&, std::function<void(bool)>);
-    asking_person(car_talk& its_car, question its_way, const QString& its_title, const QString& its_text)
-        : car(its_car), way(its_way), title(its_title), text(its_text) {}
+    asking_person(car_talk& its_car, bool about_the_car, const QString& its_title, const QString& its_text)
+        : car(its_car), is_about_the_car(about_the_car), title(its_title), text(its_text) {}
     bool await_ready() const { return false; }
     bool await_suspend(talk::handle who);
     bool await_resume();
 
 private:
     car_talk& car;
-    question way;
+    bool is_about_the_car; // else a question like any other
     QString title;
     QString text;
 };
