@@ -77,7 +77,8 @@ void exchange::start_timer(void (exchange::*then)()) {
 
 // A search for the protocol takes up to half a minute, and sending again would stop it and begin another.
 void exchange::wait_for_the_search() {
-    const QByteArrayView begun = rx_accum.text().first(std::min(rx_accum.text().size(), notice_within));
+    const QByteArrayView held = rx_accum.text();
+    const QByteArrayView begun = held.first(std::min(held.size(), notice_within));
     if (is_searching || !in_flight || is_held_back || !obdTimeOutTimer ||
         (begun.indexOf("SEARCHING") < 0 && begun.indexOf("BUS INIT") < 0))
         return;

@@ -2,6 +2,7 @@
 #include "diagnostics/second_status.h"
 #include "tests/fault_matrix/matrix_bench.h"
 
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 namespace brivant {
