@@ -151,7 +151,7 @@ void read_log(program_core& core, int log_id, const char* type) {
         give_up("the log has no preview");
     const double preview = ms_of(timer);
     timer.start();
-    viewLog(core.db, log_id);
+    viewLog(core.toolies, log);
     std::printf("log %d of %d stored lines: preview %.1f ms, view %.1f ms\n", log_id, log_id * lines_of_run,
                 preview, ms_of(timer));
 }
