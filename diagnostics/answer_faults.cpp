@@ -14,27 +14,41 @@ QString named(const QString& ecu, const QString& text) {
     return ecu.isEmpty() ? text : ecu + QStringLiteral(": ") + text;
 }
 
+// Those of the ECU that was meant, of all where none was.
 template <class answers>
-QStringList faults_in(const answers& of_ecus) {
+QStringList faults_in(const answers& of_ecus, const answer& kept) {
+    const int protocol = kept.what_came.protocol();
     QStringList faults;
     for (const auto& one : of_ecus)
-        if (!one.fault.isEmpty())
+        if (!one.fault.isEmpty() &&
+            (kept.ecu.isEmpty() || ecu_identity(one.ecu, protocol) == ecu_identity(kept.ecu, protocol)))
             faults += named(one.ecu, one.fault);
     return faults;
 }
 
-QStringList faults_by_ecu(int service, const raw_reply& came) {
+QStringList faults_by_ecu(int service, const answer& kept) {
+    const raw_reply& came = kept.what_came.raw();
     constexpr int stored_codes = 0x03, test_results = 0x06, pending_codes = 0x07, permanent_codes = 0x0A;
     switch (service) {
     case stored_codes:
     case pending_codes:
-    case permanent_codes: return faults_in(read_trouble_codes(service, came));
+    case permanent_codes: return faults_in(read_trouble_codes(service, came), kept);
     case test_results: {
         const QString fault = read_tests(came).fault;
         return fault.isEmpty() ? QStringList() : QStringList(fault);
     }
-    default: return faults_in(answers_to(service, came));
+    default: return faults_in(answers_to(service, came), kept);
     }
+}
+
+// What the request was for, where a list shows the answers to several.
+QString about(const QString& request) {
+    const QString service = request.left(2);
+    if (service == QLatin1String("06"))
+        return QStringLiteral("Test %1: ").arg(request.mid(2));
+    if (service == QLatin1String("02"))
+        return QStringLiteral("Freeze frame: ");
+    return service == QLatin1String("09") ? QStringLiteral("VIN: ") : QString();
 }
 
 // Why the reply as a whole is no answer; "" when it is one, or when the car is silent.
@@ -61,12 +75,11 @@ QStringList faults_of(const answer& one) {
     // On CAN every ECU tells its codes, none of them with a count of 0.
     const bool is_announced = is_test || one.request == frame_map_request ||
                               (is_can(one.what_came.protocol()) && (service == 0x03 || service == 0x07));
-    QStringList faults = faults_by_ecu(service, one.what_came.raw());
+    QStringList faults = faults_by_ecu(service, one);
     if (const QString why = why_no_answer(one, is_announced); faults.isEmpty() && !why.isEmpty())
         faults += why;
-    if (is_test)
-        for (QString& fault : faults)
-            fault = QStringLiteral("Test %1: %2").arg(one.request.mid(2), fault);
+    for (QString& fault : faults)
+        fault = about(one.request) + fault;
     return faults;
 }
 

@@ -57,7 +57,8 @@ struct diagnostic_results {
     // How far the running operation has come; 0 of 0 when that is not known.
     int progress_done = 0;
     int progress_total = 0;
-    QString not_cleared; // null before clearing, "" when the car confirmed it, else who refused and why
+    std::optional<QString>
+        not_cleared;              // "" when the car has confirmed the clearing, else who refused and why
     bool car_offers_none = false; // the test that ran last ended because the car has no results of its kind
 
     int no_of_ecus = 0;

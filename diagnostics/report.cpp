@@ -114,6 +114,18 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
     }
 }
 
+QList<part> parts_behind(int operation) {
+    switch (operation) {
+    case op_read_codes:
+    case op_pending_freeze: return {part::readiness, part::codes, part::pending, part::freeze};
+    case op_vehicle_info: return {part::vehicle};
+    case op_mode6: return {part::mode6};
+    case op_misfire: return {part::misfire};
+    case op_o2_tests: return {part::o2};
+    default: return {};
+    }
+}
+
 QString without_markup(QString report) {
     static const QRegularExpression tags(QStringLiteral("</?font[^>]*>"));
     return report.remove(tags);

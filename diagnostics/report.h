@@ -22,6 +22,9 @@ std::optional<diagnostic_report> work_out_text_4_log(int operation, const diagno
                                                      const QString& today,
                                                      const std::function<QString(const QString&)>& describe);
 
+// The parts whose answers make the report of an operation.
+QList<part> parts_behind(int operation);
+
 // The text without the piece of HTML that one of its lines holds.
 QString without_markup(QString report);
 

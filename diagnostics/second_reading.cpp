@@ -109,11 +109,13 @@ void second_reading::start_again() {
 void second_reading::reload() {
     standard_shown = toolies.standard_reading();
     const QList<answer> answers = results.answers.value(which);
-    if (answers.size() < answers_read)
+    if (answers.size() < answers_read) {
         start_again();
-    QMap<QString, full_scales> told_scales;
-    for (const answer& one : answers)
-        take_scales(one, told_scales);
+        scales.clear();
+    }
+    QMap<QString, full_scales> told_scales = scales;
+    for (qsizetype place = answers_read; place < answers.size(); ++place)
+        take_scales(answers.at(place), told_scales);
     if (told_scales != scales) { // they hold for the values before them, too
         scales = told_scales;
         start_again();
@@ -160,8 +162,11 @@ void second_reading::they_differ(const result_row* own_row, const QString& own_s
 }
 
 void second_reading::read(const answer& one) {
-    // A value that did not come stands in its row.
-    if (!is_value(one)) {
+    // A value that did not come stands in its row; so does a VIN that another ECU has told.
+    const value_row* told_value = value_in(one);
+    const bool is_told =
+        one.request.startsWith(QLatin1String("09")) && told_value && told_value->value != not_available;
+    if (!is_value(one) && !is_told) {
         for (const QString& fault : faults_of(one))
             if (!told.contains(fault))
                 told += fault;

@@ -102,7 +102,7 @@ QString status_faults(const answer& kept, const car_status& status, const mac_to
                                   : QStringLiteral(" (%1)").arg(faults.join(QStringLiteral("; "))));
     if (faults.isEmpty())
         return {};
-    const QString missing = QStringLiteral("The lamp, codes and monitors are without those of %1.")
+    const QString missing = QStringLiteral("An answer is missing in lamp, codes and monitors (%1).")
                                 .arg(faults.join(QStringLiteral("; ")));
     const QString source = engine_monitors(kept, status_pid, toolies).ecu;
     return source.isEmpty() || toolies.isThisEngineHeader(source)

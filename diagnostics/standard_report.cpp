@@ -28,14 +28,11 @@ QString permanent_section(const permanent_codes& permanent, const describer& des
     return permanent.words.isEmpty() ? text : text + permanent.words + u'\n';
 }
 
-QList<part> parts_of(int operation) {
-    switch (operation) {
-    case op_vehicle_info: return {part::vehicle};
-    case op_mode6: return {part::mode6};
-    case op_misfire: return {part::misfire};
-    case op_o2_tests: return {part::o2};
-    default: return {part::codes, part::pending, part::freeze};
-    }
+// The readiness is read again by itself: see read_status_again.
+QList<part> read_twice(int operation) {
+    QList<part> parts = parts_behind(operation);
+    parts.removeAll(part::readiness);
+    return parts;
 }
 
 bool is_of_codes(int operation) {
@@ -53,7 +50,7 @@ QString not_answered(int operation, const diagnostic_results& results, const mac
     if (const QString status = read_status_again(results, toolies).faults;
         is_of_codes(operation) && !status.isEmpty())
         faults += status;
-    for (const part which : parts_of(operation))
+    for (const part which : read_twice(operation))
         faults += second_reading(which, results, toolies).faults();
     return section("Not answered", faults);
 }
@@ -78,7 +75,7 @@ QString other_reading(int operation, const diagnostic_results& results, const ma
     const second_status status = read_status_again(results, toolies);
     if (is_of_codes(operation) && status.weighs)
         lines += status.line;
-    for (const part which : parts_of(operation))
+    for (const part which : read_twice(operation))
         if (const second_reading reading(which, results, toolies); reading.weighs())
             lines += lines_of(which, reading, describe);
     return section(

@@ -9,26 +9,13 @@ namespace brivant {
 
 namespace {
 
-// The parts whose replies make a report.
-QList<part> parts_behind(int operation_code) {
-    switch (operation_code) {
-    case op_read_codes:
-    case op_pending_freeze: return {part::readiness, part::codes, part::pending, part::freeze};
-    case op_vehicle_info: return {part::vehicle};
-    case op_mode6: return {part::mode6};
-    case op_misfire: return {part::misfire};
-    case op_o2_tests: return {part::o2};
-    default: return {};
-    }
-}
-
-const QMap<QString, operation>& reports() {
-    static const QMap<QString, operation> all = {{QStringLiteral("DTC"), op_read_codes},
-                                                 {QStringLiteral("Veh_info"), op_vehicle_info},
-                                                 {QStringLiteral("Mode6"), op_mode6},
-                                                 {QStringLiteral("Misfire"), op_misfire},
-                                                 {QStringLiteral("O2 Test"), op_o2_tests}};
-    return all;
+// The operation whose report is stored with this title, none for a log of another kind.
+std::optional<int> operation_behind(const QString& log_type) {
+    for (const int operation_code : {op_read_codes, op_vehicle_info, op_mode6, op_misfire, op_o2_tests})
+        if (work_out_text_4_log(operation_code, {}, {}, [](const QString&) { return QString(); })->title ==
+            log_type)
+            return operation_code;
+    return std::nullopt;
 }
 
 part part_of(int operation_code, const QString& request) {
@@ -53,9 +40,9 @@ QList<stored_reply> replies_behind(int operation_code, const diagnostic_results&
 
 QString standard_text(const QString& log_type, const QList<stored_reply>& replies,
                       const mac_toolies& toolies) {
-    if (!reports().contains(log_type) || replies.isEmpty())
+    const auto operation_code = operation_behind(log_type);
+    if (!operation_code || replies.isEmpty())
         return {};
-    const int operation_code = reports().value(log_type);
     diagnostic_results results;
     QStringList read; // several ECUs are asked alike, and each reply holds them all
     for (const stored_reply& one : replies) {
@@ -63,13 +50,13 @@ QString standard_text(const QString& log_type, const QList<stored_reply>& replie
         if (read.contains(identity))
             continue;
         read += identity;
-        results.answers[part_of(operation_code, one.request)] += {one.request, reply(one.what_came), {}, {}};
+        results.answers[part_of(*operation_code, one.request)] += {one.request, reply(one.what_came), {}, {}};
     }
     const auto codes = toolies.lists()
                            .get_dictionary_from_resource(QStringLiteral("P0_Codes"), QStringLiteral("txt"),
                                                          QStringLiteral(" "))
                            .value_or(QMap<QString, QString>());
-    return report_by_standard(operation_code, results, toolies, QStringLiteral("-"),
+    return report_by_standard(*operation_code, results, toolies, QStringLiteral("-"),
                               [&codes](const QString& code) { return look_upCode(code, codes); })
         .text;
 }

@@ -85,7 +85,7 @@ QString why_not_cleared(const reply& cleared) {
 
 talk work_out_clear_codes(diagnostic_talk& car) {
     co_await car.ready("Starting Clear codes");
-    car.results.not_cleared = QString();
+    car.results.not_cleared.reset();
     co_await keep_what_is_there(car);
 
     sent_command clear = command_of(QStringLiteral("04\r"), QStringLiteral("44|7F|?|OK"), false);
@@ -95,14 +95,14 @@ talk work_out_clear_codes(diagnostic_talk& car) {
     car.show(car.results.cur_err_msg);
     forget_what_was_read(car);
     const QString cleared = QStringLiteral("Codes cleared sucessfully!!");
-    const bool is_cleared = car.results.not_cleared.isEmpty();
+    const bool is_cleared = car.results.not_cleared->isEmpty();
     if (is_cleared)
         car.show(cleared);
 
     QString problem;
     co_await try_to_read(car, work_out_read_codes, problem);
     if (!is_cleared)
-        throw failed{car.results.not_cleared};
+        throw failed{*car.results.not_cleared};
     car.show(cleared);
     car.part_with(QString(), cleared);
 }

@@ -83,8 +83,12 @@ QString freezing_code(const QString& data) {
 freeze_frame stored_frame(const reply& frame) {
     if (frame.holds_nothing())
         return {};
-    if (!frame.headers_shown())
-        return {{}, freezing_code(frame.data_without_headers(QStringLiteral("4202")))};
+    if (!frame.headers_shown()) {
+        for (const QString& line : frame.lines())
+            if (const QString code = freezing_code(line); !code.isEmpty())
+                return {{}, code};
+        return {};
+    }
     const ecu_said* engine = frame.engine();
     const ecu_said* holder =
         engine && !freezing_code(engine->value()).isEmpty()
@@ -170,7 +174,7 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
         co_return told(car, car_answered);
     }
     const value_row freezing{{}, QStringLiteral("Freezed by"), frame.code, car.description_of(frame.code)};
-    car.tell(part::freeze, {freezing_code_request, stored, {}, {freezing}});
+    car.tell(part::freeze, {freezing_code_request, stored, frame.ecu, {freezing}});
 
     co_await car.at("AT H1", "OK");
     obd_groups parameters;
@@ -179,7 +183,8 @@ talk work_out_pending_freeze(diagnostic_talk& car) {
         if (group > 0 && !is_map_announced(parameters, group))
             break;
         const reply maps = co_await car.ask_as_shown(QStringLiteral("02 %1 00").arg(map));
-        car.tell(part::freeze, {QStringLiteral("02") + map, maps, {}, {}});
+        car.tell(part::freeze,
+                 {QStringLiteral("02") + map, maps, maps.headers_shown() ? frame.ecu : QString(), {}});
         if (group == 0 && maps.holds_nothing()) { // without it there is no frame to show
             car.view.show_message(QString(), QStringLiteral("Not Supported or Not Available"));
             if (maps.is_none())

@@ -106,20 +106,18 @@ QString read_codes_text(readCodes& controller) {
 
 QJsonObject clear_codes_json(readCodes& controller) {
     QJsonObject object = read_codes_json(controller);
-    object.insert("cleared", controller.results.not_cleared.isNull()
-                                 ? QJsonValue()
-                                 : controller.results.not_cleared.isEmpty());
-    if (!controller.results.not_cleared.isEmpty())
-        object.insert("not_cleared", controller.results.not_cleared);
+    const auto& refusal = controller.results.not_cleared;
+    object.insert("cleared", refusal ? QJsonValue(refusal->isEmpty()) : QJsonValue());
+    if (refusal && !refusal->isEmpty())
+        object.insert("not_cleared", *refusal);
     return object;
 }
 
 QString clear_codes_text(readCodes& controller) {
-    const QString& refusal = controller.results.not_cleared;
-    const QString end = refusal.isNull()    ? QStringLiteral("The codes were not cleared.")
-                        : refusal.isEmpty() ? QStringLiteral("Codes cleared")
-                                            : refusal;
-    return read_codes_text(controller) + u'\n' + end + u'\n';
+    const QString end =
+        controller.results.not_cleared.value_or(QStringLiteral("The codes were not cleared."));
+    return read_codes_text(controller) + u'\n' + (end.isEmpty() ? QStringLiteral("Codes cleared") : end) +
+           u'\n';
 }
 
 // clang-format off
