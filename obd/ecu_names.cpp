@@ -122,4 +122,13 @@ bool same_ecu(const QString& header, const QString& other, int protocol) {
            QStringView(header).sliced(2) == QStringView(other).sliced(2);
 }
 
+QString ecu_label(const QString& header) {
+    constexpr qsizetype three_bytes = 6;
+    constexpr int with_address = 0x80, address_mode = 0xC0; // no other protocol has a first byte above 0x7F
+    const int first = header.left(2).toInt(nullptr, 16);
+    return header.size() == three_bytes && first >= with_address
+               ? QString::number(first & address_mode, 16).toUpper() + header.mid(2)
+               : header;
+}
+
 } // namespace brivant

@@ -20,5 +20,8 @@ qsizetype findEngIdxFromGroupedMsg(const obd_groups& groups, qsizetype thisEngId
 // True when both headers name the same ECU. On ISO 14230-4 (protocols 4 and 5) the lower six bits of the
 // first header byte are the message's length, which is left out of the comparison.
 bool same_ecu(const QString& header, const QString& other, int protocol);
+// How an ECU is shown: its header without the message's length that ISO 14230 puts into the first byte, so
+// that one ECU has one name. "86F110" and "87F110" give "80F110"; other headers stay as they are.
+QString ecu_label(const QString& header);
 
 } // namespace brivant

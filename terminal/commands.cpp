@@ -1,6 +1,7 @@
 #include "terminal/commands.h"
 
 #include "base/string_table.h"
+#include "obd/ecu_names.h"
 #include "terminal/command_parts.h"
 #include "terminal/operation_commands.h"
 
@@ -19,7 +20,7 @@ const adapter_facts& adapter_of(const readCodes& controller) {
 
 QString ecu_name(readCodes& controller, const QString& header) {
     const QString name = controller.toolies.l_pull_ECU(header);
-    return name.isEmpty() ? header : name;
+    return name.isEmpty() ? ecu_label(header) : name;
 }
 
 // --- link-info ----------------------------------------------------------------------------------------
@@ -32,7 +33,7 @@ obd_groups told_pids(const readCodes& controller) {
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
     for (const obd_group& ecu : told_pids(controller))
-        ecus += QJsonObject{{"header", ecu.header},
+        ecus += QJsonObject{{"header", ecu_label(ecu.header)},
                             {"name", ecu_name(controller, ecu.header)},
                             {"pids", QJsonArray::fromStringList(ecu.pidSet)}};
     return {{"interface", adapter_of(controller).interface_description()},
@@ -46,7 +47,7 @@ QString link_info_text(readCodes& controller) {
                             adapter_of(controller).protocol_description());
     for (const obd_group& ecu : told_pids(controller))
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
-                    .arg(ecu.header, ecu_name(controller, ecu.header))
+                    .arg(ecu_label(ecu.header), ecu_name(controller, ecu.header))
                     .arg(ecu.pidSet.size())
                     .arg(ecu.pidSet.join(QLatin1Char(' ')));
     return text;
@@ -137,7 +138,7 @@ QJsonArray codes_as_json(readCodes& controller, const QList<result_row>& rows) {
     QJsonArray codes;
     for (const code_row& row : rows_of<code_row>(rows))
         codes += QJsonObject{{"code", row.code},
-                             {"ecu", row.ecu},
+                             {"ecu", ecu_label(row.ecu)},
                              {"description", controller.description_of(row.code).trimmed()}};
     return codes;
 }
@@ -150,7 +151,7 @@ QString codes_as_text(readCodes& controller, const QList<noted_row>& rows) {
         const auto* code = std::get_if<code_row>(&row.row);
         const QString line =
             code ? QStringLiteral("%1  %2  %3")
-                       .arg(code->code, code->ecu, controller.description_of(code->code).trimmed())
+                       .arg(code->code, ecu_label(code->ecu), controller.description_of(code->code).trimmed())
                  : row_text(part::codes, row.row);
         text += (row.note.isEmpty() ? line : QStringLiteral("%1  (%2)").arg(line, row.note)) + u'\n';
     }

@@ -2,6 +2,7 @@
 
 #include "app/look/theme.h"
 #include "base/string_table.h"
+#include "obd/ecu_names.h"
 
 namespace brivant {
 
@@ -50,7 +51,7 @@ QString codes_model::cell(const result_row& row, int at) const {
     const QString code = named ? named->code : row_text(part::codes, row);
     switch (at) {
     case code_column: return code;
-    case ecu_column: return named ? named->ecu : QString();
+    case ecu_column: return named ? ecu_label(named->ecu) : QString();
     case description_column: return is_sentence(row) ? QString() : controller.description_of(code).trimmed();
     default: return {};
     }

@@ -1,5 +1,7 @@
 #include "app/screen/link_report.h"
 
+#include "obd/ecu_names.h"
+
 namespace brivant {
 
 namespace {
@@ -24,7 +26,8 @@ QString details_of(const adapter_facts& adapter, const car_state& car, const mac
     QStringList ecus;
     for (const obd_group& ecu : car.available_pids()) {
         const QString name = toolies.l_pull_ECU(ecu.header);
-        ecus += name.isEmpty() ? ecu.header : QStringLiteral("%1 (%2)").arg(ecu.header, name);
+        ecus += name.isEmpty() ? ecu_label(ecu.header)
+                               : QStringLiteral("%1 (%2)").arg(ecu_label(ecu.header), name);
     }
     lines += QStringLiteral("ECUs: %1")
                  .arg(ecus.isEmpty() ? QStringLiteral("none") : ecus.join(QStringLiteral(", ")));

@@ -293,7 +293,7 @@ QString ecu_identity(const QString& header, int protocol) {
     if (!is_kwp(protocol) || header.size() < 2)
         return header;
     constexpr int address_mode = 0xC0;
-    return QString::number(header.left(2).toInt(nullptr, 16) & address_mode, 16) + header.mid(2);
+    return QString::number(header.left(2).toInt(nullptr, 16) & address_mode, 16).toUpper() + header.mid(2);
 }
 
 QList<ecu_message> ecu_messages(const raw_reply& reply) {
@@ -325,7 +325,7 @@ QList<ecu_answer> answers_to(int service, const raw_reply& reply) {
         };
         auto answer = std::find_if(answers.begin(), answers.end(), same);
         if (answer == answers.end())
-            answer = answers.insert(answers.end(), {message.ecu, {}, {}});
+            answer = answers.insert(answers.end(), {ecu_identity(message.ecu, reply.protocol), {}, {}});
         const QString fault = refused ? refusal(message.data) : message.fault;
         if (!fault.isEmpty())
             add_fault(answer->fault, fault);

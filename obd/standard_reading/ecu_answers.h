@@ -25,7 +25,7 @@ QList<ecu_message> ecu_messages(const raw_reply& reply);
 
 // What one ECU answered to a service.
 struct ecu_answer {
-    QString ecu;
+    QString ecu;                // as ecu_identity() gives it
     QList<QByteArray> messages; // each from the response's service byte on, the same one never twice
     QString fault;              // a refusal or a damaged answer, in words; "" when all is well
 };

@@ -192,6 +192,10 @@ TEST(ecu_names, are_read_from_line_and_header) {
     EXPECT_FALSE(same_ecu("86F110", "83F110", 3));
     EXPECT_FALSE(same_ecu("86F110", "C6F110", 4));
     EXPECT_FALSE(same_ecu("86F110", "", 4));
+    for (const char* shown : {"86F110", "87F110", "93F110"})
+        EXPECT_EQ(ecu_label(shown), QString("80F110"));
+    for (const char* shown : {"C6F110", "486B10", "7E8", "18DAF110"})
+        EXPECT_EQ(ecu_label(shown), QString(QLatin1String(shown) == "C6F110" ? "C0F110" : shown));
 }
 
 } // namespace brivant
