@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/faulty_disk.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/wait_until.h"
 #include "tools/virtual_adapter/car_catalogue.h"
@@ -18,7 +19,7 @@ namespace brivant {
 // the adapters that it talks to.
 class cli_process {
 public:
-    explicit cli_process(const QStringList& arguments) {
+    explicit cli_process(const QStringList& arguments, const faulty_disk& disk = {}) {
         QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
         for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DOCUMENTS_DIR"})
             surroundings.remove(variable);
@@ -26,6 +27,7 @@ public:
         // The computer's own Bluetooth stays alone.
         if (!surroundings.contains("DBUS_SYSTEM_BUS_ADDRESS"))
             surroundings.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+        disk.surround(surroundings);
         process.setProcessEnvironment(surroundings);
         process.setStandardInputFile(QProcess::nullDevice());
         process.start(BV_CLI, arguments);
