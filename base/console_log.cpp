@@ -1,5 +1,7 @@
 #include "base/console_log.h"
 
+#include "base/printable.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QThread>
@@ -34,7 +36,7 @@ struct log_sink {
         if (!stream)
             return;
         for (const QByteArrayView piece : pieces)
-            put(piece);
+            put(printable(piece, line_feeds::escaped));
         put("\n");
         if (!path.isEmpty() && written > largest_log)
             return open_next();

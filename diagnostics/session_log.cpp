@@ -1,6 +1,7 @@
 #include "diagnostics/session_log.h"
 
 #include "base/console_log.h"
+#include "base/printable.h"
 #include "persistence/log_files.h"
 
 namespace brivant {
@@ -19,7 +20,7 @@ void session_log::work_out_log_file(int operation, bool logging, bool metric) {
 }
 
 void session_log::append_to_log(const QString& text) {
-    if (do_the_log && log_out_file.isOpen() && log_out_file.write(text.toUtf8()) < 0)
+    if (do_the_log && log_out_file.isOpen() && log_out_file.write(printable(text.toUtf8())) < 0)
         console_log(QStringLiteral("append_to_log: %1").arg(log_out_file.errorString()));
 }
 

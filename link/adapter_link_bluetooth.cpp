@@ -39,7 +39,7 @@ void adapter_link::ask_for_device(const QString& why, const QString& status_for_
         asked.reset();
         if (!address.isEmpty())
             return take_device(address, name);
-        console_log(QStringLiteral("User has cancelled the device selection.\n"));
+        console_log(QStringLiteral("User has cancelled the device selection."));
         if (!status_for_none.isNull())
             l_leave_cur_op_gracefully(status_for_none);
         Q_EMIT condition_changed();

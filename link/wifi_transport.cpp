@@ -19,7 +19,7 @@ QString decode_received(QByteArrayView bytes) {
 wifi_transport::wifi_transport(const adapter_place& place) : address(place) {
     connect(&socket, &QTcpSocket::connected, this, [this] {
         socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        console_log(QStringLiteral("Connected\n"));
+        console_log(QStringLiteral("Connected"));
         current = condition::open;
         Q_EMIT opened();
     });

@@ -24,15 +24,6 @@ namespace {
 constexpr int lines_a_slice = 2000;
 constexpr int digits = 10;
 
-// What a database from elsewhere holds must not steer the terminal.
-QString printable(QString text) {
-    for (QChar& character : text) {
-        if (character.category() == QChar::Other_Control && character != u'\n' && character != u'\t')
-            character = QChar::ReplacementCharacter;
-    }
-    return text;
-}
-
 // The number of a log, 0 for another word.
 int number_of(const QString& word) {
     bool is_number = false;
@@ -160,11 +151,9 @@ void logs_run::list() {
                 rows += as_json(*log, name);
             else
                 print(QStringList{QString::number(log->id).rightJustified(6),
-                                  gmt_date_str_2_local_date_str(log->time_stamp),
-                                  printable(log->type).leftJustified(8),
-                                  name.isEmpty() ? QStringLiteral("vehicle %1").arg(log->veh_id)
-                                                 : printable(name),
-                                  printable(log->info)}
+                                  gmt_date_str_2_local_date_str(log->time_stamp), log->type.leftJustified(8),
+                                  name.isEmpty() ? QStringLiteral("vehicle %1").arg(log->veh_id) : name,
+                                  log->info}
                           .join(QLatin1String("  ")) +
                       u'\n');
             return true;
@@ -208,10 +197,10 @@ void logs_run::show(const log_header& log) {
 
 void logs_run::show_text(const log_header& log) {
     const bool read = each_chunk(log.id, [&](const QStringList& row) {
-        print(printable(row.value(chunk_data)) + u'\n');
+        print(row.value(chunk_data) + u'\n');
         return true;
     });
-    print(printable(standard_part_of(core.toolies, log)));
+    print(standard_part_of(core.toolies, log));
     end(read ? QString() : core.db.problem(), read);
 }
 
@@ -309,9 +298,9 @@ void logs_run::next_slice() {
     if (exporting->lines_announced() > 0) {
         const int percent = static_cast<int>(100 * exporting->lines_written() / exporting->lines_announced());
         if (percent != last_percent)
-            tell(QStringLiteral("\r%1 of %2 lines")
-                     .arg(exporting->lines_written())
-                     .arg(exporting->lines_announced()));
+            tell_over(QStringLiteral("%1 of %2 lines")
+                          .arg(exporting->lines_written())
+                          .arg(exporting->lines_announced()));
         last_percent = percent;
     }
     if (more) {

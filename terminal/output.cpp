@@ -1,11 +1,23 @@
 #include "terminal/output.h"
 
+#include "base/printable.h"
+
 #include <cstdio>
 
 namespace brivant {
 
+namespace {
+
+// What an adapter, a car or a database from elsewhere has said must not steer the terminal.
+void write(QByteArrayView text, FILE* stream) {
+    const QByteArray shown = printable(text);
+    std::fwrite(shown.constData(), 1, static_cast<size_t>(shown.size()), stream);
+}
+
+} // namespace
+
 void print(const QByteArray& text) {
-    std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout);
+    write(text, stdout);
 }
 
 bool is_all_printed() {
@@ -13,7 +25,12 @@ bool is_all_printed() {
 }
 
 void tell(const QString& text) {
-    std::fputs(text.toUtf8().constData(), stderr);
+    write(text.toUtf8(), stderr);
+}
+
+void tell_over(const QString& text) {
+    std::fputc('\r', stderr);
+    tell(text);
 }
 
 } // namespace brivant

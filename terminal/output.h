@@ -4,7 +4,8 @@
 
 namespace brivant {
 
-// Results go to standard output, everything else that is told to standard error.
+// Results go to standard output, everything else that is told to standard error, both with control characters
+// escaped: see printable().
 
 void print(const QByteArray& text);
 inline void print(const QString& text) {
@@ -23,5 +24,7 @@ void print_json(const json& value) {
 bool is_all_printed();
 
 void tell(const QString& text);
+// In the place of the line that was told last.
+void tell_over(const QString& text);
 
 } // namespace brivant

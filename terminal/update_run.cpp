@@ -43,7 +43,7 @@ void update_run::step_done(const QString& problem) {
 void update_run::show_progress(qint64 received, qint64 total) {
     const int percent = total > 0 ? static_cast<int>(100 * received / total) : -1;
     if (percent != last_percent)
-        tell(QStringLiteral("\r%1 of %2 bytes").arg(received).arg(total));
+        tell_over(QStringLiteral("%1 of %2 bytes").arg(received).arg(total));
     last_percent = percent;
 }
 
