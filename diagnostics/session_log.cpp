@@ -32,22 +32,22 @@ QString session_log::store(const diagnostic_report& report, const QList<stored_r
         console_log(QStringLiteral("append_to_log: %1").arg(log_out_file.errorString()));
     if (!db.init_DB())
         return db.problem();
+    if (db.change([&](sqlite_connection&) { return insert(report, replies, veh_id); }))
+        return {};
+    console_log(QStringLiteral("work_out_text_4_log: the report was not stored: %1").arg(db.problem()));
+    return db.problem();
+}
+
+bool session_log::insert(const diagnostic_report& report, const QList<stored_reply>& replies, int veh_id) {
     const int log_id = db.add_2_LOG_DB(report.title, veh_id, report.description);
-    if (log_id <= 0)
-        return db.problem();
     // The statement takes its values as they are: each single quote is doubled, once.
     const auto quoted = [](QString text) { return text.replace(u'\'', QStringLiteral("''")); };
-    bool stored = db.append_2_LOG_DB(quoted(report.text), QString(), 0, log_id) > 0;
-    if (stored && !report.raw.isEmpty())
-        stored = db.append_2_LOG_DB(quoted(report.raw), QString(), 1, log_id) > 0;
-    if (stored && !store_replies(db, log_id, replies))
-        stored = db.problem().isEmpty(); // else more than is ever read again: the report stands without
-    if (stored)
-        return {};
-    const QString problem = db.problem();
-    console_log(QStringLiteral("work_out_text_4_log: the report was not stored: %1").arg(problem));
-    db.delete_a_DB_log(log_id); // a header alone could not be shown
-    return problem;
+    if (log_id <= 0 || db.append_2_LOG_DB(quoted(report.text), QString(), 0, log_id) <= 0)
+        return false;
+    if (!report.raw.isEmpty() && db.append_2_LOG_DB(quoted(report.raw), QString(), 1, log_id) <= 0)
+        return false;
+    // More replies than are ever read again: the report stands without.
+    return store_replies(db, log_id, replies) || db.problem().isEmpty();
 }
 
 void session_log::close() {

@@ -27,6 +27,8 @@ public:
     const QString& cur_log_file_name() const { return file_name; }
 
 private:
+    bool insert(const diagnostic_report& report, const QList<stored_reply>& replies, int veh_id);
+
     const app_paths& paths;
     database& db;
     QFile log_out_file;

@@ -43,10 +43,12 @@ void run_log::create_row(int operation, int veh_id) {
     what_is_wrong.clear();
     if (!db.init_DB())
         return fail();
+    db.begin_lines(); // before the header: one without lines is a leftover when no run is marked
     cur_log_DB_id = db.add_2_LOG_DB(log_type_of(operation), veh_id, info_of_open_run);
-    if (cur_log_DB_id <= 0)
-        return fail();
-    db.begin_lines();
+    if (cur_log_DB_id > 0)
+        return;
+    fail();
+    db.end_lines();
 }
 
 void run_log::work_out_log_file(int operation, bool metric) {

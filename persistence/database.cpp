@@ -4,12 +4,14 @@
 #include "base/string_table.h"
 #include "persistence/database_problem.h"
 #include "persistence/database_schema.h"
+#include "persistence/disk_reserve.h"
 #include "persistence/run_mark.h"
 #include "persistence/sqlite_connection.h"
 #include "persistence/vehicle_photos.h"
 #include <QDir>
 #include <QFileInfo>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 
 namespace brivant {
@@ -38,14 +40,16 @@ database::database(const QString& documents_folder)
 database::~database() = default;
 
 bool database::init_DB() {
-    // A file without a byte is what a first start leaves that was cut short, or found the disk full.
-    const QFileInfo found(file);
-    made_now = !found.exists() || (found.isFile() && found.size() == 0);
-
     bool usable = false;
     {
-        sqlite_connection connection(file, made_now ? db_access::creating : db_access::writing);
-        usable = connection.is_open() && (made_now ? create_schema(connection) : migrate_schema(connection));
+        sqlite_connection connection(file,
+                                     QFileInfo::exists(file) ? db_access::writing : db_access::creating);
+        // A first start that was cut short, or found the disk full, leaves a file whose change SQLite has now
+        // taken back.
+        made_now = connection.is_open() && is_empty(connection);
+        usable = connection.is_open() &&
+                 (made_now ? create_schema(connection)
+                           : keep_copy_before_migration(connection, file) && migrate_schema(connection));
         if (!usable)
             note(as_incomplete(connection.failure()), QStringLiteral("init_DB:: "));
     }
@@ -88,7 +92,10 @@ QList<QStringList> database::retrieve_from_DB(const QString& sql) {
 }
 
 bool database::add_own_parts() {
-    return change(add_own_schema);
+    if (!change(add_own_schema))
+        return false;
+    keep_reserve(file);
+    return true;
 }
 
 bool database::for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row) {
@@ -103,7 +110,8 @@ bool database::for_each_row(const QString& sql, const std::function<bool(const Q
 
 bool database::read(const QString& operation, const QString& sql,
                     const std::function<bool(sqlite_statement&)>& row) {
-    sqlite_connection connection(file, db_access::reading);
+    std::optional<sqlite_connection> own;
+    sqlite_connection& connection = changing ? *changing : own.emplace(file, db_access::reading);
     if (!connection.is_open()) {
         note(connection.failure(), operation + QStringLiteral(":: "));
         return false;
@@ -156,6 +164,7 @@ QImage database::pull_veh_image(const QString& where_clause) {
 
 void database::note(const sqlite_failure& failure, const QString& log_text) {
     what_is_wrong = problem_sentence(file, failure);
+    is_no_room = failure.code == SQLITE_FULL;
     console_log(log_text + failure.message);
 }
 

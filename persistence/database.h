@@ -15,8 +15,8 @@ class sqlite_statement;
 struct sqlite_failure;
 
 // The vehicles, their photos and the stored results: the SQLite file "BV_loggies_lite.db" in the Documents
-// folder. Every operation opens it, does its one job and closes it; operations are never nested. Main thread
-// only.
+// folder. Every operation opens it, does its one job and closes it; operations are nested in change() alone.
+// Main thread only.
 //
 // A database that is locked, read-only, damaged or newer is left as it is. The operations then give the
 // results named below, and problem() says why. Ids of 0 or less always mean that nothing was stored.
@@ -53,8 +53,11 @@ public:
     // Runs a deletion. False when it failed; true also when there was nothing to delete.
     bool delete_from_DB(const QString& sql);
 
-    // Several changes as one: all of them or, when `work` gives false or the program is killed, none.
+    // Several changes as one: all of them or, when `work` gives false or the program is killed, none. What
+    // `work` does with this object belongs to it, and so does another change().
     bool change(const std::function<bool(sqlite_connection&)>& work);
+    // After a failure for want of room: true when some could be made, for a change that deletes.
+    bool make_room();
 
     // `values`: name, model year, engine volume. Without `this_id` a new row, whose id is returned; else the
     // row is changed and 1 returned. -1 on failure.
@@ -105,6 +108,8 @@ private:
 
     const QString file;
     QString what_is_wrong;
+    bool is_no_room = false;
+    sqlite_connection* changing = nullptr; // within change()
     bool made_now = false;
     std::unique_ptr<run_mark> lines_follow;
     int lines_in_log = 0; // since the write-ahead log was emptied

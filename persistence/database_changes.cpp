@@ -3,11 +3,14 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "persistence/database_schema.h"
+#include "persistence/disk_reserve.h"
 #include "persistence/run_mark.h"
 #include "persistence/sqlite_connection.h"
 #include "persistence/vehicle_photos.h"
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <limits>
+#include <optional>
 
 namespace brivant {
 
@@ -43,13 +46,25 @@ bool database::delete_from_DB(const QString& sql) {
 }
 
 bool database::change(const std::function<bool(sqlite_connection&)>& work) {
+    if (changing)
+        return work(*changing);
+    what_is_wrong.clear();
     sqlite_connection connection(file, lines_follow ? db_access::appending : db_access::writing);
-    if (!connection.is_open() || !connection.as_one([&] { return work(connection); })) {
-        note(connection.failure(), QStringLiteral("database::change:: "));
+    const auto as_one = [&] {
+        const QScopedValueRollback is_changing(changing, &connection);
+        return work(connection);
+    };
+    if (!connection.is_open() || !connection.as_one(as_one)) {
+        if (what_is_wrong.isEmpty()) // else `work` has told why
+            note(connection.failure(), QStringLiteral("database::change:: "));
         return false;
     }
     what_is_wrong.clear();
     return true;
+}
+
+bool database::make_room() {
+    return is_no_room && give_up_reserve(file);
 }
 
 int database::add_update_DB(const QStringList& values, const QString& this_table, const QString& this_id) {
@@ -178,13 +193,15 @@ int database::insert(const QString& log_text, const QString& sql, const binder& 
 
 database::stored database::store(const QString& log_text, const QString& sql, const binder& bind,
                                  const std::function<void(const sqlite_connection&)>& done) {
-    sqlite_connection connection(file, lines_follow ? db_access::appending : db_access::writing);
+    std::optional<sqlite_connection> own;
+    sqlite_connection& connection =
+        changing ? *changing : own.emplace(file, lines_follow ? db_access::appending : db_access::writing);
     if (!connection.is_open()) {
         note(connection.failure(), QStringLiteral("database::open:: "));
         return stored::no;
     }
     // Before a change, which then begins the log anew: the next opening reads all of a log.
-    if (lines_follow && ++lines_in_log >= most_lines_in_log) {
+    if (lines_follow && !changing && ++lines_in_log >= most_lines_in_log) {
         connection.empty_log();
         lines_in_log = 0;
     }

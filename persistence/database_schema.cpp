@@ -2,6 +2,10 @@
 
 #include "base/console_log.h"
 
+#include <QDate>
+#include <QDir>
+#include <QFileInfo>
+
 namespace brivant {
 
 namespace {
@@ -14,6 +18,8 @@ const auto create_log_chunks = QStringLiteral("CREATE TABLE IF NOT EXISTS LOGGIE
 const auto create_codes      = QStringLiteral("CREATE TABLE IF NOT EXISTS P1_CODES (ID INTEGER PRIMARY KEY AUTOINCREMENT, MAKER TEXT , PCODE TEXT, DESCRIPTION TEXT, GRUPO TEXT, time_stamp DATETIME Default CURRENT_TIMESTAMP)");
 const auto seed_vehicle      = QStringLiteral("INSERT INTO VEHICLES (NAME, MODEL_YEAR, ENG_VOL) VALUES (\"Cur Veh.\", \"2012\", \"3.0 lts.\")");
 const auto probe_vehicles    = QStringLiteral("SELECT * FROM VEHICLES ");
+const auto probe_pid_record  = QStringLiteral("SELECT XTRA_INFO FROM VEHICLES ");
+const auto probe_logs        = QStringLiteral("SELECT LOGGIES_DATA.DATA, VEHICLES.NAME FROM LOGGIES_DATA, VEHICLES");
 const auto add_pid_record    = QStringLiteral("ALTER TABLE VEHICLES ADD COLUMN 'XTRA_INFO' TEXT default NULL");
 const auto probe_gps         = QStringLiteral("SELECT DATA2 FROM   LOGGIES_DATA ");
 const auto add_gps           = QStringLiteral("ALTER TABLE LOGGIES_DATA ADD COLUMN 'DATA2' TEXT");
@@ -58,7 +64,31 @@ bool add_what_is_missing(sqlite_connection& connection) {
     return required(connection, create_codes);
 }
 
+bool is_accepted(sqlite_connection& connection, const QString& sql) {
+    return sqlite_statement(connection, sql).is_prepared();
+}
+
+bool lacks_columns(sqlite_connection& connection) {
+    return is_accepted(connection, probe_logs) &&
+           !(is_accepted(connection, probe_gps) && is_accepted(connection, probe_pid_record));
+}
+
 } // namespace
+
+bool is_empty(sqlite_connection& connection) {
+    sqlite_statement tables(connection, QStringLiteral("SELECT 1 FROM sqlite_master"));
+    return tables.is_prepared() && tables.step() == sqlite_statement::stepped::done;
+}
+
+bool keep_copy_before_migration(sqlite_connection& connection, const QString& file) {
+    if (!lacks_columns(connection))
+        return true;
+    const QFileInfo place(file);
+    const QString copy =
+        place.dir().filePath(QStringLiteral("%1 before %2.db")
+                                 .arg(place.completeBaseName(), QDate::currentDate().toString(Qt::ISODate)));
+    return QFileInfo::exists(copy) || connection.copy_to(copy);
+}
 
 bool create_schema(sqlite_connection& connection) {
     return connection.as_one([&] { return fill_new_database(connection); });

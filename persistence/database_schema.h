@@ -7,6 +7,11 @@ namespace brivant {
 // The tables, and what older versions of the program lack. Both functions change everything or nothing, log
 // what fails, and return false then; the connection's failure says why.
 
+// True for a database without any table.
+bool is_empty(sqlite_connection& connection);
+// Keeps a copy of it, "NAME before DATE.db", when migrate_schema() is going to change tables that are there.
+// False when the copy cannot be made.
+bool keep_copy_before_migration(sqlite_connection& connection, const QString& file);
 // Makes the tables of a new database and its first vehicle. The maker-specific codes come at the next start.
 bool create_schema(sqlite_connection& connection);
 // Adds to an existing database the tables and columns that came later.

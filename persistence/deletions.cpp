@@ -7,46 +7,56 @@ namespace brivant {
 
 namespace {
 
-constexpr int rows_a_step = 4000; // few for a moment, and enough for what a flush of the disk costs
-constexpr int rows_a_header = 40; // two statements
+constexpr int rows_a_step = 4000;     // few for a moment, and enough for what a flush of the disk costs
+constexpr int rows_on_full_disk = 50; // SQLite's journal of them fits into the reserve
+constexpr int rows_a_header = 40;     // two statements
 
 QString with_id(const char* format, int id) {
     return fill(QString::fromLatin1(format), {QString::number(id)});
 }
 
-// Deletes a log, or those of its lines that were stored last: as many rows as are left in `rows`. False when
-// it failed; `is_gone` tells whether it was all of it.
-bool delete_log(sqlite_connection& connection, int log_id, int& rows, bool& is_gone) {
+// Deletes those lines of a log that were stored last, as many as are left in `rows`.
+bool delete_lines(sqlite_connection& connection, int log_id, int& rows) {
     const auto lines =
         QStringLiteral("DELETE FROM LOGGIES_DATA WHERE rowid IN (SELECT rowid FROM LOGGIES_DATA "
                        "WHERE LOG_ID=%1 ORDER BY rowid DESC LIMIT %2)");
     if (!connection.execute(lines.arg(log_id).arg(rows)))
         return false;
     rows -= connection.changed_rows();
-    is_gone = rows > 0;
-    if (!is_gone)
-        return true;
-    rows -= rows_a_header;
-    return connection.execute(with_id("DELETE FROM LOGGIES where log_id=%d", log_id));
+    return true;
 }
 
 } // namespace
 
 bool log_deletion::step() {
-    if (failed || done == ids.size())
+    if (failed || so_far.cleared == ids.size())
         return false;
-    qsizetype gone = 0;
-    failed = !db.change([&](sqlite_connection& connection) {
+    failed = !try_step(rows_a_step) && !(db.make_room() && try_step(rows_on_full_disk));
+    return !failed && so_far.cleared < ids.size();
+}
+
+bool log_deletion::try_step(int rows) {
+    progress reached = so_far;
+    const auto work = [&](sqlite_connection& connection) {
         let_own_triggers_run(connection);
-        bool is_gone = true;
-        for (int rows = rows_a_step; rows > 0 && is_gone && done + gone < ids.size(); gone += is_gone) {
-            if (!delete_log(connection, ids.at(done + gone), rows, is_gone))
+        while (rows > 0 && reached.cleared < ids.size()) {
+            const int log_id = ids.at(reached.cleared);
+            if (reached.headers == reached.cleared) {
+                if (!connection.execute(with_id("DELETE FROM LOGGIES where log_id=%d", log_id)))
+                    return false;
+                ++reached.headers;
+            }
+            if (!delete_lines(connection, log_id, rows))
                 return false;
+            reached.cleared += rows > 0 ? 1 : 0;
+            rows -= rows_a_header;
         }
         return true;
-    });
-    done += failed ? 0 : gone;
-    return !failed && done < ids.size();
+    };
+    if (!db.change(work))
+        return false;
+    so_far = reached;
+    return true;
 }
 
 vehicle_deletion::vehicle_deletion(database& store, int its_veh_id)
@@ -63,17 +73,21 @@ QList<int> vehicle_deletion::logs_of_it() {
 }
 
 bool vehicle_deletion::step() {
-    if (failed || its_logs.step())
-        return !failed;
-    failed = its_logs.has_failed() || !delete_itself();
-    return false;
+    if (failed)
+        return false;
+    if (is_gone)
+        return its_logs.step();
+    is_gone = delete_itself() || (db.make_room() && delete_itself());
+    failed = !is_gone;
+    return is_gone;
 }
 
-// The vehicle goes last: as long as it is listed, the rest can be deleted again.
 bool vehicle_deletion::delete_itself() {
-    return db.delete_from_DB(with_id("DELETE FROM LOGGIES WHERE VEH_ID=%@", id)) &&
-           db.delete_from_DB(with_id("DELETE FROM VEH_IMAGES WHERE VEH_ID=%@", id)) &&
-           db.delete_from_DB(with_id("DELETE FROM VEHICLES WHERE VEH_ID=%@", id));
+    return db.change([this](sqlite_connection&) {
+        return db.delete_from_DB(with_id("DELETE FROM LOGGIES WHERE VEH_ID=%@", id)) &&
+               db.delete_from_DB(with_id("DELETE FROM VEH_IMAGES WHERE VEH_ID=%@", id)) &&
+               db.delete_from_DB(with_id("DELETE FROM VEHICLES WHERE VEH_ID=%@", id));
+    });
 }
 
 } // namespace brivant

@@ -4,9 +4,9 @@
 
 namespace brivant {
 
-// Deletions of any size, a step at a time, so that they can be shown and stopped and hold up nobody. Cut
-// short, by a stop or with the program, they leave what is left in its list, from where it can be deleted
-// again.
+// Deletions of any size, a step at a time, so that they can be shown and hold up nobody. What is deleted is
+// gone with the first step that names it; its lines, of which there can be millions, follow. Cut short, by a
+// stop or with the program, lines are left that belong to no log: put_in_order() deletes them.
 
 // Deletes logs one after the other.
 class log_deletion {
@@ -17,22 +17,30 @@ public:
     // not be deleted.
     bool step();
     bool has_failed() const { return failed; }
-    qsizetype deleted() const { return done; }
+    qsizetype deleted() const { return so_far.headers; }
+    qsizetype cleared() const { return so_far.cleared; } // their lines, too
     qsizetype asked() const { return ids.size(); }
 
 private:
+    struct progress {
+        qsizetype headers = 0;
+        qsizetype cleared = 0;
+    };
+    bool try_step(int rows);
+
     database& db;
     const QList<int> ids;
-    qsizetype done = 0;
+    progress so_far;
     bool failed = false;
 };
 
-// Deletes a vehicle: first its logs, at last its photo and itself.
+// Deletes a vehicle: itself, its photo and its logs at once, then their lines.
 class vehicle_deletion {
 public:
     vehicle_deletion(database& store, int its_veh_id);
 
     bool step();
+    // Nothing of it was deleted.
     bool has_failed() const { return failed; }
     int veh_id() const { return id; }
     const log_deletion& logs() const { return its_logs; }
@@ -44,6 +52,7 @@ private:
     database& db;
     const int id;
     bool failed = false;
+    bool is_gone = false;
     log_deletion its_logs;
 };
 

@@ -130,6 +130,25 @@ bool sqlite_connection::as_one(const std::function<bool()>& work) {
     return false;
 }
 
+bool sqlite_connection::copy_to(const QString& path) {
+    const QString part = path + QStringLiteral(".part");
+    QFile::remove(part);
+    sqlite3* copy = nullptr;
+    int code = sqlite3_open_v2(QFile::encodeName(part).constData(), &copy,
+                               SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (sqlite3_backup* backup =
+            code == SQLITE_OK ? sqlite3_backup_init(copy, "main", db, "main") : nullptr) {
+        sqlite3_backup_step(backup, -1);
+        code = sqlite3_backup_finish(backup);
+    }
+    const QString why = QString::fromUtf8(sqlite3_errmsg(copy));
+    sqlite3_close(copy);
+    if (code == SQLITE_OK && QFile::rename(part, path))
+        return true;
+    QFile::remove(part);
+    return fail(code == SQLITE_OK ? SQLITE_IOERR : code & 0xff, why);
+}
+
 bool sqlite_connection::fail() {
     return fail(sqlite3_errcode(db) & 0xff, QString::fromUtf8(sqlite3_errmsg(db)));
 }

@@ -47,6 +47,8 @@ public:
     void empty_log() { execute(QStringLiteral("PRAGMA wal_checkpoint(PASSIVE)")); }
     // Back to one plain file that can be copied and read anywhere; nothing while somebody else has it open.
     void end_log_ahead();
+    // Copies the database as it stands into a new file, which is there whole or not at all.
+    bool copy_to(const QString& path);
     bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
     // What `work` changes is changed as a whole when it gives true, else not at all.
     bool as_one(const std::function<bool()>& work);

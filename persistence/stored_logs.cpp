@@ -39,29 +39,6 @@ QString info_of_run(int sweeps, bool has_positions, int rate) {
                  rate == -1 ? QString() : fill(QStringLiteral(": %d sec rate"), {QString::number(rate)})});
 }
 
-void finish_cut_runs(database& db) {
-    if (db.lines_are_coming())
-        return;
-    // A header without a line may be that of a run which begins just now.
-    const auto cut_short =
-        QStringLiteral("SELECT LOG_ID, time_stamp < datetime('now', '-1 hour') FROM LOGGIES "
-                       "WHERE INFO='%1'");
-    // A line of "~" alone is a gap.
-    const auto count = QStringLiteral("SELECT COUNT(*), TOTAL(DATA GLOB '*[^~,]*'), MAX(DATA2 <> '') "
-                                      "FROM LOGGIES_DATA WHERE LOG_ID=%1");
-    for (const QStringList& run : db.retrieve_from_DB(cut_short.arg(info_of_open_run))) {
-        const int log_id = run.value(0).toInt();
-        const QStringList lines = db.retrieve_from_DB(count.arg(log_id)).value(0);
-        const bool has_lines = lines.value(0).toLongLong() > 0;
-        if (has_lines)
-            finish_sampling_log(db, log_id,
-                                info_of_run(static_cast<int>(lines.value(1).toDouble()),
-                                            lines.value(2) == QLatin1String("1"), -1));
-        else if (!lines.isEmpty() && run.value(1) == QLatin1String("1"))
-            delete_empty_sampling_log(db, log_id);
-    }
-}
-
 bool finish_sampling_log(database& db, int log_id, const QString& info) {
     return db.update_tableInDB2({QStringLiteral("INFO")}, {info}, QStringLiteral("LOGGIES "),
                                 QStringLiteral("LOG_ID"), QString::number(log_id));

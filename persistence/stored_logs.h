@@ -31,10 +31,6 @@ QString export_file_name(const log_header& log, bool as_txt);
 // What the header of a sampling run says while it goes on, and when it is over. `rate`: seconds, -1 for none.
 inline const QString info_of_open_run = QStringLiteral("sample points");
 QString info_of_run(int sweeps, bool has_positions, int rate);
-// Runs that ended with their program get the final text, those without a line go. Nothing while some program
-// stores a run, which could be one of them.
-void finish_cut_runs(database& db);
-
 // A sampling run has ended: its header gets the final text. A run that stored no line loses its header.
 bool finish_sampling_log(database& db, int log_id, const QString& info);
 bool delete_empty_sampling_log(database& db, int log_id);

@@ -3,7 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "link/bluetooth_service.h"
-#include "persistence/stored_logs.h"
+#include "persistence/recovery.h"
 #include "persistence/vehicles.h"
 
 #include <array>
@@ -70,8 +70,8 @@ void Bv_lite_delegate::applicationDidFinishLaunching(main_area* its_area) {
         view.show_message(QString(), db.problem());
     else if (!db.add_own_parts())
         console_log(db.problem()); // all else works without them
-    else
-        finish_cut_runs(db);
+    else if (const QString done = put_in_order(db); !done.isEmpty())
+        view.show_toast(done);
     pick_current_vehicle();
     if (area)
         area->set_window_title(QStringLiteral("Brivant Lite %1").arg(QStringLiteral(BV_VERSION)));

@@ -65,13 +65,13 @@ vehicle_list::saved vehicle_list::saveCurCarVals(int veh_id, const vehicle_value
     const bool is_new = veh_id < 0;
     if (!is_new && !vehicle_with_id(db, veh_id))
         return {-1, no_such_vehicle(veh_id)};
-    const int stored = store_values(db, veh_id, values);
-    if (stored <= 0)
-        return {-1, db.problem()};
-    const int id = is_new ? stored : veh_id;
-    if (photo.isNull() || store_vehicle_photo(db, id, photo) > 0)
-        return {id, {}};
-    return {id, QStringLiteral("The vehicle is stored, but its photo is not. %1").arg(db.problem())};
+    int id = veh_id;
+    const bool is_stored = db.change([&](sqlite_connection&) {
+        const int stored = store_values(db, veh_id, values);
+        id = is_new ? stored : veh_id;
+        return stored > 0 && (photo.isNull() || store_vehicle_photo(db, id, photo) > 0);
+    });
+    return is_stored ? saved{id, {}} : saved{-1, db.problem()};
 }
 
 QString vehicle_list::deleteCar(int veh_id) {
@@ -112,13 +112,10 @@ QString vehicle_list::finish_deletion() {
 QString vehicle_list::end_deletion() {
     next_slice.reset();
     const auto ended = std::move(going);
-    if (!ended->has_failed()) {
-        defaults.remove(setting::sample_set.of_vehicle(ended->veh_id()));
-        return hand_over(ended->veh_id());
-    }
-    return ended->logs().deleted() == 0
-               ? db.problem()
-               : QStringLiteral("The vehicle is still listed, with the logs that are left. ") + db.problem();
+    if (ended->has_failed())
+        return db.problem();
+    defaults.remove(setting::sample_set.of_vehicle(ended->veh_id()));
+    return hand_over(ended->veh_id());
 }
 
 // The vehicle is gone or going.

@@ -35,13 +35,13 @@ public:
 
     struct saved {
         int id = -1;     // of the vehicle; -1 when it was not stored
-        QString problem; // "" when all was stored; with an id: only the photo was not
+        QString problem; // "" when it was
     };
     // Stores a new vehicle (`veh_id` -1), or changes one. A null photo leaves the present one.
     saved saveCurCarVals(int veh_id, const vehicle_values& values, const QImage& photo);
 
     // Deletes the vehicle with its photo, its logs and its sample set; with many logs it goes on in slices,
-    // whatever screen is shown, and is listed until it is gone. The only one is refused. When the current one
+    // whatever screen is shown. The only one is refused. When the current one
     // goes, the first of the others becomes current. "" when it is gone or going.
     QString deleteCar(int veh_id);
     // Null while none is being deleted.

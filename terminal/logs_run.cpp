@@ -5,6 +5,7 @@
 #include "obd/pid_catalogue.h"
 #include "obd/readings/sweep_values.h"
 #include "persistence/log_files.h"
+#include "persistence/recovery.h"
 #include "persistence/stored_logs.h"
 #include "persistence/vehicles.h"
 #include "terminal/output.h"
@@ -111,10 +112,12 @@ QString logs_run::wrong_words(const QStringList& words, bool yes) {
 void logs_run::start() {
     const QString& what = core.options.arguments.first();
     const bool can_be_changed = core.db.init_DB() && core.db.add_own_parts();
-    if (can_be_changed)
-        finish_cut_runs(core.db);
-    else if (what == QLatin1String("delete") || !can_be_read())
+    if (can_be_changed) {
+        if (const QString done = put_in_order(core.db); !done.isEmpty())
+            tell(done + u'\n');
+    } else if (what == QLatin1String("delete") || !can_be_read()) {
         return end(core.db.problem(), false);
+    }
     if (what == QLatin1String("list"))
         return list();
     QList<log_header> logs;

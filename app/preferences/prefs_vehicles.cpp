@@ -120,7 +120,7 @@ void prefs_vehicles::delete_now(int veh_id) {
 void prefs_vehicles::show_deletion() {
     const vehicle_deletion* deletion = list.deletion();
     context.window.show_status(deletion ? QStringLiteral("Deleting the vehicle: %1 of %2 logs")
-                                              .arg(deletion->logs().deleted())
+                                              .arg(deletion->logs().cleared())
                                               .arg(deletion->logs().asked())
                                         : QStringLiteral("Ready"));
     if (deletion)

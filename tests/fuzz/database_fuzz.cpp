@@ -4,6 +4,7 @@
 // An input is the file.
 
 #include "base/console_log.h"
+#include "persistence/recovery.h"
 #include "persistence/stored_logs.h"
 #include "persistence/stored_replies.h"
 #include "tests/fuzz/must_hold.h"
@@ -47,7 +48,7 @@ void storing(database& db) {
         store_replies(db, log, {{QStringLiteral("03"), {QStringLiteral("4300"), 6, true}, 0}});
         db.delete_a_DB_log(log);
     }
-    finish_cut_runs(db);
+    put_in_order(db);
     db.add_update_DB({QStringLiteral("Car"), QStringLiteral("2012"), QStringLiteral("2.0")},
                      QStringLiteral("VEHICLES"));
 }

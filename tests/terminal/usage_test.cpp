@@ -82,7 +82,8 @@ TEST(profile, holds_every_file) {
     EXPECT_EQ(first.status(), 0);
     EXPECT_EQ(files_below(first.home.path()).join(' '), "");
     EXPECT_EQ(files_below(profile).join(' '),
-              "Documents/BV_loggies_lite.db Documents/console.log brivant-lite.ini");
+              "Documents/BV_loggies_lite.db Documents/BV_loggies_lite.db-reserve Documents/console.log "
+              "brivant-lite.ini");
     // Another car on the same profile: the question, which a script without a terminal goes past.
     cli_process second({"--demo=can29", "--profile", profile, "--json", "link-info"});
     EXPECT_EQ(second.status(), 0);
