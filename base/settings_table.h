@@ -85,7 +85,7 @@ inline constexpr std::array sample_rates{-1, 10, 30, 60, 120, 300};
 inline constexpr number interface_kind    {"BV_interface",         "5",               person,
     "5 (Bluetooth) or 6 (Wi-Fi)", {.usable = link_number}};
 inline constexpr text   wifi_ip           {"wifi_IP",              "192.168.0.10",    person,
-    "the address of the Wi-Fi adapter", {.longest = 30}};
+    "the address of the Wi-Fi adapter", {.longest = 64}}; // IPv6 whole, with the name of an interface
 inline constexpr text   wifi_port         {"wifi_port",            "35000",           person,
     "its TCP port", {.longest = 10}};
 inline constexpr flag   metric_units      {"BV_metric_units",      "false",           person,

@@ -54,7 +54,8 @@ talk work_out_vehicle_info(diagnostic_talk& car) {
     QStringList supporting;
     qsizetype pids = 0;
     for (const obd_group& ecu : ecus) {
-        supporting += QStringLiteral("%1: %2 PIDs").arg(name_of(car, ecu)).arg(ecu.pidSet.size());
+        supporting +=
+            QStringLiteral("%1: %2 PIDs").arg(name_of(car, ecu), QString::number(ecu.pidSet.size()));
         pids += ecu.pidSet.size();
     }
     car.tell(part::vehicle, value_row{{},

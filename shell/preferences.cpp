@@ -104,6 +104,8 @@ QString preferences::address_problem(const QString& address) {
         return QStringLiteral("Only the address itself, without \"//\" and what follows it: 192.168.0.10.");
     if (address.count(u':') == 1)
         return QStringLiteral("The port has its own field below.");
+    if (address.contains(u':') && QHostAddress(address).protocol() != QAbstractSocket::IPv6Protocol)
+        return QStringLiteral("An IPv6 address stands without brackets: fe80::1, or fe80::1%wlan0.");
     if (looks_like_ipv4(address) && QHostAddress(address).toString() != address)
         return QStringLiteral("An address in digits has four numbers from 0 to 255: 192.168.0.10.");
     return {};

@@ -47,9 +47,8 @@ QString link_info_text(readCodes& controller) {
                             adapter_of(controller).protocol_description());
     for (const obd_group& ecu : told_pids(controller))
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
-                    .arg(ecu_label(ecu.header), ecu_name(controller, ecu.header))
-                    .arg(ecu.pidSet.size())
-                    .arg(ecu.pidSet.join(QLatin1Char(' ')));
+                    .arg(ecu_label(ecu.header), ecu_name(controller, ecu.header),
+                         QString::number(ecu.pidSet.size()), ecu.pidSet.join(QLatin1Char(' ')));
     return text;
 }
 

@@ -75,8 +75,7 @@ QStringList freeze_cells(const result_row& row) {
 QStringList vehicle_cells(const result_row& row) {
     if (const auto* ecu = std::get_if<ecu_row>(&row))
         return {QStringLiteral("ECU(%1) %2: has %3 available PIDs")
-                    .arg(ecu_label(ecu->header), ecu->name)
-                    .arg(ecu->pids)};
+                    .arg(ecu_label(ecu->header), ecu->name, QString::number(ecu->pids))};
     const auto* value = std::get_if<value_row>(&row);
     if (!value)
         return {QString(), row_text(part::vehicle, row), QString()};

@@ -29,10 +29,12 @@ struct preferences_screen : running_window {
 } // namespace
 
 TEST(preferences, tells_what_is_wrong_with_a_typed_text) {
-    for (const char* good : {"192.168.0.10", "obd.local", "fe80::1", "123456789012345678901234567890"})
+    for (const char* good :
+         {"192.168.0.10", "obd.local", "fe80::1", "fe80:1111:2222:3333:4444:5555:6666:7777%wlp123s45f67g8"})
         EXPECT_EQ(preferences::address_problem(QLatin1String(good)), QString()) << good;
-    for (const char* bad : {"", " ", "192.168.0.10 ", "a b", "1234567890123456789012345678901"})
+    for (const char* bad : {"", " ", "192.168.0.10 ", "a b", "[fe80::1]", "fe80::1::2"})
         EXPECT_NE(preferences::address_problem(QLatin1String(bad)), QString()) << bad;
+    EXPECT_NE(preferences::address_problem(QString(65, QLatin1Char('x'))), QString());
     for (const char* good : {"1", "35000", "65535", "0035000"})
         EXPECT_EQ(preferences::port_problem(QLatin1String(good)), QString()) << good;
     for (const char* bad : {"", "0", "65536", "-1", "+5", "35000 ", "1e3", "99999999999999999999"})

@@ -67,7 +67,7 @@ TEST(user_defaults, may_have_been_edited_by_hand) {
     EXPECT_EQ(edited("BV_sample_rate=7")->value(setting::sample_rate), 7);
     EXPECT_FALSE(edited("BV_metric_units=")->value(setting::metric_units));
     EXPECT_EQ(edited("wifi_IP=10.0.0.1, 7")->value(setting::wifi_ip), "10.0.0.1,7");
-    EXPECT_EQ(edited("wifi_IP=" + QByteArray(40, 'x'))->value(setting::wifi_ip), QString(30, 'x'));
+    EXPECT_EQ(edited("wifi_IP=" + QByteArray(80, 'x'))->value(setting::wifi_ip), QString(64, 'x'));
     EXPECT_EQ(edited("BV_last_BT=" + QByteArray(9000, 'x'))->value(setting::bluetooth_address).size(), 4096);
     EXPECT_EQ(edited("pidsSampleArray_2=@Invalid()")->value(setting::sample_set.of_vehicle(2)),
               QStringList()); // an empty list, read by another process

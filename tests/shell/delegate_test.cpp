@@ -101,7 +101,7 @@ TEST_F(start_up, the_stored_link) {
         {"Bluetooth does not look at the address", 5, "10.0.0.1", 5, "192.168.0.10"},
         {"Wi-Fi", 6, "10.0.0.1", 6, "10.0.0.1"},
         {"anything else is Wi-Fi", 7, "10.0.0.1", 6, "10.0.0.1"},
-        {"at most thirty characters", -1, QString(40, 'x'), 6, QString(30, 'x')},
+        {"at most sixty-four characters", -1, QString(80, 'x'), 6, QString(64, 'x')},
         {"no number: as the first time", "six", "10.0.0.1", 5, "192.168.0.10"},
     };
     for (const auto& row : rows) {

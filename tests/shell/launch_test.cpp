@@ -38,6 +38,8 @@ TEST(launch_options, choose_the_link_for_this_run) {
         {"--wifi 10.0.0.9:1234", interface_wifi, "10.0.0.9", "1234"},
         {"--wifi=adapter.local:00035", interface_wifi, "adapter.local", "35"},
         {"--wifi [fe80::1]:35000", interface_wifi, "fe80::1", "35000"},
+        {"--wifi [fe80:1111:2222:3333:4444:5555:6666:7777%wlp123s45f67g8]:1", interface_wifi,
+         "fe80:1111:2222:3333:4444:5555:6666:7777%wlp123s45f67g8", "1"},
         {"--simulate", interface_simulated, "192.168.0.10", "35000"},
     };
     QTemporaryDir folder;

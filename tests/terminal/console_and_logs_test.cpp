@@ -101,11 +101,13 @@ TEST(logs, are_shown_and_deleted) {
     // Made by a newer version of the program: it can be read all the same, and is not changed.
     sqlite3* newer = nullptr;
     ASSERT_EQ(sqlite3_open(qPrintable(folder.filePath("Documents/BV_loggies_lite.db")), &newer), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(newer, "PRAGMA user_version=9", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(newer, "PRAGMA user_version=9; UPDATE LOGGIES SET LOG_TYPE='%4%1'", nullptr,
+                           nullptr, nullptr),
+              SQLITE_OK);
     sqlite3_close(newer);
     cli_process list(in_folder({"logs", "list"}));
     EXPECT_EQ(list.status(), 0);
-    EXPECT_TRUE(list.out().contains("Misfire   Cur Veh.  ")) << list.out().constData();
+    EXPECT_TRUE(list.out().contains("%4%1      Cur Veh.  ")) << list.out().constData();
     EXPECT_EQ(cli_process(in_folder({"logs", "show", "2"})).status(), 0);
     EXPECT_EQ(cli_process(in_folder({"--yes", "logs", "delete", "2"})).status(), 1);
 }

@@ -61,10 +61,16 @@ TEST(vehicles_command, keeps_the_vehicles) {
 
 TEST(settings_command, stores_what_the_preferences_would_store) {
     kept_profile home;
-    const QStringList good[] = {{"BV_interface", "6"},    {"wifi_IP", "10.0.0.5"},
-                                {"wifi_port", "35001"},   {"BV_log_runs", "true"},
-                                {"BV_sample_rate", "30"}, {"BV_sample_rate", "-1"},
-                                {"BV_cur_veh_id", "1"},   {"pidsSampleArray_1", "0C,0D|7E8"}};
+    const QStringList good[] = {{"BV_interface", "6"},
+                                {"wifi_IP", "10.0.0.5"},
+                                {"wifi_IP", "2001:0db8:85a3:0000:0000:8a2e:0370:7334"},
+                                {"wifi_IP", "fe80:1111:2222:3333:4444:5555:6666:7777%wlp123s45f67g8"},
+                                {"wifi_port", "35001"},
+                                {"BV_log_runs", "true"},
+                                {"BV_sample_rate", "30"},
+                                {"BV_sample_rate", "-1"},
+                                {"BV_cur_veh_id", "1"},
+                                {"pidsSampleArray_1", "0C,0D|7E8"}};
     for (const QStringList& pair : good) {
         EXPECT_EQ(home.status(QStringList{"settings", "set"} + pair), 0) << pair.join(' ').toStdString();
         EXPECT_EQ(home.out({"settings", "get", pair.first()}), pair.last() + '\n');
@@ -72,6 +78,8 @@ TEST(settings_command, stores_what_the_preferences_would_store) {
     const std::pair<QStringList, int> bad[] = {
         {{"BV_interface", "7"}, 2},
         {{"wifi_IP", "a b"}, 2},
+        {{"wifi_IP", "fe80::1::2"}, 2},
+        {{"wifi_IP", "[fe80::1]"}, 2},
         {{"wifi_port", "70000"}, 2},
         {{"BV_log_runs", "maybe"}, 2},
         {{"BV_sample_rate", "31"}, 2},
