@@ -23,7 +23,8 @@ bool manage_logsDB::loadLogs() {
         [this](const QStringList& newest) {
             total = newest.value(0).toInt();
             return false;
-        });
+        },
+        database::listed);
     if (!read) {
         view.show_message(QStringLiteral("The logs cannot be read"), db.problem());
         return false;
@@ -37,7 +38,7 @@ bool manage_logsDB::loadLogs() {
 
 bool manage_logsDB::load_more(int rows) {
     for (int i = 0; rows_left && i < rows; ++i) {
-        const auto row = rows_left->next();
+        const auto row = rows_left->next(database::listed);
         if (!row) {
             if (rows_left->has_failed())
                 view.show_message(
@@ -65,7 +66,8 @@ log_header manage_logsDB::log_at(qsizetype row) const {
 QString manage_logsDB::name_of_vehicle() {
     return db
         .retrieve_from_DB(fill(QStringLiteral("SELECT * FROM VEHICLES where veh_id=%d"),
-                               {QString::number(state.cur_veh_id())}))
+                               {QString::number(state.cur_veh_id())}),
+                          database::listed)
         .value(0)
         .value(1);
 }

@@ -68,7 +68,7 @@ bool database::init_DB() {
     return usable;
 }
 
-QList<QStringList> database::retrieve_from_DB(const QString& sql) {
+QList<QStringList> database::retrieve_from_DB(const QString& sql, qsizetype longest_text) {
     QList<QStringList> rows;
     if (sql.contains(QStringLiteral("DELETE"))) {
         delete_from_DB(sql);
@@ -76,14 +76,15 @@ QList<QStringList> database::retrieve_from_DB(const QString& sql) {
     }
     try {
         qint64 memory = 0;
-        for_each_row(sql, [&](const QStringList& row) {
+        const auto take = [&](const QStringList& row) {
             for (const QString& text : row)
                 memory += memory_of(text);
             if (memory > largest_result)
                 throw std::length_error("the result is too large; the rest of it is left out");
             rows.append(row);
             return true;
-        });
+        };
+        for_each_row(sql, take, longest_text);
     } catch (const std::exception& reason) {
         what_is_wrong = QString::fromUtf8(reason.what());
         console_log(QStringLiteral("retrieve_vehicles_from_DB::") + what_is_wrong);
@@ -98,14 +99,10 @@ bool database::add_own_parts() {
     return true;
 }
 
-bool database::for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row) {
-    return read(QStringLiteral("retrieve_from_DB"), sql, [&row](sqlite_statement& statement) {
-        QStringList texts;
-        texts.reserve(statement.columns());
-        for (int column = 0; column < statement.columns(); ++column)
-            texts.append(statement.text(column));
-        return row(texts);
-    });
+bool database::for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row,
+                            qsizetype longest_text) {
+    return read(QStringLiteral("retrieve_from_DB"), sql,
+                [&](sqlite_statement& statement) { return row(statement.texts(longest_text)); });
 }
 
 bool database::read(const QString& operation, const QString& sql,

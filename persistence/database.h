@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <limits>
 #include <memory>
 
 namespace brivant {
@@ -46,10 +47,14 @@ public:
     // The rows of any query, each with one text a column in the statement's order, "" for NULL. A query that
     // fails on its way, or needs more than 512 MiB of memory, gives the rows up to there. A text with
     // "DELETE" anywhere runs as a deletion and gives no rows. Results of any size are for for_each_row().
-    QList<QStringList> retrieve_from_DB(const QString& sql);
+    // Lists are read with each text cut at `listed`.
+    static constexpr qsizetype listed = 1000;
+    QList<QStringList> retrieve_from_DB(const QString& sql,
+                                        qsizetype longest_text = std::numeric_limits<int>::max());
     // Hands the rows of a query to `row` one at a time, until it returns false. False when the query failed.
     // The statement cannot change anything. `row` must not use the database.
-    bool for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row);
+    bool for_each_row(const QString& sql, const std::function<bool(const QStringList&)>& row,
+                      qsizetype longest_text = std::numeric_limits<int>::max());
     // Runs a deletion. False when it failed; true also when there was nothing to delete.
     bool delete_from_DB(const QString& sql);
 

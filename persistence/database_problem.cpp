@@ -51,6 +51,15 @@ QString problem_format(int code) {
             "The database %1 lacks what this program keeps in it (%2). It is left as it is: "
             "results are not stored until you put a sound copy in its place or move it away, for "
             "a new one to be made.");
+    case sqlite_failure::foreign:
+        return QStringLiteral(
+            "The database %1 is not a database of this program (%2). It is left as it is: results are "
+            "not stored until you put a sound copy in its place or move it away, for a new one to be "
+            "made.");
+    case SQLITE_INTERRUPT:
+        return QStringLiteral(
+            "The database %1 takes too long to answer, and was not waited for. It may be damaged: keep a "
+            "copy, and put a sound one in its place or move it away, for a new one to be made.");
     default: return QStringLiteral("The database %1 refused an operation: %2.");
     }
 }

@@ -32,14 +32,8 @@ bool row_cursor::advance() {
     return false;
 }
 
-std::optional<QStringList> row_cursor::next() {
-    if (!advance())
-        return std::nullopt;
-    QStringList texts;
-    texts.reserve(statement->columns());
-    for (int column = 0; column < statement->columns(); ++column)
-        texts.append(statement->text(column));
-    return texts;
+std::optional<QStringList> row_cursor::next(qsizetype longest_text) {
+    return advance() ? std::optional(statement->texts(longest_text)) : std::nullopt;
 }
 
 } // namespace brivant

@@ -14,8 +14,9 @@ class row_cursor {
 public:
     row_cursor(const QString& database_path, const QString& sql);
 
-    // The next row, one text a column, "" for NULL; nothing at the end and on failure.
-    std::optional<QStringList> next();
+    // The next row, one text a column, "" for NULL, none longer than `longest_text`; nothing at the end and
+    // on failure.
+    std::optional<QStringList> next(qsizetype longest_text = sqlite_statement::whole);
     // The same without copies, for reading many: false at the end and on failure.
     bool advance();
     // A column of the row that advance() went to, in UTF-8; it holds until the next one.

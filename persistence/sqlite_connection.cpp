@@ -1,8 +1,11 @@
 #include "persistence/sqlite_connection.h"
 
+#include "persistence/schema_check.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QUrl>
+#include <ctime>
 
 namespace brivant {
 
@@ -11,6 +14,14 @@ namespace {
 constexpr int lock_patience_ms = 250;
 // The schema of this program has the number 0, which is what a database without a number has.
 constexpr int known_schema_version = 0;
+constexpr int instructions_between_looks = 10'000; // well under a millisecond
+
+// Of this thread, so that a slow disk does not count.
+qint64 processor_ms() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return qint64{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
 
 } // namespace
 
@@ -38,12 +49,14 @@ bool sqlite_connection::open(const QString& path, db_access access) {
     // A reader too opens the file for writing where it may: only so can SQLite undo what a crash left half
     // done.
     if (access == db_access::reading) {
-        if (!can_be_read() && !open_as_it_stands(path))
+        if ((!can_be_read() && !open_as_it_stands(path)) || !is_own())
             return false;
+        longest_step_ms = reading_ms;
         return execute(QStringLiteral("PRAGMA query_only=1"));
     }
-    if (!is_writable())
+    if (!is_writable() || !is_own())
         return false;
+    longest_step_ms = writing_ms;
     if (access == db_access::appending)
         prepare_for_appending();
     return true;
@@ -52,6 +65,13 @@ bool sqlite_connection::open(const QString& path, db_access access) {
 bool sqlite_connection::can_be_read() {
     sqlite_statement probe(*this, QStringLiteral("PRAGMA schema_version"));
     return probe.is_prepared() && probe.step() == sqlite_statement::stepped::row;
+}
+
+bool sqlite_connection::is_own() {
+    const std::optional<QString> other = table_that_runs_something(*this);
+    if (!other || other->isEmpty())
+        return other.has_value();
+    return fail(sqlite_failure::foreign, QStringLiteral("%1 is no plain table").arg(*other));
 }
 
 // A copy of a database that was in use has the write-ahead log switched on, which needs a file more beside
@@ -99,8 +119,16 @@ bool sqlite_connection::is_writable() {
     return true;
 }
 
+int sqlite_connection::is_over_time(void* connection) {
+    auto& self = *static_cast<sqlite_connection*>(connection);
+    const qint64 now = processor_ms();
+    return now - *(self.step_began_ms = self.step_began_ms.value_or(now)) > self.longest_step_ms ? 1 : 0;
+}
+
 void sqlite_connection::distrust_file() {
+    sqlite3_progress_handler(db, instructions_between_looks, &sqlite_connection::is_over_time, this);
     sqlite3_limit(db, SQLITE_LIMIT_LENGTH, largest_value);
+    sqlite3_limit(db, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 100); // a match is one instruction, however long
     sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
@@ -160,6 +188,7 @@ bool sqlite_connection::fail(int code, const QString& message) {
 
 sqlite_statement::sqlite_statement(sqlite_connection& opened, const QString& sql) : connection(opened) {
     const QByteArray text = sql.toUtf8();
+    connection.step_began_ms.reset(); // the schema is read here
     if (text.size() > sqlite_connection::largest_value)
         connection.fail(SQLITE_TOOBIG, QStringLiteral("statement too long"));
     else
@@ -188,6 +217,7 @@ bool sqlite_statement::bind(int position, const QByteArray& bytes) {
 }
 
 sqlite_statement::stepped sqlite_statement::step() {
+    connection.step_began_ms.reset();
     const int code = sqlite3_step(statement);
     if (code == SQLITE_ROW)
         return stepped::row;
@@ -197,8 +227,21 @@ sqlite_statement::stepped sqlite_statement::step() {
     return stepped::failed;
 }
 
-QString sqlite_statement::text(int column) const {
-    return QString::fromUtf8(bytes(column));
+QString sqlite_statement::text(int column, qsizetype longest) const {
+    constexpr qsizetype bytes_a_character = 3; // at most, where the character is one of QString's
+    const QByteArrayView all = bytes(column);
+    if (all.size() <= longest)
+        return QString::fromUtf8(all);
+    const QString text = QString::fromUtf8(all.first(std::min(all.size(), bytes_a_character * (longest + 1))));
+    return text.size() <= longest ? text : text.first(longest) + QLatin1String("...");
+}
+
+QStringList sqlite_statement::texts(qsizetype longest) const {
+    QStringList all;
+    all.reserve(columns());
+    for (int column = 0; column < columns(); ++column)
+        all.append(text(column, longest));
+    return all;
 }
 
 QByteArrayView sqlite_statement::bytes(int column) const {

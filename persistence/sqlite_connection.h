@@ -2,7 +2,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <functional>
+#include <limits>
+#include <optional>
 #include <sqlite3.h>
 
 namespace brivant {
@@ -13,6 +16,7 @@ struct sqlite_failure {
     static constexpr int newer_database = 1000; // made by a newer version of this program
     static constexpr int not_a_file = 1001;     // a folder, a pipe or a device stands at the path
     static constexpr int incomplete = 1002;     // a database, but without the tables of this program
+    static constexpr int foreign = 1003;        // a table of this program's name runs something of another's
     int code = SQLITE_OK;
     QString message;
 };
@@ -28,11 +32,16 @@ enum class db_access {
 };
 
 // One opened database file; closed with the object. A file from elsewhere is not trusted: no value larger
-// than 64 MiB is read or written, and triggers, views and functions that the file brings along do not run.
-// A lock of another program is waited for a quarter of a second, since all this is on the main thread.
+// than 64 MiB is read or written, triggers, views and functions that the file brings along do not run, a file
+// whose tables would run something is not opened, and no step of a statement goes on without end. A lock of
+// another program is waited for a quarter of a second, since all this is on the main thread.
 class sqlite_connection {
 public:
     static constexpr int largest_value = 64 * 1024 * 1024;
+    // What a step may take of the processor: far more than ten million stored sweeps need.
+    static constexpr int opening_ms = 2000;
+    static constexpr int reading_ms = 5000;
+    static constexpr int writing_ms = 60000;
 
     sqlite_connection(const QString& path, db_access access);
     ~sqlite_connection();
@@ -49,6 +58,8 @@ public:
     void end_log_ahead();
     // Copies the database as it stands into a new file, which is there whole or not at all.
     bool copy_to(const QString& path);
+    // A step that takes longer is broken off with SQLITE_INTERRUPT.
+    void let_steps_take(int ms) { longest_step_ms = ms; }
     bool in_transaction() const { return sqlite3_get_autocommit(db) == 0; }
     // What `work` changes is changed as a whole when it gives true, else not at all.
     bool as_one(const std::function<bool()>& work);
@@ -64,14 +75,18 @@ private:
     bool open(const QString& path, db_access access);
     bool is_writable();
     bool can_be_read();
+    bool is_own();
     bool open_as_it_stands(const QString& path);
     void prepare_for_appending();
     void distrust_file();
+    static int is_over_time(void* connection);
     bool fail();
     bool fail(int code, const QString& message);
 
     sqlite3* db = nullptr;
     sqlite_failure last_failure;
+    int longest_step_ms = opening_ms;
+    std::optional<qint64> step_began_ms; // none until the step takes long enough to be looked at
 };
 
 // A prepared statement of an open connection, which must outlive it. Only the first statement of the text is
@@ -91,9 +106,12 @@ public:
     bool bind(int position, const QByteArray& blob); // null bytes bind NULL
 
     stepped step();
+    void reset() { sqlite3_reset(statement); } // to be bound and stepped anew
     int columns() const { return sqlite3_column_count(statement); }
-    // Columns count from 0. A NULL is the empty text.
-    QString text(int column) const;
+    // Columns count from 0. A NULL is the empty text, and a text longer than `longest` ends with "...".
+    static constexpr qsizetype whole = std::numeric_limits<int>::max();
+    QString text(int column, qsizetype longest = whole) const;
+    QStringList texts(qsizetype longest = whole) const; // of all columns
     // The same without a copy, in UTF-8; it holds until the next step.
     QByteArrayView bytes(int column) const;
     QByteArray blob(int column) const;

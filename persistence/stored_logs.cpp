@@ -16,7 +16,8 @@ std::optional<log_header> log_header_of(const QStringList& row) {
 
 std::optional<log_header> log_with_id(database& db, int log_id) {
     const auto query = QStringLiteral("SELECT * FROM LOGGIES WHERE LOG_ID=%d");
-    return log_header_of(db.retrieve_from_DB(fill(query, {QString::number(log_id)})).value(0));
+    return log_header_of(
+        db.retrieve_from_DB(fill(query, {QString::number(log_id)}), database::listed).value(0));
 }
 
 QString chunks_statement(int log_id) {

@@ -23,7 +23,8 @@ std::optional<vehicle> vehicle_of(const QStringList& row) {
 
 QList<vehicle> all_vehicles(database& db) {
     QList<vehicle> vehicles;
-    const QList<QStringList> rows = db.retrieve_from_DB(QStringLiteral("SELECT * FROM VEHICLES"));
+    const QList<QStringList> rows =
+        db.retrieve_from_DB(QStringLiteral("SELECT * FROM VEHICLES"), database::listed);
     for (const QStringList& row : rows) {
         if (const auto found = vehicle_of(row))
             vehicles.append(*found);
@@ -32,7 +33,9 @@ QList<vehicle> all_vehicles(database& db) {
 }
 
 std::optional<vehicle> vehicle_with_id(database& db, int veh_id) {
-    return vehicle_of(db.retrieve_from_DB(query("SELECT * FROM VEHICLES WHERE VEH_ID=%d", veh_id)).value(0));
+    return vehicle_of(
+        db.retrieve_from_DB(query("SELECT * FROM VEHICLES WHERE VEH_ID=%d", veh_id), database::listed)
+            .value(0));
 }
 
 std::optional<vehicle> vehicle_or_first(database& db, int veh_id) {

@@ -145,7 +145,8 @@ void logs_run::list() {
     const QHash<int, QString> vehicles = names_of(all_vehicles(core.db));
     QJsonArray rows;
     const bool read = core.db.for_each_row(
-        QStringLiteral("SELECT * FROM LOGGIES ORDER by time_stamp DESC "), [&](const QStringList& row) {
+        QStringLiteral("SELECT * FROM LOGGIES ORDER by time_stamp DESC "),
+        [&](const QStringList& row) {
             const auto log = log_header_of(row);
             if (!log)
                 return true;
@@ -160,7 +161,8 @@ void logs_run::list() {
                           .join(QLatin1String("  ")) +
                       u'\n');
             return true;
-        });
+        },
+        database::listed);
     if (core.options.json)
         print_json(QJsonObject{{"logs", rows}});
     end(read ? QString() : core.db.problem(), read);

@@ -104,6 +104,10 @@ TEST(log_list, keeps_the_fields_apart_and_tells_a_damaged_database) {
     bench.run("INSERT INTO LOGGIES (LOG_ID, VEH_ID, LOG_TYPE, time_stamp) VALUES (9, 1, NULL, '2099-01-01')");
     EXPECT_EQ(bench.listed(), QString("9 %1").arg(id));
     EXPECT_EQ(bench.manager.log_at(1).info, "a|b||c");
+
+    bench.run("UPDATE LOGGIES SET INFO = replace(hex(zeroblob(1000000)), '00', char(0x20AC)) WHERE LOG_ID=9");
+    EXPECT_EQ(bench.listed().section(u' ', 0, 0), "9");
+    EXPECT_EQ(bench.manager.log_at(0).info, QString(1000, QChar(0x20AC)) + "...") << "lists are for reading";
     EXPECT_EQ(bench.manager.log_at(1).time_stamp, bench.header(id).time_stamp);
     EXPECT_EQ(bench.manager.log_at(0).type, "");
 

@@ -156,14 +156,54 @@ TEST(unusable_database, what_a_file_brings_along_does_not_run) {
     test_database t;
     ASSERT_TRUE(t.db.init_DB());
     t.outside("CREATE TRIGGER t AFTER INSERT ON LOGGIES BEGIN DELETE FROM VEHICLES; END;"
-              "DROP TABLE VEH_IMAGES; CREATE VIEW VEH_IMAGES AS WITH RECURSIVE n(i) AS "
-              "(SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i AS VEH_ID, x'00' AS PICY FROM n WHERE i < 0;"
               "INSERT INTO LOGGIES_DATA (LOG_ID, DATA) VALUES (1, zeroblob(65 * 1024 * 1024))");
     EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), 1);
     EXPECT_EQ(t.column("SELECT COUNT(*) FROM VEHICLES"), "1");
-    EXPECT_TRUE(t.db.pull_veh_image("VEH_ID=1").isNull());
     EXPECT_EQ(t.db.pull_rawData_fromDB("1", true), "-1");
     EXPECT_TRUE(t.db.problem().contains("too large")) << t.db.problem().toStdString();
+}
+
+TEST(unusable_database, tables_that_would_run_something_are_not_asked) {
+    const QByteArray endless = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT i "
+                               "AS VEH_ID, x'00' AS PICY FROM n WHERE i < 0";
+    const QByteArray slow = "(replace(hex(zeroblob(9000000)), '0', hex(zeroblob(9))) LIKE '%1%1%1%2')";
+    const QByteArray made[] = {
+        "DROP TABLE VEH_IMAGES; CREATE VIEW VEH_IMAGES AS " + endless,
+        "DROP TABLE VEHICLES; CREATE VIRTUAL TABLE VEHICLES USING fts5(VEH_ID, NAME)",
+        "DROP TABLE VEHICLES; CREATE TABLE vehicles (VEH_ID INTEGER PRIMARY KEY, NAME AS " + slow + ")",
+        "ALTER TABLE VEHICLES ADD COLUMN x AS " + slow,
+        "DROP TABLE LOGGIES; CREATE TABLE LOGGIES (LOG_ID INTEGER PRIMARY KEY, INFO CHECK " + slow + ")",
+        "DROP TABLE LOGGIES; CREATE TABLE LOGGIES (LOG_ID INTEGER PRIMARY KEY, INFO DEFAULT " + slow + ")",
+        "CREATE INDEX x ON LOGGIES (" + slow + ")",
+        "CREATE INDEX x ON LOGGIES_DATA (DATA) WHERE DATA LIKE '%a%'",
+        "CREATE TABLE BV_LATER (x, y AS (x))",
+    };
+    for (const QByteArray& sql : made) {
+        SCOPED_TRACE(sql.constData());
+        test_database t;
+        ASSERT_TRUE(t.db.init_DB());
+        t.outside(sql);
+        expect_nothing_is_stored(t, "not a database of this program");
+        EXPECT_EQ(t.column("SELECT COUNT(*) FROM P1_CODES"), "");
+    }
+}
+
+TEST(unusable_database, a_step_without_an_end_is_broken_off) {
+    test_database t;
+    ASSERT_TRUE(t.db.init_DB());
+    for (const db_access access : {db_access::reading, db_access::writing}) {
+        sqlite_connection connection(t.db.path(), access);
+        connection.let_steps_take(20);
+        const auto numbers =
+            QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) ");
+        EXPECT_FALSE(connection.execute(numbers + "SELECT COUNT(*) FROM n"));
+        EXPECT_EQ(connection.failure().code, SQLITE_INTERRUPT);
+        EXPECT_TRUE(problem_sentence("/a/b.db", connection.failure()).contains("too long to answer"));
+        // Many steps may take longer.
+        sqlite_statement rows(connection, numbers + "SELECT i FROM n");
+        for (int i = 0; i < 400'000; ++i)
+            ASSERT_EQ(rows.step(), sqlite_statement::stepped::row);
+    }
 }
 
 } // namespace brivant
