@@ -79,9 +79,9 @@ QString diagnostic_talk::store_anyway(int operation_code) {
 void diagnostic_talk::write_report() {
     if (!log.is_on())
         return;
-    const QString problem = store_report(cur_op());
-    if (!problem.isEmpty())
-        view.show_message(QString(), problem);
+    not_stored = store_report(cur_op());
+    if (!not_stored.isEmpty())
+        view.show_message(QString(), not_stored);
 }
 
 } // namespace brivant

@@ -36,6 +36,8 @@ public:
     // While logging is on: writes the text to the session file; writes and stores the operation's report.
     void append_to_log(const QString& text) { log.append_to_log(text); }
     void write_report();
+    // Why the report that was to be stored last was not, "" when it was.
+    const QString& storing_problem() const { return not_stored; }
     // Stores the operation's report whether logging is on or off; a sentence when it could not be stored.
     QString store_anyway(int operation_code);
     // The report of an operation from what was read last, as it is shown: see report_to_show.
@@ -51,6 +53,7 @@ protected:
 
 private:
     QElapsedTimer since_start;
+    QString not_stored;
     QString store_report(int operation_code);
 };
 

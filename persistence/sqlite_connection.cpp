@@ -232,7 +232,8 @@ QString sqlite_statement::text(int column, qsizetype longest) const {
     const QByteArrayView all = bytes(column);
     if (all.size() <= longest)
         return QString::fromUtf8(all);
-    const QString text = QString::fromUtf8(all.first(std::min(all.size(), bytes_a_character * (longest + 1))));
+    const QString text =
+        QString::fromUtf8(all.first(std::min(all.size(), bytes_a_character * (longest + 1))));
     return text.size() <= longest ? text : text.first(longest) + QLatin1String("...");
 }
 

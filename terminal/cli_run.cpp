@@ -23,7 +23,7 @@ void cli_run::print_result(bool done) {
         print_json(view.with_messages(command.as_json(controller), done));
     else if (done || controller.results.has_any_rows())
         print(command.as_text(controller)); // what was read until it failed, too
-    Q_EMIT finished(done && is_all_printed() ? 0 : 1);
+    Q_EMIT finished(done && controller.storing_problem().isEmpty() && is_all_printed() ? 0 : 1);
 }
 
 } // namespace brivant

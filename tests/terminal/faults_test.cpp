@@ -63,4 +63,16 @@ TEST(interrupt, gives_up_a_link_that_does_not_open) {
     EXPECT_EQ(run.out(), "");
 }
 
+TEST(faults, a_report_that_cannot_be_stored_is_told_by_the_exit_status) {
+    const QTemporaryDir profile;
+    for (int starts = 0; starts < 2; ++starts)
+        EXPECT_EQ(cli_process({"--profile", profile.path(), "vehicles", "list"}).status(), 0);
+    const faulty_disk full{"BV_FAIL_AT", "1+", profile.filePath("told"), "BV_loggies_lite.db"};
+    cli_process cli({"--profile", profile.path(), "--demo", "--log", "read-codes"}, full);
+    EXPECT_EQ(cli.status(), 1);
+    EXPECT_NE(full.struck(), "");
+    EXPECT_TRUE(cli.progress().contains("results are not stored")) << cli.progress().constData();
+    EXPECT_TRUE(cli.out().contains("P0")) << "what was read is printed";
+}
+
 } // namespace brivant
