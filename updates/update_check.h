@@ -1,30 +1,26 @@
 #pragma once
 
+#include "base/whole_file.h"
+#include "updates/bounded_get.h"
 #include "updates/version_file.h"
 
 #include <QCryptographicHash>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QObject>
-#include <QSaveFile>
-#include <QTimer>
+#include <QFile>
 #include <memory>
 #include <optional>
 
 namespace brivant {
 
 // Asks an update server for the newest version, and fetches its archive when the person wants it. Servers are
-// asked by https alone, also where one sends on to another. The archive gets its name only when its size and
-// its SHA-256 are right, and is never run. One thing at a time; nothing is asked but by check() and
-// download().
+// asked by https alone, also where one sends on to another. The archive gets its name only when its size is
+// right and so is its SHA-256 as it lies on the disk; it replaces nothing, and is never run. One thing at a
+// time; nothing is asked but by check() and download().
 class update_check : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int usual_patience_ms = 20000;
-
-    // `running`: the version of this program. `patience_ms`: how long a server may be silent.
-    explicit update_check(const QString& running, int patience_ms = usual_patience_ms,
+    // `running`: the version of this program.
+    explicit update_check(const QString& running, const server_patience& patience = {},
                           QObject* parent = nullptr);
     ~update_check() override;
 
@@ -35,7 +31,7 @@ public:
     // Ends what is under way; nothing of an archive stays behind.
     void stop();
 
-    bool is_running() const { return reply != nullptr; }
+    bool is_running() const { return get.is_running() || archive; }
     // What the server told last; none before that, and after a failed check.
     const std::optional<version_file>& found() const { return newest; }
     bool is_newer() const { return newest && newest->version.normalized() > own; }
@@ -49,28 +45,25 @@ Q_SIGNALS:
     void progress(qint64 received, qint64 total);
 
 private:
-    void ask(const QUrl& address, void (update_check::*when_done)());
-    void take_bytes();
-    void take_redirect(const QUrl& address);
-    void file_is_here();
-    void archive_is_here();
-    bool write_archive(const QByteArray& bytes);
+    void take_bytes(const QByteArray& body);
+    void answer_ended(bool is_whole, const QString& problem);
+    void take_version_file(QString problem);
+    void archive_is_here(bool is_whole, QString problem);
+    void check_a_slice();
+    void keep_archive();
     void end(const QString& problem);
-    QString what_went_wrong() const;
-    qint64 most_bytes() const { return archive ? newest->size : version_file::largest; }
+    QString cannot_be_written() const;
 
     const QVersionNumber own; // without zeros at its end
-    QNetworkAccessManager network;
-    QTimer patience;
+    bounded_get get;
     std::optional<version_file> newest;
     QString kept;
 
-    QNetworkReply* reply = nullptr;
-    QString broken_off; // why this program ended the transfer, "" while it has not
-    QByteArray received;
-    qint64 received_bytes = 0;
-    std::unique_ptr<QSaveFile> archive; // while one is fetched
+    QByteArray received;                 // of a version file
+    std::unique_ptr<whole_file> archive; // while one is fetched
+    QFile written;                       // the archive as it lies on the disk, while it is looked at
     QCryptographicHash digest{QCryptographicHash::Sha256};
+    QTimer slices;
 };
 
 } // namespace brivant

@@ -16,12 +16,15 @@ bool matches(const QString& pattern, const QString& text) {
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
 }
 
-// Below the folder of the version file, under a name that cannot be that of another file of the person's.
-bool is_archive_path(const QString& path) {
+// Below the folder of the version file, under a name that tells the version and cannot be that of another
+// file of the person's.
+bool is_archive_path(const QString& path, const QString& version) {
     return path.size() <= 200 && !path.contains(QLatin1String("..")) &&
-           matches(QStringLiteral("([A-Za-z0-9_-][A-Za-z0-9._+-]*/)*brivant-lite[-_][A-Za-z0-9._+-]+"
-                                  "\\.(tar\\.(xz|gz|bz2|zst)|zip|deb)"),
-                   path);
+           matches(
+               QStringLiteral("([A-Za-z0-9_-][A-Za-z0-9._+-]*/)*brivant-lite[-_]%1([_+-][A-Za-z0-9._+-]*)?"
+                              "\\.(tar\\.(xz|gz|bz2|zst)|zip|deb)")
+                   .arg(QRegularExpression::escape(version)),
+               path);
 }
 
 bool is_this_computer(const QString& host) {
@@ -50,8 +53,8 @@ std::optional<version_file> version_file::of(const QByteArray& json, const QUrl&
     if (version.segmentCount() < 1 || version.segmentCount() > 4 || behind != number.size())
         return refuse(QStringLiteral("it names no version"));
     const QString path = object.value(QStringLiteral("archive")).toString();
-    if (!is_archive_path(path))
-        return refuse(QStringLiteral("it names no archive of this program"));
+    if (!is_archive_path(path, number))
+        return refuse(QStringLiteral("it names no archive of this program and version"));
     const double size = object.value(QStringLiteral("size")).toDouble();
     if (!(size >= 1 && size <= static_cast<double>(largest_archive)) || size != std::floor(size))
         return refuse(QStringLiteral("the size of the archive is not between 1 byte and 1 GiB"));

@@ -14,8 +14,8 @@ namespace brivant {
 //    "size": 12345678,
 //    "sha256": "64 hexadecimal digits of the archive"}
 //
-// The archive lies beside the file, or below it ("1.2/brivant-lite-1.2.0.tar.xz"); its last part is the name
-// it is kept under. Other members are left alone.
+// The archive lies beside the file, or below it ("1.2/brivant-lite-1.2.0-amd64.tar.xz"); its last part, which
+// holds the version as the file writes it, is the name it is kept under. Other members are left alone.
 struct version_file {
     static constexpr qint64 largest = 64 * 1024;
     static constexpr qint64 largest_archive = qint64{1} << 30;
