@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <cstdio>
+#include <sys/stat.h>
 
 using namespace brivant;
 
@@ -71,6 +72,7 @@ int run(const launch_options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    umask(S_IRWXG | S_IRWXO); // what a car and its driver have done is nobody else's business
     QCoreApplication::setApplicationName(QStringLiteral("brivant-lite"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BV_VERSION));
     silence_console_log();

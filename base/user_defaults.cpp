@@ -1,9 +1,14 @@
 #include "base/user_defaults.h"
 
+#include "base/console_log.h"
+
 namespace brivant {
 
-user_defaults::user_defaults(const QString& file) : written(file, QSettings::IniFormat) {
-    written.setFallbacksEnabled(false);
+user_defaults::user_defaults(const QString& path) : file(path), values(file.values()) {}
+
+user_defaults::~user_defaults() {
+    if (is_due)
+        synchronise();
 }
 
 QVariant user_defaults::usable_value(const setting_row& which) const {
@@ -13,10 +18,12 @@ QVariant user_defaults::usable_value(const setting_row& which) const {
         if (own != overridden.constEnd())
             return *own;
     }
-    const QVariant stored = written.value(key);
-    if (which.type == setting_row::kind::texts && !stored.isValid() && written.contains(key))
+    const auto stored = values.constFind(key);
+    if (stored == values.constEnd())
+        return {};
+    if (which.type == setting_row::kind::texts && !stored->isValid())
         return QStringList(); // an empty list is stored as an invalid value
-    return which.checked(stored);
+    return which.checked(*stored);
 }
 
 QVariant user_defaults::value_in_force(const setting_row& which) const {
@@ -25,7 +32,7 @@ QVariant user_defaults::value_in_force(const setting_row& which) const {
 }
 
 void user_defaults::store(const setting_row& which, const QVariant& value) {
-    written.setValue(which.file_key(), value);
+    change(which, value);
 }
 
 void user_defaults::store_first_values(std::initializer_list<setting_row> which) {
@@ -34,12 +41,37 @@ void user_defaults::store_first_values(std::initializer_list<setting_row> which)
 }
 
 void user_defaults::remove(const setting_row& which) {
-    written.remove(which.file_key());
+    change(which, std::nullopt);
+}
+
+void user_defaults::change(const setting_row& which, const std::optional<QVariant>& value) {
+    const QString key = which.file_key();
+    unwritten.insert(key, value);
+    if (value)
+        values.insert(key, *value);
+    else
+        values.remove(key);
+    if (!std::exchange(is_due, true))
+        QMetaObject::invokeMethod(
+            &next_turn,
+            [this] {
+                if (is_due)
+                    synchronise();
+            },
+            Qt::QueuedConnection);
 }
 
 bool user_defaults::synchronise() {
-    written.sync();
-    return written.status() == QSettings::NoError;
+    is_due = false;
+    if (!unwritten.isEmpty() && !file.change(unwritten)) {
+        console_log(file.problem());
+        return false;
+    }
+    unwritten.clear();
+    const auto held = file.values();
+    if (file.problem().isEmpty())
+        values = held;
+    return file.problem().isEmpty();
 }
 
 } // namespace brivant

@@ -1,18 +1,22 @@
 #pragma once
 
+#include "base/settings_file.h"
 #include "base/settings_table.h"
 
 #include <QHash>
-#include <QSettings>
+#include <QObject>
 
 namespace brivant {
 
 // The user defaults: one INI file, which may have been edited by hand. What is read of it has passed the
-// checks of the table. Values set are seen by the next reader at once.
+// checks of the table. Values set are seen by the next reader at once, and reach the file with the next turn
+// of the event loop, or when this goes away.
 class user_defaults {
 public:
     // `file`: path of the INI file; it need not exist.
     explicit user_defaults(const QString& file);
+    ~user_defaults();
+    Q_DISABLE_COPY_MOVE(user_defaults)
 
     // The value in force; the first value while there is none that can be used.
     template <typename T>
@@ -41,13 +45,21 @@ public:
         store(which, value);
         overridden.remove(which.file_key());
     }
-    // Writes to the file now. False when it cannot be written or was unreadable.
+    // Writes to the file now. False when it cannot be written or was unreadable: see problem(). What was not
+    // written is tried again with the next change.
     bool synchronise();
+    // A sentence for the person, "" while the file is in order.
+    const QString& problem() const { return file.problem(); }
 
 private:
     QVariant usable_value(const setting_row& which) const;
+    void change(const setting_row& which, const std::optional<QVariant>& value);
 
-    QSettings written;
+    settings_file file;
+    QHash<QString, QVariant> values; // what the file holds, and what is to be written
+    ini_changes unwritten;
+    bool is_due = false; // they have not been tried
+    QObject next_turn;
     QHash<QString, QVariant> overridden;
 };
 

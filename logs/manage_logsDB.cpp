@@ -116,7 +116,7 @@ QStringList manage_logsDB::files_of(const log_header& log) const {
     for (const QString& folder : {paths.application_folder, paths.documents}) {
         for (const bool as_txt : {false, true}) {
             const QString file =
-                fill(QStringLiteral("%@/loggies/%@"), {folder, export_file_name(log, as_txt)});
+                fill(QStringLiteral("%@/loggies/%@"), {folder, numbered_export_file_name(db, log, as_txt)});
             if (QFile::exists(file))
                 files += file;
         }

@@ -7,9 +7,7 @@
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
 
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 
 namespace brivant {
 
@@ -43,16 +41,16 @@ bool log_export::begin(int log_id, bool as_txt) {
                                     : QStringLiteral("There is no log with the number %1.").arg(log_id));
     announced = found->info.section(u' ', 0, 0).toLongLong();
 
-    const QString name = export_file_name(*found, as_txt);
+    const QString name = numbered_export_file_name(db, *found, as_txt);
     final_path = work_out_log_fname(settings.documents, name);
     // A file of that name goes from the application folder, not from this one, where it is replaced: on
     // purpose.
     if (QFile::exists(final_path))
         delete_a_log(settings.application_folder, name);
-    file.setFileName(final_path + QStringLiteral(".part"));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    file = std::make_unique<whole_file>(final_path);
+    if (!file->begin())
         return fail(QStringLiteral("%1 cannot be written (%2). Check the rights of its folder.")
-                        .arg(final_path, file.errorString()));
+                        .arg(final_path, file->errorString()));
     phase = stage::finding_columns;
     return open_rows();
 }
@@ -124,20 +122,14 @@ bool log_export::write_lines(int lines) {
 
 bool log_export::write(const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    if (file.write(bytes) == bytes.size() && file.flush())
-        return true;
-    return fail(QStringLiteral("%1 cannot be written to its end (%2). Is the disk full?")
-                    .arg(final_path, file.errorString()));
+    return file->write(bytes) == bytes.size() || fail_to_write();
 }
 
 bool log_export::finish() {
-    file.close();
     rows.reset();
-    const QByteArray from = QFile::encodeName(file.fileName());
-    const QByteArray to = QFile::encodeName(final_path);
-    if (std::rename(from.constData(), to.constData()) != 0) // in one go, over the export of another time
-        return fail(
-            QStringLiteral("%1 cannot be put in place (%2).").arg(final_path, qt_error_string(errno)));
+    if (!file->commit()) // in one go, over the export of another time
+        return fail_to_write();
+    file.reset();
     phase = stage::done;
     return false;
 }
@@ -146,16 +138,20 @@ void log_export::stop() {
     if (phase != stage::finding_columns && phase != stage::writing)
         return;
     rows.reset();
-    file.close();
-    file.remove();
+    file.reset();
     phase = stage::idle;
+}
+
+bool log_export::fail_to_write() {
+    return fail(QStringLiteral("%1 cannot be written to its end (%2). Is the disk full?")
+                    .arg(final_path, file->errorString()));
 }
 
 bool log_export::fail(const QString& sentence) {
     console_log(QStringLiteral("Fallo export_fromDB_2_CSV::%1").arg(sentence));
     what_is_wrong = sentence;
     rows.reset();
-    file.close();
+    file.reset();
     phase = stage::failed;
     return false;
 }

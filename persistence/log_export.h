@@ -2,11 +2,11 @@
 
 #include "base/shared_types.h"
 #include "base/text_resources.h"
+#include "base/whole_file.h"
 #include "obd/readings/sampled_value.h"
 #include "persistence/database.h"
 #include "persistence/row_cursor.h"
 
-#include <QFile>
 #include <memory>
 
 namespace brivant {
@@ -22,8 +22,7 @@ struct export_settings {
 
 // Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it
 // can be shown, stopped, and of any length. The values are those of the unit system and the reading in force.
-// Under its final name the file is whole: what is written before that, or left by a failure, is called
-// "<name>.part".
+// Under its final name the file is whole.
 class log_export {
 public:
     log_export(database& store, const text_resources& texts, export_settings its_settings);
@@ -53,6 +52,7 @@ private:
     bool write_lines(int lines);
     bool write(const QString& text);
     bool fail(const QString& sentence);
+    bool fail_to_write();
     bool finish();
     QString header() const;
     QString line_of(const QStringList& row) const;
@@ -68,7 +68,7 @@ private:
     qint64 written = 0;
     QStringList column_pids; // "" until a line tells it
     QString final_path;
-    QFile file;
+    std::unique_ptr<whole_file> file;
     std::unique_ptr<row_cursor> rows;
     QString what_is_wrong;
 };

@@ -1,5 +1,6 @@
 #include "shell/program_core.h"
 
+#include "persistence/private_files.h"
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"
 
@@ -8,6 +9,7 @@ namespace brivant {
 program_core::program_core(const launch_options& what_was_asked)
     : options(what_was_asked), paths(app_paths::for_profile(profile_folder(), &bad_folder)),
       defaults(paths.settings_file), db(paths.documents) {
+    make_files_private(paths, db.path());
     if (options.log)
         defaults.override_for_this_run(setting::log_runs, true);
     if (options.metric)

@@ -142,8 +142,7 @@ QString vehicle_list::make_current(int veh_id) {
     defaults.set(setting::current_vehicle, veh_id);
     return defaults.synchronise()
                ? QString()
-               : QStringLiteral("The vehicle is current until the program ends: the settings "
-                                "file cannot be written.");
+               : QStringLiteral("The vehicle is current until the program ends. ") + defaults.problem();
 }
 
 QString vehicle_list::name_problem(const QString& name) {

@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QTimer>
+#include <sys/stat.h>
 
 using namespace brivant;
 
@@ -117,6 +118,7 @@ int run(const launch_options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    umask(S_IRWXG | S_IRWXO); // what a car and its driver have done is nobody else's business
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("brivant-lite"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BV_VERSION));

@@ -161,9 +161,7 @@ command_result run_settings(const profile_context& context, const QStringList& w
     if (sets) {
         result.problem = store(context, rows.first(), words.at(2));
         if (result.problem.isEmpty() && !context.core.defaults.synchronise())
-            result.problem =
-                QStringLiteral("The file %1 cannot be written: check its rights and the room on the disk.")
-                    .arg(context.core.paths.settings_file);
+            result.problem = context.core.defaults.problem();
     }
     QJsonObject values;
     for (const setting_row& row : rows) {

@@ -2,6 +2,7 @@
 
 #include "app/sharing/saving.h"
 #include "app/sharing/share_menu.h"
+#include "base/whole_file.h"
 #include "persistence/vehicles.h"
 
 #include <QDateTime>
@@ -11,7 +12,6 @@
 #include <QMenu>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QSaveFile>
 #include <QTextCursor>
 #include <QTextDocument>
 
@@ -114,8 +114,8 @@ void report_button::save_as_text(const QString& file) {
 }
 
 void report_button::save_as_pdf(const QString& file) {
-    QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly))
+    whole_file target(file);
+    if (!target.begin())
         return context.frame.tell(not_saved(report_word, file, target.errorString()));
     {
         QPdfWriter writer(&target);

@@ -60,10 +60,8 @@ void run_head::store_runs_toggled(bool on) {
         return;
     defaults.set(setting::log_runs, on);
     if (!defaults.synchronise())
-        context.window.show_message(QString(),
-                                    QStringLiteral("The choice holds until the program ends: the file %1 "
-                                                   "cannot be written.")
-                                        .arg(context.core.paths.settings_file));
+        context.window.show_message(
+            QString(), defaults.problem() + QStringLiteral(" The choice holds until the program ends."));
     context.frame.settings_changed();
 }
 

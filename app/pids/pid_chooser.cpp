@@ -218,8 +218,7 @@ void pid_chooser::store(qsizetype current) {
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
-             QStringLiteral("The file %1 cannot be written: the choice holds until the program ends.")
-                 .arg(context.core.paths.settings_file)});
+             context.core.defaults.problem() + QStringLiteral(" The choice holds until the program ends.")});
     offered_rows.reload(false);
     chosen_rows.reload(true);
     chosen->selectRow(static_cast<int>(std::min(current, choice.chosen().size() - 1)));

@@ -185,11 +185,9 @@ void prefs_view::show_problems() {
 
 void prefs_view::tell_unless(bool written) {
     if (!written)
-        context.frame.tell(
-            {QStringLiteral("The preferences cannot be kept"),
-             QStringLiteral("The file %1 cannot be written. What you changed holds until the program "
-                            "ends; check the rights of the file and the room on the disk.")
-                 .arg(context.core.paths.settings_file)});
+        context.frame.tell({QStringLiteral("The preferences cannot be kept"),
+                            context.core.defaults.problem() +
+                                QStringLiteral(" What you changed holds until the program ends.")});
 }
 
 } // namespace brivant

@@ -7,7 +7,7 @@ void choose_reading(const view_context& context, bool standard) {
     if (!context.core.defaults.synchronise())
         context.frame.tell(
             {QStringLiteral("The choice cannot be kept"),
-             QStringLiteral("The settings cannot be written; it holds until the program ends.")});
+             context.core.defaults.problem() + QStringLiteral(" It holds until the program ends.")});
     context.window.reload(part::reading);
 }
 

@@ -1,6 +1,7 @@
 #include "app/sharing/picture_saver.h"
 
 #include "app/sharing/saving.h"
+#include "base/whole_file.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -10,7 +11,6 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QSaveFile>
 #include <algorithm>
 
 namespace brivant {
@@ -54,9 +54,9 @@ void picture_saver::save() {
 }
 
 void picture_saver::save_to(const QString& file) {
-    QSaveFile target(file);
+    whole_file target(file);
     QString problem;
-    if (!target.open(QIODevice::WriteOnly)) {
+    if (!target.begin()) {
         problem = target.errorString();
     } else if (file.endsWith(pdf, Qt::CaseInsensitive)) {
         QPdfWriter page(&target);

@@ -1,6 +1,7 @@
 #include "app/sharing/share_menu.h"
 
 #include "app/sharing/saving.h"
+#include "base/whole_file.h"
 
 #include <QClipboard>
 #include <QFileDialog>
@@ -8,7 +9,6 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QPrinter>
-#include <QSaveFile>
 #include <QTextDocument>
 
 namespace brivant {
@@ -41,8 +41,8 @@ void print(QPushButton& button, const shared_text& shared) {
 
 bool save_shared_text(window_frame& frame, const shared_text& shared, const QString& file) {
     const QByteArray bytes = shared.text().toUtf8();
-    QSaveFile target(file);
-    if (target.open(QIODevice::WriteOnly) && target.write(bytes) == bytes.size() && target.commit())
+    whole_file target(file);
+    if (target.begin() && target.write(bytes) == bytes.size() && target.commit())
         return true;
     frame.tell(not_saved(shared.what, file, target.errorString()));
     return false;

@@ -244,8 +244,24 @@ TEST(log_export, the_same_name_again) {
     t.exported(longer);
     EXPECT_TRUE(session.exists());
     EXPECT_EQ(t.exported(shorter), "Engine RPM (RPM)\n1726.000000\n");
+    const QStringList both{"2013-05-01_16_03_07_Log (2).csv", "2013-05-01_16_03_07_Log.csv"};
+    EXPECT_EQ(t.exports(), both);
+    EXPECT_TRUE(session.exists());
+    EXPECT_EQ(t.exported(longer), QString::fromUtf8(t.bytes_of(t.path(both.last()))));
     EXPECT_FALSE(session.exists()); // the file of that name goes from the other folder
-    EXPECT_EQ(t.exports(), QStringList("2013-05-01_16_03_07_Log.csv"));
+    EXPECT_EQ(t.exports(), both);
+    const int of_another_kind = t.stored({{"410D3C"}}, "Boost");
+    EXPECT_FALSE(t.exported(of_another_kind).isEmpty());
+    EXPECT_TRUE(QFile::exists(t.path("2013-05-01_16_03_07_Boost.csv")));
+    // The clock is put back in autumn: one local time for two logs.
+    const int twice = t.stored({{"410D3C"}});
+    t.outside(QString("UPDATE LOGGIES SET time_stamp='2013-10-27 00:30:00' WHERE LOG_ID=%1;"
+                      "UPDATE LOGGIES SET time_stamp='2013-10-27 01:30:00' WHERE LOG_ID=%2")
+                  .arg(longer)
+                  .arg(twice)
+                  .toUtf8());
+    EXPECT_TRUE(t.exported(longer) != "" && t.exported(twice) != "");
+    EXPECT_TRUE(QFile::exists(t.path("2013-10-27_02_30_00_Log (2).csv")));
 
     // No name leads out of the folder.
     t.exported(t.stored({{"410D3C"}}, "../../Log"));
@@ -267,7 +283,7 @@ TEST(log_export, a_log_or_a_folder_that_is_not_there) {
 
     // A folder stands where the file would be.
     ASSERT_TRUE(QDir(t.folder.path()).mkpath("loggies/2013-05-01_16_03_07_Log.csv/inside"));
-    EXPECT_TRUE(t.exported(id).contains("cannot be put in place"));
+    EXPECT_TRUE(t.exported(id).contains("Log.csv cannot be written (a folder has this name)"));
 
     // The table goes away meanwhile.
     ASSERT_TRUE(QDir(t.folder.filePath("loggies")).removeRecursively());
@@ -292,8 +308,15 @@ TEST(log_export, stopped_in_the_middle_leaves_nothing) {
         ASSERT_TRUE(exporting.begin(id, false));
         ASSERT_TRUE(exporting.step(5));
         ASSERT_TRUE(exporting.step(5));
-        EXPECT_EQ(t.exports(), QStringList("2013-05-01_16_03_07_Log.csv.part"));
+        EXPECT_FALSE(QFile::exists(t.path()));
+        log_export beside(t.db, t.lists, t.settings); // another program's, say, of the same log
+        ASSERT_TRUE(beside.begin(id, false) && beside.step(5));
+        EXPECT_EQ(t.exports().size(), 2);
         exporting.stop();
+        while (beside.step(5)) {
+        }
+        EXPECT_EQ(t.bytes_of(t.path()).count('\n'), 21);
+        EXPECT_TRUE(QFile::remove(t.path()));
         EXPECT_EQ(t.exports(), QStringList());
         EXPECT_FALSE(exporting.step(5) || exporting.succeeded());
         EXPECT_EQ(t.exports(), QStringList());
@@ -321,14 +344,15 @@ TEST(log_export, a_disk_that_fills_up) {
         log_export exporting(t.db, t.lists, t.settings);
         ASSERT_TRUE(exporting.begin(many, false));
         {
-            const full_disk full(4096);
+            const full_disk full(4096); // less than what is written at a time
             while (exporting.step(100)) {
             }
         }
         EXPECT_FALSE(exporting.succeeded());
         EXPECT_TRUE(exporting.problem().contains("Is the disk full?")) << exporting.problem().toStdString();
         EXPECT_EQ(t.bytes_of(t.path()), before.toUtf8());
-        EXPECT_EQ(QFile::exists(t.path()), was_exported_before);
+        EXPECT_EQ(t.exports(),
+                  was_exported_before ? QStringList("2013-05-01_16_03_07_Log.csv") : QStringList());
     }
 }
 
