@@ -96,4 +96,9 @@ timer_handle qt_timers::repeating(int delay_ms, std::function<void()> call) {
     return std::make_unique<event_loop_timer>(events, delay_ms, true, std::move(call));
 }
 
+std::int64_t qt_timers::microseconds() const {
+    using namespace std::chrono;
+    return duration_cast<std::chrono::microseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
 } // namespace brivant

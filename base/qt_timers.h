@@ -12,6 +12,7 @@ public:
 
     [[nodiscard]] timer_handle one_shot(int milliseconds, std::function<void()> call) override;
     [[nodiscard]] timer_handle repeating(int milliseconds, std::function<void()> call) override;
+    std::int64_t microseconds() const override;
 
 private:
     std::shared_ptr<class timer_events> events;

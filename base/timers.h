@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -18,6 +19,8 @@ public:
     virtual ~timers() = default;
     [[nodiscard]] virtual timer_handle one_shot(int milliseconds, std::function<void()> call) = 0;
     [[nodiscard]] virtual timer_handle repeating(int milliseconds, std::function<void()> call) = 0;
+    // Microseconds of a clock that only goes forward, whatever is done to the date.
+    virtual std::int64_t microseconds() const = 0;
 };
 
 } // namespace brivant

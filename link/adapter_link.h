@@ -68,6 +68,7 @@ public:
     void send(const sent_command& command);
     void sendOBDcmd(const QString& command) { send(as_typed(command)); }
     int timeouts() const { return traffic.timeouts(); }
+    const exchange_moments& moments() const { return traffic.moments(); }
     void warn_no_more() { traffic.warn_no_more(); }
     bool is_being_answered() const { return traffic.is_being_answered(); }
     // Any byte makes an adapter stop what it is answering.

@@ -67,7 +67,10 @@ void exchange::write() {
         on_the_way.removeFirst();
     on_the_way += cur_cmd;
     start_timer(&exchange::obdTimedOutHandler); // before writing: a simulated reply arrives inside the write
+    its_moments = {clock.microseconds(), 0, 0};
     owner.transmit(bytes);
+    if (its_moments.first_byte == 0)
+        its_moments.asked = clock.microseconds();
 }
 
 void exchange::start_timer(void (exchange::*then)()) {
@@ -117,6 +120,9 @@ QString exchange::cut_reply(QByteArrayView bytes, qsizetype prompt) {
 }
 
 void exchange::handleOBDRcvdNotification(const QString& text) {
+    its_moments.last_byte = clock.microseconds();
+    if (its_moments.first_byte == 0)
+        its_moments.first_byte = its_moments.last_byte;
     const QByteArray bytes = text.toUtf8();
     console_log_utf8({"delegate:handleOBDRcvd<<<<<<<<< [", bytes, "]"});
     QByteArrayView rest = bytes;
@@ -134,6 +140,7 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
         if (!looks_on) // what else came at once was sent before the next command
             return drop_earlier(std::count(rest.begin(), rest.end(), '>'));
         rx_accum.clear();
+        its_moments.first_byte = 0; // it was that of a late reply
     }
 }
 

@@ -28,6 +28,15 @@ public:
     virtual void adapter_started_anew() = 0;
 };
 
+// When a command was asked and answered, in microseconds of timers::microseconds(). A value is true in the
+// middle between the last byte of its request and the first byte of its reply.
+struct exchange_moments {
+    qint64 asked = 0;      // its last byte went out
+    qint64 first_byte = 0; // of the reply; 0 while none came
+    qint64 last_byte = 0;
+    qint64 middle() const { return first_byte == 0 ? asked : asked + (first_byte - asked) / 2; }
+};
+
 // The command in flight: sent, timed, its reply cut at ">", normalised, checked, asked again or given up. At
 // most one command waits for a reply at any time; only its reply is handed on. Its
 // owner, and what it reads, live as long as it does.
@@ -63,6 +72,8 @@ public:
     // It has not come in time, and is not waited for any more.
     void forget_late_replies() { drop_earlier(on_the_way.size()); }
     const sent_command& current_command() const { return cur_cmd; }
+    // Those of the command in flight, or of the last one.
+    const exchange_moments& moments() const { return its_moments; }
 
 private:
     void write();
@@ -88,6 +99,7 @@ private:
     exchange_owner& owner;
 
     sent_command cur_cmd;
+    exchange_moments its_moments;
     timer_handle obdTimeOutTimer;
     rx_buffer rx_accum;          // bytes received since the last complete reply
     rx_buffer rx_reply;          // the complete reply just cut from rx_accum

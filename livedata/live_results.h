@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/sample_matrix.h"
+#include "livedata/sweep_moments.h"
 #include "livedata/sweep_times.h"
 #include "obd/pid_catalogue.h"
 
@@ -41,6 +42,7 @@ struct live_results {
     sample_matrix cur_log_points;
     bool needs_sweeps = false; // some numbers need the whole sweep: see work_out_sweeps
     sweep_times times;
+    sweep_moments moments;
 
     qint64 sample_cnt = 0;  // complete sweeps of the run that have a value
     int log_sample_cnt = 0; // of them stored

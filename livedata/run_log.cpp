@@ -43,6 +43,7 @@ void run_log::create_row(int operation, int veh_id) {
     what_is_wrong.clear();
     if (!db.init_DB())
         return fail();
+    has_moments = db.add_own_parts(); // else the run is stored as before
     db.begin_lines(); // before the header: one without lines is a leftover when no run is marked
     cur_log_DB_id = db.add_2_LOG_DB(log_type_of(operation), veh_id, info_of_open_run);
     if (cur_log_DB_id > 0)
@@ -60,13 +61,15 @@ void run_log::work_out_log_file(int operation, bool metric) {
         console_log(QStringLiteral("work_out_log_file::%1").arg(log_out_stream.errorString()));
 }
 
-bool run_log::sweep_complete(const QString& line) {
+bool run_log::sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when) {
     if (!is_on() || !stores_this_sweep())
         return false;
-    const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line);
+    if (log_sample_cnt == 0)
+        start_utc_ms = started_utc_ms;
+    const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line, when);
     if (!stored) {
         ++lost;
-        owes_gap = log_sample_cnt > 0;
+        owe_gap(when.ms);
     }
     if (log_now_delayed && g_sample_rate != -1) {
         sample_timer = clock.one_shot(g_sample_rate * 1000, [this] { sample_delayed(); });
@@ -77,8 +80,14 @@ bool run_log::sweep_complete(const QString& line) {
     return stored;
 }
 
-void run_log::store_gap(int columns) {
+void run_log::owe_gap(double ms) {
+    if (!owes_gap)
+        gap_ms = ms;
     owes_gap = log_sample_cnt > 0;
+}
+
+void run_log::store_gap(int columns, double ms) {
+    owe_gap(ms);
     if (is_on())
         store_owed_gap(columns);
 }
@@ -86,13 +95,19 @@ void run_log::store_gap(int columns) {
 bool run_log::store_owed_gap(int columns) {
     if (!owes_gap)
         return true;
-    owes_gap = !store(QStringList(columns, no_reply).join(u','));
+    owes_gap = !store(QStringList(columns, no_reply).join(u','), {gap_ms, {}});
     gaps += owes_gap ? 0 : 1;
     return !owes_gap;
 }
 
-bool run_log::store(const QString& line) {
-    if (db.append_2_LOG_DB(line, cur_GPS_info, log_sample_cnt, cur_log_DB_id) <= 0) {
+// A line and its moment are stored as one.
+bool run_log::store(const QString& line, const sweep_moment& when) {
+    const bool is_stored = db.change([&](sqlite_connection&) {
+        return db.append_2_LOG_DB(line, cur_GPS_info, log_sample_cnt, cur_log_DB_id) > 0 &&
+               (!has_moments || (store_moment(db, cur_log_DB_id, log_sample_cnt, when) &&
+                                 (log_sample_cnt > 0 || store_run_start(db, cur_log_DB_id, start_utc_ms))));
+    });
+    if (!is_stored) {
         fail();
         return false;
     }

@@ -2,7 +2,7 @@
 
 #include "base/app_paths.h"
 #include "base/timers.h"
-#include "persistence/database.h"
+#include "persistence/stored_moments.h"
 
 #include <QFile>
 #include <functional>
@@ -27,11 +27,13 @@ public:
     // The session file of the operation.
     void work_out_log_file(int operation, bool metric);
     // A sweep is complete: its line is stored when it is its turn. True when it was.
-    bool sweep_complete(const QString& line);
+    // `started_utc_ms`: when the run began to ask.
+    bool sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when);
     // True when the sweep under way is one to be stored.
     bool stores_this_sweep() const { return g_sample_rate == -1 || log_now_delayed; }
     // Sweeps of so many columns are missing from here on: a gap, whatever the rate, behind the first sweep.
-    void store_gap(int columns);
+    // `ms`: when it began, since the run's start.
+    void store_gap(int columns, double ms);
     // The run has ended: its header gets the final text, or goes away when no line was stored.
     void end();
 
@@ -51,8 +53,9 @@ public:
 
 private:
     void sample_delayed() { log_now_delayed = true; }
-    bool store(const QString& line);
+    bool store(const QString& line, const sweep_moment& when);
     bool store_owed_gap(int columns);
+    void owe_gap(double ms);
     void fail();
     QString final_info() const;
 
@@ -65,6 +68,9 @@ private:
     int gaps = 0;           // of them those without a sweep
     int lost = 0;
     bool owes_gap = false; // sweeps are missing behind the last line
+    double gap_ms = 0;     // from here on
+    bool has_moments = false;
+    qint64 start_utc_ms = 0;
     int g_sample_rate = -1;
     bool log_now_delayed = false;
     timer_handle sample_timer;

@@ -7,6 +7,7 @@
 #include "obd/reply_text.h"
 #include "obd/supported_pids.h"
 
+#include <QDateTime>
 #include <algorithm>
 #include <cmath>
 
@@ -58,6 +59,7 @@ void sampling_talk::started() {
     sweeps_begun = 0;
     end_gap();
     results.times.clear();
+    results.moments.clear();
 }
 
 // --- before the first request ------------------------------------------------------------------------------
@@ -122,6 +124,9 @@ car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again,
     const QString request = QStringLiteral("01 ") + pid;
     const bool shown = link.adapter().headers_shown();
     results.times.run_begins();
+    const qint64 now = link.time_source().microseconds();
+    results.moments.run_begins(now, QDateTime::currentMSecsSinceEpoch());
+    results.moments.asks(now);
     return send({.text = request + u'\r',
                  .expectedReply = shown ? QString() : positive_reply_of(request),
                  .has_header = shown,
@@ -168,10 +173,12 @@ QString sampling_talk::data_of_reply(const reply& what_came, int index) {
     const QString asked = requested_pid(its_row.pid);
     const QString header = its_row.item.section(u'|', 1);
     QString data = data_of_reply(what_came, asked, header);
-    if (data != no_reply)
+    if (data != no_reply) {
         its_row.refusals = 0;
-    else if (is_refused(what_came, header))
+        results.moments.came(index, columns(), link.moments().middle());
+    } else if (is_refused(what_came, header)) {
         ++its_row.refusals;
+    }
     if (data != no_reply && asked != its_row.pid)
         data.replace(2, 2, its_row.pid);              // the PID alone: a data byte may be the same
     if (!what_came.is_none() || link.timeouts() == 0) // else the status tells of the time-out
@@ -236,7 +243,7 @@ void sampling_talk::end_of_sweep() {
         add_item_to_log_vector(results.cur_log_points, QString(), -1);
         ++results.sample_cnt;
         results.times.sweep_complete();
-        storing.sweep_complete(line);
+        storing.sweep_complete(line, results.moments.started_utc_ms(), results.moments.taken());
         results.log_sample_cnt = storing.sweeps_stored();
         observer().sweep_completed();
     }
@@ -257,6 +264,7 @@ void sampling_talk::tell_silence(bool is_silent) {
 
 void sampling_talk::begin_anew() {
     cur_log_set.clear();
+    results.moments.taken();
     headers_asked = false;
 }
 
@@ -268,10 +276,11 @@ void sampling_talk::mark_gap() {
         if (cur_op() == op_o2_layout)
             observer().set_sensor_value(column, QStringLiteral("nan"));
     }
+    const sweep_moment when = results.moments.taken();
     if (std::exchange(is_in_gap, true))
         return;
     add_item_to_log_vector(results.cur_log_points, QString(), -1);
-    storing.store_gap(columns());
+    storing.store_gap(columns(), when.ms);
     results.times.gap();
     until_car_is_gone = link.time_source().one_shot(car_gone_ms, [this] {
         car_is_gone = true;

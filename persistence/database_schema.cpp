@@ -5,6 +5,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace brivant {
 
@@ -25,8 +26,14 @@ const auto probe_gps         = QStringLiteral("SELECT DATA2 FROM   LOGGIES_DATA 
 const auto add_gps           = QStringLiteral("ALTER TABLE LOGGIES_DATA ADD COLUMN 'DATA2' TEXT");
 const auto create_replies    = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_REPLIES (LOG_ID INTEGER NOT NULL, SEQUENCE INTEGER NOT NULL, REQUEST TEXT NOT NULL, REPLY TEXT NOT NULL, PROTOCOL INTEGER NOT NULL, HEADERS_SHOWN INTEGER NOT NULL, MILLISECONDS INTEGER NOT NULL, PRIMARY KEY (LOG_ID, SEQUENCE))");
 const auto forget_replies    = QStringLiteral("BV_FORGET_REPLIES AFTER DELETE ON LOGGIES BEGIN DELETE FROM BV_REPLIES WHERE LOG_ID = OLD.LOG_ID; END");
+const auto create_runs       = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_RUNS (LOG_ID INTEGER PRIMARY KEY, STARTED_UTC_MS INTEGER NOT NULL)");
+const auto create_moments    = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_MOMENTS (LOG_ID INTEGER NOT NULL, LINE_NUMBER INTEGER NOT NULL, MILLISECONDS REAL NOT NULL, OFFSETS TEXT NOT NULL, PRIMARY KEY (LOG_ID, LINE_NUMBER)) WITHOUT ROWID");
+const auto forget_run        = QStringLiteral("BV_FORGET_RUN AFTER DELETE ON LOGGIES BEGIN DELETE FROM BV_RUNS WHERE LOG_ID = OLD.LOG_ID; END");
+const auto forget_moment     = QStringLiteral("BV_FORGET_MOMENT AFTER DELETE ON LOGGIES_DATA BEGIN DELETE FROM BV_MOMENTS WHERE LOG_ID = OLD.LOG_ID AND LINE_NUMBER = OLD.LINE_NUMBER; END");
 const auto index_chunks      = QStringLiteral("CREATE INDEX IF NOT EXISTS BV_CHUNKS_OF_LOG ON LOGGIES_DATA (LOG_ID)");
 // clang-format on
+
+const QStringList own_triggers{forget_replies, forget_run, forget_moment};
 
 bool required(sqlite_connection& connection, const QString& sql) {
     if (connection.execute(sql))
@@ -103,15 +110,23 @@ bool create_photo_table(sqlite_connection& connection) {
 }
 
 bool add_own_schema(sqlite_connection& connection) {
-    return required(connection, index_chunks) && required(connection, create_replies) &&
-           required(connection, QStringLiteral("CREATE TRIGGER IF NOT EXISTS ") + forget_replies);
+    for (const QString& sql : {index_chunks, create_replies, create_runs, create_moments}) {
+        if (!required(connection, sql))
+            return false;
+    }
+    return std::all_of(own_triggers.begin(), own_triggers.end(), [&connection](const QString& trigger) {
+        return required(connection, QStringLiteral("CREATE TRIGGER IF NOT EXISTS ") + trigger);
+    });
 }
 
 void let_own_triggers_run(sqlite_connection& connection) {
-    sqlite_statement foreign(
-        connection, QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='trigger' AND sql IS NOT ?"));
-    if (foreign.is_prepared() && foreign.bind(1, QStringLiteral("CREATE TRIGGER ") + forget_replies) &&
-        foreign.step() == sqlite_statement::stepped::done)
+    sqlite_statement foreign(connection,
+                             QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='trigger' AND "
+                                            "COALESCE(sql, '') NOT IN (?, ?, ?)"));
+    bool is_bound = foreign.is_prepared();
+    for (int i = 0; i < own_triggers.size(); ++i)
+        is_bound = is_bound && foreign.bind(i + 1, QStringLiteral("CREATE TRIGGER ") + own_triggers.at(i));
+    if (is_bound && foreign.step() == sqlite_statement::stepped::done)
         connection.let_triggers_run();
 }
 

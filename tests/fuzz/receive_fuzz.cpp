@@ -54,6 +54,7 @@ public:
         return std::make_unique<handle>(*this);
     }
     timer_handle repeating(int, std::function<void()>) override { return nullptr; }
+    std::int64_t microseconds() const override { return 0; }
     bool is_running() const { return running > 0; }
     void come() {
         const std::function<void()> call = due; // it may set the next one

@@ -31,7 +31,7 @@ bool store_run(program_core& core) {
     log.create_row(op_log_run, 1);
     bool are_stored = log.is_on();
     for (int sweep = 0; sweep < 3; ++sweep)
-        are_stored &= log.sweep_complete("410D3C,410C1AF8");
+        are_stored &= log.sweep_complete("410D3C,410C1AF8", 1790000000000, {100.0 * sweep, {12.5, 40.25}});
     log.end();
     return are_stored;
 }

@@ -11,6 +11,7 @@ class hand_timers : public timers {
 public:
     [[nodiscard]] timer_handle one_shot(int milliseconds, std::function<void()> call) override;
     [[nodiscard]] timer_handle repeating(int milliseconds, std::function<void()> call) override;
+    std::int64_t microseconds() const override { return std::int64_t{1000} * now; }
 
     // Lets time pass; what falls due on the way is called in order.
     void advance(int milliseconds);

@@ -1,0 +1,88 @@
+#include "persistence/stored_moments.h"
+
+#include "base/string_table.h"
+#include "persistence/sqlite_connection.h"
+
+#include <cmath>
+
+namespace brivant {
+
+namespace {
+
+constexpr double longest_run = 1e11; // ms: three years
+constexpr qsizetype most_columns = 256;
+
+QString number(double value) {
+    return std::isnan(value) ? QString() : QString::number(value, 'f', 2);
+}
+
+std::optional<double> time_in(const QString& text) {
+    bool ok = false;
+    const double ms = text.toDouble(&ok);
+    return ok && ms >= 0 && ms < longest_run ? std::optional(ms) : std::nullopt;
+}
+
+bool insert(database& db, const QString& sql, const std::function<bool(sqlite_statement&)>& bind) {
+    return db.change([&](sqlite_connection& connection) {
+        sqlite_statement statement(connection, sql);
+        return statement.is_prepared() && bind(statement) &&
+               statement.step() == sqlite_statement::stepped::done;
+    });
+}
+
+} // namespace
+
+bool store_run_start(database& db, int log_id, qint64 utc_ms) {
+    return insert(db, QStringLiteral("INSERT INTO BV_RUNS (LOG_ID, STARTED_UTC_MS) VALUES (?, ?)"),
+                  [&](sqlite_statement& row) { return row.bind(1, log_id) && row.bind(2, utc_ms); });
+}
+
+bool store_moment(database& db, int log_id, int line_no, const sweep_moment& when) {
+    QStringList offsets;
+    for (const double offset : when.offsets)
+        offsets += number(offset);
+    return insert(
+        db,
+        QStringLiteral(
+            "INSERT INTO BV_MOMENTS (LOG_ID, LINE_NUMBER, MILLISECONDS, OFFSETS) VALUES (?, ?, ?, ?)"),
+        [&](sqlite_statement& row) {
+            return row.bind(1, log_id) && row.bind(2, line_no) && row.bind(3, number(when.ms)) &&
+                   row.bind(4, offsets.join(u','));
+        });
+}
+
+std::optional<qint64> start_of_run(database& db, int log_id) {
+    if (db.retrieve_from_DB(QStringLiteral("SELECT 1 FROM sqlite_master WHERE name='BV_RUNS'")).isEmpty())
+        return std::nullopt;
+    const auto sql = QStringLiteral("SELECT STARTED_UTC_MS FROM BV_RUNS WHERE LOG_ID=%d");
+    bool ok = false;
+    const qint64 utc_ms =
+        db.retrieve_from_DB(fill(sql, {QString::number(log_id)})).value(0).value(0).toLongLong(&ok);
+    constexpr qint64 year_9999 = 253'370'764'800'000;
+    return ok && utc_ms >= 0 && utc_ms < year_9999 ? std::optional(utc_ms) : std::nullopt;
+}
+
+QString timed_chunks_statement(int log_id) {
+    return QStringLiteral(
+               "SELECT d.*, m.MILLISECONDS, m.OFFSETS FROM LOGGIES_DATA d LEFT JOIN BV_MOMENTS m ON "
+               "m.LOG_ID=d.LOG_ID AND m.LINE_NUMBER=d.LINE_NUMBER WHERE d.LOG_ID=%1")
+        .arg(log_id);
+}
+
+std::optional<sweep_moment> moment_in(const QString& ms, const QString& offsets) {
+    const auto began = time_in(ms);
+    if (!began)
+        return std::nullopt;
+    sweep_moment when{*began, {}};
+    for (const QStringView offset : QStringView(offsets).split(u',')) {
+        if (when.offsets.size() >= most_columns)
+            return std::nullopt;
+        const auto its_time = time_in(offset.toString());
+        if (!its_time && !offset.isEmpty())
+            return std::nullopt;
+        when.offsets += its_time.value_or(qQNaN());
+    }
+    return when;
+}
+
+} // namespace brivant
