@@ -117,6 +117,7 @@ qint64 whole_file::writeData(const char* bytes, qint64 size) {
     if (has_failed)
         return -1;
     waiting.append(bytes, static_cast<qsizetype>(size));
+    length = std::max(length, pos() + size);
     return waiting.size() < most_waiting || flush() ? size : -1;
 }
 
@@ -135,6 +136,10 @@ bool whole_file::flush() {
     }
     waiting.clear();
     return true;
+}
+
+bool whole_file::seek(qint64 place) {
+    return flush() && (lseek(file, place, SEEK_SET) == place || fail(errno)) && QIODevice::seek(place);
 }
 
 bool whole_file::bring_to_disk() {

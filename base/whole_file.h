@@ -28,7 +28,10 @@ public:
     void give_up();
 
     const QString& name() const { return target; }
-    bool isSequential() const override { return true; }
+    bool isSequential() const override { return false; }
+    // Over what was written before.
+    bool seek(qint64 place) override;
+    qint64 size() const override { return length; }
 
     static constexpr qsizetype longest_name = 255; // bytes, of most file systems
 
@@ -52,6 +55,7 @@ private:
     const existing there;
     QString part;
     QByteArray waiting; // to be written
+    qint64 length = 0;
     int file = -1;
     bool has_failed = false;
 };

@@ -16,11 +16,11 @@ std::optional<double> of_position(const geo_position& position, export_column::k
 }
 
 std::optional<double> number_of(const timed_sweep& sweep, const export_column& column) {
+    const std::size_t of = column.of;
     switch (column.what) {
-    case export_column::kind::value: return sweep.values.value(column.of);
+    case export_column::kind::value: return of < sweep.values.size() ? sweep.values[of] : std::nullopt;
     case export_column::kind::offset:
-        return column.of < sweep.offsets_ms.size() ? std::optional(sweep.offsets_ms[column.of])
-                                                   : std::nullopt;
+        return of < sweep.offsets_ms.size() ? std::optional(sweep.offsets_ms[of]) : std::nullopt;
     default: return sweep.position ? of_position(*sweep.position, column.what) : std::nullopt;
     }
 }

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <optional>
+#include <vector>
 
 namespace brivant {
 
@@ -43,9 +44,9 @@ struct geo_position {
 };
 
 struct timed_sweep {
-    double ms = 0;                       // from the start of the run to that of the sweep
-    QList<std::optional<double>> values; // one a column; none is a gap
-    QList<double> offsets_ms;            // one a column, from the sweep's start to the sample; or empty
+    double ms = 0;                             // from the start of the run to that of the sweep
+    std::vector<std::optional<double>> values; // one a column; none is a gap
+    std::vector<double> offsets_ms;            // one a column, from the sweep's start to the sample; or empty
     std::optional<geo_position> position;
 
     bool operator==(const timed_sweep&) const = default;

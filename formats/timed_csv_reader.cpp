@@ -130,7 +130,7 @@ std::optional<timed_csv_reader::item> timed_csv_reader::item_of_row() {
         fail(QStringLiteral("it has %1 cells instead of %2").arg(cells.size()).arg(mark_cell + 2));
         return std::nullopt;
     }
-    timed_sweep sweep{time_of_row(), QList<std::optional<double>>(run.columns.size()), {}, {}};
+    timed_sweep sweep{time_of_row(), std::vector<std::optional<double>>(run.columns.size()), {}, {}};
     const bool has_numbers = fill(sweep);
     const auto word = text_of(cells[mark_cell]);
     if (!word)
@@ -168,7 +168,7 @@ bool timed_csv_reader::fill(timed_sweep& sweep) {
         has_offsets |= number && columns[i].what == kind::offset;
         switch (columns[i].what) {
         case kind::value: sweep.values[columns[i].of] = number; break;
-        case kind::offset: sweep.offsets_ms += number.value_or(NAN); break;
+        case kind::offset: sweep.offsets_ms.push_back(number.value_or(NAN)); break;
         case kind::latitude: position.latitude = number.value_or(NAN); break;
         case kind::longitude: position.longitude = number.value_or(NAN); break;
         case kind::altitude: position.altitude = number; break;

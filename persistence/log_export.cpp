@@ -1,20 +1,25 @@
 #include "persistence/log_export.h"
 
-#include "obd/readings/sweep_values.h"
-
 #include "base/console_log.h"
 #include "obd/number_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
-
-#include <cmath>
+#include "persistence/vehicles.h"
 
 namespace brivant {
 
 namespace {
 
-QString value_text(double value) {
-    return std::isnan(value) ? QStringLiteral("nan") : with_decimals(value, 6);
+QString value_text(const std::optional<double>& value) {
+    return value ? with_decimals(*value, 6) : QStringLiteral("nan");
+}
+
+// "2026-11-22_10_02_11_Log.csv" as that of another format; timed values are comma-separated, too.
+QString file_name_of(const QString& plain, const run_format* format) {
+    if (!format)
+        return plain;
+    const QLatin1String end(format->what == run_format::kind::timed_csv ? "_timed." : ".");
+    return plain.chopped(4) + end + QLatin1String(format->suffix);
 }
 
 } // namespace
@@ -31,9 +36,8 @@ bool log_export::begin(int log_id, bool as_txt) {
     stop();
     phase = stage::idle;
     written = 0;
-    column_pids.clear();
+    are_columns_told = false;
     what_is_wrong.clear();
-    log = log_id;
     const bool can_be_changed = db.init_DB(); // only to be read, it is enough
     const auto found = log_with_id(db, log_id);
     if (!found)
@@ -41,7 +45,10 @@ bool log_export::begin(int log_id, bool as_txt) {
                                     : QStringLiteral("There is no log with the number %1.").arg(log_id));
     announced = found->info.section(u' ', 0, 0).toLongLong();
 
-    const QString name = numbered_export_file_name(db, *found, as_txt);
+    const auto its_vehicle = vehicle_with_id(db, found->veh_id);
+    vehicle = its_vehicle ? its_vehicle->name : QString();
+    run = std::make_unique<stored_run>(db, *found, lists, reading);
+    const QString name = file_name_of(numbered_export_file_name(db, *found, as_txt), settings.format);
     final_path = work_out_log_fname(settings.documents, name);
     // A file of that name goes from the application folder, not from this one, where it is replaced: on
     // purpose.
@@ -56,7 +63,7 @@ bool log_export::begin(int log_id, bool as_txt) {
 }
 
 bool log_export::open_rows() {
-    rows = std::make_unique<row_cursor>(db.path(), chunks_statement(log));
+    rows = std::make_unique<row_cursor>(db.path(), run->statement());
     return !rows->has_failed() || fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
 }
 
@@ -72,31 +79,42 @@ bool log_export::step(int lines) {
 bool log_export::find_columns(int lines) {
     for (int i = 0; i < lines; ++i) {
         const auto row = rows->next();
-        const bool known = !column_pids.isEmpty() && !column_pids.contains(QString());
-        if (!row || known) {
+        if (!row || are_columns_told) {
             if (rows->has_failed())
                 return fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
             phase = stage::writing;
-            return open_rows() && write(column_pids.isEmpty() ? QString() : header());
+            return open_rows() && begin_writing();
         }
-        tell_columns(column_pids, items_of_chunk(*row));
+        are_columns_told = run->tell_columns(*row);
     }
     return true;
 }
 
+bool log_export::begin_writing() {
+    if (!settings.format)
+        return write(header());
+    const run_head head = run->head(vehicle);
+    if (settings.format->what == run_format::kind::gpx && !head.has_positions)
+        return fail(QStringLiteral("The run has no positions: there is no track to write."));
+    writer = make_run_writer(settings.format->what, *file);
+    return writer->begin(head) || fail(writer->problem());
+}
+
 QString log_export::header() const {
+    const QList<run_column> columns = run->head(vehicle).columns;
+    if (columns.isEmpty())
+        return {};
     QString text;
-    for (const QString& pid : column_pids) {
-        const QString heading = sampled_heading(pid, reading, lists);
+    for (const run_column& column : columns) {
+        const QString heading = sampled_heading(column.pid, reading, lists);
         text += text.isEmpty() ? heading : u',' + heading;
     }
     return text + (settings.time_column ? QStringLiteral(",(Sample time)\n") : QStringLiteral("\n"));
 }
 
-QString log_export::line_of(const QStringList& row) const {
+QString log_export::line_of(const QStringList& row, const timed_sweep& sweep) const {
     QString text;
-    for (const double number :
-         sampled_numbers(in_columns(column_pids, items_of_chunk(row)), reading, lists)) {
+    for (const std::optional<double>& number : sweep.values) {
         const QString value = value_text(number);
         text += text.isEmpty() ? value : u',' + value;
     }
@@ -112,9 +130,13 @@ bool log_export::write_lines(int lines) {
         if (!row) {
             if (rows->has_failed())
                 return fail(QStringLiteral("The log cannot be read: %1.").arg(rows->reason()));
-            return write(slice) && finish();
+            return write(slice) && (!writer || writer->end() || fail(writer->problem())) && finish();
         }
-        slice += line_of(*row);
+        const timed_sweep sweep = run->sweep_of(*row);
+        if (!writer)
+            slice += line_of(*row, sweep);
+        else if (!writer->add(sweep))
+            return fail(writer->problem());
         ++written;
     }
     return write(slice);
@@ -127,6 +149,7 @@ bool log_export::write(const QString& text) {
 
 bool log_export::finish() {
     rows.reset();
+    writer.reset();
     if (!file->commit()) // in one go, over the export of another time
         return fail_to_write();
     file.reset();
@@ -138,6 +161,7 @@ void log_export::stop() {
     if (phase != stage::finding_columns && phase != stage::writing)
         return;
     rows.reset();
+    writer.reset();
     file.reset();
     phase = stage::idle;
 }
@@ -151,6 +175,7 @@ bool log_export::fail(const QString& sentence) {
     console_log(QStringLiteral("Fallo export_fromDB_2_CSV::%1").arg(sentence));
     what_is_wrong = sentence;
     rows.reset();
+    writer.reset();
     file.reset();
     phase = stage::failed;
     return false;

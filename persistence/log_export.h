@@ -3,9 +3,11 @@
 #include "base/shared_types.h"
 #include "base/text_resources.h"
 #include "base/whole_file.h"
+#include "formats/run_writer.h"
 #include "obd/readings/sampled_value.h"
 #include "persistence/database.h"
 #include "persistence/row_cursor.h"
+#include "persistence/stored_run.h"
 
 #include <memory>
 
@@ -18,11 +20,12 @@ struct export_settings {
     unit_system units = unit_system::imperial;
     bool by_standard = false; // the reading of the values: see sampled_value.h
     bool time_column = false;
+    const run_format* format = nullptr; // of other tools; the program's own while there is none
 };
 
-// Writes a stored sampling run to a file of comma-separated values, a slice of lines at a time, so that it
-// can be shown, stopped, and of any length. The values are those of the unit system and the reading in force.
-// Under its final name the file is whole.
+// Writes a stored sampling run to a file of comma-separated values, or in a format of other tools, a slice of
+// lines at a time, so that it can be shown, stopped, and of any length. The values are those of the unit
+// system and the reading in force. Under its final name the file is whole.
 class log_export {
 public:
     log_export(database& store, const text_resources& texts, export_settings its_settings);
@@ -54,8 +57,9 @@ private:
     bool fail(const QString& sentence);
     bool fail_to_write();
     bool finish();
+    bool begin_writing();
     QString header() const;
-    QString line_of(const QStringList& row) const;
+    QString line_of(const QStringList& row, const timed_sweep& sweep) const;
 
     database& db;
     const text_resources& lists;
@@ -63,10 +67,12 @@ private:
     const sample_reading reading;
 
     stage phase = stage::idle;
-    int log = 0;
+    std::unique_ptr<stored_run> run;
+    std::unique_ptr<run_writer> writer; // none for the program's own format
+    QString vehicle;
+    bool are_columns_told = false;
     qint64 announced = 0;
     qint64 written = 0;
-    QStringList column_pids; // "" until a line tells it
     QString final_path;
     std::unique_ptr<whole_file> file;
     std::unique_ptr<row_cursor> rows;

@@ -63,9 +63,9 @@ std::optional<qint64> start_of_run(database& db, int log_id) {
 }
 
 QString timed_chunks_statement(int log_id) {
-    return QStringLiteral(
-               "SELECT d.*, m.MILLISECONDS, m.OFFSETS FROM LOGGIES_DATA d LEFT JOIN BV_MOMENTS m ON "
-               "m.LOG_ID=d.LOG_ID AND m.LINE_NUMBER=d.LINE_NUMBER WHERE d.LOG_ID=%1")
+    return QStringLiteral("SELECT d.LOG_ID, d.DATA, d.LINE_NUMBER, d.time_stamp, d.DATA2, m.MILLISECONDS, "
+                          "m.OFFSETS FROM LOGGIES_DATA d LEFT JOIN BV_MOMENTS m ON m.LOG_ID=d.LOG_ID AND "
+                          "m.LINE_NUMBER=d.LINE_NUMBER WHERE d.LOG_ID=%1")
         .arg(log_id);
 }
 

@@ -22,8 +22,9 @@ bool store_moment(database& db, int log_id, int line_no, const sweep_moment& whe
 
 // Nothing for a log that has none, or whose start is damaged.
 std::optional<qint64> start_of_run(database& db, int log_id);
-// The rows of a run for row_cursor: those of chunks_statement() in the order of their lines, with the moment
-// in two more columns behind them, "" where there is none.
+// The rows of a run for row_cursor: those of chunks_statement(), with the moment in two more columns behind
+// them, "" where there is none.
+inline constexpr int chunk_ms = 5, chunk_offsets = 6;
 QString timed_chunks_statement(int log_id);
 // That moment; nothing for one that is missing or damaged.
 std::optional<sweep_moment> moment_in(const QString& ms, const QString& offsets);

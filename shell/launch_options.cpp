@@ -1,5 +1,6 @@
 #include "shell/launch_options.h"
 
+#include "formats/run_writer.h"
 #include "link/bluetooth_service.h"
 
 namespace brivant {
@@ -65,6 +66,8 @@ private:
             return choose_link(launch_options::link_choice::demo) && take_car(word);
         if (name == QLatin1String("--profile"))
             return take_profile(value_of(word));
+        if (name == QLatin1String("--format"))
+            return take_format(value_of(word));
         if (name != word)
             return wrong(QStringLiteral("There is no option %1.").arg(word));
         if (name == QLatin1String("--simulate"))
@@ -136,6 +139,16 @@ private:
     bool take_profile(const QString& folder) {
         options.profile = folder;
         return !folder.isEmpty() || wrong(QStringLiteral("--profile needs a folder."));
+    }
+
+    bool take_format(const QString& word) {
+        options.format = word;
+        if (run_format_of(word))
+            return true;
+        QStringList words;
+        for (const run_format& one : run_formats())
+            words += QLatin1String(one.word);
+        return wrong(QStringLiteral("--format needs one of %1.").arg(words.join(QStringLiteral(", "))));
     }
 
     bool take_units(bool metric) {

@@ -24,6 +24,7 @@ struct launch_options {
     bool version = false;
     bool log = false;      // results are stored, whatever the preference says
     bool as_text = false;  // an export ends in ".txt"
+    QString format;        // of an export: "timed"; "" for the program's own
     QString command;       // the terminal program's; "" for none
     QStringList arguments; // the words after the command
 };

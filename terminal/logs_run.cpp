@@ -7,6 +7,7 @@
 #include "persistence/log_files.h"
 #include "persistence/recovery.h"
 #include "persistence/stored_logs.h"
+#include "persistence/stored_moments.h"
 #include "persistence/vehicles.h"
 #include "terminal/output.h"
 
@@ -83,6 +84,18 @@ QJsonObject sample_as_json(const QStringList& items, const sample_reading& own, 
                     [&](const QString& item) { return readings_differ_in(items, item, own, lists); }))
         sample.insert("standard", numbers_as_json(items, by_standard(own), lists));
     return sample;
+}
+
+// When the values were true: "ms" since the run's start, and of each item from there.
+void add_moment(QJsonObject& sample, const QStringList& row) {
+    const auto when = moment_in(row.value(chunk_ms), row.value(chunk_offsets));
+    if (!when)
+        return;
+    sample.insert("ms", when->ms);
+    QJsonArray offsets;
+    for (const double offset : when->offsets)
+        offsets += std::isnan(offset) ? QJsonValue() : QJsonValue(offset);
+    sample.insert("offsets", offsets);
 }
 
 } // namespace
@@ -238,15 +251,19 @@ void logs_run::show_as_json(const log_header& log) {
     });
     print(QStringLiteral("]"));
     if (isSampledLog(log.type)) {
+        if (const auto start = start_of_run(core.db, log.id))
+            print(",\"start_utc_ms\":" + QByteArray::number(*start));
+        const stored_run run(core.db, log, lists, {core.toolies.units(), false});
         const sample_reading own{core.toolies.units(), false};
         print(",\"columns\":" + compact(columns_as_json(columns_of(log.id), own, lists)) + ",\"samples\":[");
         is_first = true;
-        read = read && each_chunk(log.id, [&](const QStringList& row) {
-                   const QJsonObject sample = sample_as_json(items_of_chunk(row), own, lists);
-                   print((is_first ? "" : ",") + compact(sample));
-                   is_first = false;
-                   return true;
-               });
+        read = read && core.db.for_each_row(run.statement(), [&](const QStringList& row) {
+            QJsonObject sample = sample_as_json(items_of_chunk(row), own, lists);
+            add_moment(sample, row);
+            print((is_first ? "" : ",") + compact(sample));
+            is_first = false;
+            return true;
+        });
         print(QStringLiteral("]"));
     }
     print(QStringLiteral("}\n"));
@@ -286,13 +303,14 @@ void logs_run::next_deletion() {
 
 void logs_run::begin_export(int log_id) {
     end_in_order();
-    exporting = std::make_unique<log_export>(
-        core.db, lists,
-        export_settings{.documents = core.paths.documents,
-                        .application_folder = core.paths.application_folder,
-                        .units = core.toolies.units(),
-                        .by_standard = core.toolies.standard_reading(),
-                        .time_column = core.defaults.value(setting::time_stamps)});
+    exporting =
+        std::make_unique<log_export>(core.db, lists,
+                                     export_settings{.documents = core.paths.documents,
+                                                     .application_folder = core.paths.application_folder,
+                                                     .units = core.toolies.units(),
+                                                     .by_standard = core.toolies.standard_reading(),
+                                                     .time_column = core.defaults.value(setting::time_stamps),
+                                                     .format = run_format_of(core.options.format)});
     if (!exporting->begin(log_id, core.options.as_text))
         return end(exporting->problem(), false);
     next_slice();

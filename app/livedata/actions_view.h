@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/livedata/run_head.h"
+#include "app/livedata/run_title.h"
 #include "app/look/frame_pace.h"
 #include "app/sharing/picture_saver.h"
 #include "livedata/actions.h"
@@ -67,7 +67,7 @@ private:
     bool o2_as_picture = true;
     bool ran = false; // since the mode was chosen
 
-    run_head head;
+    run_title head;
     picture_saver saver;
     frame_pace pace;
 };

@@ -16,7 +16,7 @@ run_head figures_head() {
     return head;
 }
 
-const QList<double> offsets{5, 40, 75};
+const std::vector<double> offsets{5, 40, 75};
 
 // A drive of which the true speed (km/h) at each moment (s) is known, sampled every `interval` ms.
 drive_figures driven(const std::function<double(double)>& speed, double seconds, double interval,

@@ -74,7 +74,7 @@ TEST(timed_csv, round_trip) {
     double ms = -500; // kept from before a trigger
     for (int i = 0; i < 3000; ++i) {
         ms = std::round((ms + double(random() % 1'000'000) / 1000) * 1000) / 1000;
-        timed_sweep sweep{ms, QList<std::optional<double>>(width), {}, {}};
+        timed_sweep sweep{ms, std::vector<std::optional<double>>(width), {}, {}};
         if (i % 7 == 0) {
             items += sweep; // a gap
             items += timed_mark{ms, QString("mark %1, \u20AC\"").arg(i)};
@@ -83,7 +83,7 @@ TEST(timed_csv, round_trip) {
         for (auto& value : sweep.values)
             value = random() % 10 == 0 ? std::nullopt : std::optional(any_number());
         for (qsizetype column = 0; column < width; ++column)
-            sweep.offsets_ms += double(random() % 200'000) / 1000;
+            sweep.offsets_ms.push_back(double(random() % 200'000) / 1000);
         if (i % 3 == 0)
             sweep.position = geo_position{52.0 + i / 7e4, -13.0 - i / 7e4, any_number(), std::nullopt};
         items += sweep;

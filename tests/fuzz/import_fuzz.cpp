@@ -61,7 +61,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     drive_figures figures(run.head);
     for (const auto& item : run.items)
         if (const auto* sweep = std::get_if<timed_sweep>(&item)) {
-            must_hold(sweep->values.size() == run.head.columns.size(), "a sweep has a value a column");
+            must_hold(qsizetype(sweep->values.size()) == run.head.columns.size(),
+                      "a sweep has a value a column");
             figures.add(*sweep);
         }
     must_hold(figures.columns().size() == run.head.columns.size(), "each column has figures");

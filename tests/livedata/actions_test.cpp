@@ -103,6 +103,28 @@ TEST(actions, sweeps_that_could_not_be_stored_are_counted_and_leave_a_gap) {
     EXPECT_EQ(bench.facts["log"](), "Log [2 Sample points  ]");
 }
 
+TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
+    live_bench bench;
+    EXPECT_EQ(play(conversation_of("! store\n! pids 0C 0D\n! do button\n"
+                                   "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                                   "> 01 0C"),
+                   bench),
+              "");
+    const auto answer = [&bench](int delay_ms, const char* first, const char* rest) {
+        bench.clock.advance(delay_ms);
+        bench.adapter->receive(first);
+        bench.clock.advance(7); // until the prompt comes
+        bench.adapter->receive(rest);
+    };
+    answer(30, "7E8 04 41 0C", " 1A F8 \r\r>");
+    answer(50, "7E8 03 41 0D 3C \r", "\r>");
+    answer(20, "NO DATA\r", "\r>");
+    answer(40, "7E8 03 41 0D 3D \r", "\r>");
+    EXPECT_EQ(bench.rows("SELECT LINE_NUMBER || ':' || MILLISECONDS || '/' || OFFSETS FROM BV_MOMENTS"),
+              "0:0.0/15.00,62.00 / 1:94.0/,47.00");
+    EXPECT_EQ(bench.rows("SELECT COUNT(*), STARTED_UTC_MS > 1700000000000 FROM BV_RUNS"), "1 1");
+}
+
 TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     qint64 now = 5000;
     sweep_times times([&now] { return now; });

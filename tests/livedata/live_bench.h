@@ -34,6 +34,14 @@ struct live_bench : adapter_bench, private run_observer {
         // clang-format on
     }
 
+    // The rows of a query, "a b / a b".
+    QString rows(const QString& query) {
+        QStringList lines;
+        for (const QStringList& row : profile.db.retrieve_from_DB(query))
+            lines += row.join(' ');
+        return lines.join(" / ");
+    }
+
     // The screen as it is opened.
     brivant::actions& opened() {
         if (!controller) {
@@ -95,13 +103,6 @@ private:
         }
         return lines.join(" / ");
     }
-    QString rows(const QString& query) {
-        QStringList lines;
-        for (const QStringList& row : profile.db.retrieve_from_DB(query))
-            lines += row.join(' ');
-        return lines.join(" / ");
-    }
-
     void set_changed() override { sensors.clear(); }
     void run_started() override {}
     void run_ended() override {}

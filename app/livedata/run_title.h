@@ -10,13 +10,13 @@ namespace brivant {
 
 // The head of the live-data screen: the mode, the button that starts and stops a run, the choice of its PIDs,
 // how long it has lasted, how fast it is and what of it is stored.
-class run_head : public QObject {
+class run_title : public QObject {
     Q_OBJECT
 
 public:
     // The controller outlives it.
-    run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
-             actions& its_controller);
+    run_title(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
+              actions& its_controller);
 
     void start();
     void stop();

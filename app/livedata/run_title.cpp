@@ -1,4 +1,4 @@
-#include "app/livedata/run_head.h"
+#include "app/livedata/run_title.h"
 
 #include "app/look/numbers.h"
 #include "app/pids/pid_chooser.h"
@@ -12,8 +12,8 @@ const QString unknown = QStringLiteral("\u2013");
 
 } // namespace
 
-run_head::run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
-                   actions& its_controller)
+run_title::run_title(QWidget& its_view, const Ui::actions_view& its_ui, const view_context& its_context,
+                     actions& its_controller)
     : view(its_view), ui(its_ui), context(its_context), controller(its_controller),
       results(its_controller.results) {
     ui.mode->addItems(actions::mode_names());
@@ -22,30 +22,30 @@ run_head::run_head(QWidget& its_view, const Ui::actions_view& its_ui, const view
     connect_parts();
 }
 
-void run_head::connect_parts() {
+void run_title::connect_parts() {
     connect(ui.mode, &QComboBox::activated, this, [this](int index) {
         controller.comboBoxSelectionDidChange(index);
         show();
     });
     connect(ui.run, &QPushButton::clicked, this, [this] { controller.is_running() ? stop() : start(); });
-    connect(ui.pids, &QPushButton::clicked, this, &run_head::choose_pids);
-    connect(ui.store_runs, &QCheckBox::toggled, this, &run_head::store_runs_toggled);
-    connect(&second, &QTimer::timeout, this, &run_head::show_figures);
+    connect(ui.pids, &QPushButton::clicked, this, &run_title::choose_pids);
+    connect(ui.store_runs, &QCheckBox::toggled, this, &run_title::store_runs_toggled);
+    connect(&second, &QTimer::timeout, this, &run_title::show_figures);
 }
 
-void run_head::start() {
+void run_title::start() {
     if (controller.is_running())
         return controller.hurry(); // a car that is left alone is asked again
     controller.runLogs();
     show();
 }
 
-void run_head::stop() {
+void run_title::stop() {
     if (controller.is_running())
         controller.stop();
 }
 
-void run_head::choose_pids() {
+void run_title::choose_pids() {
     auto* sheet = new pid_sheet(view, context);
     connect(sheet, &pid_sheet::changed, this, [this] {
         controller.sample_set_changed();
@@ -54,7 +54,7 @@ void run_head::choose_pids() {
     sheet->open();
 }
 
-void run_head::store_runs_toggled(bool on) {
+void run_title::store_runs_toggled(bool on) {
     user_defaults& defaults = context.core.defaults;
     if (defaults.value(setting::log_runs) == on)
         return;
@@ -65,7 +65,7 @@ void run_head::store_runs_toggled(bool on) {
     context.frame.settings_changed();
 }
 
-void run_head::show() {
+void run_title::show() {
     const theme& look = context.frame.look();
     const bool runs = controller.is_running();
     ui.mode->setCurrentIndex(controller.selected_index());
@@ -90,7 +90,7 @@ void run_head::show() {
     show_figures();
 }
 
-void run_head::show_figures() {
+void run_title::show_figures() {
     const bool any = controller.is_running() || results.sample_cnt > 0;
     const double a_second = results.times.sweeps_a_second();
     ui.run_time->setText(hours_minutes_seconds(results.times.duration_ms() / 1000));
@@ -105,7 +105,7 @@ void run_head::show_figures() {
     show_stored();
 }
 
-void run_head::show_stored() {
+void run_title::show_stored() {
     const QString problem = controller.storing_problem();
     const QString stored = QStringLiteral("%1 stored").arg(QLocale::c().toString(results.log_sample_cnt));
     ui.stored->setText(!results.is_stored || (results.log_sample_cnt == 0 && !problem.isEmpty())
