@@ -1,5 +1,6 @@
 #include "base/console_log.h"
 
+#include "base/anonymity.h"
 #include "base/printable.h"
 
 #include <QCoreApplication>
@@ -35,8 +36,11 @@ struct log_sink {
     void write(std::initializer_list<QByteArrayView> pieces) {
         if (!stream)
             return;
-        for (const QByteArrayView piece : pieces)
-            put(printable(piece, line_feeds::escaped));
+        if (is_anonymous())
+            put_anonymous(pieces);
+        else
+            for (const QByteArrayView piece : pieces)
+                put(printable(piece, line_feeds::escaped));
         put("\n");
         if (!path.isEmpty() && written > largest_log)
             return open_next();
@@ -51,6 +55,12 @@ struct log_sink {
     }
 
 private:
+    void put_anonymous(std::initializer_list<QByteArrayView> pieces) {
+        QByteArray line;
+        for (const QByteArrayView piece : pieces)
+            line += piece;
+        put(printable(for_console_log(QString::fromUtf8(line)).toUtf8(), line_feeds::escaped));
+    }
     void put(QByteArrayView text) {
         std::fwrite(text.data(), 1, static_cast<size_t>(text.size()), stream);
         written += text.size();

@@ -98,6 +98,8 @@ inline constexpr number sample_rate       {"BV_sample_rate",       "-1",        
     "-1 (as fast as available) or one of these numbers of seconds: 10, 30, 60, 120, 300", {.usable = positive}};
 inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
     "true to show what SAE J1979 reads in the replies"};
+inline constexpr flag   anonymous         {"BV_anonymous",         "false",           person,
+    "true to leave only its first three characters of a VIN in reports and in the diagnostic log"};
 inline constexpr text   bluetooth_address {"BV_last_BT",           "",                person,
     "the address of the Bluetooth adapter used last"};
 inline constexpr text   bluetooth_name    {"Last_BT_device",       "",                person,
@@ -120,11 +122,11 @@ inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",          
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 18> all{
-    &interface_kind, &wifi_ip,         &wifi_port,        &metric_units,      &log_runs,
-    &time_stamps,    &sample_rate,     &standard_reading, &bluetooth_address, &bluetooth_name,
-    &update_server,  &current_vehicle, &sample_set,       &older_sample_set,  &expert_history,
-    &expert_script,  &window_geometry, &plot_geometry};
+inline constexpr std::array<const setting_row*, 19> all{
+    &interface_kind, &wifi_ip,       &wifi_port,        &metric_units, &log_runs,
+    &time_stamps,    &sample_rate,   &standard_reading, &anonymous,    &bluetooth_address,
+    &bluetooth_name, &update_server, &current_vehicle,  &sample_set,   &older_sample_set,
+    &expert_history, &expert_script, &window_geometry,  &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

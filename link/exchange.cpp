@@ -1,5 +1,6 @@
 #include "link/exchange.h"
 
+#include "base/anonymity.h"
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "obd/reply_text.h"
@@ -57,7 +58,9 @@ void exchange::take_as_unknown(const sent_command& command) {
 
 void exchange::write() {
     const QByteArray bytes = cur_cmd.text.toUtf8();
+    note_command({}); // the command itself tells nothing
     console_log_utf8({" >>>>>>>>>Sending[", bytes, "]"});
+    note_command(bytes);
     rx_accum.clear(); // text that came before the command cannot answer it
     in_flight = true;
     has_text = false;

@@ -25,7 +25,8 @@ struct flag {
     const char* name;
     bool launch_options::*member;
 };
-constexpr flag flags[] = {{"--json", &launch_options::json},
+constexpr flag flags[] = {{"--anonymous", &launch_options::anonymous},
+                          {"--json", &launch_options::json},
                           {"--log", &launch_options::log},
                           {"--standard-reading", &launch_options::standard_reading},
                           {"--txt", &launch_options::as_text},
@@ -189,6 +190,7 @@ QString launch_options_usage() {
         "  --profile DIR         settings, documents and database below DIR\n"
         "  --metric, --imperial  the units of values\n"
         "  --standard-reading    results as SAE J1979 reads the car's replies\n"
+        "  --anonymous           no VIN in reports and in the diagnostic log, but its maker's part\n"
         "  --log                 results are stored, whatever the preference says\n"
         "  --version, --help\n");
 }

@@ -20,6 +20,7 @@ struct launch_options {
     bool yes = false;
     std::optional<bool> metric;
     bool standard_reading = false; // results as SAE J1979 reads the replies
+    bool anonymous = false;        // no VIN in what goes to others
     bool help = false;
     bool version = false;
     bool log = false;      // results are stored, whatever the preference says

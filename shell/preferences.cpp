@@ -1,5 +1,7 @@
 #include "shell/preferences.h"
 
+#include "base/anonymity.h"
+
 #include <QHostAddress>
 
 #include <algorithm>
@@ -34,7 +36,8 @@ general_settings preferences::stored() const {
             .log_runs = defaults.value(setting::log_runs),
             .time_stamps = defaults.value(setting::time_stamps),
             .sample_rate = defaults.value(setting::sample_rate),
-            .standard_reading = defaults.value(setting::standard_reading)};
+            .standard_reading = defaults.value(setting::standard_reading),
+            .anonymous = defaults.value(setting::anonymous)};
 }
 
 bool preferences::changes_link(const general_settings& chosen) const {
@@ -58,6 +61,9 @@ bool preferences::store(const general_settings& chosen) {
         defaults.set(setting::sample_rate, chosen.sample_rate);
     if (chosen.standard_reading != before.standard_reading)
         defaults.choose(setting::standard_reading, chosen.standard_reading);
+    if (chosen.anonymous != before.anonymous)
+        defaults.choose(setting::anonymous, chosen.anonymous);
+    set_anonymous(defaults.value(setting::anonymous));
     put_in_force(before);
     return defaults.synchronise();
 }

@@ -16,6 +16,7 @@ struct general_settings {
     bool time_stamps = false;
     int sample_rate = -1; // seconds, -1 as fast as available
     bool standard_reading = false;
+    bool anonymous = false;
 };
 
 // Checks and stores the settings, and puts them into force. All that it is given outlives it.

@@ -1,5 +1,6 @@
 #include "shell/program_core.h"
 
+#include "base/anonymity.h"
 #include "persistence/private_files.h"
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"
@@ -14,6 +15,9 @@ program_core::program_core(const launch_options& what_was_asked)
         defaults.override_for_this_run(setting::log_runs, true);
     if (options.metric)
         defaults.override_for_this_run(setting::metric_units, *options.metric);
+    if (options.anonymous)
+        defaults.override_for_this_run(setting::anonymous, true);
+    set_anonymous(defaults.value(setting::anonymous));
     if (options.standard_reading)
         defaults.override_for_this_run(setting::standard_reading, true);
 }

@@ -1,5 +1,6 @@
 #include "terminal/output.h"
 
+#include "base/anonymity.h"
 #include "base/printable.h"
 
 #include <cstdio>
@@ -17,7 +18,7 @@ void write(QByteArrayView text, FILE* stream) {
 } // namespace
 
 void print(const QByteArray& text) {
-    write(text, stdout);
+    write(is_anonymous() ? without_vin(QString::fromUtf8(text)).toUtf8() : text, stdout);
 }
 
 bool is_all_printed() {

@@ -2,6 +2,7 @@
 
 #include "app/sharing/saving.h"
 #include "app/sharing/share_menu.h"
+#include "base/anonymity.h"
 #include "base/whole_file.h"
 #include "persistence/vehicles.h"
 
@@ -78,7 +79,7 @@ QString report_button::hint() const {
 }
 
 QString report_button::text() const {
-    return without_markup(controller.report_of(operation).text);
+    return for_others(without_markup(controller.report_of(operation).text));
 }
 
 void report_button::fill_page(QTextDocument& document) const {

@@ -1,5 +1,7 @@
 #include "app/look/tables.h"
 
+#include "base/anonymity.h"
+
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -35,7 +37,7 @@ void make_copyable(QTableView& table) {
     QObject::connect(add(QStringLiteral("Copy"), QKeySequence::Copy), &QAction::triggered, &table, [&table] {
         const QString text = selected_rows_as_text(table);
         if (!text.isEmpty())
-            QGuiApplication::clipboard()->setText(text);
+            QGuiApplication::clipboard()->setText(for_others(text));
     });
     QObject::connect(add(QStringLiteral("Select all"), QKeySequence::SelectAll), &QAction::triggered, &table,
                      &QTableView::selectAll);

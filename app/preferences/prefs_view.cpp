@@ -107,6 +107,7 @@ void prefs_view::setPrefsScreen() {
     ui.log_runs->setChecked(now.log_runs);
     ui.time_stamps->setChecked(now.time_stamps);
     ui.reading_by_standard->setChecked(now.standard_reading);
+    ui.anonymous->setChecked(now.anonymous);
     if (ui.sample_rate->findData(now.sample_rate) < 0) // set in the file by hand
         ui.sample_rate->addItem(QStringLiteral("Every %1 secs").arg(now.sample_rate), now.sample_rate);
     ui.sample_rate->setCurrentIndex(ui.sample_rate->findData(now.sample_rate));
@@ -125,6 +126,7 @@ general_settings prefs_view::chosen() const {
     what.time_stamps = ui.time_stamps->isChecked();
     what.sample_rate = ui.sample_rate->currentData().toInt();
     what.standard_reading = ui.reading_by_standard->isChecked();
+    what.anonymous = ui.anonymous->isChecked();
     return what;
 }
 

@@ -1,6 +1,7 @@
 #include "app/sharing/share_menu.h"
 
 #include "app/sharing/saving.h"
+#include "base/anonymity.h"
 #include "base/whole_file.h"
 
 #include <QClipboard>
@@ -32,7 +33,7 @@ void print(QPushButton& button, const shared_text& shared) {
         fixed.setPointSizeF(print_size);
         QTextDocument page;
         page.setDefaultFont(fixed);
-        page.setPlainText(shared.text());
+        page.setPlainText(for_others(shared.text()));
         page.print(&chosen);
     });
 }
@@ -40,7 +41,7 @@ void print(QPushButton& button, const shared_text& shared) {
 } // namespace
 
 bool save_shared_text(window_frame& frame, const shared_text& shared, const QString& file) {
-    const QByteArray bytes = shared.text().toUtf8();
+    const QByteArray bytes = for_others(shared.text()).toUtf8();
     whole_file target(file);
     if (target.begin() && target.write(bytes) == bytes.size() && target.commit())
         return true;
@@ -51,7 +52,7 @@ bool save_shared_text(window_frame& frame, const shared_text& shared, const QStr
 void add_share_menu(QPushButton& button, window_frame& frame, const shared_text& shared) {
     auto* menu = new QMenu(&button);
     menu->addAction(QStringLiteral("Copy"), &button,
-                    [shared] { QGuiApplication::clipboard()->setText(shared.text()); });
+                    [shared] { QGuiApplication::clipboard()->setText(for_others(shared.text())); });
     menu->addAction(QStringLiteral("Save..."), &button,
                     [&button, &frame, shared] { ask_for_file(button, frame, shared); });
     menu->addAction(QStringLiteral("Print..."), &button, [&button, shared] { print(button, shared); });

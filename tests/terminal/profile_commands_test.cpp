@@ -100,6 +100,34 @@ TEST(settings_command, stores_what_the_preferences_would_store) {
     EXPECT_EQ(home.status({"settings"}), 2);
 }
 
+TEST(anonymous_reports, tell_of_no_car_which_it_is) {
+    const std::pair<QString, QByteArray> cars[] = {
+        {"can11", "1G1JC5444R7252367"}, {"can29", "1ZZTD4762CA007755"}, {"iso9141", "1ZZKL1127YA000942"}};
+    for (const auto& [car, vin] : cars) {
+        kept_profile home;
+        const QString demo = "--demo=" + car;
+        for (const QStringList& words :
+             {QStringList{demo, "vehicle-info"}, {demo, "--json", "vehicle-info"}}) {
+            const QString told = home.out(words);
+            const QString hidden = home.out(QStringList("--anonymous") + words);
+            EXPECT_GT(told.count(vin.last(8)), 0) << car.toStdString();
+            EXPECT_EQ(hidden.count(vin.last(8)), 0) << hidden.toStdString();
+            EXPECT_TRUE(hidden.contains("**************")) << hidden.toStdString();
+        }
+        QFile(home.folder.filePath("Documents/console.log")).remove();
+        EXPECT_EQ(home.status({"settings", "set", "BV_anonymous", "true"}), 0);
+        EXPECT_EQ(home.status({demo, "--log", "vehicle-info"}), 0);
+        EXPECT_EQ(home.out({"logs", "show", "1"}).count(vin.last(8)), 0);
+        QFile log(home.folder.filePath("Documents/console.log"));
+        ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+        const QByteArray lines = log.readAll();
+        EXPECT_TRUE(lines.contains("Sending[09 02")) << car.toStdString();
+        EXPECT_FALSE(lines.contains(vin.last(8)) || lines.contains(vin.last(4).toHex().toUpper()) ||
+                     lines.contains(vin.last(4).toHex(' ').toUpper()))
+            << car.toStdString();
+    }
+}
+
 TEST(update_check_command, asks_the_server_in_the_settings_alone) {
     kept_profile home;
     const QByteArray archive = QByteArray("new").repeated(1000);
