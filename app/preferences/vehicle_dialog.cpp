@@ -1,7 +1,6 @@
 #include "app/preferences/vehicle_dialog.h"
 
 #include "app/look/painting.h"
-#include "shell/photo_file.h"
 
 #include <QDir>
 #include <QDropEvent>
@@ -35,6 +34,7 @@ vehicle_dialog::vehicle_dialog(QWidget& asked_by, const view_context& its_contex
       context(its_context), list(its_list), mode(what.id < 0 ? add : edit), veh_id(what.id) {
     setObjectName(QStringLiteral("vehicle_dialog"));
     setAcceptDrops(true);
+    connect(&reading, &photo_reading::done, this, &vehicle_dialog::take_photo);
     add_text(QStringLiteral("Enter car values "), "muted");
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(2 * theme::step);
@@ -150,7 +150,11 @@ void vehicle_dialog::choose_photo() {
 }
 
 void vehicle_dialog::take_photo_file(const QString& file) {
-    const photo_file read = read_photo_file(file);
+    reading.begin(file);
+    photo_problem->setText(QStringLiteral("The picture is read ..."));
+}
+
+void vehicle_dialog::take_photo(const photo_file& read) {
     tell(*photo_problem, read.problem);
     if (read.photo.isNull())
         return;
@@ -184,7 +188,7 @@ void vehicle_dialog::save() {
             one.line->setFocus(Qt::OtherFocusReason);
         }
     }
-    if (wrong)
+    if (wrong || reading.is_running()) // the picture belongs to it
         return;
     const vehicle_list::saved saved = list.saveCurCarVals(
         veh_id, {name.line->text().trimmed(), year.line->text(), volume.line->text().trimmed()}, new_photo);

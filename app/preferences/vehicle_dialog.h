@@ -2,6 +2,7 @@
 
 #include "app/look/card_sheet.h"
 #include "app/screen/screen_view.h"
+#include "shell/photo_reading.h"
 #include "shell/vehicle_list.h"
 
 #include <QGridLayout>
@@ -22,7 +23,8 @@ public:
                    const vehicle& what, const QImage& its_photo);
 
     void open();
-    // Shows the picture of the file, to be stored with OK; or says why it cannot be taken.
+    // Shows the picture of the file as soon as it is read, to be stored with OK; or says why it cannot be
+    // taken.
     void take_photo_file(const QString& file);
 
 Q_SIGNALS:
@@ -48,6 +50,7 @@ private:
     // False when it is wrong; `strict`: a text that was not touched yet is told too.
     bool check_field(const field& one, bool strict);
     void choose_photo();
+    void take_photo(const photo_file& read);
     void show_photo(const QImage& image);
     void tell(QLabel& label, const QString& problem);
     void save();
@@ -56,6 +59,7 @@ private:
     vehicle_list& list;
     const int mode;
     int veh_id;
+    photo_reading reading;
     QImage new_photo;
     QLabel* photo = nullptr;
     QLabel* photo_problem = nullptr;

@@ -179,6 +179,11 @@ TEST(vehicle_dialog, takes_a_dropped_picture_and_refuses_others) {
         QCoreApplication::sendEvent(program.dialog(), &enter);
         QDropEvent event(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(program.dialog(), &event);
+        program.click("vehicle_ok"); // which waits for the picture
+        EXPECT_NE(program.dialog(), nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return program.text("vehicle_photo_problem") != QStringLiteral("The picture is read ...");
+        }));
     };
     const auto shown = [&program] { return program.part<QLabel>("vehicle_avatar").pixmap().toImage(); };
     const QImage before = shown();

@@ -1,13 +1,18 @@
 #include "shell/vehicle_list.h"
 
 #include "base/console_log.h"
+#include "base/timed_bytes.h"
 #include "persistence/sqlite_connection.h"
 #include "persistence/stored_logs.h"
-#include "shell/photo_file.h"
+#include "shell/jpeg_scans.h"
+#include "shell/photo_reading.h"
 #include "tests/support/hand_timers.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
+#include "tests/support/wait_until.h"
 
+#include <QBuffer>
+#include <QImageReader>
 #include <QImageWriter>
 #include <gtest/gtest.h>
 
@@ -53,6 +58,23 @@ struct photo_files : testing::Test {
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 };
+
+// A JPEG that goes over its picture so often.
+QByteArray with_scans(int scans) {
+    QBuffer jpeg;
+    jpeg.open(QIODevice::WriteOnly);
+    QImageWriter writer(&jpeg, "jpg");
+    writer.setProgressiveScanWrite(true);
+    QImage noise(64, 64, QImage::Format_RGB32);
+    for (int i = 0; i < 64 * 64; ++i)
+        noise.setPixel(i % 64, i / 64, static_cast<uint>(i * 2654435761U));
+    writer.write(noise);
+    QByteArray file = jpeg.data();
+    const QByteArray last = file.sliced(file.lastIndexOf("\xFF\xDA")).chopped(2);
+    while (jpeg_scans(file) < scans)
+        file.insert(file.size() - 2, last);
+    return file;
+}
 
 QImage picture(int width, int height) {
     QImage image(width, height, QImage::Format_RGB32);
@@ -194,6 +216,7 @@ TEST_F(photo_files, that_cannot_be_shown_are_refused_with_a_sentence) {
     write("cut.png", read("sound.png").first(QFileInfo(path("sound.png")).size() / 2));
     write("huge.bmp", resized("FFFF000010000000"));
     write("many.bmp", resized("0020000000200000"));
+    write("scans.jpg", with_scans(61));
     write("text.png", "no picture");
     write("empty.png", "");
     write("drawing.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
@@ -203,12 +226,43 @@ TEST_F(photo_files, that_cannot_be_shown_are_refused_with_a_sentence) {
         {"cut.png", "damaged"},     {"huge.bmp", "too many points"}, {"many.bmp", "too many points"},
         {"text.png", "no picture"}, {"empty.png", "no picture"},     {"drawing.svg", "no picture"},
         {"large.png", "too large"}, {"missing.png", "not exist"},    {".", "no file"},
+        {"scans.jpg", "too often"},
     };
     for (const auto& [name, why] : rows) {
         const photo_file read = read_photo_file(path(name));
         EXPECT_TRUE(read.photo.isNull()) << name;
         EXPECT_TRUE(read.problem.contains(why)) << name << ": " << read.problem.toStdString();
     }
+}
+
+TEST_F(photo_files, are_not_waited_for_without_end) {
+    write("progressive.jpg", with_scans(1));
+    const int usual = jpeg_scans(read("progressive.jpg"));
+    EXPECT_GT(usual, 3);
+    EXPECT_LT(usual, 20);
+    EXPECT_EQ(jpeg_scans(with_scans(500)), 500);
+    EXPECT_EQ(jpeg_scans("\xFF\xD8\xFF\xE1" + QByteArray::fromHex("000AFFDA0002FFDA0002FFDA") +
+                         QByteArray::fromHex("0002FF00FFD3FFFFD9FFDA")),
+              1)
+        << "what stands in a comment or behind the end is none";
+    EXPECT_EQ(read_photo_file(path("progressive.jpg")).problem, "");
+    timed_bytes late(read("progressive.jpg"), 0);
+    EXPECT_TRUE(QImageReader(&late).read().isNull());
+
+    ASSERT_TRUE(picture(2400, 1200).save(path("one.png")));
+    std::vector<photo_file> told;
+    for (const int ms : {0, 60'000}) {
+        photo_reading reading(ms);
+        QObject::connect(&reading, &photo_reading::done, &reading,
+                         [&](const photo_file& one) { told.push_back(one); });
+        reading.begin(path("missing.png")); // replaced before it is read
+        reading.begin(path("one.png"));
+        EXPECT_TRUE(wait_until([&] { return !reading.is_running(); }));
+    }
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_TRUE(told[0].photo.isNull());
+    EXPECT_TRUE(told[0].problem.contains("too long to read")) << told[0].problem.toStdString();
+    EXPECT_EQ(told[1].photo.size(), QSize(1080, 540));
 }
 
 } // namespace brivant
