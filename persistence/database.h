@@ -7,6 +7,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace brivant {
 
@@ -16,8 +17,8 @@ class sqlite_statement;
 struct sqlite_failure;
 
 // The vehicles, their photos and the stored results: the SQLite file "BV_loggies_lite.db" in the Documents
-// folder. Every operation opens it, does its one job and closes it; operations are nested in change() alone.
-// Main thread only.
+// folder. Every operation opens it, does its one job and closes it, but for those between begin_lines() and
+// end_lines(); operations are nested in change() alone. Main thread only.
 //
 // A database that is locked, read-only, damaged or newer is left as it is. The operations then give the
 // results named below, and problem() says why. Ids of 0 or less always mean that nothing was stored.
@@ -106,6 +107,8 @@ private:
                  const std::function<void(const sqlite_connection&)>& done = {});
     // As store(): the id of the new row, -1 or 0.
     int insert(const QString& log_text, const QString& sql, const binder& bind = {});
+    // The connection to change something by; `own` for one that closes behind the change.
+    sqlite_connection& for_change(std::optional<sqlite_connection>& own);
     bool read(const QString& operation, const QString& sql,
               const std::function<bool(sqlite_statement&)>& row);
     bool refuse_lone_quote(const QString& log_text, const QStringList& values);
@@ -117,7 +120,8 @@ private:
     sqlite_connection* changing = nullptr; // within change()
     bool made_now = false;
     std::unique_ptr<run_mark> lines_follow;
-    int lines_in_log = 0; // since the write-ahead log was emptied
+    std::unique_ptr<sqlite_connection> line_connection; // while they come
+    int lines_in_log = 0;                               // since the write-ahead log was emptied
 };
 
 } // namespace brivant

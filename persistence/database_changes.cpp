@@ -49,7 +49,8 @@ bool database::change(const std::function<bool(sqlite_connection&)>& work) {
     if (changing)
         return work(*changing);
     what_is_wrong.clear();
-    sqlite_connection connection(file, lines_follow ? db_access::appending : db_access::writing);
+    std::optional<sqlite_connection> own;
+    sqlite_connection& connection = for_change(own);
     const auto as_one = [&] {
         const QScopedValueRollback is_changing(changing, &connection);
         return work(connection);
@@ -132,6 +133,7 @@ void database::begin_lines() {
 
 void database::end_lines() {
     lines_follow.reset();
+    line_connection.reset();
     sqlite_connection connection(file, db_access::writing);
     if (connection.is_open())
         connection.end_log_ahead();
@@ -191,16 +193,27 @@ int database::insert(const QString& log_text, const QString& sql, const binder& 
     return -1;
 }
 
+// That of the run is kept open: SQLite brings a write-ahead log that it has just opened to the disk twice,
+// with its folder. After a failure, and where the file is another by now, it is opened anew.
+sqlite_connection& database::for_change(std::optional<sqlite_connection>& own) {
+    if (changing)
+        return *changing;
+    if (!lines_follow)
+        return own.emplace(file, db_access::writing);
+    if (!line_connection || line_connection->failure().code != SQLITE_OK || line_connection->has_moved())
+        line_connection = std::make_unique<sqlite_connection>(file, db_access::appending);
+    return *line_connection;
+}
+
 database::stored database::store(const QString& log_text, const QString& sql, const binder& bind,
                                  const std::function<void(const sqlite_connection&)>& done) {
     std::optional<sqlite_connection> own;
-    sqlite_connection& connection =
-        changing ? *changing : own.emplace(file, lines_follow ? db_access::appending : db_access::writing);
+    sqlite_connection& connection = for_change(own);
     if (!connection.is_open()) {
         note(connection.failure(), QStringLiteral("database::open:: "));
         return stored::no;
     }
-    // Before a change, which then begins the log anew: the next opening reads all of a log.
+    // Before a change, which then begins the log anew: whoever opens the file reads all of it.
     if (lines_follow && !changing && ++lines_in_log >= most_lines_in_log) {
         connection.empty_log();
         lines_in_log = 0;

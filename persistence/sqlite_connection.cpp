@@ -177,6 +177,11 @@ bool sqlite_connection::copy_to(const QString& path) {
     return fail(code == SQLITE_OK ? SQLITE_IOERR : code & 0xff, why);
 }
 
+bool sqlite_connection::has_moved() const {
+    int moved = 0;
+    return sqlite3_file_control(db, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+}
+
 bool sqlite_connection::fail() {
     return fail(sqlite3_errcode(db) & 0xff, QString::fromUtf8(sqlite3_errmsg(db)));
 }

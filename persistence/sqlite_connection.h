@@ -65,6 +65,8 @@ public:
     bool as_one(const std::function<bool()>& work);
     // For whoever knows what triggers the file has.
     void let_triggers_run() { sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 1, nullptr); }
+    // Another file stands at the path by now, or none.
+    bool has_moved() const;
     qint64 last_row_id() const { return sqlite3_last_insert_rowid(db); }
     int changed_rows() const { return sqlite3_changes(db); }
     // The last refusal of this connection or one of its statements.

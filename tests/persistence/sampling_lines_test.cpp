@@ -5,6 +5,20 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+int flushes = 0;
+
+} // namespace
+
+// SQLite finds this one first.
+extern "C" int fdatasync(int file) {
+    ++flushes;
+    return static_cast<int>(syscall(SYS_fdatasync, file));
+}
 
 namespace brivant {
 
@@ -122,9 +136,34 @@ TEST(sampling_lines, another_program_that_ends_the_log_ahead_costs_no_line) {
     ASSERT_GT(t.append(0), 0);
     database other(t.folder.path());
     ASSERT_TRUE(other.init_DB()); // starts meanwhile
-    EXPECT_TRUE(t.is_one_plain_file());
     ASSERT_GT(t.append(1), 0);
     EXPECT_FALSE(t.is_one_plain_file());
+    t.db.end_lines();
+    EXPECT_TRUE(t.is_one_plain_file());
+    EXPECT_EQ(t.column(count_of_lines), "2");
+}
+
+TEST(sampling_lines, each_is_one_flush_of_the_disk) {
+    run_database t;
+    t.db.begin_lines();
+    for (int line = 0; line < 3; ++line)
+        ASSERT_GT(t.append(line), 0);
+    const int before = flushes;
+    for (int line = 3; line < 23; ++line)
+        ASSERT_GT(t.append(line), 0);
+    EXPECT_EQ(flushes - before, 20);
+    t.db.end_lines();
+}
+
+TEST(sampling_lines, go_into_the_file_that_stands_at_the_path) {
+    run_database t;
+    t.db.begin_lines();
+    ASSERT_GT(t.append(0), 0);
+    ASSERT_TRUE(QFile::rename(t.db.path(), t.db.path() + ".moved"));
+    EXPECT_EQ(t.append(1), -1) << "nothing is stored where nobody would find it";
+    EXPECT_FALSE(QFileInfo::exists(t.db.path()));
+    ASSERT_TRUE(QFile::rename(t.db.path() + ".moved", t.db.path()));
+    EXPECT_GT(t.append(2), 0) << t.db.problem().toStdString();
     t.db.end_lines();
     EXPECT_EQ(t.column(count_of_lines), "2");
 }
