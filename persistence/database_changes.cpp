@@ -202,6 +202,11 @@ sqlite_connection& database::for_change(std::optional<sqlite_connection>& own) {
         return own.emplace(file, db_access::writing);
     if (!line_connection || line_connection->failure().code != SQLITE_OK || line_connection->has_moved())
         line_connection = std::make_unique<sqlite_connection>(file, db_access::appending);
+    // Before a change, which then begins the log anew: whoever opens the file reads all of it.
+    if (line_connection->is_open() && ++lines_in_log >= most_lines_in_log) {
+        line_connection->empty_log();
+        lines_in_log = 0;
+    }
     return *line_connection;
 }
 
@@ -212,11 +217,6 @@ database::stored database::store(const QString& log_text, const QString& sql, co
     if (!connection.is_open()) {
         note(connection.failure(), QStringLiteral("database::open:: "));
         return stored::no;
-    }
-    // Before a change, which then begins the log anew: whoever opens the file reads all of it.
-    if (lines_follow && !changing && ++lines_in_log >= most_lines_in_log) {
-        connection.empty_log();
-        lines_in_log = 0;
     }
     if (sql.contains(QLatin1String("DELETE"))) // nothing else has a trigger of this program
         let_own_triggers_run(connection);

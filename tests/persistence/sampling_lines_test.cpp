@@ -35,7 +35,14 @@ struct run_database : test_database {
         EXPECT_TRUE(db.init_DB());
         log = db.add_2_LOG_DB("Log", 1, "sample points");
     }
-    int append(int line) { return db.append_2_LOG_DB("410D3C,410C1AF8", "", line, log); }
+    int append(int line) {
+        int id = 0; // as a run does it
+        db.change([&](sqlite_connection&) {
+            id = db.append_2_LOG_DB("410D3C,410C1AF8", "", line, log);
+            return id > 0;
+        });
+        return id;
+    }
     qint64 size_of_wal() const { return QFileInfo(db.path() + "-wal").size(); }
     // Neither a companion file nor a mark in the header that asks for one.
     bool is_one_plain_file() const { return !QFileInfo::exists(db.path() + "-wal") && bytes().at(18) == 1; }
@@ -160,7 +167,7 @@ TEST(sampling_lines, go_into_the_file_that_stands_at_the_path) {
     t.db.begin_lines();
     ASSERT_GT(t.append(0), 0);
     ASSERT_TRUE(QFile::rename(t.db.path(), t.db.path() + ".moved"));
-    EXPECT_EQ(t.append(1), -1) << "nothing is stored where nobody would find it";
+    EXPECT_LE(t.append(1), 0) << "nothing is stored where nobody would find it";
     EXPECT_FALSE(QFileInfo::exists(t.db.path()));
     ASSERT_TRUE(QFile::rename(t.db.path() + ".moved", t.db.path()));
     EXPECT_GT(t.append(2), 0) << t.db.problem().toStdString();
