@@ -56,7 +56,8 @@ void prefs_view::connect_fields() {
         connect(field, &QLineEdit::textChanged, this, &prefs_view::show_problems);
         connect(field, &QLineEdit::editingFinished, this, &prefs_view::savePrefs);
     }
-    for (QCheckBox* box : {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard})
+    for (QCheckBox* box :
+         {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard, ui.anonymous})
         connect(box, &QCheckBox::toggled, this, &prefs_view::savePrefs);
     connect(ui.sample_rate, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
     connect(ui.set_defaults, &QPushButton::clicked, this, &prefs_view::setDefaultsClicked);

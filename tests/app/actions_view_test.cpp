@@ -2,6 +2,7 @@
 #include "app/pids/pid_chooser.h"
 #include "shell/stop_signals.h"
 #include "tests/app/running_window.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/wait_until.h"
 
 #include <QClipboard>
@@ -268,8 +269,21 @@ TEST(actions_view, copies_the_picture_and_tells_when_it_cannot_be_saved) {
     car.part<QPushButton>("run").setFocus();
     car.press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), 2 * car.part<chart_picture>("chart").size());
-    car.part<picture_saver>().save_to(car.folder.filePath(QStringLiteral("missing/chart.png")));
-    EXPECT_TRUE(car.part<notice_banner>().isVisible());
+    for (const QString& name : {QStringLiteral("chart.png"), QStringLiteral("chart.pdf")}) {
+        QFile picture(car.folder.filePath(name));
+        car.part<picture_saver>().save_to(picture.fileName());
+        EXPECT_FALSE(car.part<notice_banner>().isVisible());
+        const qint64 whole = picture.size();
+        EXPECT_GT(whole, 1000);
+        {
+            const full_disk full(1000);
+            car.part<picture_saver>().save_to(picture.fileName());
+        }
+        EXPECT_TRUE(
+            car.part<notice_banner>().shown_text().contains(name + QStringLiteral(" cannot be written")));
+        EXPECT_EQ(picture.size(), whole) << "the old one stays";
+        car.part<notice_banner>().dismiss();
+    }
 }
 
 } // namespace brivant

@@ -1,5 +1,6 @@
 #include "tests/app/running_window.h"
 
+#include "base/anonymity.h"
 #include "shell/preferences.h"
 
 #include <QCheckBox>
@@ -68,6 +69,11 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
                 program.core.defaults.value(setting::log_runs));
     EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), QStringLiteral("Every 30 secs"));
     EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("30"));
+
+    program.part<QCheckBox>("anonymous").click();
+    EXPECT_TRUE(is_anonymous() && program.stored("BV_anonymous") == QStringLiteral("true"));
+    program.part<QCheckBox>("anonymous").click();
+    EXPECT_FALSE(is_anonymous() || program.stored("BV_anonymous") != QStringLiteral("false"));
 
     // Typed, and left with a key: stored on the way out.
     program.part<QLineEdit>("port").setText(QStringLiteral("35001"));

@@ -1,6 +1,7 @@
 #include "tests/app/running_window.h"
 
 #include "app/diagnostics/report_button.h"
+#include "tests/support/full_disk.h"
 
 #include <QFile>
 #include <QListWidget>
@@ -120,8 +121,20 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
     QFile pdf(car.folder.filePath(QStringLiteral("report.pdf")));
     report.save_as_pdf(pdf.fileName());
     ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(pdf.readAll().startsWith("%PDF-"));
+    const QByteArray whole = pdf.readAll();
+    EXPECT_TRUE(whole.startsWith("%PDF-"));
     EXPECT_FALSE(car.part<notice_banner>().isVisible());
+    for (const auto& save : {&report_button::save_as_pdf, &report_button::save_as_text}) {
+        {
+            const full_disk full(100);
+            (report.*save)(pdf.fileName());
+        }
+        EXPECT_TRUE(
+            car.part<notice_banner>().shown_text().contains(QStringLiteral("report.pdf cannot be written")));
+        car.part<notice_banner>().dismiss();
+        QFile kept(pdf.fileName());
+        EXPECT_TRUE(kept.open(QIODevice::ReadOnly) && kept.readAll() == whole) << "the old one stays";
+    }
     report.save_as_pdf(car.folder.filePath(QStringLiteral("not/there.pdf")));
     EXPECT_TRUE(
         car.part<notice_banner>().shown_text().contains(QStringLiteral("there.pdf cannot be written")));

@@ -2,10 +2,9 @@
 
 #include "tests/persistence/local_time_zone.h"
 #include "tests/persistence/test_database.h"
+#include "tests/support/full_disk.h"
 
 #include <QDir>
-#include <csignal>
-#include <sys/resource.h>
 
 namespace brivant {
 
@@ -48,25 +47,6 @@ struct export_bench : test_database {
         EXPECT_EQ(exporting.succeeded(), exporting.problem().isEmpty());
         return exporting.succeeded() ? QString::fromUtf8(bytes_of(exporting.path())) : exporting.problem();
     }
-};
-
-// No file of this process can grow beyond the size.
-class full_disk {
-public:
-    explicit full_disk(rlim_t size) : signal_before(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small{size, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~full_disk() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, signal_before);
-    }
-    Q_DISABLE_COPY_MOVE(full_disk)
-
-private:
-    rlimit before{};
-    void (*signal_before)(int);
 };
 
 } // namespace
