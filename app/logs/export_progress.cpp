@@ -63,22 +63,23 @@ export_progress::export_progress(program_core& its_core, QWidget* parent)
     hide();
 }
 
-export_settings export_progress::settings() const {
+export_settings export_progress::settings(const run_format* format) const {
     return {.documents = core.paths.documents,
             .application_folder = core.paths.application_folder,
             .units = core.toolies.units(),
             .by_standard = core.toolies.standard_reading(),
-            .time_column = core.defaults.value(setting::time_stamps)};
+            .time_column = core.defaults.value(setting::time_stamps),
+            .format = format};
 }
 
-void export_progress::start(const QList<int>& log_ids, bool as_txt) {
+void export_progress::start(const QList<int>& log_ids, bool as_txt, const run_format* format) {
     if (is_running() || log_ids.isEmpty())
         return;
     waiting = log_ids;
     asked = log_ids.size();
     as_text = as_txt;
     written.clear();
-    exporting = std::make_unique<log_export>(core.db, lists, settings());
+    exporting = std::make_unique<log_export>(core.db, lists, settings(format));
     theme::mark(said, "role", QVariant());
     title.show();
     bar.show();

@@ -27,7 +27,7 @@ public:
     // `log_ids`: of sampling runs, in the order in which they are written; an empty list does nothing. Units,
     // reading, time column and folders are those in force now. Nothing happens while an export runs. The
     // first that fails ends the export; the files before it stay.
-    void start(const QList<int>& log_ids, bool as_txt);
+    void start(const QList<int>& log_ids, bool as_txt, const run_format* format = nullptr);
     // The file being written goes, those before it stay.
     void stop();
     bool is_running() const { return exporting != nullptr; }
@@ -42,7 +42,7 @@ Q_SIGNALS:
     void finished();
 
 private:
-    export_settings settings() const;
+    export_settings settings(const run_format* format) const;
     void begin_next();
     void write_slice();
     void show_progress();

@@ -68,7 +68,7 @@ void log_actions::plot(const QList<log_header>& logs) {
                            "and press Plot again."));
 }
 
-void log_actions::handle_export(const QList<log_header>& logs, bool as_txt) {
+void log_actions::handle_export(const QList<log_header>& logs, bool as_txt, const run_format* format) {
     QList<int> runs;
     QList<log_header> reports;
     for (const log_header& log : logs) {
@@ -78,7 +78,7 @@ void log_actions::handle_export(const QList<log_header>& logs, bool as_txt) {
             reports += log;
     }
     if (!is_deleting())
-        strip.start(runs, as_txt);
+        strip.start(runs, as_txt, format);
     if (!reports.isEmpty())
         show_reports(reports);
 }

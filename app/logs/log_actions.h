@@ -19,8 +19,8 @@ public:
 
     void view(const QList<log_header>& logs);
     void plot(const QList<log_header>& logs);
-    // Runs are written, reports are shown.
-    void handle_export(const QList<log_header>& logs, bool as_txt);
+    // Runs are written, reports are shown. `format`: of other tools, null for the program's own.
+    void handle_export(const QList<log_header>& logs, bool as_txt, const run_format* format = nullptr);
     void copy(const QList<log_header>& logs);
     void show_output_folder();
     // After a question.

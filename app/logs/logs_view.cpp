@@ -117,6 +117,10 @@ void logs_view::connect_buttons() {
     auto* menu = new QMenu(ui.export_logs);
     menu->addAction(QStringLiteral("As CSV"), this, [this] { handle_export(false); });
     menu->addAction(QStringLiteral("As text"), this, [this] { handle_export(true); });
+    menu->addSeparator();
+    for (const run_format& one : run_formats())
+        menu->addAction(QStringLiteral("For other tools: %1").arg(QLatin1String(one.words)), this,
+                        [this, &one] { handle_export(false, &one); });
     connect(ui.export_logs, &QPushButton::clicked, menu, [this, menu] {
         menu->popup(ui.export_logs->mapToGlobal(QPoint(0, -menu->sizeHint().height())));
     });
@@ -236,8 +240,8 @@ void logs_view::plotClicked() {
         actions.plot(logs);
 }
 
-void logs_view::handle_export(bool as_txt) {
-    actions.handle_export(selected_or_told(), as_txt);
+void logs_view::handle_export(bool as_txt, const run_format* format) {
+    actions.handle_export(selected_or_told(), as_txt, format);
 }
 
 void logs_view::show_deletion() {

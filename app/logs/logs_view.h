@@ -25,7 +25,7 @@ public:
 
     void viewLog();
     void plotClicked();
-    void handle_export(bool as_txt);
+    void handle_export(bool as_txt, const run_format* format = nullptr);
     void copyClicked() { actions.copy(selected()); }
     void deleteClicked() { actions.delete_logs(selected()); }
 
