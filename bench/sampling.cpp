@@ -11,12 +11,14 @@
 #include "base/console_log.h"
 #include "bench/bare_socket.h"
 #include "livedata/actions.h"
+#include "persistence/stored_moments.h"
 #include "shell/program_core.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -136,23 +138,35 @@ double median(const std::vector<double>& values) {
     return at(values, 0.5);
 }
 
-// Milliseconds of each of so many stored sweeps, in a database of its own below `folder`.
-std::vector<double> storing_times(const QString& folder, int sweeps) {
-    database db(folder);
-    if (!db.init_DB())
+struct stored_sweeps {
+    std::vector<double> times; // milliseconds of each
+    double bytes = 0;          // of the database, a sweep
+};
+
+// In a database of its own.
+stored_sweeps store_sweeps(int sweeps, bool with_moments) {
+    const QTemporaryDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/stored-XXXXXX"));
+    database db(folder.path());
+    if (!db.init_DB() || !db.add_own_parts())
         give_up(db.problem());
     const int log = db.add_2_LOG_DB(QStringLiteral("Log"), 1, QStringLiteral("sample points"));
     db.begin_lines();
-    std::vector<double> times;
+    stored_sweeps stored;
     QElapsedTimer clock;
     for (int line = 0; line < sweeps; ++line) {
         clock.start();
-        if (db.append_2_LOG_DB(QStringLiteral("410D3C,41112A,410C1AF8,41057B"), QString(), line, log) <= 0)
+        const bool is_stored = db.change([&](sqlite_connection&) {
+            const auto text = QStringLiteral("410D3C,41112A,410C1AF8,41057B");
+            return db.append_2_LOG_DB(text, QString(), line, log) > 0 &&
+                   (!with_moments || store_moment(db, log, line, {71.4 * line, {15.37, 33.41, 51.02, 68.8}}));
+        });
+        if (!is_stored)
             give_up(db.problem());
-        times.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
+        stored.times.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
     }
     db.end_lines();
-    return times;
+    stored.bytes = static_cast<double>(QFileInfo(db.path()).size()) / sweeps;
+    return stored;
 }
 
 } // namespace
@@ -207,7 +221,9 @@ int main(int argc, char** argv) {
     link.disconnect();
     adapter.kill();
     adapter.waitForFinished();
-    const std::vector<double> stored = storing_times(profile.path(), 1000);
+    const stored_sweeps plain = store_sweeps(20'000, false);
+    const stored_sweeps timed = store_sweeps(20'000, true);
+    const std::vector<double>& stored = timed.times;
 
     std::printf("Log Run of four PIDs   %8.0f exchanges a second (last: %s)\n", median(with_program),
                 qPrintable(run.last_value()));
@@ -218,5 +234,7 @@ int main(int argc, char** argv) {
                 median(ratios), median(window_ratios), median(storing_ratios), rounds);
     std::printf("storing one sweep      %8.2f ms median, %.2f ms nine times in ten, %.2f ms at most\n",
                 median(stored), at(stored, 0.9), at(stored, 1));
+    std::printf("with its moments       %8.2f of the time without, %.2f of the bytes\n",
+                median(timed.times) / median(plain.times), timed.bytes / plain.bytes);
     return 0;
 }
