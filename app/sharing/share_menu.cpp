@@ -2,6 +2,7 @@
 
 #include "app/sharing/saving.h"
 #include "base/anonymity.h"
+#include "base/printable.h"
 #include "base/whole_file.h"
 
 #include <QClipboard>
@@ -41,7 +42,7 @@ void print(QPushButton& button, const shared_text& shared) {
 } // namespace
 
 bool save_shared_text(window_frame& frame, const shared_text& shared, const QString& file) {
-    const QByteArray bytes = for_others(shared.text()).toUtf8();
+    const QByteArray bytes = printable(for_others(shared.text()).toUtf8());
     whole_file target(file);
     if (target.begin() && target.write(bytes) == bytes.size() && target.commit())
         return true;
