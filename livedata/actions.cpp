@@ -138,6 +138,7 @@ void actions::rework_gui_objects() {
         row.units = toolies.shown_units(row.pid);
         results.these_samples += row;
     }
+    results.marks.clear();
     results.cur_log_points.start(static_cast<int>(results.these_samples.size()));
     work_out_sweeps(results, toolies);
     watching->set_changed();
@@ -196,6 +197,19 @@ void actions::begin_run() {
 void actions::started() {
     sampling_talk::started();
     watching->run_started();
+}
+
+void actions::put_mark(const QString& word) {
+    if (!is_running() || results.moments.started_utc_ms() < 0)
+        return set_status_msg(QStringLiteral("No mark: the run has not begun to ask the car"));
+    if (results.marks.size() >= most_marks)
+        return set_status_msg(QStringLiteral("No mark: a run has at most %1").arg(most_marks));
+    const timed_mark mark{results.moments.milliseconds(link.time_source().microseconds()),
+                          text_of_mark(word, results.marks.size() + 1)};
+    if (storing.is_on() && !storing.store_mark(mark))
+        return set_status_msg(QStringLiteral("The mark could not be stored. ") + toolies.store().problem());
+    results.marks += mark;
+    set_status_msg(QStringLiteral("Marked at %1 s: %2").arg(mark.ms / 1000, 0, 'f', 1).arg(mark.text));
 }
 
 void actions::end_run() {

@@ -40,6 +40,9 @@ public:
 
     // The button: starts a run, or ends the one that is active.
     void runLogs();
+    // A mark at this moment of the run, also in what is stored of it. "" for none of the person's own words.
+    // The status tells what became of it.
+    void put_mark(const QString& word);
     // Why sweeps of the run were not stored, a sentence; "" while all is well.
     QString storing_problem() const { return storing.problem(); }
     int sweeps_lost() const { return storing.sweeps_lost(); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/sample_matrix.h"
+#include "formats/run_values.h"
 #include "livedata/sweep_moments.h"
 #include "livedata/sweep_times.h"
 #include "obd/pid_catalogue.h"
@@ -43,6 +44,7 @@ struct live_results {
     bool needs_sweeps = false; // some numbers need the whole sweep: see work_out_sweeps
     sweep_times times;
     sweep_moments moments;
+    QList<timed_mark> marks; // of the run, stored or not, in the order of their time
 
     qint64 sample_cnt = 0;  // complete sweeps of the run that have a value
     int log_sample_cnt = 0; // of them stored

@@ -115,6 +115,10 @@ bool run_log::store(const QString& line, const sweep_moment& when) {
     return true;
 }
 
+bool run_log::store_mark(const timed_mark& mark) {
+    return is_on() && brivant::store_mark(db, cur_log_DB_id, mark);
+}
+
 void run_log::fail() {
     const bool told = !what_is_wrong.isEmpty();
     what_is_wrong = db.problem();

@@ -2,6 +2,7 @@
 
 #include "base/app_paths.h"
 #include "base/timers.h"
+#include "persistence/stored_marks.h"
 #include "persistence/stored_moments.h"
 
 #include <QFile>
@@ -34,6 +35,8 @@ public:
     // Sweeps of so many columns are missing from here on: a gap, whatever the rate, behind the first sweep.
     // `ms`: when it began, since the run's start.
     void store_gap(int columns, double ms);
+    // A person's word at a moment of the run. False when it could not be stored: the database tells why.
+    bool store_mark(const timed_mark& mark);
     // The run has ended: its header gets the final text, or goes away when no line was stored.
     void end();
 

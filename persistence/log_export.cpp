@@ -4,6 +4,7 @@
 #include "obd/number_text.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_logs.h"
+#include "persistence/stored_marks.h"
 #include "persistence/vehicles.h"
 
 namespace brivant {
@@ -35,6 +36,7 @@ log_export::~log_export() {
 bool log_export::begin(int log_id, bool as_txt) {
     stop();
     phase = stage::idle;
+    id = log_id;
     written = 0;
     are_columns_told = false;
     what_is_wrong.clear();
@@ -97,7 +99,10 @@ bool log_export::begin_writing() {
     if (settings.format->what == run_format::kind::gpx && !head.has_positions)
         return fail(QStringLiteral("The run has no positions: there is no track to write."));
     writer = make_run_writer(settings.format->what, *file);
-    return writer->begin(head) || fail(writer->problem());
+    bool is_well = writer->begin(head);
+    for (const timed_mark& mark : marks_of_run(db, id))
+        is_well = is_well && writer->mark(mark);
+    return is_well || fail(writer->problem());
 }
 
 QString log_export::header() const {

@@ -69,6 +69,7 @@ private:
     stage phase = stage::idle;
     std::unique_ptr<stored_run> run;
     std::unique_ptr<run_writer> writer; // none for the program's own format
+    int id = -1;
     QString vehicle;
     bool are_columns_told = false;
     qint64 announced = 0;

@@ -9,7 +9,6 @@ namespace brivant {
 
 namespace {
 
-constexpr double longest_run = 1e11; // ms: three years
 constexpr qsizetype most_columns = 256;
 
 QString number(double value) {
@@ -19,7 +18,7 @@ QString number(double value) {
 std::optional<double> time_in(const QString& text) {
     bool ok = false;
     const double ms = text.toDouble(&ok);
-    return ok && ms >= 0 && ms < longest_run ? std::optional(ms) : std::nullopt;
+    return ok && ms >= 0 && ms < longest_run_ms ? std::optional(ms) : std::nullopt;
 }
 
 bool insert(database& db, const QString& sql, const std::function<bool(sqlite_statement&)>& bind) {

@@ -9,6 +9,8 @@ namespace brivant {
 // When the values of a stored run were true. Logs of older programs have no moments, only the seconds at
 // which their lines were stored.
 
+inline constexpr double longest_run_ms = 1e11; // three years
+
 // One sweep, or the begin of a gap.
 struct sweep_moment {
     double ms = 0; // since the run's start, when the sweep began to ask

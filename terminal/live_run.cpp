@@ -75,6 +75,7 @@ void live_run::stop(bool it_was_asked) {
 void live_run::sample_arrived(int index) {
     if (seen.empty()) {
         seen.resize(static_cast<size_t>(results.these_samples.size()));
+        marks.listen(); // there are no questions any more
         if (words.seconds > 0)
             time_limit = core.clock.one_shot(words.seconds * 1000, [this] { stop(true); });
     }

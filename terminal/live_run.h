@@ -4,6 +4,7 @@
 #include "livedata/actions.h"
 #include "terminal/car_run.h"
 #include "terminal/live_words.h"
+#include "terminal/mark_input.h"
 
 #include <QElapsedTimer>
 #include <memory>
@@ -44,6 +45,7 @@ private:
     live_results results; // of the latest sweeps
     std::unique_ptr<actions> controller;
     timer_handle time_limit;
+    mark_input marks{[this](const QString& word) { controller->put_mark(word); }};
 
     struct seen_column {
         series_summary numbers; // the smallest and the largest so far

@@ -115,7 +115,8 @@ QString live_commands_usage() {
         "                        live values as CSV, one line a sweep, until Ctrl-C; all PIDs in turn\n"
         "  fuel, boost, o2       the same for fuel economy, boost pressure, oxygen sensors\n"
         "      --sweeps N, --seconds S  how long a run lasts\n"
-        "      --store, --rate SECONDS  keep the sweeps in the database, all or one in so many seconds\n");
+        "      --store, --rate SECONDS  keep the sweeps in the database, all or one in so many seconds\n"
+        "      a line on standard input, or SIGUSR1, puts a mark into the run\n");
 }
 
 } // namespace brivant

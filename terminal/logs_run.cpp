@@ -2,21 +2,17 @@
 
 #include "base/string_table.h"
 #include "logs/log_texts.h"
-#include "obd/pid_catalogue.h"
-#include "obd/readings/sweep_values.h"
 #include "persistence/log_files.h"
 #include "persistence/recovery.h"
 #include "persistence/stored_logs.h"
-#include "persistence/stored_moments.h"
 #include "persistence/vehicles.h"
 #include "terminal/output.h"
+#include "terminal/shown_run.h"
 
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <unistd.h>
 
 namespace brivant {
@@ -24,7 +20,6 @@ namespace brivant {
 namespace {
 
 constexpr int lines_a_slice = 2000;
-constexpr int digits = 10;
 
 // The number of a log, 0 for another word.
 int number_of(const QString& word) {
@@ -49,53 +44,6 @@ QJsonObject as_json(const log_header& log, const QString& vehicle_name) {
     return {
         {"id", log.id},     {"vehicle", log.veh_id}, {"vehicle_name", vehicle_name},
         {"type", log.type}, {"info", log.info},      {"time", gmt_date_str_2_local_date_str(log.time_stamp)}};
-}
-
-// --- sampling runs -------------------------------------------------------------------------------------
-
-sample_reading by_standard(sample_reading reading) {
-    reading.by_standard = true;
-    return reading;
-}
-
-QJsonArray columns_as_json(const QStringList& pids, const sample_reading& own, const text_resources& lists) {
-    QJsonArray columns;
-    for (const QString& pid : pids)
-        columns += QJsonObject{
-            {"pid", pid},
-            {"name", pid.isEmpty() ? not_available : get_pid_name_with_pid(pid, lists, own.sensors)},
-            {"unit", sampled_unit(pid, own).trimmed()},
-            {"standard_unit", sampled_unit(pid, by_standard(own))}};
-    return columns;
-}
-
-QJsonArray numbers_as_json(const QStringList& items, const sample_reading& reading,
-                           const text_resources& lists) {
-    QJsonArray numbers;
-    for (const double number : sampled_numbers(items, reading, lists))
-        numbers += std::isfinite(number) ? QJsonValue(number) : QJsonValue();
-    return numbers;
-}
-
-// "values" are the program's own; "standard" stands beside them where SAE J1979 says otherwise.
-QJsonObject sample_as_json(const QStringList& items, const sample_reading& own, const text_resources& lists) {
-    QJsonObject sample{{"values", numbers_as_json(items, own, lists)}};
-    if (std::any_of(items.begin(), items.end(),
-                    [&](const QString& item) { return readings_differ_in(items, item, own, lists); }))
-        sample.insert("standard", numbers_as_json(items, by_standard(own), lists));
-    return sample;
-}
-
-// When the values were true: "ms" since the run's start, and of each item from there.
-void add_moment(QJsonObject& sample, const QStringList& row) {
-    const auto when = moment_in(row.value(chunk_ms), row.value(chunk_offsets));
-    if (!when)
-        return;
-    sample.insert("ms", when->ms);
-    QJsonArray offsets;
-    for (const double offset : when->offsets)
-        offsets += std::isnan(offset) ? QJsonValue() : QJsonValue(offset);
-    sample.insert("offsets", offsets);
 }
 
 } // namespace
@@ -194,27 +142,17 @@ void logs_run::end_in_order() {
     });
 }
 
-// A chunk at a time: a run may be longer than the memory.
-bool logs_run::each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take) {
-    return core.db.for_each_row(chunks_statement(log_id), [&take](const QStringList& row) {
-        return take(row) && std::ferror(stdout) == 0;
-    });
-}
-
-QStringList logs_run::columns_of(int log_id) {
-    QStringList pids;
-    each_chunk(log_id, [&](const QStringList& row) { return !tell_columns(pids, items_of_chunk(row)); });
-    return pids;
-}
-
 void logs_run::show(const log_header& log) {
     if (core.options.json)
         return show_as_json(log);
-    return isSampledLog(log.type) ? show_samples(log.id) : show_text(log);
+    if (!isSampledLog(log.type))
+        return show_text(log);
+    const bool read = print_run(core.toolies, log);
+    end(read ? QString() : core.db.problem(), read);
 }
 
 void logs_run::show_text(const log_header& log) {
-    const bool read = each_chunk(log.id, [&](const QStringList& row) {
+    const bool read = each_chunk(core.db, log.id, [&](const QStringList& row) {
         print(row.value(chunk_data) + u'\n');
         return true;
     });
@@ -222,50 +160,18 @@ void logs_run::show_text(const log_header& log) {
     end(read ? QString() : core.db.problem(), read);
 }
 
-void logs_run::show_samples(int log_id) {
-    const mac_toolies& toolies = core.toolies;
-    QString head = QStringLiteral("Time");
-    const QStringList pids = columns_of(log_id);
-    for (const QString& pid : pids)
-        head += u',' + sampled_heading(pid, toolies.shown_reading(), toolies.lists());
-    print(head + u'\n');
-    const bool read = each_chunk(log_id, [&](const QStringList& row) {
-        QString line = gmt_date_str_2_local_date_str(row.value(chunk_time_stamp));
-        const QStringList items = in_columns(pids, items_of_chunk(row));
-        for (const double number : sampled_numbers(items, toolies.shown_reading(), toolies.lists()))
-            line += u',' + (std::isfinite(number) ? QString::number(number, 'g', digits) : QString());
-        print(line + u'\n');
-        return true;
-    });
-    end(read ? QString() : core.db.problem(), read);
-}
-
 void logs_run::show_as_json(const log_header& log) {
     print(compact(as_json(log, names_of(all_vehicles(core.db)).value(log.veh_id))).chopped(1) +
           ",\"lines\":[");
     bool is_first = true;
-    bool read = each_chunk(log.id, [&](const QStringList& row) {
+    bool read = each_chunk(core.db, log.id, [&](const QStringList& row) {
         print((is_first ? "" : ",") + quoted(row.value(chunk_data)));
         is_first = false;
         return true;
     });
     print(QStringLiteral("]"));
-    if (isSampledLog(log.type)) {
-        if (const auto start = start_of_run(core.db, log.id))
-            print(",\"start_utc_ms\":" + QByteArray::number(*start));
-        const stored_run run(core.db, log, lists, {core.toolies.units(), false});
-        const sample_reading own{core.toolies.units(), false};
-        print(",\"columns\":" + compact(columns_as_json(columns_of(log.id), own, lists)) + ",\"samples\":[");
-        is_first = true;
-        read = read && core.db.for_each_row(run.statement(), [&](const QStringList& row) {
-            QJsonObject sample = sample_as_json(items_of_chunk(row), own, lists);
-            add_moment(sample, row);
-            print((is_first ? "" : ",") + compact(sample));
-            is_first = false;
-            return true;
-        });
-        print(QStringLiteral("]"));
-    }
+    if (isSampledLog(log.type))
+        read = print_run_as_json(core.toolies, log) && read;
     print(QStringLiteral("}\n"));
     end(read ? QString() : core.db.problem(), read);
 }

@@ -24,12 +24,8 @@ private:
     void list();
     void show(const log_header& log);
     void show_text(const log_header& log);
-    void show_samples(int log_id);
     void show_as_json(const log_header& log);
     void end_in_order();
-    bool each_chunk(int log_id, const std::function<bool(const QStringList& row)>& take);
-    // The PIDs of a run's columns.
-    QStringList columns_of(int log_id);
     void begin_export(int log_id);
     void next_slice();
     void ask_deletion(const QList<log_header>& logs);

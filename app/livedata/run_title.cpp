@@ -3,6 +3,8 @@
 #include "app/look/numbers.h"
 #include "app/pids/pid_chooser.h"
 
+#include <QShortcut>
+
 namespace brivant {
 
 namespace {
@@ -30,6 +32,9 @@ void run_title::connect_parts() {
     connect(ui.run, &QPushButton::clicked, this, [this] { controller.is_running() ? stop() : start(); });
     connect(ui.pids, &QPushButton::clicked, this, &run_title::choose_pids);
     connect(ui.store_runs, &QCheckBox::toggled, this, &run_title::store_runs_toggled);
+    auto* mark = new QShortcut(Qt::Key_M, &view);
+    mark->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(mark, &QShortcut::activated, this, [this] { controller.put_mark(QString()); });
     connect(&second, &QTimer::timeout, this, &run_title::show_figures);
 }
 

@@ -123,6 +123,15 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
     EXPECT_EQ(bench.rows("SELECT LINE_NUMBER || ':' || MILLISECONDS || '/' || OFFSETS FROM BV_MOMENTS"),
               "0:0.0/15.00,62.00 / 1:94.0/,47.00");
     EXPECT_EQ(bench.rows("SELECT COUNT(*), STARTED_UTC_MS > 1700000000000 FROM BV_RUNS"), "1 1");
+
+    bench.clock.advance(3);
+    bench.controller->put_mark("the lights went on");
+    EXPECT_EQ(bench.view.last("status"), "Marked at 0.2 s: the lights went on");
+    bench.controller->stop();
+    bench.controller->put_mark("too late");
+    EXPECT_EQ(bench.view.last("status"), "No mark: the run has not begun to ask the car");
+    EXPECT_EQ(bench.rows("SELECT LOG_ID, MILLISECONDS, TEXT FROM BV_MARKS"), "1 171.0 the lights went on");
+    EXPECT_EQ(bench.results.marks.size(), 1);
 }
 
 TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {

@@ -356,6 +356,13 @@ TEST(log_export, in_the_formats_of_other_tools) {
     EXPECT_TRUE(text.contains("start 2013-05-01T14:03:07.250Z; vehicle Cur Veh.;")) << text.toStdString();
     EXPECT_EQ(t.exports(),
               (QStringList{"2013-05-01_16_03_07_Fuel_timed.csv", "2013-05-01_16_03_07_Log_timed.csv"}));
+    // Marks stand at their time, between and behind the sweeps.
+    t.outside("INSERT INTO BV_MARKS VALUES (2, 300.5, 'end'), (2, 50, 'pass, left'), (1, 5, 'of the other')");
+    EXPECT_EQ(values(t.exported(timed)).toStdString(), "0.000000,60,30,15,40.25,,\n"
+                                                       "0.050000,,,,,\"pass, left\",\n"
+                                                       "0.100500,61,30,38,12,,\n"
+                                                       "0.200000,,,,,,\n"
+                                                       "0.300500,,,,,end,\n");
     t.settings.format = run_format_of("mdf4"); // written at earlier places, too
     EXPECT_TRUE(t.exported(timed).startsWith("MDF     4.10"));
     t.settings.format = run_format_of("gpx");

@@ -1,3 +1,4 @@
+#include "persistence/stored_marks.h"
 #include "persistence/stored_replies.h"
 
 #include "tests/persistence/test_database.h"
@@ -44,6 +45,14 @@ TEST(stored_replies, come_back_as_they_were_and_go_with_their_log) {
     EXPECT_EQ(t.column("SELECT DISTINCT LOG_ID FROM BV_REPLIES"), "3");
     EXPECT_EQ(t.column("SELECT COUNT(*) FROM sqlite_master WHERE tbl_name='LOGGIES_DATA' AND type='index'"),
               "1");
+
+    // What a later version keeps goes too, also in a file in which that had no place before.
+    t.outside("DROP TRIGGER BV_FORGET_MARKS; DROP TABLE BV_MARKS");
+    ASSERT_TRUE(t.db.add_own_parts());
+    const int marked = t.db.add_2_LOG_DB("Log", 1, "1 Sample points  ");
+    ASSERT_TRUE(store_mark(t.db, marked, {1, "a"}) && store_mark(t.db, marked + 1, {1, "b"}));
+    EXPECT_TRUE(t.db.delete_a_DB_log(marked));
+    EXPECT_EQ(t.column("SELECT TEXT FROM BV_MARKS"), "b");
 
     // Nor does the program's own trigger run beside one that the file brings along.
     t.outside("CREATE TRIGGER foreign_one AFTER DELETE ON LOGGIES BEGIN DELETE FROM VEHICLES; END");

@@ -19,7 +19,8 @@ namespace brivant {
 // the adapters that it talks to.
 class cli_process {
 public:
-    explicit cli_process(const QStringList& arguments, const faulty_disk& disk = {}) {
+    explicit cli_process(const QStringList& arguments, const faulty_disk& disk = {},
+                         const QString& input = QProcess::nullDevice()) {
         QProcessEnvironment surroundings = QProcessEnvironment::systemEnvironment();
         for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_DOCUMENTS_DIR"})
             surroundings.remove(variable);
@@ -29,7 +30,7 @@ public:
             surroundings.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
         disk.surround(surroundings);
         process.setProcessEnvironment(surroundings);
-        process.setStandardInputFile(QProcess::nullDevice());
+        process.setStandardInputFile(input);
         process.start(BV_CLI, arguments);
     }
     ~cli_process() {

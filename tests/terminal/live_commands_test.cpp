@@ -2,6 +2,7 @@
 #include "tests/terminal/cli_process.h"
 
 #include <QRegularExpression>
+#include <QTemporaryFile>
 #include <csignal>
 #include <random>
 #include <sqlite3.h>
@@ -35,8 +36,8 @@ struct endless_run {
     QTemporaryDir profile{folder_in_memory()};
     cli_process run;
 
-    explicit endless_run(const QStringList& words)
-        : run(adapter.link().first(2) + QStringList{"--profile", profile.path()} + words) {}
+    explicit endless_run(const QStringList& words, const QString& input = QProcess::nullDevice())
+        : run(adapter.link().first(2) + QStringList{"--profile", profile.path()} + words, {}, input) {}
     qsizetype lines() { return run.out().count('\n') - 1; } // behind the header
     bool prints(qsizetype count) {
         return wait_until([&] { return lines() >= count; }, 30000);
@@ -109,6 +110,34 @@ TEST(live_trouble, an_interrupt_ends_the_run_in_order) {
               "Log " + printed + " Sample points  ");
     EXPECT_EQ(rows_of(live.profile.path(), "SELECT count(*) FROM LOGGIES_DATA").join('/'), printed);
     EXPECT_EQ(rows_of(live.profile.path(), "PRAGMA journal_mode").join('/'), "delete"); // one plain file
+}
+
+TEST(live_commands, a_line_of_input_and_a_signal_are_marks) {
+    QTemporaryFile input;
+    ASSERT_TRUE(input.open() && input.write("lap 1\nof a \x1b[31mred\x07 car\n\nno line yet") > 0);
+    input.close();
+    endless_run live({"log", "--pids", "0C", "--store"}, input.fileName());
+    ASSERT_TRUE(live.prints(3)) << live.run.progress().constData();
+    ::kill(static_cast<pid_t>(live.run.process.processId()), SIGUSR1);
+    ASSERT_TRUE(wait_until([&] { return live.run.progress().contains(": Mark 4\n"); }, 30000))
+        << live.run.progress().constData();
+    ::kill(static_cast<pid_t>(live.run.process.processId()), SIGINT);
+    EXPECT_EQ(live.run.status(), 0);
+    const QStringList words{"--profile", live.profile.path()};
+    cli_process shown(words + QStringList{"--json", "logs", "show", "1"});
+    EXPECT_EQ(shown.status(), 0);
+    QStringList texts;
+    double latest = 0;
+    for (const QJsonValue mark : shown.json()["marks"].toArray()) {
+        texts += mark["text"].toString();
+        EXPECT_GE(mark["ms"].toDouble(), latest);
+        latest = mark["ms"].toDouble();
+    }
+    EXPECT_EQ(texts, (QStringList{"lap 1", "of a [31mred car", "Mark 3", "Mark 4"}));
+    EXPECT_LT(latest, 30000);
+    cli_process as_text(words + QStringList{"logs", "show", "1"});
+    EXPECT_EQ(as_text.status(), 0);
+    EXPECT_TRUE(as_text.out().contains(" s: of a [31mred car\n")) << as_text.out().constData();
 }
 
 TEST(live_trouble, a_locked_database_leaves_a_gap_and_fails_the_run) {
