@@ -1,55 +1,7 @@
-#include "persistence/log_export.h"
-
-#include "tests/persistence/local_time_zone.h"
-#include "tests/persistence/test_database.h"
+#include "tests/persistence/export_bench.h"
 #include "tests/support/full_disk.h"
 
-#include <QDir>
-
 namespace brivant {
-
-namespace {
-
-// A Documents folder with stored sampling runs, in Berlin.
-struct export_bench : test_database {
-    local_time_zone zone{"Europe/Berlin"};
-    text_resources lists;
-    export_settings settings{.documents = folder.path(), .application_folder = folder.filePath("app")};
-
-    export_bench() { EXPECT_TRUE(db.init_DB() && db.init_DB()); } // nothing is left to migrate
-
-    struct line {
-        QString data;
-        QString time_stamp = "2013-05-01 14:03:08";
-    };
-    int stored(const QList<line>& lines, const QString& type = "Log") {
-        const int id = db.add_2_LOG_DB(type, 1, QString("%1 Sample points  ").arg(lines.size()));
-        QString sql = QString("UPDATE LOGGIES SET time_stamp='2013-05-01 14:03:07' WHERE LOG_ID=%1;").arg(id);
-        for (const line& l : lines)
-            sql += QString("INSERT INTO LOGGIES_DATA (LOG_ID, DATA, time_stamp) VALUES (%1, '%2', '%3');")
-                       .arg(id)
-                       .arg(l.data, l.time_stamp);
-        outside(sql.toUtf8());
-        return id;
-    }
-    QString path(const QString& name = "2013-05-01_16_03_07_Log.csv") const {
-        return folder.filePath("loggies/" + name);
-    }
-    QStringList exports() const { return QDir(folder.filePath("loggies")).entryList(QDir::Files); }
-
-    // What stands in the file after an export in slices; the problem when there is none.
-    QString exported(int id, bool as_txt = false, int lines_a_slice = 1) {
-        log_export exporting(db, lists, settings);
-        if (!exporting.begin(id, as_txt))
-            return exporting.problem();
-        while (exporting.step(lines_a_slice)) {
-        }
-        EXPECT_EQ(exporting.succeeded(), exporting.problem().isEmpty());
-        return exporting.succeeded() ? QString::fromUtf8(bytes_of(exporting.path())) : exporting.problem();
-    }
-};
-
-} // namespace
 
 TEST(log_export, byte_for_byte) {
     export_bench t;
@@ -334,39 +286,6 @@ TEST(log_export, a_disk_that_fills_up) {
         EXPECT_EQ(t.exports(),
                   was_exported_before ? QStringList("2013-05-01_16_03_07_Log.csv") : QStringList());
     }
-}
-
-TEST(log_export, in_the_formats_of_other_tools) {
-    export_bench t;
-    ASSERT_TRUE(t.db.add_own_parts());
-    // Of an older program: the seconds of its lines. The coolant tells its name in the second line alone.
-    const int old = t.stored({{"410D3C,~", "2013-05-01 14:03:08"}, {"410D3D,410546", "2013-05-01 14:03:10"}});
-    // With moments: the items of its second line stand the other way round, and then comes a gap.
-    const int timed = t.stored({{"410D3C,410546"}, {"410546,410D3D"}, {"~,~"}}, "Fuel");
-    t.outside("UPDATE LOGGIES_DATA SET LINE_NUMBER=rowid WHERE LOG_ID=2; INSERT INTO BV_RUNS VALUES (2, "
-              "1367416987250); INSERT INTO BV_MOMENTS VALUES (2, 3, 0, '15,40.25'), (2, 4, 100.5, '12,38'), "
-              "(2, 5, 200, '')");
-    const auto values = [](const QString& text) { return text.section('\n', 1).remove('\r'); };
-    t.settings.units = unit_system::metric;
-    t.settings.format = run_format_of("timed");
-    EXPECT_EQ(values(t.exported(old)), "1.000000,60,,,\n3.000000,61,30,,\n");
-    const QString text = t.exported(timed);
-    EXPECT_EQ(values(text).toStdString(),
-              "0.000000,60,30,15,40.25,,\n0.100500,61,30,38,12,,\n0.200000,,,,,,\n");
-    EXPECT_TRUE(text.contains("start 2013-05-01T14:03:07.250Z; vehicle Cur Veh.;")) << text.toStdString();
-    EXPECT_EQ(t.exports(),
-              (QStringList{"2013-05-01_16_03_07_Fuel_timed.csv", "2013-05-01_16_03_07_Log_timed.csv"}));
-    // Marks stand at their time, between and behind the sweeps.
-    t.outside("INSERT INTO BV_MARKS VALUES (2, 300.5, 'end'), (2, 50, 'pass, left'), (1, 5, 'of the other')");
-    EXPECT_EQ(values(t.exported(timed)).toStdString(), "0.000000,60,30,15,40.25,,\n"
-                                                       "0.050000,,,,,\"pass, left\",\n"
-                                                       "0.100500,61,30,38,12,,\n"
-                                                       "0.200000,,,,,,\n"
-                                                       "0.300500,,,,,end,\n");
-    t.settings.format = run_format_of("mdf4"); // written at earlier places, too
-    EXPECT_TRUE(t.exported(timed).startsWith("MDF     4.10"));
-    t.settings.format = run_format_of("gpx");
-    EXPECT_EQ(t.exported(timed), "The run has no positions: there is no track to write.");
 }
 
 } // namespace brivant
