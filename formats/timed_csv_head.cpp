@@ -47,7 +47,7 @@ QString about_columns(const run_head& head) {
 
 // "0C Engine RPM [rpm]|0D ..."
 std::optional<QList<run_column>> columns_of(const QString& text) {
-    static const QRegularExpression form(QStringLiteral("^([0-9A-Za-z]{2,8}) (.*) \\[([^\\]]*)\\]$"));
+    static const QRegularExpression form(QStringLiteral("^([0-9A-Za-z]{0,8}) (.*) \\[([^\\]]*)\\]$"));
     QList<run_column> columns;
     const QStringList parts = text.split(u'|', Qt::SkipEmptyParts);
     for (const QString& part : parts) {

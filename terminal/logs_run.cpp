@@ -3,12 +3,15 @@
 #include "base/string_table.h"
 #include "logs/log_texts.h"
 #include "persistence/log_files.h"
+#include "persistence/log_import.h"
 #include "persistence/recovery.h"
 #include "persistence/stored_logs.h"
 #include "persistence/vehicles.h"
 #include "terminal/output.h"
+#include "terminal/run_figures.h"
 #include "terminal/shown_run.h"
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -56,13 +59,15 @@ QString logs_run::wrong_words(const QStringList& words, bool yes) {
     const bool all_are_numbers = std::all_of(numbers.begin(), numbers.end(), number_of);
     if (what == QLatin1String("list") && numbers.isEmpty())
         return {};
-    if ((what == QLatin1String("show") || what == QLatin1String("export")) && numbers.size() == 1 &&
-        all_are_numbers)
+    const bool is_of_one = QStringList{"show", "export", "figures"}.contains(what);
+    if (is_of_one && numbers.size() == 1 && all_are_numbers)
+        return {};
+    if (what == QLatin1String("import") && words.size() == 2)
         return {};
     if (what != QLatin1String("delete") || numbers.isEmpty() || !all_are_numbers)
         return QStringLiteral(
-            "The words after logs are: list; show, export or delete and the number of a log, for "
-            "delete also several.");
+            "The words after logs are: list; show, export, figures or delete and the number of a log, for "
+            "delete also several; import and a file.");
     return yes || isatty(STDIN_FILENO)
                ? QString()
                : QStringLiteral(
@@ -76,11 +81,13 @@ void logs_run::start() {
     if (can_be_changed) {
         if (const QString done = put_in_order(core.db); !done.isEmpty())
             tell(done + u'\n');
-    } else if (what == QLatin1String("delete") || !can_be_read()) {
+    } else if (what == QLatin1String("delete") || what == QLatin1String("import") || !can_be_read()) {
         return end(core.db.problem(), false);
     }
     if (what == QLatin1String("list"))
         return list();
+    if (what == QLatin1String("import"))
+        return import_file(core.options.arguments.at(1));
     QList<log_header> logs;
     for (const QString& word : core.options.arguments.sliced(1)) {
         const auto log = log_with_id(core.db, number_of(word));
@@ -92,6 +99,8 @@ void logs_run::start() {
         return ask_deletion(logs);
     if (what == QLatin1String("show"))
         return show(logs.first());
+    if (what == QLatin1String("figures"))
+        return show_figures(logs.first());
     if (!isSampledLog(logs.first().type))
         return show_text(logs.first()); // a report is shown, not exported
     begin_export(logs.first().id);
@@ -148,6 +157,13 @@ void logs_run::show(const log_header& log) {
     if (!isSampledLog(log.type))
         return show_text(log);
     const bool read = print_run(core.toolies, log);
+    end(read ? QString() : core.db.problem(), read);
+}
+
+void logs_run::show_figures(const log_header& log) {
+    if (!isSampledLog(log.type))
+        return end(QStringLiteral("Log %1 is a report: only a run has figures.").arg(log.id), false);
+    const bool read = print_figures(core.toolies, log, core.options.json);
     end(read ? QString() : core.db.problem(), read);
 }
 
@@ -244,6 +260,36 @@ void logs_run::next_slice() {
     else
         print(exporting->path() + u'\n');
     end(QStringLiteral("Exported to loggies folder in Documents\n\n%1").arg(exporting->path()), true);
+}
+
+void logs_run::import_file(const QString& file) {
+    bool is_stopped = false;
+    on_stop([&is_stopped] { is_stopped = true; });
+    const auto vehicle = vehicle_or_first(core.db, core.defaults.value(setting::current_vehicle));
+    if (!vehicle)
+        return end(QStringLiteral("There is no vehicle that the run could belong to."), false);
+    log_import importing(core.db, lists);
+    const bool done = importing.take(file, vehicle->id, [&](int percent) {
+        if (std::exchange(last_percent, percent) != percent)
+            tell_over(QStringLiteral("%1 % of the file").arg(percent));
+        QCoreApplication::processEvents();
+        return !is_stopped;
+    });
+    on_stop([] {}); // the end is near
+    if (!done)
+        return end(importing.problem(), false);
+    if (core.options.json)
+        print_json(QJsonObject{{"id", importing.log_id()},
+                               {"sweeps", importing.sweeps()},
+                               {"values_left_out", importing.values_left_out()}});
+    else
+        print(QStringLiteral("%1\n").arg(importing.log_id()));
+    QString sentence =
+        QStringLiteral("Imported as log %1: %2 sweeps").arg(importing.log_id()).arg(importing.sweeps());
+    if (importing.values_left_out() > 0)
+        sentence += QStringLiteral("\n%1 values could not be taken: no reply of their PID has them")
+                        .arg(importing.values_left_out());
+    end(sentence, true);
 }
 
 void logs_run::end(const QString& sentence, bool done) {

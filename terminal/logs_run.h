@@ -9,7 +9,8 @@
 namespace brivant {
 
 // The command "logs": "logs list" names the stored logs, "logs show ID" prints one, "logs export ID" writes a
-// sampling run to a file, "logs delete ID..." deletes. The car is not asked.
+// sampling run to a file, "logs delete ID..." deletes, "logs import FILE" takes
+// an exported run back. The car is not asked.
 class logs_run : public terminal_run {
 public:
     explicit logs_run(program_core& its_core);
@@ -23,11 +24,13 @@ private:
     bool can_be_read();
     void list();
     void show(const log_header& log);
+    void show_figures(const log_header& log);
     void show_text(const log_header& log);
     void show_as_json(const log_header& log);
     void end_in_order();
     void begin_export(int log_id);
     void next_slice();
+    void import_file(const QString& file);
     void ask_deletion(const QList<log_header>& logs);
     void next_deletion();
     void end(const QString& sentence, bool done);

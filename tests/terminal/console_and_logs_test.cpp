@@ -67,6 +67,37 @@ TEST(console_words, are_checked_before_anything_is_sent) {
     EXPECT_EQ(meant.status(), 0);
 }
 
+TEST(logs, of_runs_are_taken_back_and_have_figures) {
+    QTemporaryDir folder;
+    const auto in_folder = [&](const QStringList& words) {
+        return demo(QStringList{"--profile", folder.path(), "--metric"} + words);
+    };
+    EXPECT_EQ(cli_process(in_folder({"log", "--pids", "0C,0D", "--sweeps", "4", "--store"})).status(), 0);
+    cli_process exported(in_folder({"--format", "timed", "logs", "export", "1"}));
+    EXPECT_EQ(exported.status(), 0);
+    const QString file = exported.out().trimmed();
+    cli_process imported(in_folder({"--json", "logs", "import", file}));
+    EXPECT_EQ(imported.status(), 0) << imported.progress().constData();
+    EXPECT_EQ(imported.json()["id"].toInt(), 2);
+    EXPECT_EQ(imported.json()["sweeps"].toInt(), 4);
+    QByteArrayList figures;
+    for (const char* log : {"1", "2"}) {
+        cli_process told(in_folder({"--json", "logs", "figures", log}));
+        EXPECT_EQ(told.status(), 0);
+        figures += told.out();
+        EXPECT_EQ(told.json()["columns"].toArray().at(1)["samples"].toInt(), 4);
+        EXPECT_TRUE(told.json()["fuel_l"].isNull());
+        EXPECT_GT(told.json()["duration_s"].toDouble(), 0);
+    }
+    EXPECT_EQ(figures[0], figures[1]);
+    cli_process as_text(in_folder({"logs", "figures", "1"}));
+    EXPECT_EQ(as_text.status(), 0);
+    EXPECT_TRUE(as_text.out().contains("Fuel used: the run has no fuel rate (PID 5E)\n"));
+    EXPECT_TRUE(as_text.out().contains("Vehicle speed (kph): ")) << as_text.out().constData();
+    EXPECT_EQ(cli_process(in_folder({"logs", "import", "/dev/null"})).status(), 1);
+    EXPECT_EQ(cli_process(in_folder({"logs", "import"})).status(), 2);
+}
+
 TEST(logs, are_shown_and_deleted) {
     QTemporaryDir folder;
     const auto in_folder = [&](const QStringList& words) {
