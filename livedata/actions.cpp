@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace brivant {
 
@@ -182,16 +183,58 @@ void actions::begin_run() {
     results.log_sample_cnt = 0;
     results.is_stored = false;
     results.log_id = -1;
-    if (defaults.value(setting::log_runs)) {
-        storing.create_row(results.mode, state.cur_veh_id());
-        storing.work_out_log_file(results.mode, results.metric);
-        results.is_stored = storing.is_on();
-        results.log_id = storing.log_id();
-    }
+    is_armed = true;
+    storing.keep(trigger ? trigger->before_s : 0);
+    if (!trigger && defaults.value(setting::log_runs))
+        begin_log();
     rework_gui_objects();
     const mode_of_choice& mode = modes[static_cast<size_t>(selected_index())];
     start({mode.code, QStringLiteral("Starting run log"), mode.failure, nullptr,
            [this, run = mode.run] { return run_over_any_link(*this, run); }});
+}
+
+void actions::begin_log() {
+    storing.create_row(results.mode, state.cur_veh_id());
+    storing.work_out_log_file(results.mode, results.metric);
+    results.is_stored = storing.is_on();
+    results.log_id = storing.log_id();
+}
+
+void actions::take_sweep(const QString& line, const sweep_moment& when) {
+    begin_log_when_triggered(when.ms);
+    sampling_talk::take_sweep(line, when);
+    end_log_when_triggered();
+}
+
+bool actions::is_met(const pid_limit& limit) const {
+    return std::any_of(results.these_samples.begin(), results.these_samples.end(),
+                       [&limit](const sample_row& row) {
+                           return row.pid == limit.pid && std::isfinite(row.latest) &&
+                                  (limit.is_above ? row.latest > limit.value : row.latest < limit.value);
+                       });
+}
+
+void actions::begin_log_when_triggered(double now_ms) {
+    if (!trigger || storing.is_on())
+        return;
+    const bool is_true = is_met(trigger->when);
+    if (is_true && is_armed && storing.sweeps_lost() == 0) { // else what was lost would not be told
+        begin_log();
+        storing.begin_with_kept(now_ms, results.moments.started_utc_ms());
+        for (const timed_mark& mark : std::as_const(results.marks))
+            storing.store_mark(mark);
+        set_status_msg(
+            QStringLiteral("Stored as log %1 since %2").arg(results.log_id).arg(text_of(trigger->when)));
+    }
+    is_armed = !is_true;
+}
+
+void actions::end_log_when_triggered() {
+    if (!trigger || !trigger->until || !storing.is_on() || !is_met(*trigger->until))
+        return;
+    storing.end();
+    is_armed = !is_met(trigger->when);
+    set_status_msg(QStringLiteral("Log %1 ended by %2").arg(results.log_id).arg(text_of(*trigger->until)));
 }
 
 void actions::started() {

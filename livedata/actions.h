@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livedata/sampling_talk.h"
+#include "livedata/store_trigger.h"
 
 namespace brivant {
 
@@ -38,6 +39,9 @@ public:
     // Seconds between the sweeps that are stored, -1 for every sweep. The stored setting counts until then.
     void set_sample_rate(int seconds) { storing.set_rate(seconds); }
 
+    // The next runs are stored by this, whatever the setting says.
+    void store_when(const store_trigger& its_trigger) { trigger = its_trigger; }
+
     // The button: starts a run, or ends the one that is active.
     void runLogs();
     // A mark at this moment of the run, also in what is stored of it. "" for none of the person's own words.
@@ -60,6 +64,7 @@ public:
     run_observer& observer() override { return *watching; }
     void addEngECU_toPidList() override;
     void take_set(const QStringList& items) override;
+    void take_sweep(const QString& line, const sweep_moment& when) override;
 
 private:
     void choose_mode(int mode);
@@ -67,6 +72,10 @@ private:
     bool results_still_fit();
     void rework_gui_objects();
     void begin_run();
+    void begin_log();
+    bool is_met(const pid_limit& limit) const;
+    void begin_log_when_triggered(double now_ms);
+    void end_log_when_triggered();
     void end_run();
     void started() override;
     void let_go() override;
@@ -74,6 +83,8 @@ private:
 
     user_defaults& defaults;
     run_observer* watching;
+    std::optional<store_trigger> trigger;
+    bool is_armed = false; // what begins a log was not true before
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
 

@@ -5,11 +5,17 @@
 #include "base/string_table.h"
 #include "operations/operation_code.h"
 #include "persistence/log_files.h"
+#include "persistence/sqlite_connection.h"
 #include "persistence/stored_logs.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace brivant {
 
 namespace {
+
+constexpr qsizetype most_kept = 100'000; // sweeps
 
 QString log_type_of(int operation) {
     switch (operation) {
@@ -38,6 +44,7 @@ void run_log::create_row(int operation, int veh_id) {
     log_sample_cnt = 0;
     gaps = lost = 0;
     owes_gap = false;
+    begun_ms = 0;
     log_now_delayed = true;
     cur_GPS_info.clear();
     what_is_wrong.clear();
@@ -61,11 +68,50 @@ void run_log::work_out_log_file(int operation, bool metric) {
         console_log(QStringLiteral("work_out_log_file::%1").arg(log_out_stream.errorString()));
 }
 
+void run_log::keep(int seconds) {
+    kept_ms = 1000 * seconds;
+    kept.clear();
+}
+
+void run_log::keep_line(const kept_line& line) {
+    if (kept_ms == 0)
+        return;
+    kept += line;
+    while (kept.size() > most_kept || kept.first().when.ms < line.when.ms - kept_ms)
+        kept.removeFirst();
+}
+
+void run_log::begin_with_kept(double now_ms, qint64 started_utc_ms) {
+    while (!kept.isEmpty() && (kept.first().is_gap || kept.first().when.ms < now_ms - kept_ms))
+        kept.removeFirst();
+    const QList<kept_line> lines = std::exchange(kept, {});
+    begun_ms = std::floor(lines.isEmpty() ? now_ms : lines.first().when.ms);
+    start_utc_ms = started_utc_ms + static_cast<qint64>(begun_ms);
+    if (!is_on() || db.change([&](sqlite_connection& connection) { return store_kept(connection, lines); }))
+        return;
+    log_sample_cnt = gaps = 0;
+    lost += static_cast<int>(lines.size());
+    fail();
+}
+
+bool run_log::store_kept(sqlite_connection& connection, const QList<kept_line>& lines) {
+    const auto at_its_time = QStringLiteral("UPDATE LOGGIES_DATA SET time_stamp=datetime(%1, 'unixepoch') "
+                                            "WHERE LOG_ID=%2 AND LINE_NUMBER=%3");
+    return std::all_of(lines.begin(), lines.end(), [&](const kept_line& one) {
+        gaps += one.is_gap;
+        const qint64 utc_s = (start_utc_ms + static_cast<qint64>(one.when.ms - begun_ms)) / 1000;
+        return store(one.line, one.when) &&
+               connection.execute(at_its_time.arg(utc_s).arg(cur_log_DB_id).arg(log_sample_cnt - 1));
+    });
+}
+
 bool run_log::sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when) {
+    if (!is_on())
+        keep_line({line, when, false});
     if (!is_on() || !stores_this_sweep())
         return false;
     if (log_sample_cnt == 0)
-        start_utc_ms = started_utc_ms;
+        start_utc_ms = started_utc_ms + static_cast<qint64>(begun_ms);
     const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line, when);
     if (!stored) {
         ++lost;
@@ -90,6 +136,8 @@ void run_log::store_gap(int columns, double ms) {
     owe_gap(ms);
     if (is_on())
         store_owed_gap(columns);
+    else
+        keep_line({QStringList(columns, no_reply).join(u','), {ms, {}}, true});
 }
 
 bool run_log::store_owed_gap(int columns) {
@@ -104,8 +152,9 @@ bool run_log::store_owed_gap(int columns) {
 bool run_log::store(const QString& line, const sweep_moment& when) {
     const bool is_stored = db.change([&](sqlite_connection&) {
         return db.append_2_LOG_DB(line, cur_GPS_info, log_sample_cnt, cur_log_DB_id) > 0 &&
-               (!has_moments || (store_moment(db, cur_log_DB_id, log_sample_cnt, when) &&
-                                 (log_sample_cnt > 0 || store_run_start(db, cur_log_DB_id, start_utc_ms))));
+               (!has_moments ||
+                (store_moment(db, cur_log_DB_id, log_sample_cnt, {when.ms - begun_ms, when.offsets}) &&
+                 (log_sample_cnt > 0 || store_run_start(db, cur_log_DB_id, start_utc_ms))));
     });
     if (!is_stored) {
         fail();
@@ -116,7 +165,8 @@ bool run_log::store(const QString& line, const sweep_moment& when) {
 }
 
 bool run_log::store_mark(const timed_mark& mark) {
-    return is_on() && brivant::store_mark(db, cur_log_DB_id, mark);
+    return mark.ms < begun_ms ||
+           (is_on() && brivant::store_mark(db, cur_log_DB_id, {mark.ms - begun_ms, mark.text}));
 }
 
 void run_log::fail() {

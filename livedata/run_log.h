@@ -25,6 +25,10 @@ public:
 
     // The run's header in the database; nothing when that cannot be written: see problem().
     void create_row(int operation, int veh_id);
+    // While nothing is stored, the sweeps of so many latest seconds are kept; none are of another run.
+    void keep(int seconds);
+    // The log that create_row() made begins with what is kept before this moment of the run.
+    void begin_with_kept(double now_ms, qint64 started_utc_ms);
     // The session file of the operation.
     void work_out_log_file(int operation, bool metric);
     // A sweep is complete: its line is stored when it is its turn. True when it was.
@@ -35,7 +39,8 @@ public:
     // Sweeps of so many columns are missing from here on: a gap, whatever the rate, behind the first sweep.
     // `ms`: when it began, since the run's start.
     void store_gap(int columns, double ms);
-    // A person's word at a moment of the run. False when it could not be stored: the database tells why.
+    // A person's word at a moment of the run; one before the log's begin is left out. False when it could not
+    // be stored: the database tells why.
     bool store_mark(const timed_mark& mark);
     // The run has ended: its header gets the final text, or goes away when no line was stored.
     void end();
@@ -56,7 +61,14 @@ public:
 
 private:
     void sample_delayed() { log_now_delayed = true; }
+    struct kept_line {
+        QString line;
+        sweep_moment when;
+        bool is_gap;
+    };
+    void keep_line(const kept_line& line);
     bool store(const QString& line, const sweep_moment& when);
+    bool store_kept(sqlite_connection& connection, const QList<kept_line>& lines);
     bool store_owed_gap(int columns);
     void owe_gap(double ms);
     void fail();
@@ -73,6 +85,9 @@ private:
     bool owes_gap = false; // sweeps are missing behind the last line
     double gap_ms = 0;     // from here on
     bool has_moments = false;
+    int kept_ms = 0;
+    QList<kept_line> kept;
+    double begun_ms = 0; // the log's begin within the run
     qint64 start_utc_ms = 0;
     int g_sample_rate = -1;
     bool log_now_delayed = false;

@@ -243,13 +243,17 @@ void sampling_talk::end_of_sweep() {
         add_item_to_log_vector(results.cur_log_points, QString(), -1);
         ++results.sample_cnt;
         results.times.sweep_complete();
-        storing.sweep_complete(line, results.moments.started_utc_ms(), results.moments.taken());
+        take_sweep(line, results.moments.taken());
         results.log_sample_cnt = storing.sweeps_stored();
         observer().sweep_completed();
     }
     check_the_run();
     if (car_is_gone)
         throw link_lost{.status = QStringLiteral("The car has not answered for five minutes")};
+}
+
+void sampling_talk::take_sweep(const QString& line, const sweep_moment& when) {
+    storing.sweep_complete(line, results.moments.started_utc_ms(), when);
 }
 
 void sampling_talk::tell_silence(bool is_silent) {

@@ -71,6 +71,8 @@ public:
     virtual void addEngECU_toPidList() = 0;
     // The set of the run as the car determines it; the rows and the matrix are made anew.
     virtual void take_set(const QStringList& items) = 0;
+    // A complete sweep, whose values stand in the rows, is stored where it is to be.
+    virtual void take_sweep(const QString& line, const sweep_moment& when);
     // Never null.
     virtual run_observer& observer() = 0;
 

@@ -91,7 +91,8 @@ private:
 
     // The options of a sampling run stand behind its command, which reads them itself.
     bool is_word_of_a_run(const QString& name) const {
-        static const QStringList names{"--pids", "--sweeps", "--seconds", "--rate", "--store"};
+        static const QStringList names{"--pids",  "--sweeps", "--seconds", "--rate",
+                                       "--store", "--when",   "--before",  "--until"};
         return !options.command.isEmpty() && names.contains(name);
     }
 

@@ -57,6 +57,8 @@ void live_run::start() {
     delegate.link.set_controller(controller.get());
     if (words.rate)
         controller->set_sample_rate(*words.rate);
+    if (words.trigger)
+        controller->store_when(*words.trigger);
     if (!words.pids.isEmpty())
         controller->use_pids(words.pids);
     controller->comboBoxSelectionDidChange(words.mode);
@@ -181,6 +183,8 @@ QString live_run::summary() const {
     if (results.log_sample_cnt > 0)
         text +=
             QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
+    else if (words.trigger)
+        text += QStringLiteral(", none stored: %1 did not come true").arg(text_of(words.trigger->when));
     if (controller->sweeps_lost() > 0)
         text += QStringLiteral("\n%1").arg(controller->storing_problem());
     text += u'\n';

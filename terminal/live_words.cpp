@@ -13,6 +13,7 @@ constexpr std::array<const char*, 4> commands{"log", "fuel", "o2", "boost"}; // 
 constexpr qint64 most_sweeps = 1'000'000'000;
 constexpr qint64 most_seconds = 2'000'000; // 23 days
 constexpr qint64 slowest_rate = 86'400;
+constexpr qint64 most_before = 600;
 constexpr qsizetype most_pids = 64;
 
 // Takes "--name VALUE" and "--name=VALUE" one after the other.
@@ -32,14 +33,22 @@ public:
             if (!take(name, value))
                 return false;
         }
-        return true;
+        return put_trigger_together();
     }
 
 private:
     bool take(const QString& name, const QString& value) {
         if (name == QLatin1String("--pids"))
             return take_pids(value);
+        if (name == QLatin1String("--when"))
+            return take_limit(name, value, when);
+        if (name == QLatin1String("--until"))
+            return take_limit(name, value, until);
         qint64 number = 0;
+        if (name == QLatin1String("--before") && take_number(name, value, 1, most_before, number)) {
+            before = static_cast<int>(number);
+            return true;
+        }
         if (name == QLatin1String("--sweeps")) {
             return take_number(name, value, 1, most_sweeps, asked.sweeps);
         } else if (name == QLatin1String("--seconds") && take_number(name, value, 1, most_seconds, number)) {
@@ -50,9 +59,9 @@ private:
             return true;
         }
         if (problem.isEmpty())
-            problem =
-                QStringLiteral("What is %1? A run takes --pids, --sweeps, --seconds, --rate and --store.")
-                    .arg(name);
+            problem = QStringLiteral("What is %1? A run takes --pids, --sweeps, --seconds, --rate, --store, "
+                                     "--when, --before and --until.")
+                          .arg(name);
         return false;
     }
 
@@ -63,6 +72,29 @@ private:
             return true;
         problem = QStringLiteral("%1 needs a number from %2 to %3.").arg(name).arg(least).arg(most);
         return false;
+    }
+
+    bool take_limit(const QString& name, const QString& value, std::optional<pid_limit>& limit) {
+        limit = pid_limit_of(value);
+        if (limit)
+            return true;
+        problem =
+            QStringLiteral("%1 needs a PID, < or >, and a number, for example %1 \"0C>4000\".").arg(name);
+        return false;
+    }
+
+    // They belong together, and to what is sampled.
+    bool put_trigger_together() {
+        if (!when && (until || before > 0))
+            problem = QStringLiteral("--before and --until belong to --when.");
+        else if (when && asked.store)
+            problem = QStringLiteral("Only one of --store and --when can be chosen.");
+        if (when)
+            asked.trigger = store_trigger{*when, until, before};
+        for (const auto& limit : {when, until})
+            if (limit && !asked.pids.isEmpty() && !asked.pids.contains(limit->pid))
+                problem = QStringLiteral("%1 is not among --pids.").arg(limit->pid);
+        return problem.isEmpty();
     }
 
     bool take_pids(const QString& value) {
@@ -85,6 +117,9 @@ private:
     }
 
     live_words& asked;
+    std::optional<pid_limit> when;
+    std::optional<pid_limit> until;
+    int before = 0;
     QString& problem;
 };
 
@@ -116,6 +151,8 @@ QString live_commands_usage() {
         "  fuel, boost, o2       the same for fuel economy, boost pressure, oxygen sensors\n"
         "      --sweeps N, --seconds S  how long a run lasts\n"
         "      --store, --rate SECONDS  keep the sweeps in the database, all or one in so many seconds\n"
+        "      --when \"0C>4000\" [--before S] [--until \"0C<1000\"]\n"
+        "                        keep a log of each time that this comes true, with S seconds before it\n"
         "      a line on standard input, or SIGUSR1, puts a mark into the run\n");
 }
 

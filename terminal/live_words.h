@@ -1,5 +1,7 @@
 #pragma once
 
+#include "livedata/store_trigger.h"
+
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -13,7 +15,8 @@ struct live_words {
     qint64 sweeps = -1;      // the run ends behind so many, -1 for none
     int seconds = -1;        // it ends that long after the first value, -1 for none
     std::optional<int> rate; // seconds between stored sweeps
-    bool store = false;      // whatever the preference says
+    std::optional<store_trigger> trigger;
+    bool store = false; // whatever the preference says
 };
 
 bool is_live_command(const QString& command);

@@ -134,6 +134,39 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
     EXPECT_EQ(bench.results.marks.size(), 1);
 }
 
+TEST(actions, a_log_begins_before_a_value_comes_and_ends_behind_another) {
+    live_bench bench;
+    bench.opened().store_when({*pid_limit_of("0C>2000"), pid_limit_of("0c < 1000"), 2});
+    EXPECT_FALSE(pid_limit_of("0C=4") || pid_limit_of("C>4") || pid_limit_of("0C>4;"));
+    EXPECT_EQ(play(conversation_of("! pids 0C\n! do button\n"
+                                   "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
+                                   "> 01 0C"),
+                   bench),
+              "");
+    // A second a sweep, in rounds a minute; 0 is none.
+    for (const int rpm : {1500, 1501, 1502, 0, 2001, 1504, 2002, 900, 901, 2003, 2004, 800, 2005}) {
+        bench.clock.advance(1000);
+        const QString raw = QString::number(4 * rpm, 16).toUpper().rightJustified(4, u'0');
+        bench.adapter->receive(rpm == 0 ? QByteArray("NO DATA\r\r>")
+                                        : "7E8 04 41 0C " + raw.first(2).toLatin1() + ' ' +
+                                              raw.last(2).toLatin1() + " \r\r>");
+        if (rpm == 0)
+            bench.controller->put_mark("in the gap");
+    }
+    bench.controller->stop();
+    EXPECT_EQ(bench.rows("SELECT LOG_ID || ':' || GROUP_CONCAT(DATA, ' ') FROM LOGGIES_DATA GROUP BY LOG_ID"),
+              "1:410C1778 ~ 410C1F44 410C1780 410C1F48 410C0E10 / "
+              "2:410C0E14 410C1F4C 410C1F50 410C0C80 / 3:410C1F54");
+    EXPECT_EQ(bench.rows("SELECT GROUP_CONCAT(CAST(MILLISECONDS AS INT)) FROM BV_MOMENTS GROUP BY LOG_ID"),
+              "0,1000,2000,3000,4000,5000 / 0,1000,2000,3000 / 0");
+    EXPECT_EQ(bench.rows("SELECT STARTED_UTC_MS - (SELECT MIN(STARTED_UTC_MS) FROM BV_RUNS) FROM BV_RUNS"),
+              "0 / 6000 / 10000");
+    EXPECT_EQ(bench.facts["log"](),
+              "Log [5 Sample points  ] / Log [4 Sample points  ] / Log [1 Sample points  ]");
+    EXPECT_EQ(bench.rows("SELECT LOG_ID, CAST(MILLISECONDS AS INT), TEXT FROM BV_MARKS"),
+              "1 2000 in the gap");
+}
+
 TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     qint64 now = 5000;
     sweep_times times([&now] { return now; });

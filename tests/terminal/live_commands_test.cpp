@@ -64,6 +64,10 @@ TEST(live_commands, exit_statuses_and_lines) {
         {"can11", {"log", "--sweeps", "0"}, 2, 0},
         {"can11", {"log", "--sweeps", "1", "--seconds", "1"}, 2, 0},
         {"can11", {"log", "0C"}, 2, 0},
+        {"can11", {"log", "--pids", "0C", "--when", "0C>60000", "--sweeps", "2"}, 0, 3},
+        {"can11", {"log", "--when", "0C=4"}, 2, 0},
+        {"can11", {"log", "--before", "5"}, 2, 0},
+        {"can11", {"log", "--pids", "0D", "--when", "0C>4"}, 2, 0},
     };
     for (const auto& [car, words, status, lines] : rows) {
         cli_process run(QStringList{QString("--demo=") + car} + words);
