@@ -276,6 +276,8 @@ void logs_run::import_file(const QString& file) {
         return !is_stopped;
     });
     on_stop([] {}); // the end is near
+    if (last_percent >= 0)
+        tell(QStringLiteral("\n"));
     if (!done)
         return end(importing.problem(), false);
     if (core.options.json)

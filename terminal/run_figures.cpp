@@ -65,7 +65,7 @@ QString figures_as_text(const drive_figures& figures) {
     if (figures.has_speed()) {
         text += QStringLiteral("Distance: %1 km\nMoving: %2 s\n")
                     .arg(number(figures.distance_km(), 3), number(figures.moving_s(), 1));
-        if (figures.without_speed_s() > 0)
+        if (figures.without_speed_s() >= 0.05) // as shown
             text += QStringLiteral("Speed not known: %1 s\n").arg(number(figures.without_speed_s(), 1));
     } else {
         text += QStringLiteral("Distance and times: the run has no vehicle speed (PID 0D)\n");
