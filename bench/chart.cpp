@@ -24,6 +24,7 @@ namespace {
 
 const QStringList pids{"0D", "0C", "11", "05", "0B", "10", "0E", "14"};
 constexpr int rounds = 61;
+constexpr double ms_of_reply = 30;
 constexpr double screen_ratio = 1;
 constexpr QSizeF chart_size(800, 440);
 constexpr QSizeF thumbnail_size(180, 110);
@@ -48,6 +49,18 @@ private:
     std::normal_distribution<double> noise{0, 0.04};
 };
 
+double begin_of(qsizetype sweep) {
+    return ms_of_reply * static_cast<double>(pids.size() * sweep);
+}
+
+void sample(sample_matrix& matrix, drive& car, qsizetype sweep) {
+    matrix.begins(begin_of(sweep));
+    for (int column = 0; column < pids.size(); ++column) {
+        matrix.came(column, begin_of(sweep) + ms_of_reply * (column + 1));
+        matrix.set(column, car.reply(pids[column], sweep));
+    }
+}
+
 struct run_pictures {
     drawChartyItem chart;
     drawChartyItem thumbnail;
@@ -56,9 +69,11 @@ struct run_pictures {
     explicit run_pictures(const mac_toolies& toolies) : chart(toolies), thumbnail(toolies), gauge(toolies) {
         chart.initWitdim(chart_size, "chart", screen_ratio);
         chart.use_this_pids(pids);
+        chart.map_time(true);
         thumbnail.initWitdim(thumbnail_size, "thumbnail", screen_ratio);
         thumbnail.setThumbnail(true);
         thumbnail.use_this_pids(pids);
+        thumbnail.map_time(true);
         gauge.initGauge(pids.first());
     }
 };
@@ -109,14 +124,15 @@ int main(int argc, char** argv) {
         sample_matrix matrix([&toolies](const QString& body) { return toolies.get_OBDVal(body); });
         matrix.start(static_cast<int>(pids.size()));
         for (qsizetype sweep = 0; sweep < sweeps; ++sweep) {
-            for (int column = 0; column < pids.size(); ++column)
-                matrix.set(column, car.reply(pids[column], sweep));
+            sample(matrix, car, sweep);
             matrix.add_row();
         }
         run_pictures pictures(toolies);
         qsizetype sweep = sweeps;
         const double reply = median([&] {
             const QString body = car.reply(pids.first(), ++sweep);
+            matrix.begins(begin_of(sweep));
+            matrix.came(0, begin_of(sweep) + ms_of_reply);
             matrix.set(0, body);
             draw(pictures.thumbnail, matrix);
             draw(pictures.chart, matrix);

@@ -5,7 +5,7 @@
 #include "charts/axis_values.h"
 #include "charts/outward_rounding.h"
 #include "charts/picture.h"
-#include "charts/series_plot.h"
+#include "charts/time_plot.h"
 #include "toolkit/mac_toolies.h"
 
 #include <algorithm>
@@ -36,6 +36,19 @@ QRect in_device_pixels(const QRectF& place, double ratio) {
             QSize(qRound(place.right() * ratio) - corner.x(), qRound(place.bottom() * ratio) - corner.y())};
 }
 
+// The places where the series are broken.
+QList<int> draw_breaks(QPainter& painter, const sample_matrix& matrix, const QRect& place,
+                       const plot_range& range, double gap_width) {
+    if (!range.is_by_time()) {
+        const QList<int> gaps = gap_places(matrix, place, range);
+        draw_gaps(painter, gaps, place, gap_width);
+        return gaps;
+    }
+    const QList<plot_gap> gaps = time_gaps(matrix, place, range);
+    draw_time_gaps(painter, gaps, place, gap_width);
+    return ends_of(gaps);
+}
+
 } // namespace
 
 void drawChartyItem::initWitdim(QSizeF dimensions, const QString& its_imageID, double device_pixel_ratio) {
@@ -49,6 +62,24 @@ void drawChartyItem::initWithImage(const QImage& its_image, const QString& its_i
 
 void drawChartyItem::setNumberPointsToPlot(qsizetype count) {
     SHOW_THESE_MANY_LAST_POINTS = count == -1 ? -1 : std::max(count, fewest_points);
+}
+
+void drawChartyItem::plot_between(double from, double to) {
+    plotted_from = from;
+    plotted_to = to;
+}
+
+plot_range drawChartyItem::shown_range(const sample_matrix& matrix) const {
+    if (maps_time && plotted_to > plotted_from)
+        return range_between(matrix, plotted_from, plotted_to);
+    const qsizetype rows = plotted_end < 0 ? matrix.rows() : std::min(plotted_end, matrix.rows());
+    const qsizetype wanted = SHOW_THESE_MANY_LAST_POINTS;
+    const qsizetype first = wanted != -1 && rows >= wanted ? rows - wanted : 0;
+    if (!maps_time)
+        return {first, rows};
+    plot_range range = range_between(matrix, matrix.times().begin_of(first), matrix.times().end_of(rows - 1));
+    range.rows = rows;
+    return range;
 }
 
 bool drawChartyItem::isPlottingThisIndex(int index) const {
@@ -97,13 +128,13 @@ drawChartyItem::value_range drawChartyItem::rounded_range(const chart_label& lab
 }
 
 void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_labels& these_labels) try {
-    const qsizetype rows = plotted_end < 0 ? matrix.rows() : std::min(plotted_end, matrix.rows());
-    const qsizetype wanted = SHOW_THESE_MANY_LAST_POINTS;
-    const qsizetype first = wanted != -1 && rows >= wanted ? rows - wanted : 0;
+    plot_range range = shown_range(matrix);
     const double ratio = image.devicePixelRatio();
     const QRect place = in_device_pixels(drawSizes, ratio);
 
     picture_painter painter(image, foot());
+    if (maps_time && !is_thumbnail)
+        draw_time_lines(painter, range, matrix.times().are_known());
     painter.save();
     painter.translate(painter.at(0, 0));
     painter.scale(1 / ratio, -1 / ratio);
@@ -111,21 +142,21 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
     const QList<int> columns = plotted(these_labels);
     QList<series_summary> values;
     bool has_points = false;
-    const QList<int> gaps = gap_places(matrix, place, {first, rows});
-    draw_gaps(painter, gaps, place, ratio);
+    const QList<int> gaps = draw_breaks(painter, matrix, place, range, ratio);
     for (const int column : columns) {
-        const value_range range = rounded_range(these_labels[column]);
+        const value_range ends = rounded_range(these_labels[column]);
         values.append(matrix.extremes_with_first(column));
-        values.last().last = matrix.summary(column, first, rows).last;
-        if (range.is_inverted())
+        values.last().last = matrix.summary(column, range.first, range.rows).last;
+        if (ends.is_inverted())
             continue; // no value yet
-        const QPolygon points =
-            series_points(matrix, column, place, {first, rows, range.minimum, range.maximum});
+        range.minimum = ends.minimum;
+        range.maximum = ends.maximum;
+        const QPolygon points = series_points(matrix, column, place, range);
         has_points = has_points || !points.isEmpty();
-        const int baseline =
-            scale_point(first, range.minimum, place.x(), place.y(), place.width(), place.height(),
-                        static_cast<double>(rows), static_cast<double>(first), range.maximum, range.minimum)
-                .y();
+        const int baseline = scale_point(range.first, range.minimum, place.x(), place.y(), place.width(),
+                                         place.height(), static_cast<double>(range.rows),
+                                         static_cast<double>(range.first), range.maximum, range.minimum)
+                                 .y();
         painter.setClipRect(visible);
         for (const QPolygon& part : parts_between(points, gaps))
             draw_series(painter, part, baseline, setMyColor(column),
@@ -148,10 +179,29 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
                                       values.constFirst().last);
         return;
     }
-    print_sweep_numbers(painter, matrix.dropped() + first + 1, matrix.dropped() + rows, has_points);
+    if (!maps_time || !has_points)
+        print_sweep_numbers(painter, matrix.dropped() + range.first + 1, matrix.dropped() + range.rows,
+                            has_points);
     display_value(painter, these_labels, columns, values);
 } catch (const std::exception& problem) {
     console_log(QStringLiteral("plot_array_list::[%1]").arg(QString::fromLocal8Bit(problem.what())));
+}
+
+QList<drawChartyItem::dot> drawChartyItem::dots_at(double ms, const sample_matrix& matrix,
+                                                   const chart_labels& labels) const {
+    QList<dot> dots;
+    const plot_range range = shown_range(matrix);
+    const QRectF plot = plot_area();
+    for (const int column : plotted(labels)) {
+        const value_range ends = rounded_range(labels[column]);
+        const double value = value_at(matrix, column, ms);
+        if (std::isnan(value) || !(ends.maximum > ends.minimum))
+            continue;
+        dots.append({{plot.left() + plot.width() * (ms - range.from) / (range.to - range.from),
+                      plot.bottom() - plot.height() * (value - ends.minimum) / (ends.maximum - ends.minimum)},
+                     setMyColor(column)});
+    }
+    return dots;
 }
 
 drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "charts/sample_matrix.h"
+#include "charts/series_plot.h"
 
 #include <QColor>
 #include <QImage>
@@ -30,8 +30,9 @@ using chart_labels = QList<chart_label>;
 
 // The picture of a run: the large chart of one PID or of a group of them, or the thumbnail of one. A redraw
 // is work_out_labels, draw_grid, plot_array_list, imageRepresentation; what it costs depends on the size of
-// the picture and not on the length of the run. Coordinates are logical pixels, y growing upward; the plot's
-// baseline is y 0, and what lies below it (the row of sweep numbers) has a negative y.
+// the picture and not on the length of the run. Its x is the sweep, or in the window the time. Coordinates
+// are logical pixels, y growing upward; the plot's baseline is y 0, and what lies below it (the row of sweep
+// numbers or times) has a negative y.
 class drawChartyItem {
 public:
     // The toolkit outlives the item.
@@ -64,6 +65,12 @@ public:
     // The sweeps before `row` are plotted, as many as that; -1 for those up to the last one.
     void plot_up_to(qsizetype row) { plotted_end = row; }
 
+    // X is the moment of each value, with gaps as wide as they were, instead of the number of the sweep.
+    void map_time(bool by_time) { maps_time = by_time; }
+    // By time, from one moment of the run to another, in milliseconds, instead of the last sweeps; the same
+    // twice for those again.
+    void plot_between(double from, double to);
+
     bool isPlottingThisIndex(int index) const;
     // The value plotted last of the PID chosen; NaN before the first.
     double last_value() const { return last_OBD_val; }
@@ -75,6 +82,13 @@ public:
     // The series, over the grid.
     void plot_array_list(const sample_matrix& matrix, const chart_labels& these_labels);
     const QImage& imageRepresentation() const { return image; }
+    // By time, where the series are at a moment: each at its value then, or just before. In the coordinates
+    // of plot_area().
+    struct dot {
+        QPointF place;
+        QColor colour;
+    };
+    QList<dot> dots_at(double ms, const sample_matrix& matrix, const chart_labels& labels) const;
 
     // What the picture shows, in words, for those who cannot see it.
     QString in_words(const chart_labels& labels) const;
@@ -90,6 +104,7 @@ private:
         QString unit;
     };
 
+    plot_range shown_range(const sample_matrix& matrix) const;
     bool is_group() const { return !is_thumbnail && cur_ITEMS_2_PLOT.size() >= 2; }
     QList<int> plotted(const chart_labels& labels) const;
     static value_range rounded_range(const chart_label& label);
@@ -98,6 +113,8 @@ private:
 
     // How it looks (drawChartyItem_look.cpp)
     double foot() const;
+    // In the middle of a pixel of the device, so that a line is one pixel and not two half ones.
+    double crisp(double logical) const;
     static value_range axis_ends(const chart_label& label);
     void work_out_drawing_sizes(const chart_labels& labels, const QList<int>& columns);
     void draw_background(picture_painter& painter) const;
@@ -107,6 +124,8 @@ private:
     static double get_width_of_axis_label(double cur_max, double cur_min);
     void print_sweep_numbers(picture_painter& painter, qsizetype first, qsizetype last,
                              bool has_points) const;
+    // Over the grid, under the series.
+    void draw_time_lines(picture_painter& painter, const plot_range& range, bool is_known) const;
     void display_value(picture_painter& painter, const chart_labels& labels, const QList<int>& columns,
                        const QList<series_summary>& values) const;
     // `values`: the latest one, and the extremes that came.
@@ -126,6 +145,9 @@ private:
     std::set<int> cur_ITEMS_2_PLOT;
     qsizetype SHOW_THESE_MANY_LAST_POINTS = -1;
     qsizetype plotted_end = -1;
+    bool maps_time = false;
+    double plotted_from = 0;
+    double plotted_to = 0;
     QStringList _pid_logitems_list;
     QStringList cur_sample_set;
     double last_OBD_val = std::numeric_limits<double>::quiet_NaN();

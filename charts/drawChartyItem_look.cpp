@@ -3,6 +3,7 @@
 #include "charts/axis_values.h"
 #include "charts/drawChartyItem.h"
 #include "charts/picture.h"
+#include "charts/time_axis.h"
 
 #include <QLinearGradient>
 #include <QPainterPath>
@@ -36,6 +37,7 @@ constexpr double axis_font = 12;
 constexpr double least_axis = 40;
 constexpr qsizetype most_axes = 4;
 constexpr int divisions_across = 8;
+constexpr double pixels_per_time = 90;
 constexpr double pixels_per_axis_value = 44;
 constexpr double least_per_axis_value = 24; // in a low chart
 constexpr int few_axis_values = 4;
@@ -149,11 +151,8 @@ void drawChartyItem::draw_grid_lines(picture_painter& painter, const value_range
         painter.drawLine(plot.bottomLeft(), plot.bottomRight());
         return;
     }
-    const double ratio = image.devicePixelRatio();
-    // In the middle of a pixel of the device, so that a line is one pixel and not two half ones.
-    const auto crisp = [ratio](double logical) { return (std::floor(logical * ratio) + 0.5) / ratio; };
     painter.setPen(QPen(colour(grid_line_across), 1, Qt::DashLine));
-    for (int division = 1; division < divisions_across; ++division) {
+    for (int division = 1; division < divisions_across && !maps_time; ++division) {
         const double x = crisp(plot.left() + plot.width() * division / divisions_across);
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
     }
@@ -168,6 +167,38 @@ void drawChartyItem::draw_grid_lines(picture_painter& painter, const value_range
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(QRectF(QPointF(crisp(plot.left()), crisp(plot.top())),
                             QPointF(crisp(plot.right()), crisp(plot.bottom()))));
+}
+
+double drawChartyItem::crisp(double logical) const {
+    const double ratio = image.devicePixelRatio();
+    return (std::floor(logical * ratio) + 0.5) / ratio;
+}
+
+// A run of which no time is known has its sweep numbers there.
+void drawChartyItem::draw_time_lines(picture_painter& painter, const plot_range& range, bool is_known) const {
+    const QRectF plot = painter.area(drawSizes);
+    const QFont font = picture_font(family, axis_font);
+    painter.setFont(font);
+    const int wanted = std::max(1, static_cast<int>(plot.width() / pixels_per_time));
+    const time_axis axis = time_axis::between(range.from, range.to, wanted);
+    const QList<double> places =
+        is_known ? axis.moments : axis_values::between(range.from + 1, range.to + 1, wanted).values;
+    double free_from = 0; // what an end of the row needs is not written over
+    for (const double at : places) {
+        const double ms = is_known ? at : at - 1;
+        const double x = crisp(plot.left() + plot.width() * (ms - range.from) / (range.to - range.from));
+        painter.setPen(QPen(colour(grid_line_across), 1, Qt::DashLine));
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+        const QString words =
+            is_known ? clock_text(ms, axis.decimals) : QStringLiteral("sweep %1").arg(qRound64(at));
+        const double width = text_width(font, words);
+        const double left = std::max(4.0, x - width / 2);
+        if (left < free_from || left + width > image.deviceIndependentSize().width())
+            continue;
+        painter.setPen(colour(dim));
+        painter.write({left, drawSizes.top() - 21}, words);
+        free_from = left + width + pad;
+    }
 }
 
 double drawChartyItem::get_width_of_axis_label(double cur_max, double cur_min) {

@@ -6,36 +6,37 @@
 namespace brivant {
 
 plot_span plot_span::with_count(qsizetype wanted, double part) const {
-    const qsizetype least = std::min(fewest, rows);
-    const qsizetype kept = std::clamp(wanted, least, rows);
+    const qsizetype kept = std::clamp(wanted, std::min(least, length), length);
     const auto shift = static_cast<qsizetype>(std::llround(part * static_cast<double>(count - kept)));
-    return plot_span{rows, first, kept}.moved(shift);
+    return plot_span{length, first, kept, least}.moved(shift);
 }
 
 plot_span plot_span::moved(qsizetype by) const {
     // Compared before it is added: `by` may be as far as a number goes.
-    const qsizetype most = rows - count;
+    const qsizetype most = length - count;
     const qsizetype to = by > most - first ? most : by < -first ? 0 : first + by;
-    return {rows, to, count};
+    return {length, to, count, least};
 }
 
-plot_span plot_span::showing(qsizetype row) const {
-    if (row < first)
-        return moved(row - first);
-    return row >= end() ? moved(row - end() + 1) : *this;
+plot_span plot_span::showing(qsizetype at) const {
+    if (at < first)
+        return moved(at - first);
+    return at >= end() ? moved(at - end() + 1) : *this;
 }
 
 double plot_span::slider() const {
-    if (rows <= fewest)
+    if (length <= least)
         return 1;
-    return std::log(static_cast<double>(count) / fewest) / std::log(static_cast<double>(rows) / fewest);
+    const auto unit = static_cast<double>(least);
+    return std::log(static_cast<double>(count) / unit) / std::log(static_cast<double>(length) / unit);
 }
 
 qsizetype plot_span::count_at(double slider) const {
-    if (rows <= fewest || slider >= 1)
-        return rows;
+    if (length <= least || slider >= 1)
+        return length;
+    const auto unit = static_cast<double>(least);
     return static_cast<qsizetype>(
-        std::llround(fewest * std::pow(static_cast<double>(rows) / fewest, std::max(0.0, slider))));
+        std::llround(unit * std::pow(static_cast<double>(length) / unit, std::max(0.0, slider))));
 }
 
 } // namespace brivant

@@ -10,7 +10,7 @@ namespace brivant {
 namespace {
 
 constexpr qsizetype leaf_rows = 64;
-constexpr qsizetype block_rows = 4096;
+constexpr qsizetype block_rows = sample_times::block_rows;
 constexpr qsizetype leaves_per_block = block_rows / leaf_rows;
 constexpr qsizetype most_odd_bytes = qsizetype{1} << 20;
 constexpr qsizetype odd_overhead = 96; // a text's own share of the list and the table
@@ -110,6 +110,7 @@ void sample_matrix::start(int columns) {
     odd_body_at.clear();
     odd_bytes = 0;
     of_rows.clear();
+    its_times.start(column_count);
     add_row();
 }
 
@@ -122,12 +123,14 @@ void sample_matrix::add_row() {
         make_room();
         blocks.push_back(std::make_unique<block>(column_count));
     }
+    its_times.add_row();
     ++row_count;
 }
 
 void sample_matrix::make_room() {
     while (blocks.size() > 1 && bytes() + block_bytes() > limit) {
         blocks.erase(blocks.begin());
+        its_times.drop_block();
         row_count -= block_rows;
         dropped_rows += block_rows;
     }
@@ -294,7 +297,13 @@ qsizetype sample_matrix::bytes() const {
 qsizetype sample_matrix::block_bytes() const {
     constexpr size_t cell = sizeof(quint64) + sizeof(double);
     constexpr size_t summaries = sizeof(series_summary) * (leaves_per_block + 1);
-    return column_count * static_cast<qsizetype>(block_rows * cell + summaries);
+    return column_count * static_cast<qsizetype>(block_rows * cell + summaries) +
+           sample_times::block_bytes(column_count);
+}
+
+qsizetype sample_matrix::most_rows() const {
+    return column_count == 0 ? 0
+                             : std::max<qsizetype>(1, (limit - most_odd_bytes) / block_bytes()) * block_rows;
 }
 
 bool sample_matrix::has(qsizetype row, int column) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "charts/sample_times.h"
+
 #include <QByteArrayView>
 #include <QHash>
 #include <QString>
@@ -30,10 +32,10 @@ struct series_summary {
 // written to. Beside each body stands its number, and over the rows lie summaries, so that the extremes of
 // the run cost nothing and those of any range of rows next to nothing.
 //
-// A cell takes 16 bytes, and half a byte of the summaries. What is kept is bounded by `most_bytes`: when it
-// is full the oldest 4,096 rows go, and every row behind them is counted from the new oldest. The default
-// holds sixteen million cells, which four PIDs at 14 sweeps a second fill in three days. What a run stores in
-// the database is not affected.
+// A cell takes 20 bytes with its time, and half a byte of the summaries, a row 8 more. What is kept is
+// bounded by `most_bytes`: when it is full the oldest 4,096 rows go, and every row behind them is counted
+// from the new oldest. The default holds twelve million cells of four PIDs, which 14 sweeps a second fill in
+// two and a half days. What a run stores in the database is not affected.
 class sample_matrix {
 public:
     // The number of a reply body; NaN when it carries none (get_OBDVal).
@@ -57,6 +59,10 @@ public:
     // The same for a body in UTF-8, without a copy of it, and without working out a number met lately: for
     // reading a stored run.
     void set_bytes(int column, QByteArrayView body);
+    // The last row begins to be asked for, and the value of a column came: see sample_times.
+    void begins(double ms) { its_times.begins(ms); }
+    void came(int column, double ms) { its_times.came(column, ms); }
+    void spread_times(qsizetype first, qsizetype end, double until) { its_times.spread(first, end, until); }
     // These columns are worked out of the whole row from now on, until start().
     void work_out_of_rows(const QList<int>& columns, row_function of_row);
     // The number that a body gives has changed (units, boost reference): works out every number anew, about a
@@ -67,6 +73,9 @@ public:
     qsizetype rows() const { return row_count; }
     // Rows that made room for newer ones since start(); the run has had dropped() + rows().
     qsizetype dropped() const { return dropped_rows; }
+    // As many as that fit before the first ones are dropped.
+    qsizetype most_rows() const;
+    const sample_times& times() const { return its_times; }
 
     // "-1" while there is none, and for a row or a column that is not there. "~" for a text that was neither
     // a short hexadecimal one nor found room among the odd ones (1 MiB of distinct texts).
@@ -110,6 +119,7 @@ private:
     qsizetype row_count = 0;
     qsizetype dropped_rows = 0;
     std::vector<std::unique_ptr<block>> blocks;
+    sample_times its_times;
     std::unique_ptr<number_cache> numbers;
     std::vector<qsizetype> empty_rows;    // rows without a reply, counted with those that were dropped
     std::vector<series_summary> finished; // a column: the run's extremes up to the row before the last

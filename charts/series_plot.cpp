@@ -1,5 +1,7 @@
 #include "charts/series_plot.h"
 
+#include "charts/pixel_columns.h"
+
 #include <QPainterPath>
 #include <algorithm>
 #include <array>
@@ -103,54 +105,18 @@ QPoint scale_point(qsizetype this_x, double this_y, int scr_x, int scr_y, int sc
     return {whole(x) + scr_x, whole(src_height / (maxY - minY) * (this_y - minY)) + scr_y};
 }
 
-namespace {
-
-// From left to right, the rows of each pixel column.
-class pixel_columns {
-public:
-    pixel_columns(const QRect& its_place, const plot_range& its_range)
-        : place(its_place), range(its_range), next(range.first),
-          rows_per_pixel(static_cast<double>(range.rows - range.first) / place.width()) {}
-
-    QPoint point(qsizetype row, double value) const {
-        return scale_point(row, value, place.x(), place.y(), place.width(), place.height(),
-                           static_cast<double>(range.rows), static_cast<double>(range.first), range.maximum,
-                           range.minimum);
-    }
-    bool advance() {
-        if (place.width() <= 0 || next >= range.rows)
-            return false;
-        begin = next;
-        const int at = x();
-        next = range.first + static_cast<qsizetype>(rows_per_pixel * (at - place.x() + 1));
-        next = std::clamp(next, begin + 1, range.rows);
-        while (next < range.rows && point(next, 0).x() == at)
-            ++next;
-        while (next > begin + 1 && point(next - 1, 0).x() != at)
-            --next;
-        return true;
-    }
-    qsizetype first_row() const { return begin; }
-    qsizetype end_row() const { return next; }
-    int x() const { return point(begin, 0).x(); }
-
-private:
-    const QRect& place;
-    const plot_range& range;
-    qsizetype begin = 0;
-    qsizetype next;
-    double rows_per_pixel;
-};
-
-} // namespace
-
 QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range) {
     QPolygon points;
-    for (pixel_columns pixels(place, range); pixels.advance();) {
+    for (pixel_columns pixels(matrix, place, range); pixels.advance();) {
         const series_summary pixel = matrix.summary(column, pixels.first_row(), pixels.end_row());
-        if (!pixel.empty())
-            for (const double value : {pixel.first, pixel.minimum, pixel.maximum, pixel.last})
-                append_distinct(points, pixels.point(pixels.first_row(), value));
+        if (pixel.empty())
+            continue;
+        for (const double value : {pixel.first, pixel.minimum, pixel.maximum, pixel.last}) {
+            QPoint point = pixels.point(column, value);
+            if (!points.isEmpty()) // a moment within a sweep may lie behind the next one's begin
+                point.setX(std::max(point.x(), points.constLast().x()));
+            append_distinct(points, point);
+        }
     }
     return points;
 }
@@ -159,7 +125,7 @@ QList<int> gap_places(const sample_matrix& matrix, const QRect& place, const plo
     QList<int> gaps;
     if (matrix.gaps(range.first, range.rows) == 0)
         return gaps;
-    for (pixel_columns pixels(place, range); pixels.advance();)
+    for (pixel_columns pixels(matrix, place, range); pixels.advance();)
         if (matrix.gaps(pixels.first_row(), pixels.end_row()) > 0)
             gaps += pixels.x();
     return gaps;

@@ -21,11 +21,16 @@ struct plot_range {
     qsizetype rows = 0;  // of the matrix; the row after the last is the right edge
     double minimum = 0;
     double maximum = 0;
+    // By time: the moments at the two edges, in milliseconds. Both 0: by sweeps.
+    double from = 0;
+    double to = 0;
+
+    bool is_by_time() const { return to > from; }
 };
 
 // The series from row `first` on; rows that lack a value are bridged. A pixel column gets at most its first,
 // smallest, largest and last point, which cover the same pixels as all of them would: the cost depends on the
-// width, not on the rows.
+// width, not on the rows. By time a value lies at its own moment where its row has a pixel column to itself.
 QPolygon series_points(const sample_matrix& matrix, int column, const QRect& place, const plot_range& range);
 
 // The places, from the left, of the gaps among these rows: see sample_matrix::gaps().

@@ -127,6 +127,7 @@ car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again,
     const qint64 now = link.time_source().microseconds();
     results.moments.run_begins(now, QDateTime::currentMSecsSinceEpoch());
     results.moments.asks(now);
+    results.cur_log_points.begins(results.moments.sweep_ms());
     return send({.text = request + u'\r',
                  .expectedReply = shown ? QString() : positive_reply_of(request),
                  .has_header = shown,
@@ -175,7 +176,9 @@ QString sampling_talk::data_of_reply(const reply& what_came, int index) {
     QString data = data_of_reply(what_came, asked, header);
     if (data != no_reply) {
         its_row.refusals = 0;
-        results.moments.came(index, columns(), link.moments().middle());
+        const qint64 moment = link.moments().middle();
+        results.moments.came(index, columns(), moment);
+        results.cur_log_points.came(index, results.moments.milliseconds(moment));
     } else if (is_refused(what_came, header)) {
         ++its_row.refusals;
     }

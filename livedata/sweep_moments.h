@@ -21,6 +21,8 @@ public:
 
     // When the run began to ask, in milliseconds since 1970; -1 before.
     qint64 started_utc_ms() const { return started_utc; }
+    // The begin of the sweep under way, since the run's.
+    double sweep_ms() const { return sweep_us < 0 ? 0 : milliseconds(sweep_us); }
     double milliseconds(qint64 us) const { return static_cast<double>(us - begun_us) / 1000; }
 
 private:

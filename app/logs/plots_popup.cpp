@@ -46,7 +46,7 @@ void plots_popup::connect_parts() {
     connect(&progress, &progress_overlay::stop_wanted, this, &plots_popup::escape);
     connect(ui.pan, &QScrollBar::valueChanged, this, [this](int first) {
         if (!filling)
-            ui.chart->set_span(ui.chart->span().moved(first - ui.chart->span().first));
+            ui.chart->set_span(ui.chart->span().moved(first * pan_unit() - ui.chart->span().first));
     });
     connect(ui.zoom, &QSlider::valueChanged, this, [this](int place) {
         if (filling)
@@ -57,8 +57,7 @@ void plots_popup::connect_parts() {
     constexpr double factor = 2;
     connect(ui.zoom_in, &QToolButton::clicked, this, [this] { ui.chart->zoom_by(factor); });
     connect(ui.zoom_out, &QToolButton::clicked, this, [this] { ui.chart->zoom_by(1 / factor); });
-    connect(ui.show_all, &QToolButton::clicked, this,
-            [this] { ui.chart->set_span(plot_span::all_of(run.rows())); });
+    connect(ui.show_all, &QToolButton::clicked, this, [this] { ui.chart->set_span(run.whole()); });
     connect(ui.thumbs, &thumb_strip::chart_chosen, this, [this](int index) {
         shown.choose(index);
         mark();
@@ -128,7 +127,7 @@ void plots_popup::run_is_read() {
     progress.hide();
     ui.thumbs->rebuild(run.pictures());
     ui.thumbs->set_look(context.frame.look());
-    ui.chart->show_rows(run.rows());
+    ui.chart->show_run(run.whole(), run.origin());
     mark();
     ui.chart->setFocus();
     QStringList told;
@@ -159,14 +158,14 @@ void plots_popup::draw() {
     if (is_reading() || run.is_empty())
         return;
     const plot_span& span = ui.chart->span();
-    const bool reads_moment = span.contains(ui.chart->cursor());
-    if (reads_moment)
-        run.show_row(ui.chart->cursor());
+    if (ui.chart->shows_cursor())
+        run.show_moment(ui.chart->cursor());
     else
         run.show_averages(span);
     show_controls();
     show_words();
-    ui.chart->zoom(span.count, heading, span.end());
+    const double from = run.origin() + static_cast<double>(span.first);
+    ui.chart->show_between(from, from + static_cast<double>(span.count), heading);
     ui.chart->set_stale();
     ui.chart->draw_new();
     for (int index = 0; index < run.series().pids().size(); ++index)
@@ -174,13 +173,20 @@ void plots_popup::draw() {
     ui.thumbs->draw_new();
 }
 
+// A scroll bar counts up to two thousand million, a run may last longer.
+qsizetype plots_popup::pan_unit() const {
+    constexpr qsizetype most = 1'000'000'000;
+    return ui.chart->span().length / most + 1;
+}
+
 void plots_popup::show_controls() {
     filling = true;
     const plot_span& span = ui.chart->span();
-    ui.pan->setRange(0, static_cast<int>(span.rows - span.count));
-    ui.pan->setPageStep(static_cast<int>(span.count));
-    ui.pan->setSingleStep(std::max(1, static_cast<int>(span.count / 20)));
-    ui.pan->setValue(static_cast<int>(span.first));
+    const auto steps = [this](qsizetype way) { return static_cast<int>(way / pan_unit()); };
+    ui.pan->setRange(0, steps(span.length - span.count));
+    ui.pan->setPageStep(steps(span.count));
+    ui.pan->setSingleStep(std::max(1, steps(span.count / 20)));
+    ui.pan->setValue(steps(span.first));
     ui.zoom->setValue(qRound(span.slider() * ui.zoom->maximum()));
     ui.show_all->setEnabled(!span.is_all());
     filling = false;
@@ -188,22 +194,24 @@ void plots_popup::show_controls() {
 
 void plots_popup::show_words() {
     const plot_span& span = ui.chart->span();
-    const qsizetype row = ui.chart->cursor();
-    if (span.contains(row)) {
-        const QString since = run.elapsed(0, row);
+    const double moment = ui.chart->cursor();
+    if (ui.chart->shows_cursor()) {
+        const QString sweep = QStringLiteral("sweep %1").arg(grouped(run.sweep_at(moment)));
         ui.caption->set_text(
-            QStringLiteral("Values of sweep %1").arg(grouped(row + 1)) +
-            (since.isEmpty() ? QString() : QStringLiteral(", %1 after the start").arg(since)));
-        ui.times->setText(run.time_of(row, true));
+            run.is_timed() ? QStringLiteral("Values at %1, %2").arg(run.clock_of(moment, span.count), sweep)
+                           : QStringLiteral("Values of ") + sweep);
+        ui.times->setText(run.time_of(moment, true));
     } else {
         ui.caption->set_text(fill(QStringLiteral("Averages displayed - %d data points"),
                                   {QString::number(run.sweeps_in(span))}));
-        const QString from = run.time_of(span.first, true);
-        const QString to = run.time_of(span.end() - 1, false);
+        const double from = run.origin() + static_cast<double>(span.first);
+        const auto length = static_cast<double>(span.count);
+        const QString begin = run.time_of(from, true);
+        const QString end = run.time_of(from + length, false);
         ui.times->setText(
-            from.isEmpty() || to.isEmpty()
+            begin.isEmpty()
                 ? QString()
-                : QStringLiteral("%1 to %2 (%3)").arg(from, to, run.elapsed(span.first, span.end() - 1)));
+                : QStringLiteral("%1 to %2 (%3)").arg(begin, end, run.clock_of(length, span.count)));
     }
 }
 

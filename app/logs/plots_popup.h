@@ -40,6 +40,7 @@ private:
     // One frame.
     void draw();
     void show_controls();
+    qsizetype pan_unit() const;
     void show_words();
 
     view_context context;

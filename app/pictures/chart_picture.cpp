@@ -16,6 +16,7 @@ chart_picture::chart_picture(QWidget* parent) : QWidget(parent) {
 void chart_picture::set_up(const run_pictures& its_pictures) {
     pictures = &its_pictures;
     item.emplace(pictures->toolies);
+    item->map_time(true);
 }
 
 void chart_picture::mark(const shown_samples& shown) {
@@ -25,13 +26,21 @@ void chart_picture::mark(const shown_samples& shown) {
     stale = true;
 }
 
-void chart_picture::zoom(qsizetype points, const QString& its_title, qsizetype end) {
-    if (points == shown_points && end == shown_end && its_title == title)
+void chart_picture::zoom(qsizetype points, const QString& its_title) {
+    if (points == shown_points && its_title == title)
         return;
     item->setNumberPointsToPlot(points);
-    item->plot_up_to(end);
     shown_points = points;
-    shown_end = end;
+    title = its_title;
+    stale = true;
+}
+
+void chart_picture::show_between(double from, double to, const QString& its_title) {
+    if (from == shown_from && to == shown_to && its_title == title)
+        return;
+    item->plot_between(from, to);
+    shown_from = from;
+    shown_to = to;
     title = its_title;
     stale = true;
 }

@@ -17,9 +17,10 @@ public:
     void set_up(const run_pictures& its_pictures);
     // The set or the choice among it has changed.
     void mark(const shown_samples& shown);
-    // How many sweeps before row `end` (-1: of the last ones) are shown, -1 for all, and the title that says
-    // so.
-    void zoom(qsizetype points, const QString& its_title, qsizetype end = -1);
+    // How many of the last sweeps are shown, -1 for all, and the title that says so.
+    void zoom(qsizetype points, const QString& its_title);
+    // The same from one moment of the run to another, in milliseconds.
+    void show_between(double from, double to, const QString& its_title);
     void set_stale() { stale = true; }
     void draw_new();
     chart_labels work_out_labels() const { return item->work_out_labels(pictures->results.cur_log_points); }
@@ -27,6 +28,10 @@ public:
 protected:
     // Where the widget shows the series.
     QRectF plot_area() const { return item->plot_area(); }
+    const sample_times& times() const { return pictures->results.cur_log_points.times(); }
+    QList<drawChartyItem::dot> dots_at(double ms) const {
+        return item->dots_at(ms, pictures->results.cur_log_points, pictures->labels);
+    }
     void paintEvent(QPaintEvent*) override;
     void resizeEvent(QResizeEvent*) override { stale = true; }
 
@@ -36,7 +41,8 @@ private:
     const run_pictures* pictures = nullptr;
     std::optional<drawChartyItem> item;
     qsizetype shown_points = -1;
-    qsizetype shown_end = -1;
+    double shown_from = 0;
+    double shown_to = 0;
     QString title;
     bool stale = true;
 };

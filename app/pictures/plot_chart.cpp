@@ -17,6 +17,7 @@ constexpr double factor_a_key = 1.5;
 constexpr QRgb cursor_ink = 0xfff4f7fa; // the chart is dark in any window
 constexpr QRgb focus_ink = 0xff45c2b5;
 constexpr double middle = 0.5;
+constexpr double dot_radius = 4;
 
 } // namespace
 
@@ -25,9 +26,10 @@ plot_chart::plot_chart(QWidget* parent) : chart_picture(parent) {
     setFocusPolicy(Qt::StrongFocus);
 }
 
-void plot_chart::show_rows(qsizetype rows) {
-    shown_span = plot_span::all_of(rows);
-    cursor_row = -1;
+void plot_chart::show_run(const plot_span& all, double its_origin) {
+    shown_span = all;
+    origin = its_origin;
+    read_moment = qQNaN();
     Q_EMIT changed();
 }
 
@@ -38,25 +40,26 @@ void plot_chart::set_span(const plot_span& span) {
     Q_EMIT changed();
 }
 
-void plot_chart::set_cursor(qsizetype row) {
-    row = row < 0 || shown_span.rows == 0 ? -1 : std::min(row, shown_span.rows - 1);
-    if (row == cursor_row)
+void plot_chart::set_cursor(double ms) {
+    if (ms == read_moment || (std::isnan(ms) && std::isnan(read_moment)))
         return;
-    cursor_row = row;
+    read_moment = ms;
     set_stale();
     Q_EMIT changed();
 }
 
 void plot_chart::zoom_by(double factor) {
-    const bool about_cursor = shown_span.contains(cursor_row);
-    const double part =
-        static_cast<double>(cursor_row - shown_span.first) / static_cast<double>(shown_span.count);
-    zoom_about(factor, about_cursor ? part : middle);
+    zoom_about(factor, shows_cursor() ? part_of_cursor() : middle);
 }
 
 void plot_chart::zoom_about(double factor, double part) {
     const auto wanted = static_cast<qsizetype>(std::llround(static_cast<double>(shown_span.count) / factor));
     set_span(shown_span.with_count(wanted, part));
+}
+
+double plot_chart::part_of_cursor() const {
+    return (read_moment - origin - static_cast<double>(shown_span.first)) /
+           static_cast<double>(shown_span.count);
 }
 
 // Of the width of the plot; outside of it below 0 or above 1.
@@ -65,31 +68,38 @@ double plot_chart::part_at(double x) const {
     return plot.width() > 0 ? (x - plot.left()) / plot.width() : 0;
 }
 
+// From sweep to sweep, or as many as a pixel has, to where all of its values have come.
 void plot_chart::step_cursor(int direction) {
-    const QRectF plot = plot_area();
-    const double rows_per_pixel = plot.width() > 0 ? static_cast<double>(shown_span.count) / plot.width() : 1;
-    const auto step = std::max<qsizetype>(1, static_cast<qsizetype>(rows_per_pixel));
-    const qsizetype from =
-        shown_span.contains(cursor_row) ? cursor_row : shown_span.first + shown_span.count / 2;
-    const qsizetype to =
-        std::clamp<qsizetype>(from + direction * step, 0, std::max<qsizetype>(0, shown_span.rows - 1));
-    set_cursor(to);
-    set_span(shown_span.showing(to));
+    const double first = origin + static_cast<double>(shown_span.first);
+    const auto rows =
+        times().rows_before(first + static_cast<double>(shown_span.count)) - times().rows_before(first);
+    const auto step = std::max<qsizetype>(1, rows / std::max(1, static_cast<int>(plot_area().width())));
+    const double from = shows_cursor() ? read_moment : first + static_cast<double>(shown_span.count) / 2;
+    const qsizetype last = std::max<qsizetype>(0, times().rows() - 1);
+    const qsizetype to = std::clamp<qsizetype>(times().row_at(from) + direction * step, 0, last);
+    set_cursor(times().end_of(to));
+    set_span(shown_span.showing(static_cast<qsizetype>(read_moment - origin)));
 }
 
 void plot_chart::paintEvent(QPaintEvent* event) {
     chart_picture::paintEvent(event);
     QPainter painter(this);
     const QRectF plot = plot_area();
-    if (shown_span.contains(cursor_row)) {
-        const double x = plot.left() + plot.width() * static_cast<double>(cursor_row - shown_span.first) /
-                                           static_cast<double>(shown_span.count);
+    if (shows_cursor()) {
+        const double x = plot.left() + plot.width() * part_of_cursor();
         painter.setPen(QPen(QColor::fromRgba(cursor_ink), 1));
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
     }
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const drawChartyItem::dot& dot :
+         shows_cursor() ? dots_at(read_moment) : QList<drawChartyItem::dot>()) {
+        painter.setPen(QPen(QColor::fromRgba(cursor_ink), 1.5));
+        painter.setBrush(dot.colour);
+        painter.drawEllipse(dot.place, dot_radius, dot_radius);
+    }
+    painter.setBrush(Qt::NoBrush);
     if (!hasFocus())
         return;
-    painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor::fromRgba(focus_ink), 2));
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 8, 8);
 }
@@ -130,9 +140,9 @@ void plot_chart::mouseMoveEvent(QMouseEvent* event) {
     if (dragging)
         drag_to(event->position().x());
     const double part = part_at(event->position().x());
-    set_cursor(part < 0 || part >= 1
-                   ? -1
-                   : shown_span.first + static_cast<qsizetype>(part * static_cast<double>(shown_span.count)));
+    set_cursor(part < 0 || part >= 1 ? qQNaN()
+                                     : origin + static_cast<double>(shown_span.first) +
+                                           part * static_cast<double>(shown_span.count));
 }
 
 void plot_chart::mouseReleaseEvent(QMouseEvent*) {
@@ -141,7 +151,7 @@ void plot_chart::mouseReleaseEvent(QMouseEvent*) {
 }
 
 void plot_chart::leaveEvent(QEvent* event) {
-    set_cursor(-1);
+    set_cursor(qQNaN());
     chart_picture::leaveEvent(event);
 }
 
@@ -156,12 +166,12 @@ void plot_chart::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Right: return with_shift ? set_span(shown_span.moved(pan)) : step_cursor(1);
     case Qt::Key_PageUp: return set_span(shown_span.moved(-shown_span.count));
     case Qt::Key_PageDown: return set_span(shown_span.moved(shown_span.count));
-    case Qt::Key_Home: return set_span(shown_span.moved(-shown_span.rows));
-    case Qt::Key_End: return set_span(shown_span.moved(shown_span.rows));
+    case Qt::Key_Home: return set_span(shown_span.moved(-shown_span.length));
+    case Qt::Key_End: return set_span(shown_span.moved(shown_span.length));
     case Qt::Key_Plus:
     case Qt::Key_Equal: return zoom_by(factor_a_key);
     case Qt::Key_Minus: return zoom_by(1 / factor_a_key);
-    case Qt::Key_0: return set_span(plot_span::all_of(shown_span.rows));
+    case Qt::Key_0: return set_span(shown_span.all());
     default: chart_picture::keyPressEvent(event);
     }
 }

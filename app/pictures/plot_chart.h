@@ -15,14 +15,15 @@ class plot_chart : public chart_picture {
 public:
     explicit plot_chart(QWidget* parent = nullptr);
 
-    // Shows all of a run of that many sweeps.
-    void show_rows(qsizetype rows);
+    // Shows all of a run. Spans begin at 0, where its time is `origin`.
+    void show_run(const plot_span& all, double origin);
     const plot_span& span() const { return shown_span; }
     void set_span(const plot_span& span);
-    // The moment that is read, by its row; -1 for none.
-    qsizetype cursor() const { return cursor_row; }
-    void set_cursor(qsizetype row);
-    // By a factor (2: half as many sweeps), about the moment, else about the middle.
+    // The moment that is read, by the run's time; NaN for none.
+    double cursor() const { return read_moment; }
+    bool shows_cursor() const { return shown_span.contains(read_moment - origin); }
+    void set_cursor(double ms);
+    // By a factor (2: half as long), about the moment, else about the middle.
     void zoom_by(double factor);
 
 Q_SIGNALS:
@@ -40,16 +41,18 @@ protected:
 
 private:
     double part_at(double x) const;
+    double part_of_cursor() const;
     void zoom_about(double factor, double part);
     void step_cursor(int direction);
     void drag_to(double x);
 
     plot_span shown_span;
-    qsizetype cursor_row = -1;
+    double origin = 0;
+    double read_moment = qQNaN();
     bool dragging = false;
     double drag_from = 0;
     plot_span span_before_drag;
-    double wheel_rest = 0; // sweeps that a fine wheel has turned and that were not moved yet
+    double wheel_rest = 0; // what a fine wheel has turned and was not moved yet
 };
 
 } // namespace brivant

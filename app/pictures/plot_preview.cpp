@@ -50,7 +50,7 @@ void plot_preview::read_slice() {
     reading.stop();
     if (run->is_empty())
         return hide();
-    run->show_averages(plot_span::all_of(run->rows()));
+    run->show_averages(run->whole());
     note.setText(QStringLiteral("The first %1 sweeps").arg(grouped(run->rows())));
     note.setVisible(run->series().is_cut());
     strip.rebuild(run->pictures());

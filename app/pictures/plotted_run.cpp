@@ -1,8 +1,9 @@
 #include "app/pictures/plotted_run.h"
 
-#include "app/look/numbers.h"
 #include "base/shared_types.h"
 #include "base/work_a_moment.h"
+#include "charts/time_axis.h"
+#include "charts/time_plot.h"
 #include "livedata/second_value.h"
 
 #include <QDateTime>
@@ -15,6 +16,9 @@ namespace {
 constexpr int slice_ms = 12; // below a frame of the screen
 constexpr int lines_at_once = 500;
 constexpr int decimals = 2;
+constexpr qsizetype least_ms = 1000; // shown
+constexpr qsizetype least_sweeps = 20;
+constexpr qsizetype fine_ms = 60'000; // in a span of this, a pixel is less than a tenth of a second
 
 QString number_text(double value, const QString& units) {
     if (std::isnan(value))
@@ -82,14 +86,36 @@ void plotted_run::show_values(const std::function<double(int column)>& value_of)
     }
 }
 
+double plotted_run::origin() const {
+    return std::floor(results.cur_log_points.times().begin_of(0));
+}
+
+plot_span plotted_run::whole() const {
+    const double end = results.cur_log_points.times().end_of(rows() - 1);
+    const auto length = static_cast<qsizetype>(std::floor(end - origin())) + 1;
+    return plot_span::all_of(rows() == 0 ? 0 : length, is_timed() ? least_ms : least_sweeps);
+}
+
+plotted_run::row_range plotted_run::rows_of(const plot_span& span) const {
+    const sample_times& times = results.cur_log_points.times();
+    const double first = origin() + static_cast<double>(span.first);
+    return {times.rows_before(first), times.rows_before(first + static_cast<double>(span.count))};
+}
+
+qsizetype plotted_run::sweeps_in(const plot_span& span) const {
+    const row_range shown_rows = rows_of(span);
+    return shown_rows.end - shown_rows.first - results.cur_log_points.gaps(shown_rows.first, shown_rows.end);
+}
+
 void plotted_run::show_averages(const plot_span& span) {
+    const row_range averaged = rows_of(span);
     show_values([&](int column) {
-        return reader.averages().average(results.cur_log_points, column, span.first, span.end());
+        return reader.averages().average(results.cur_log_points, column, averaged.first, averaged.end);
     });
 }
 
-void plotted_run::show_row(qsizetype row) {
-    show_values([&](int column) { return results.cur_log_points.value(row, column); });
+void plotted_run::show_moment(double ms) {
+    show_values([&](int column) { return value_at(results.cur_log_points, column, ms); });
 }
 
 bool plotted_run::take_over_units() {
@@ -103,23 +129,17 @@ bool plotted_run::take_over_units() {
     return true;
 }
 
-QString plotted_run::time_of(qsizetype row, bool with_date) const {
-    const qint64 seconds = row >= 0 && row < rows() ? reader.times()[static_cast<size_t>(row)] : -1;
-    if (seconds < 0)
+QString plotted_run::time_of(double ms, bool with_date) const {
+    const std::optional<qint64>& start = reader.started_utc_ms();
+    if (!start || !is_timed())
         return {};
-    const QDateTime local = QDateTime::fromSecsSinceEpoch(seconds);
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(*start + static_cast<qint64>(ms));
     return QLocale::c().toString(local, with_date ? QStringLiteral("d MMM yyyy HH:mm:ss")
                                                   : QStringLiteral("HH:mm:ss"));
 }
 
-QString plotted_run::elapsed(qsizetype from, qsizetype to) const {
-    if (from < 0 || to < from || to >= rows())
-        return {};
-    const qint64 begin = reader.times()[static_cast<size_t>(from)];
-    const qint64 end = reader.times()[static_cast<size_t>(to)];
-    if (begin < 0 || end < begin)
-        return {};
-    return hours_minutes_seconds(end - begin);
+QString plotted_run::clock_of(double ms, qsizetype shown_ms) const {
+    return clock_text(ms, !reader.has_moments() ? 0 : shown_ms <= fine_ms ? 3 : 1);
 }
 
 } // namespace brivant

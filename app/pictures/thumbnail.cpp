@@ -42,6 +42,7 @@ thumbnail::thumbnail(const run_pictures& its_pictures, int its_index, QWidget* p
     setFocusPolicy(Qt::ClickFocus);
     setCursor(Qt::PointingHandCursor);
     item.setThumbnail(true);
+    item.map_time(true);
     item.set_item_2_plot(index);
     item.use_this_pids(pictures.results.pid_logitems_list);
     setObjectName(QStringLiteral("thumb_%1").arg(row().pid));

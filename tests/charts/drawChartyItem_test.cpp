@@ -2,6 +2,7 @@
 
 #include "charts/axis_values.h"
 #include "charts/series_plot.h"
+#include "charts/time_axis.h"
 #include "tests/charts/chart_bench.h"
 
 #include <gtest/gtest.h>
@@ -103,6 +104,36 @@ TEST(drawChartyItem, plots_the_last_sweeps_that_it_is_told_to) {
     EXPECT_EQ(chart.item.last_value(), 20);
 }
 
+TEST(drawChartyItem, maps_time_where_it_is_told_to) {
+    drawn_chart chart;
+    const auto drive = [&chart](double last) {
+        chart.matrix.start(1);
+        for (int sweep = 0; sweep <= 20; ++sweep) {
+            chart.matrix.begins(sweep < 20 ? 100 * sweep : last);
+            chart.matrix.set(0, "410D32");
+            chart.matrix.add_row();
+        }
+        chart.matrix.begins(last);
+    };
+    drive(2000);
+    const QImage by_sweeps = chart.draw();
+    chart.item.map_time(true);
+    const QImage even = chart.draw();
+    EXPECT_NE(even, by_sweeps) << "times in the place of sweep numbers";
+    const int whole_line = coloured(even, chart.item.drawingSizes(), 0);
+    drive(20'000);
+    EXPECT_LT(coloured(chart.draw(), chart.item.drawingSizes(), 0), whole_line / 4) << "most of it is a gap";
+    chart.item.map_time(false);
+    EXPECT_EQ(chart.draw(), by_sweeps);
+
+    chart.item.map_time(true);
+    chart.item.plot_between(0, 2000);
+    EXPECT_GT(coloured(chart.draw(), chart.item.drawingSizes(), 0), whole_line / 2);
+    const auto dots = chart.item.dots_at(1000, chart.matrix, chart.item.work_out_labels(chart.matrix));
+    ASSERT_EQ(dots.size(), 1);
+    EXPECT_EQ(dots[0].place, chart.item.plot_area().center()) << "50 between 40 and 60";
+}
+
 TEST(drawChartyItem, draws_nothing_without_values_and_a_standing_car_on_the_baseline) {
     drawn_chart chart;
     chart.draw();
@@ -175,6 +206,24 @@ TEST(drawChartyItem, is_drawn_in_the_pixels_of_the_screen) {
     EXPECT_EQ(chart.item.drawingSizes(), plot);
     EXPECT_GT(coloured(sharp, {plot.topLeft() * 2, plot.size() * 2}, 0),
               2 * coloured(plain.item.imageRepresentation(), plot, 0));
+}
+
+TEST(time_axis, has_the_steps_of_a_clock) {
+    const auto words = [](double from, double to) {
+        const time_axis axis = time_axis::between(from, to, 5);
+        QStringList texts;
+        for (const double moment : axis.moments)
+            texts += clock_text(moment, axis.decimals);
+        return texts.join(' ');
+    };
+    EXPECT_EQ(words(0, 1000), "0:00.0 0:00.2 0:00.4 0:00.6 0:00.8 0:01.0");
+    EXPECT_EQ(words(59'990, 60'030), "0:59.99 1:00.00 1:00.01 1:00.02 1:00.03");
+    EXPECT_EQ(words(50'000, 190'000), "1:00 1:30 2:00 2:30 3:00");
+    EXPECT_EQ(words(3'500'000, 7'300'000), "1:00:00 1:15:00 1:30:00 1:45:00 2:00:00");
+    EXPECT_EQ(words(0, 400'000'000), "0:00 24:00:00 48:00:00 72:00:00 96:00:00");
+    EXPECT_EQ(words(5, 5), "");
+    EXPECT_EQ(words(0, std::nan("")), "");
+    EXPECT_EQ(clock_text(59'999.99, 3), "0:59.999") << "not the minute before it is over";
 }
 
 TEST(axis_values, are_round_and_lie_between_the_ends) {

@@ -7,11 +7,11 @@
 namespace brivant {
 
 TEST(plot_span, keeps_its_place_when_zoomed_and_never_leaves_the_run) {
-    const plot_span all = plot_span::all_of(10'000);
+    const plot_span all = plot_span::all_of(10'000, 20);
     const plot_span zoomed = all.with_count(1000, 0.75);
-    EXPECT_EQ(zoomed, (plot_span{10'000, 6750, 1000})); // row 7500 stays at three quarters
+    EXPECT_EQ(zoomed, (plot_span{10'000, 6750, 1000, 20})); // 7500 stays at three quarters
     EXPECT_EQ(zoomed.with_count(10'000, 0.1), all);
-    EXPECT_EQ(zoomed.with_count(1, 0).count, plot_span::fewest);
+    EXPECT_EQ(zoomed.with_count(1, 0).count, 20);
     EXPECT_EQ(zoomed.with_count(99'999, 0.5), all);
     EXPECT_EQ(zoomed.moved(99'999).end(), 10'000);
     EXPECT_EQ(zoomed.moved(std::numeric_limits<qsizetype>::min()).first, 0);
@@ -20,11 +20,11 @@ TEST(plot_span, keeps_its_place_when_zoomed_and_never_leaves_the_run) {
     EXPECT_EQ(zoomed.showing(9000).end(), 9001);
     EXPECT_EQ(zoomed.showing(7000), zoomed);
 
-    for (const qsizetype rows : {0, 1, 5, 20}) {
-        const plot_span small = plot_span::all_of(rows);
+    for (const qsizetype length : {0, 1, 5, 20}) {
+        const plot_span small = plot_span::all_of(length, 20);
         EXPECT_EQ(small.with_count(2, 0.5), small);
         EXPECT_EQ(small.slider(), 1);
-        EXPECT_EQ(small.count_at(0), rows);
+        EXPECT_EQ(small.count_at(0), length);
     }
     for (const double place : {0.0, 0.3, 1.0})
         EXPECT_NEAR(all.with_count(all.count_at(place), 0).slider(), place, 0.01);

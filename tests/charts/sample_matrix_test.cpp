@@ -147,6 +147,44 @@ TEST(sample_matrix, memory_is_bounded_by_dropping_the_oldest_rows) {
     EXPECT_EQ(noisy.value(19999, 0), 7);
 }
 
+TEST(sample_times, rows_lie_in_the_order_in_which_they_began) {
+    sample_matrix matrix(last_byte, 1 << 20);
+    const sample_times& times = matrix.times();
+    matrix.start(2);
+    matrix.add_row();
+    EXPECT_FALSE(times.are_known());
+    EXPECT_EQ(times.begin_of(1), 1) << "without times, its number";
+
+    matrix.start(2);
+    for (const double begin : {0.0, 100.5, 90.0, 400.0}) { // the third is damaged
+        matrix.begins(begin);
+        matrix.came(1, begin + 30.25);
+        matrix.add_row();
+    }
+    EXPECT_EQ(times.begin_of(2), 100.5);
+    EXPECT_EQ(times.moment(3, 1), 430.25);
+    EXPECT_EQ(times.moment(3, 0), 430.25) << "one without a time of its own came with the last one";
+    EXPECT_EQ(times.rows_before(100.5), 1);
+    EXPECT_EQ(times.row_at(100.5), 2);
+    EXPECT_EQ(times.row_at(-1), -1);
+    matrix.begins(700);
+    matrix.came(0, 710);
+    matrix.begins(900); // the sweep that 710 belonged to was dropped
+    EXPECT_EQ(times.end_of(4), 900);
+    matrix.spread_times(1, 3, 300.5);
+    EXPECT_EQ(times.begin_of(2), 200.5);
+
+    for (int sweep = 1; sweep <= 40000; ++sweep) {
+        matrix.add_row();
+        matrix.begins(1000 + 10 * sweep);
+    }
+    ASSERT_GT(matrix.dropped(), 0);
+    EXPECT_GE(matrix.rows(), matrix.most_rows());
+    EXPECT_EQ(times.rows(), matrix.rows());
+    EXPECT_EQ(times.begin_of(matrix.rows() - 1), 401000);
+    EXPECT_EQ(times.row_at(301005), matrix.rows() - 1 - 10000);
+}
+
 TEST(sample_matrix, a_million_sweeps_of_four_pids_take_less_than_150_megabytes) {
     sample_matrix matrix(last_byte);
     matrix.start(4);

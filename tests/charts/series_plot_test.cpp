@@ -1,4 +1,4 @@
-#include "charts/series_plot.h"
+#include "charts/time_plot.h"
 
 #include "tests/charts/chart_bench.h"
 
@@ -51,6 +51,50 @@ TEST(series_points, do_not_belong_together_over_a_gap) {
     // Many rows a pixel: at the place of the gap.
     EXPECT_EQ(gap_places(matrix, {0, 0, 2, 20}, range), (QList<int>{0, 1}));
     EXPECT_EQ(parts_between({{0, 1}, {1, 2}, {1, 3}}, {1}), (QList<QPolygon>{{{0, 1}}, {{1, 2}, {1, 3}}}));
+}
+
+// A run of one PID: when each sweep began, and its speed 20 ms later; -1 for none.
+void drive_at(sample_matrix& matrix, const QList<std::pair<double, int>>& sweeps) {
+    matrix.start(1);
+    for (const auto& [begin, speed] : sweeps) {
+        matrix.begins(begin);
+        if (speed >= 0) {
+            matrix.came(0, begin + 20);
+            matrix.set(0, QStringLiteral("410D%1").arg(speed, 2, 16, QChar(u'0')).toUpper());
+        }
+        matrix.add_row();
+    }
+    matrix.begins(sweeps.constLast().first + 100);
+}
+
+TEST(time_plot, places_values_at_their_moments_and_breaks_where_none_came) {
+    chart_bench bench;
+    sample_matrix& matrix = bench.matrix;
+    // A row without a value, and then sweeps that nobody stored.
+    drive_at(
+        matrix,
+        {{0, 10}, {100, 20}, {200, 30}, {300, -1}, {500, 40}, {600, 50}, {700, 60}, {3000, 70}, {3100, 80}});
+    const QRect place(0, 0, 320, 100);
+    plot_range range = range_between(matrix, 0, 3200);
+    range.maximum = 100;
+    const QList<plot_gap> gaps = time_gaps(matrix, place, range);
+    EXPECT_EQ(gaps, (QList<plot_gap>{{22, 50}, {72, 300}}));
+    EXPECT_EQ(parts_between(series_points(matrix, 0, place, range), ends_of(gaps)),
+              (QList<QPolygon>{
+                  {{2, 10}, {12, 20}, {22, 30}}, {{52, 40}, {62, 50}, {72, 60}}, {{302, 70}, {312, 80}}}));
+    // Narrower than a pixel, a gap still divides.
+    EXPECT_EQ(time_gaps(matrix, {0, 0, 4, 100}, range), (QList<plot_gap>{{0, 3}}));
+    // Within a run: the rows beside it are there, for the lines that come in and go out.
+    const plot_range part = range_between(matrix, 550, 650);
+    EXPECT_EQ(part.first, 4);
+    EXPECT_EQ(part.rows, 7);
+
+    EXPECT_TRUE(std::isnan(value_at(matrix, 0, 19.9)));
+    EXPECT_EQ(value_at(matrix, 0, 20), 10);
+    EXPECT_EQ(value_at(matrix, 0, 119), 10);
+    EXPECT_TRUE(std::isnan(value_at(matrix, 0, 510))) << "what came before a gap is over";
+    EXPECT_TRUE(std::isnan(value_at(matrix, 0, 2990)));
+    EXPECT_EQ(value_at(matrix, 0, 3200), 80);
 }
 
 // Every row one step: the area below it, then the line.

@@ -122,6 +122,10 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
     answer(40, "7E8 03 41 0D 3D \r", "\r>");
     EXPECT_EQ(bench.rows("SELECT LINE_NUMBER || ':' || MILLISECONDS || '/' || OFFSETS FROM BV_MOMENTS"),
               "0:0.0/15.00,62.00 / 1:94.0/,47.00");
+    const sample_times& shown = bench.results.cur_log_points.times(); // the same
+    EXPECT_DOUBLE_EQ(shown.moment(0, 1), 62);
+    EXPECT_DOUBLE_EQ(shown.begin_of(1), 94);
+    EXPECT_DOUBLE_EQ(shown.moment(1, 1), 141);
     EXPECT_EQ(bench.rows("SELECT COUNT(*), STARTED_UTC_MS > 1700000000000 FROM BV_RUNS"), "1 1");
 
     bench.clock.advance(3);

@@ -22,7 +22,7 @@ struct stored_run {
 
     explicit stored_run(const QStringList& lines) {
         silence_console_log();
-        profile.db.init_DB();
+        EXPECT_TRUE(profile.db.init_DB() && profile.db.add_own_parts());
         const int id =
             profile.db.add_2_LOG_DB("Log", 1, QStringLiteral("%1 Sample points ").arg(lines.size()));
         const int other = profile.db.add_2_LOG_DB("Log", 1, "");
@@ -32,7 +32,7 @@ struct stored_run {
         }
         log = *log_with_id(profile.db, id);
     }
-    stored_series read(qsizetype most_rows = stored_series::most_cells) {
+    stored_series read(qsizetype most_rows = stored_series::all_rows) {
         stored_series series(profile.db, log, matrix, most_rows);
         while (series.step(2))
             ;
@@ -64,8 +64,38 @@ TEST(stored_series, reads_what_the_run_stored) {
         EXPECT_EQ(run.matrix.body(row, column), "-1") << row << " " << column;
     const double mean = (run.toolies.get_OBDVal("410D3C") + run.toolies.get_OBDVal("410D3D")) / 2;
     EXPECT_DOUBLE_EQ(series.averages().average(run.matrix, 0, 0, 3), mean);
-    for (const qint64 time : series.times())
-        EXPECT_NEAR(static_cast<double>(time), static_cast<double>(QDateTime::currentSecsSinceEpoch()), 60);
+    EXPECT_NEAR(static_cast<double>(series.started_utc_ms().value_or(0)),
+                static_cast<double>(QDateTime::currentMSecsSinceEpoch()), 60'000);
+}
+
+TEST(stored_series, has_the_moments_or_the_seconds_of_its_lines) {
+    stored_run run(QStringList(5, "410D3C,410C1AF8"));
+    const int id = run.log.id;
+    ASSERT_TRUE(store_run_start(run.profile.db, id, 1'700'000'000'250));
+    for (const int line : {0, 1, 3}) // one was damaged
+        ASSERT_TRUE(store_moment(run.profile.db, id, line, {500.5 + 100 * line, {20.25, qQNaN()}}));
+    const stored_series timed = run.read();
+    EXPECT_EQ(timed.started_utc_ms(), 1'700'000'000'250);
+    EXPECT_TRUE(timed.has_moments());
+    EXPECT_DOUBLE_EQ(run.matrix.times().moment(0, 0), 520.75);
+    EXPECT_DOUBLE_EQ(run.matrix.times().begin_of(2), 620.75) << "the end of the line before";
+    EXPECT_DOUBLE_EQ(run.matrix.times().begin_of(3), 800.5);
+
+    stored_run old(QStringList(6, "410D3C"));
+    const char* const stamps[]{"10:00:00", "10:00:02", "10:00:02", "10:00:01", "10:00:02", "10:00:05"};
+    for (int line = 0; line < 6; ++line)
+        old.profile.db.change([&](sqlite_connection& file) {
+            return file.execute(
+                QStringLiteral("UPDATE LOGGIES_DATA SET time_stamp='2020-01-01 %1' WHERE LINE_NUMBER=%2")
+                    .arg(stamps[line])
+                    .arg(line));
+        });
+    const stored_series seconds = old.read();
+    EXPECT_FALSE(seconds.has_moments());
+    EXPECT_EQ(seconds.started_utc_ms(), 1'577'872'800'000);
+    const QList<double> begins{0, 2000, 2250, 2500, 2750, 5000}; // evenly in their second, also one set back
+    for (int row = 0; row < 6; ++row)
+        EXPECT_DOUBLE_EQ(old.matrix.times().begin_of(row), begins[row]) << row;
 }
 
 TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
