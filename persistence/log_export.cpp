@@ -7,6 +7,8 @@
 #include "persistence/stored_marks.h"
 #include "persistence/vehicles.h"
 
+#include <QFile>
+
 namespace brivant {
 
 namespace {
