@@ -5,6 +5,7 @@
 #include <QVariant>
 #include <array>
 #include <optional>
+#include <string_view>
 
 namespace brivant {
 
@@ -32,7 +33,9 @@ struct setting_row {
     // What the file holds, within bounds; an invalid value when it cannot be used.
     QVariant checked(const QVariant& stored) const;
 
-    friend bool operator==(const setting_row& one, const setting_row& other) { return one.key == other.key; }
+    friend bool operator==(const setting_row& one, const setting_row& other) {
+        return std::string_view(one.key) == other.key; // each source has literals of its own
+    }
 };
 
 // What readers and writers of a setting name it by.
