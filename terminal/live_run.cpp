@@ -42,6 +42,8 @@ live_run::live_run(program_core& its_core, const live_words& its_words)
     view.shows_every_reply = false;
     if (words.store)
         core.defaults.override_for_this_run(setting::log_runs, true);
+    if (const run_format* format = run_format_of(core.options.format))
+        recorder = std::make_unique<run_recorder>(*format, core, results);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
 }
 
@@ -89,10 +91,9 @@ void live_run::sample_arrived(int index) {
 }
 
 void live_run::sweep_completed() {
-    if (!core.options.json && results.sample_cnt == 1)
+    if (!core.options.json && !recorder && results.sample_cnt == 1)
         print(header());
-    print(core.options.json ? json_line(false) : csv_line());
-    if (!is_all_printed())
+    if (!print_row(false))
         stop(false);
     else if (results.sample_cnt == words.sweeps)
         stop(true);
@@ -100,7 +101,14 @@ void live_run::sweep_completed() {
 
 void live_run::gap_begun() {
     if (results.sample_cnt > 0)
-        print(core.options.json ? json_line(true) : csv_line());
+        print_row(true);
+}
+
+bool live_run::print_row(bool is_gap) {
+    if (recorder)
+        return recorder->take_row();
+    print(core.options.json ? json_line(is_gap) : csv_line());
+    return is_all_printed();
 }
 
 // A run without an end of its own waits for the car.
@@ -116,7 +124,10 @@ void live_run::run_ended() {
 }
 
 void live_run::end() {
-    const bool done = as_asked && !ended_in_gap && results.sample_cnt > 0 && is_all_printed() &&
+    const bool is_written = !recorder || recorder->end();
+    if (!is_written)
+        tell(recorder->problem() + u'\n');
+    const bool done = as_asked && !ended_in_gap && results.sample_cnt > 0 && is_written && is_all_printed() &&
                       controller->storing_problem().isEmpty() && every_asked_pid_answered();
     tell(summary());
     Q_EMIT finished(done ? 0 : 1);

@@ -5,6 +5,7 @@
 #include "terminal/car_run.h"
 #include "terminal/live_words.h"
 #include "terminal/mark_input.h"
+#include "terminal/run_recorder.h"
 
 #include <QElapsedTimer>
 #include <memory>
@@ -34,6 +35,7 @@ private:
     void set_sensor_value(int, const QString&) override {}
 
     void stop(bool as_asked);
+    bool print_row(bool is_gap);
     QByteArray header() const;
     QByteArray csv_line() const;
     QByteArray json_line(bool is_gap) const;
@@ -44,6 +46,7 @@ private:
     const live_words words;
     live_results results; // of the latest sweeps
     std::unique_ptr<actions> controller;
+    std::unique_ptr<run_recorder> recorder; // where another format was asked for
     timer_handle time_limit;
     mark_input marks{[this](const QString& word) { controller->put_mark(word); }};
 

@@ -64,7 +64,9 @@ QString wrong_command(const launch_options& options) {
     if (expert_run::is_expert_command(options.command))
         return expert_run::wrong_words(options.command, options.arguments, options.yes);
     if (is_live_command(options.command)) {
-        QString problem;
+        QString problem = run_recorder::wrong_options(options);
+        if (!problem.isEmpty())
+            return problem;
         parse_live_words(options.command, options.arguments, problem);
         return problem;
     }

@@ -68,6 +68,11 @@ TEST(live_commands, exit_statuses_and_lines) {
         {"can11", {"log", "--when", "0C=4"}, 2, 0},
         {"can11", {"log", "--before", "5"}, 2, 0},
         {"can11", {"log", "--pids", "0D", "--when", "0C>4"}, 2, 0},
+        {"can11", {"log", "--format", "timed", "--sweeps", "2"}, 0, 3},
+        {"can11", {"log", "--format", "msl", "--sweeps", "2"}, 0, 6},
+        {"can11", {"log", "--format", "mdf4", "--sweeps", "2"}, 2, 0}, // a pipe has no earlier places
+        {"can11", {"log", "--format", "gpx"}, 2, 0},
+        {"can11", {"log", "--format", "timed", "--json"}, 2, 0},
     };
     for (const auto& [car, words, status, lines] : rows) {
         cli_process run(QStringList{QString("--demo=") + car} + words);
