@@ -10,6 +10,14 @@ namespace {
 constexpr qsizetype most_pids = 128;
 constexpr qsizetype longest_item = 16;
 
+void add_what_economy_needs(QStringList& set, const QString& ecu) {
+    const auto item = [&ecu](const char* pid) { return QLatin1String(pid) + ecu; };
+    if (!set.contains(item("0D")))
+        set += item("0D");
+    if (!set.contains(item("10")) && !set.contains(item("5E")))
+        set += item("10");
+}
+
 } // namespace
 
 QStringList set_of_mode(int mode) {
@@ -38,15 +46,20 @@ QStringList stored_log_run_set(const user_defaults& defaults, mac_toolies& tooli
 
 QStringList usable_items(const QStringList& items) {
     QStringList set;
+    std::optional<QString> with_economy; // of this ECU
     for (const QString& text : items) {
         const std::optional<sample_item> entry = split_sample_item(text);
         if (!entry || text.size() > longest_item || set.size() >= most_pids)
             continue;
         const QString pid = entry->pid.toUpper();
         const QString item = pid + text.sliced(pid.size());
-        if (pid != QLatin1String("E4") && pid != QLatin1String("E5") && !set.contains(item))
+        if (!set.contains(item))
             set += item;
+        if (pid == QLatin1String("E4"))
+            with_economy = text.sliced(pid.size());
     }
+    if (with_economy)
+        add_what_economy_needs(set, *with_economy);
     return set;
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/string_table.h"
 #include "charts/outward_rounding.h"
+#include "livedata/economy.h"
 #include "livedata/sample_set.h"
 #include "livedata/second_value.h"
 #include "obd/reply_text.h"
@@ -38,6 +39,10 @@ QString requested_pid(const QString& pid) {
     return pid == boost_pressure ? manifold_pressure : pid;
 }
 
+bool is_worked_out(const QString& pid) {
+    return pid == fuel_economy;
+}
+
 void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val, int this_idx) {
     if (this_idx == -1)
         vector.add_row();
@@ -52,7 +57,6 @@ sampling_talk::sampling_talk(car_state& its_car, adapter_link& its_link, mac_too
       storing(its_toolies.store(), time_source, its_paths) {}
 
 void sampling_talk::started() {
-    cur_log_set.clear();
     car_is_silent = false;
     is_first_reply = true;
     headers_asked = false;
@@ -142,10 +146,14 @@ car_talk::asking sampling_talk::ask_row(int index) {
 
 // A sweep asks for something, so that it takes its time.
 bool sampling_talk::is_turn_of(int index) const {
-    const auto is_refused = [](const sample_row& its_row) { return its_row.refusals >= refused_for_good; };
     const QList<sample_row>& rows = results.these_samples;
+    const auto is_asked = [](const sample_row& its_row) { return !is_worked_out(its_row.pid); };
+    const auto is_refused = [&](const sample_row& its_row) {
+        return !is_asked(its_row) || its_row.refusals >= refused_for_good;
+    };
     return !is_refused(rows.at(index)) || sweeps_begun % refused_is_asked == 0 ||
-           (index == 0 && std::all_of(rows.begin(), rows.end(), is_refused));
+           (std::none_of(rows.begin(), rows.begin() + index, is_asked) &&
+            std::all_of(rows.begin(), rows.end(), is_refused));
 }
 
 // --- the reply ---------------------------------------------------------------------------------------------
@@ -220,12 +228,6 @@ void sampling_talk::note_extremes(sample_row& its_row, double value) {
 
 // --- the sweep ---------------------------------------------------------------------------------------------
 
-void sampling_talk::add_to_line(const QString& data) {
-    if (!cur_log_set.isEmpty())
-        cur_log_set += u',';
-    cur_log_set += data;
-}
-
 void sampling_talk::check_the_run() {
     if (!is_running())
         throw left{}; // the view has ended it
@@ -233,10 +235,9 @@ void sampling_talk::check_the_run() {
         throw link_lost{.status = results.sample_cnt == 0 ? adapter_was_reset : QString()};
 }
 
-void sampling_talk::end_of_sweep() {
-    const QString line = std::exchange(cur_log_set, QString());
+void sampling_talk::end_of_sweep(const QStringList& bodies) {
     const bool is_empty =
-        std::all_of(line.begin(), line.end(), [](QChar c) { return c == u'~' || c == u','; });
+        std::all_of(bodies.begin(), bodies.end(), [](const QString& body) { return body == no_reply; });
     ++sweeps_begun;
     tell_silence(is_empty && link.timeouts() == 0); // a time-out tells of itself
     if (is_empty) {
@@ -246,7 +247,8 @@ void sampling_talk::end_of_sweep() {
         add_item_to_log_vector(results.cur_log_points, QString(), -1);
         ++results.sample_cnt;
         results.times.sweep_complete();
-        take_sweep(line, results.moments.taken());
+        const QString cur_log_set = bodies.join(u',');
+        take_sweep(cur_log_set, results.moments.taken());
         results.log_sample_cnt = storing.sweeps_stored();
         observer().sweep_completed();
     }
@@ -270,7 +272,6 @@ void sampling_talk::tell_silence(bool is_silent) {
 }
 
 void sampling_talk::begin_anew() {
-    cur_log_set.clear();
     results.moments.taken();
     headers_asked = false;
 }
@@ -304,19 +305,21 @@ void sampling_talk::end_gap() {
 talk sample_for_ever(sampling_talk& car) {
     const bool are_sensors = car.cur_op() == op_o2_layout; // the values go into the picture too
     for (;;) {
+        QStringList bodies(car.columns(), no_reply);
         for (int index = 0; index < car.columns(); ++index) {
-            QString data = no_reply;
+            if (is_worked_out(car.row(index).pid))
+                continue;
             if (car.is_turn_of(index)) {
                 const reply what_came = co_await car.ask_row(index);
-                data = car.data_of_reply(what_came, index);
+                bodies[index] = car.data_of_reply(what_came, index);
             }
-            car.take(index, data);
+            car.take(index, bodies[index]);
             if (are_sensors)
                 car.observer().set_sensor_value(index, QString::number(car.row(index).latest, 'f', 3));
-            car.add_to_line(data);
             car.check_the_run();
         }
-        car.end_of_sweep();
+        take_economy(car, bodies);
+        car.end_of_sweep(bodies);
     }
 }
 

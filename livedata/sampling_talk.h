@@ -49,13 +49,11 @@ public:
     // The largest and smallest number of the row.
     void note_extremes(sample_row& its_row, double value);
 
-    // Puts data behind the others of the sweep under way.
-    void add_to_line(const QString& data);
     // The run goes on: nobody has ended it, and the adapter is still set up.
     void check_the_run();
-    // A complete sweep: its line is stored when it is its turn, and the next one begins. One without a value
-    // is a gap.
-    void end_of_sweep();
+    // A complete sweep of these bodies, in set order: its line is stored when it is its turn, and the next
+    // one begins. One without a value is a gap.
+    void end_of_sweep(const QStringList& bodies);
     // No values come, or the link was lost: the sweep under way is dropped. However long a gap lasts, one row
     // and one line of the log are without values.
     void mark_gap();
@@ -87,7 +85,6 @@ private:
     void tell_silence(bool is_silent);
     void end_gap();
 
-    QString cur_log_set;        // the line of the sweep under way: its bodies in set order, separated by ","
     bool car_is_silent = false; // the last sweep was answered without a single value
     bool is_first_reply = true;
     bool headers_asked = false; // "AT H1" was tried
@@ -102,6 +99,8 @@ void add_item_to_log_vector(sample_matrix& vector, const QString& this_item_val,
 
 // The PID that is asked for in the place of one of the program's own: boost is the manifold pressure.
 QString requested_pid(const QString& pid);
+// Fuel economy is asked of no car.
+bool is_worked_out(const QString& pid);
 
 // The runs. Each goes on over a new link, once it has a complete sweep; when the car has been gone for five
 // minutes only its voltage is read, until it rises by half a volt or hurry() ends the pause.
@@ -111,8 +110,5 @@ talk work_out_boost(sampling_talk& car);  // manifold pressure shown as boost ("
 talk work_o2_layout(sampling_talk& car);  // the car's oxygen sensors (PID 13 or 1D), and the log run of these
 talk sample_for_ever(sampling_talk& car); // what they have in common, once they are ready
 talk run_over_any_link(sampling_talk& car, talk (*run)(sampling_talk&));
-
-// Works out miles a US gallon from speed (km/h) and air flow (g/s); `by_density`: with the fuel's density.
-double compute_MPG(double speed, double air_flow, bool by_density);
 
 } // namespace brivant

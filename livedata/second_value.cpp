@@ -1,7 +1,7 @@
 #include "livedata/second_value.h"
 
 #include "charts/outward_rounding.h"
-#include "livedata/sampling_talk.h"
+#include "livedata/economy.h"
 #include "obd/readings/sweep_values.h"
 #include "obd/standard_reading/pid_values.h"
 

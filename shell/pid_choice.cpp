@@ -46,6 +46,17 @@ pid_entry entry_of(const QString& pid, const QString& header, const mac_toolies&
     return entry;
 }
 
+// What a run makes of the values of one ECU: fuel economy, boost.
+QStringList worked_out_of(const QStringList& pids) {
+    QStringList own;
+    if (pids.contains(QLatin1String("0D")) &&
+        (pids.contains(QLatin1String("10")) || pids.contains(QLatin1String("5E"))))
+        own += QStringLiteral("E4");
+    if (pids.contains(QLatin1String("0B")))
+        own += QStringLiteral("E5");
+    return own;
+}
+
 qsizetype place_in(const QList<pid_entry>& entries, const QString& item) {
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [&item](const pid_entry& entry) { return entry.item == item; });
@@ -65,6 +76,8 @@ pid_choice::pid_choice(const obd_groups& available, const QStringList& samples, 
             if (is_pid(pid) && !is_map_of_pids(pid))
                 offered += entry_of(pid, ecu.header, toolies);
         }
+        for (const QString& pid : worked_out_of(pids))
+            offered += entry_of(pid, ecu.header, toolies);
     }
     const QString engine = engine_header(ecus);
     for (const QString& sample : samples) {

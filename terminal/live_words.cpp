@@ -101,9 +101,8 @@ private:
         for (const QString& piece : value.split(u',')) {
             const QString pid = piece.trimmed().toUpper();
             const auto item = split_sample_item(pid);
-            // A range PID holds a map, and E4 and E5 are the program's own.
-            const bool asks_for_a_value = item && item->pid == pid && pid.toInt(nullptr, 16) % 0x20 != 0 &&
-                                          pid != QLatin1String("E4") && pid != QLatin1String("E5");
+            // A range PID holds a map.
+            const bool asks_for_a_value = item && item->pid == pid && pid.toInt(nullptr, 16) % 0x20 != 0;
             if (!asks_for_a_value || asked.pids.size() >= most_pids) {
                 problem = QStringLiteral(
                     "--pids needs PIDs of two hexadecimal digits with commas between them, for "

@@ -34,7 +34,7 @@ TEST(actions, the_sample_set_that_is_stored) {
     EXPECT_EQ(set_with({}, {}), "0D 11 0C 05");
     // What a damaged settings file may hold: only what can be asked for is, once.
     EXPECT_EQ(set_with(own, {"", "0", "XY", "0C", "0c", "E4", "0D|" + QString(500, 'x'), "e5", "0b|7E8"}),
-              "0C 0B|7E8");
+              "0C E4 E5 0B|7E8 0D 10");
 }
 
 TEST(actions, zoom) {

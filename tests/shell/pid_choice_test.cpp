@@ -40,6 +40,9 @@ TEST_F(choosing, lists_what_the_ecus_report_and_takes_the_stored_set) {
     EXPECT_EQ(choice.available()[5].ecu, "Transmission");
     EXPECT_EQ(words(choice.chosen()), "0D|7E8 0C|7E9 2F|7E8!"); // a bare PID is the engine's
     EXPECT_EQ(choice.items().join(' '), "0D|7E8 0C|7E9 2F|7E8");
+    // What is worked out of them.
+    const pid_choice worked_out({{"7E8", {"0B", "0D", "10"}}, {"7E9", {"0D"}}}, {}, toolies);
+    EXPECT_EQ(words(worked_out.available()), "0B|7E8 0D|7E8 10|7E8 E4|7E8 E5|7E8 0D|7E9");
     // Without a record the set stays as it is stored.
     EXPECT_EQ(pid_choice({}, {"0D", "0C|7E9"}, toolies).items().join(' '), "0D 0C|7E9");
 }
