@@ -64,11 +64,12 @@ TEST(elm327, what_it_does_not_know_is_answered_with_a_question_mark) {
     elm327 adapter(car_of(two_ecus));
     adapter.receive("ATE0\r");
     adapter.refuse({"ATH1"});
-    for (const char* bad : {"AT H1", "AT", "AT H2", "AT SP D", "AT SP", "AT ST F", "AT CAF0", "HELLO", "0",
-                            "01 0G", "01 02 03 04 05 06 07 08", "\xFF\x80"})
+    for (const char* bad :
+         {"AT H1", "AT", "AT H2", "AT SP D", "AT SP", "AT ST F", "AT CAF2", "AT SH 7E", "AT CRA 7E",
+          "AT CM 7EX", "AT STI", "STI", "HELLO", "0", "01 0G", "01 02 03 04 05 06 07 08", "\xFF\x80"})
         EXPECT_EQ(adapter.receive(std::string(bad) + '\r'), "?\r\r>") << bad;
-    for (const char* good :
-         {"AT SP 6", "AT SP A6", "AT TP 3", "AT ST FF", "AT AT1", "AT M0", "AT CAF1", "AT AL", "AT PC"})
+    for (const char* good : {"AT SP 6", "AT SP A6", "AT TP 3", "AT ST FF", "AT AT1", "AT M0", "AT CAF1",
+                             "AT AL", "AT PC", "AT CAF0", "AT CFC1", "AT CP 18"})
         EXPECT_EQ(adapter.receive(std::string(good) + '\r'), "OK\r\r>") << good;
     EXPECT_EQ(adapter.receive(std::string(5000, ' ') + "ATI\r"), "?\r\r>");
     EXPECT_EQ(adapter.receive(std::string_view("\n\0ATRV\0\r\n01", 11)), "12.3V\r\r>");
@@ -104,4 +105,96 @@ TEST(elm327, fixed_protocols_and_cars_that_do_not_answer) {
                        {"AT SP 5", "OK\r\r>"},
                        {"0105", "BUS INIT: ERROR\r\r>"},
                    });
+}
+
+// Requests to one ECU and to all, and whose answers come through.
+TEST(elm327, headers_and_filters_choose_the_ecus) {
+    const std::string can29 = "protocol 7\necu 18DAF110\npid 0C 1A F8\necu 18DAF111\npid 0C 1A F9\n";
+    const std::string kwp = "protocol 5\necu 10\npid 0C 1A F8\necu 11\npid 0C 1A F9\n";
+    const std::string vpw = "protocol 2\necu 10\npid 0C 1A F8\n";
+    struct {
+        const std::string& car;
+        std::vector<const char*> settings;
+        const char* reply;
+    } const rows[] = {
+        {two_ecus, {}, "7E804410C1AF8\r7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT SH 7DF"}, "7E804410C1AF8\r7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT SH 7E1"}, "7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT SH 00 07 E0"}, "7E804410C1AF8\r\r>"},
+        {two_ecus, {"AT SH 7E2"}, "NO DATA\r\r>"},
+        {two_ecus, {"AT SH 123"}, "NO DATA\r\r>"},
+        {two_ecus, {"AT SH 7E1", "AT CRA 7E8"}, "NO DATA\r\r>"},
+        {two_ecus, {"AT CRA 7E9"}, "7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT CRA 7EX"}, "7E804410C1AF8\r7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT CRA 7E9", "AT CRA"}, "7E804410C1AF8\r7E904410C1AF8\r\r>"},
+        {two_ecus, {"AT CF 7E9", "AT CM 7FF"}, "7E904410C1AF8\r\r>"},
+        {can29, {"AT CRA 7E9"}, "18DAF11004410C1AF8\r18DAF11104410C1AF9\r\r>"},
+        {can29, {"AT SH DA 11 F1"}, "18DAF11104410C1AF9\r\r>"},
+        {can29, {"AT SH 18 DA 10 F1"}, "18DAF11004410C1AF8\r\r>"},
+        {can29, {"AT CP 10", "AT SH DB 33 F1"}, "NO DATA\r\r>"},
+        {can29, {"AT SH DB 33 F1"}, "18DAF11004410C1AF8\r18DAF11104410C1AF9\r\r>"},
+        {can29, {"AT CRA 18DAF111"}, "18DAF11104410C1AF9\r\r>"},
+        {kwp, {"AT SH 82 11 F1"}, "84F111410C1AF9E6\r\r>"},
+        {kwp, {"AT SH C2 33 F1"}, "84F110410C1AF8E4\r84F111410C1AF9E6\r\r>"},
+        {vpw, {"AT SH 68 6A F1"}, "486B10410C1AF8B2\r\r>"},
+        {vpw, {"AT SH 6C 10 F1"}, "NO DATA\r\r>"},
+    };
+    for (const auto& row : rows) {
+        elm327 adapter(car_of(row.car));
+        adapter.receive("ATE0\rATS0\rATH1\r");
+        const std::string first = adapter.receive("0100\r");
+        std::string set;
+        for (const char* setting : row.settings) {
+            EXPECT_EQ(adapter.receive(std::string(setting) + '\r'), "OK\r\r>");
+            set += setting + std::string(" ");
+        }
+        EXPECT_EQ(adapter.receive("010C\r"), row.reply) << set;
+        adapter.receive("ATD\rATE0\rATS0\rATH1\r");
+        EXPECT_EQ(adapter.receive("0100\r"), first) << set;
+    }
+}
+
+TEST(elm327, several_pids_a_request_the_count_digit_and_the_forms_of_a_long_answer) {
+    elm327 adapter(car_of(two_ecus));
+    adapter.receive("ATE0\r0100\r");
+    converse(adapter, {
+                          {"01 0C 05", "41 0C 1A F8 05 7B \r41 0C 1A F8 \r\r>"},
+                          {"010C05 1", "41 0C 1A F8 05 7B \r\r>"},
+                          {"AT SH 7E0", "OK\r\r>"},
+                          {"01 21 0D 0C 05", "009\r0: 41 21 00 00 0C 1A \r1: F8 05 7B 00 00 00 00 \r\r>"},
+                          {"01210D0C05 1", "009\r0: 41 21 00 00 0C 1A \r\r>"},
+                          {"AT CFC0", "OK\r\r>"},
+                          {"01210D0C05", "009\r0: 41 21 00 00 0C 1A \r\r>"},
+                          {"AT CFC1", "OK\r\r>"},
+                          {"AT S0", "OK\r\r>"},
+                          {"AT H1", "OK\r\r>"},
+                          {"0121050C2", "7E8100941210000057B\r7E8210C1AF800000000\r\r>"},
+                          {"AT CAF0", "OK\r\r>"},
+                          {"01 0C", "NO DATA\r\r>"},
+                          {"04 01 21 05 0C", "7E8100941210000057B\r7E8210C1AF800000000\r\r>"},
+                          {"AT H0", "OK\r\r>"},
+                          {"04 01 21 05 0C", "100941210000057B\r210C1AF800000000\r\r>"},
+                          {"02 01 05 00 00 00 00 00", "0341057B\r\r>"},
+                      });
+    elm327 k_line(car_of("protocol 3\necu 10\npid 05 7B\npid 0C 1A F8\necu 11\npid 05 7B\n"));
+    k_line.receive("ATE0\r0100\r");
+    converse(k_line, {{"01 05 1", "41 05 7B \r\r>"}, {"01 05 0C", "NO DATA\r\r>"}});
+}
+
+TEST(elm327, an_stn_chip_knows_more) {
+    elm327 adapter(car_of(two_ecus), {.st_identity = "STN1110 v4.0.1"});
+    adapter.receive("ATE0\rATH1\r0100\r");
+    converse(adapter, {
+                          {"STI", "STN1110 v4.0.1\r\r>"},
+                          {"STPX H:7E1, D:01 0C", "7E9 04 41 0C 1A F8 \r\r>"},
+                          {"STPX D:010C, R:1, T:100", "7E8 04 41 0C 1A F8 \r\r>"},
+                          {"STPX H:7E2,D:010C", "NO DATA\r\r>"},
+                          {"STPTO 100", "OK\r\r>"},
+                          {"AT SH 7E1", "OK\r\r>"},
+                          {"STPX H:7E0,D:0105", "7E8 03 41 05 7B \r\r>"},
+                      });
+    for (const char* bad :
+         {"ST", "STZ", "STPTO", "STPTO 0", "STPTO 99999", "STPX", "STPX H:7E0", "STPX D:010",
+          "STPX D:010C,R:0", "STPX D:010C,Q:1", "STPX H:7,D:010C", "STPX 010C"})
+        EXPECT_EQ(adapter.receive(std::string(bad) + '\r'), "?\r\r>") << bad;
 }

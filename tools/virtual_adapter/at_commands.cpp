@@ -4,12 +4,6 @@
 
 namespace virtual_adapter {
 
-namespace {
-
-constexpr std::string_view device_description = "OBDII to RS232 Interpreter";
-
-} // namespace
-
 // Every command that the adapter knows; the others are answered "?".
 std::string elm327::at_command(std::string_view command) {
     if (command == "Z" || command == "WS") {
@@ -19,7 +13,7 @@ std::string elm327::at_command(std::string_view command) {
     if (command == "I")
         return reply(m_options.banner);
     if (command == "@1")
-        return reply(device_description);
+        return reply(m_options.description);
     if (command == "DP")
         return reply(protocol_name());
     if (command == "DPN")
@@ -31,8 +25,8 @@ std::string elm327::at_command(std::string_view command) {
     return reply(change_setting(command) ? "OK" : "?");
 }
 
-// False for what is not a setting. Time-outs, memory, long messages and formatting are taken and change
-// nothing: nothing here takes time, and every other form is the only one.
+// False for what is not a setting. Memory and long messages are taken and change nothing: every other form is
+// the only one.
 bool elm327::change_setting(std::string_view command) {
     if (command == "D") {
         reset();
@@ -44,21 +38,53 @@ bool elm327::change_setting(std::string_view command) {
     }
     if (command.starts_with("SP") || command.starts_with("TP"))
         return set_protocol(command.substr(2), command.front() == 'S');
-    if (command.size() == 4 && command.starts_with("ST"))
-        return hex_digit(command[2]) >= 0 && hex_digit(command[3]) >= 0;
-    if (command == "AL" || command == "CAF1" || command == "AT0" || command == "AT1" || command == "AT2")
+    if (command == "AL")
         return true;
-    if (command.size() != 2 || (command[1] != '0' && command[1] != '1'))
+    return change_number(command) || change_switch(command) || m_settings.receives.change(command);
+}
+
+bool elm327::change_number(std::string_view command) {
+    if (command.starts_with("SH"))
+        return m_settings.header.set(command.substr(2));
+    const std::optional<std::uint32_t> number =
+        command.size() == 4 ? hex_number(command.substr(2)) : std::nullopt;
+    if (command == "AT0" || command == "AT1" || command == "AT2") {
+        m_settings.adaptive = command[2] - '0';
+    } else if (number && command.starts_with("ST")) {
+        m_settings.wait_units = *number == 0 ? usual_wait_units : int(*number);
+        m_settings.wait_ms = 0;
+    } else if (number && command.starts_with("CP")) {
+        m_settings.header.priority = std::uint8_t(*number & 0x1F);
+    } else {
         return false;
-    const bool on = command[1] == '1';
-    switch (command[0]) {
-    case 'E': m_echo = on; return true;
-    case 'H': m_headers = on; return true;
-    case 'S': m_spaces = on; return true;
-    case 'L': m_linefeeds = on; return true;
-    case 'M': return true;
-    default: return false;
     }
+    return true;
+}
+
+// A name and 0 or 1.
+bool elm327::change_switch(std::string_view command) {
+    if (command.empty() || (command.back() != '0' && command.back() != '1'))
+        return false;
+    const struct {
+        std::string_view name;
+        bool* setting;
+    } switches[] = {
+        {"E", &m_settings.echo},
+        {"H", &m_settings.headers},
+        {"S", &m_settings.spaces},
+        {"L", &m_settings.linefeeds},
+        {"CAF", &m_settings.formats_can},
+        {"CFC", &m_settings.controls_flow},
+        {"M", nullptr},
+    };
+    for (const auto& known : switches) {
+        if (command.substr(0, command.size() - 1) != known.name)
+            continue;
+        if (known.setting != nullptr)
+            *known.setting = command.back() == '1';
+        return true;
+    }
+    return false;
 }
 
 // "6" fixes a protocol, "A6" and "6A" begin the search with it, "0" searches through all.
@@ -96,10 +122,7 @@ std::string elm327::protocol_number() const {
 }
 
 void elm327::reset() {
-    m_echo = true;
-    m_headers = false;
-    m_spaces = true;
-    m_linefeeds = false;
+    m_settings = {};
     m_protocol = m_options.stored_protocol;
     m_automatic = m_options.stored_automatic || m_protocol == 0;
     m_established = !m_automatic;

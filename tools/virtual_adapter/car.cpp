@@ -49,10 +49,12 @@ moment car::now() const {
     return now;
 }
 
-void car::clear_codes() {
+void car::clear_codes(const addressee& to) {
     m_cleared = true;
     m_cleared_at_km = now().drive.distance_km;
     for (ecu& unit : m_description.ecus) {
+        if (!to.reaches(unit.address))
+            continue;
         unit.codes.clear(); // permanent codes stay: only the monitor that set one takes it back
         unit.pending.clear();
         unit.mil.reset();
@@ -63,18 +65,19 @@ void car::clear_codes() {
     }
 }
 
-std::vector<answer> car::ask(std::span<const std::uint8_t> request) {
+std::vector<answer> car::ask(std::span<const std::uint8_t> request, const addressee& to) {
     std::vector<answer> answers;
     if (!m_description.ignition || request.empty())
         return answers;
     if (request[0] == clear_service && request.size() == 1) {
         const bool refused = m_description.engine_runs;
         if (!refused)
-            clear_codes();
+            clear_codes(to);
         for (const ecu& unit : m_description.ecus)
-            answers.push_back({unit.address,
-                               {refused ? bytes{0x7F, clear_service, conditions_not_correct}
-                                        : bytes{clear_service + 0x40}}});
+            if (to.reaches(unit.address))
+                answers.push_back({unit.address,
+                                   {refused ? bytes{0x7F, clear_service, conditions_not_correct}
+                                            : bytes{clear_service + 0x40}}});
         return answers;
     }
     circumstances at{is_can(m_protocol.kind), {}};
@@ -82,6 +85,8 @@ std::vector<answer> car::ask(std::span<const std::uint8_t> request) {
         at.now = now();
     answers.reserve(m_description.ecus.size());
     for (const ecu& unit : m_description.ecus) {
+        if (!to.reaches(unit.address))
+            continue;
         std::vector<bytes> found = messages_for(unit, request, at);
         if (!found.empty())
             answers.push_back({unit.address, std::move(found)});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/virtual_adapter/addressing.h"
 #include "tools/virtual_adapter/car_description.h"
 #include "tools/virtual_adapter/protocols.h"
 
@@ -29,13 +30,13 @@ public:
     // Seconds since the engine was started; the default counts real time from construction.
     void set_clock(std::function<double()> clock) { m_clock = std::move(clock); }
 
-    // The answers of all ECUs that answer, in order. Empty with the ignition off, for an empty request and
-    // for one that nobody has an answer to.
-    std::vector<answer> ask(std::span<const std::uint8_t> request);
+    // The answers of all ECUs that are asked and answer, in order. Empty with the ignition off, for an empty
+    // request and for one that nobody has an answer to.
+    std::vector<answer> ask(std::span<const std::uint8_t> request, const addressee& to = {});
 
 private:
     moment now() const;
-    void clear_codes();
+    void clear_codes(const addressee& to);
 
     car_description m_description;
     const protocol& m_protocol;

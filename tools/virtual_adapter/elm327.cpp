@@ -1,7 +1,5 @@
 #include "tools/virtual_adapter/elm327.h"
 
-#include "tools/virtual_adapter/framing.h"
-
 #include <algorithm>
 
 namespace virtual_adapter {
@@ -38,9 +36,9 @@ std::optional<exchange> elm327::take(char character) {
         return std::nullopt;
     }
     exchange done;
-    if (m_echo) {
+    if (m_settings.echo) {
         done.echo = m_received;
-        append_line_end(done.echo, m_linefeeds);
+        append_line_end(done.echo, m_settings.linefeeds);
     }
     const bool too_long = m_received.size() > longest_command;
     done.command = normalised(m_received);
@@ -65,7 +63,9 @@ std::string elm327::carry_out(const std::string& command) {
         return reply(unknown);
     if (command.starts_with("AT"))
         return at_command(std::string_view(command).substr(2));
-    return obd_request(command);
+    if (command.starts_with("ST") && !m_options.st_identity.empty())
+        return st_command(std::string_view(command).substr(2));
+    return obd_command(command);
 }
 
 std::string elm327::stopped() const {
@@ -74,7 +74,7 @@ std::string elm327::stopped() const {
 
 void elm327::append_line(std::string& out, std::string_view text) const {
     out += text;
-    append_line_end(out, m_linefeeds);
+    append_line_end(out, m_settings.linefeeds);
 }
 
 std::string elm327::reply(std::string_view text) const {

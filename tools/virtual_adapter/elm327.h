@@ -1,6 +1,8 @@
 #pragma once
 
+#include "tools/virtual_adapter/adapter_settings.h"
 #include "tools/virtual_adapter/car.h"
+#include "tools/virtual_adapter/framing.h"
 
 #include <memory>
 #include <optional>
@@ -11,7 +13,9 @@ namespace virtual_adapter {
 
 struct adapter_options {
     std::string banner = "ELM327 v1.5";
-    int stored_protocol = 0; // 0 or the number that "AT SP" would have stored
+    std::string description = "OBDII to RS232 Interpreter"; // what "AT @1" answers
+    std::string st_identity = {}; // what "STI" answers; empty: an adapter without ST commands
+    int stored_protocol = 0;      // 0 or the number that "AT SP" would have stored
     bool stored_automatic = true;
     bool pad_single_frames = false; // CAN frames with headers are shown with all eight bytes
 };
@@ -22,6 +26,17 @@ struct exchange {
     std::string echo;    // the command as received and a line end; empty with the echo off
     std::string reply;   // lines and prompt
 };
+
+// What is sent to the car, and for how long the adapter listens.
+struct obd_request {
+    bytes data;
+    std::size_t most_frames = SIZE_MAX;   // that are waited for
+    std::optional<request_header> header; // none: as it is set
+    int wait_ms = 0;                      // 0: as it is set
+};
+
+// Appends the bytes of an even number of characters. False when one of them is no hexadecimal digit.
+bool append_bytes(bytes& out, std::string_view digits);
 
 // The command interpreter of one adapter on a car: characters in, replies out, no time passing in between.
 class elm327 {
@@ -49,13 +64,21 @@ private:
     // at_commands.cpp
     std::string at_command(std::string_view command); // without the leading "AT"
     bool change_setting(std::string_view command);
+    bool change_number(std::string_view command);
+    bool change_switch(std::string_view command);
     bool set_protocol(std::string_view number, bool store);
     std::string protocol_name() const;
     std::string protocol_number() const;
     void reset();
 
+    // stn_commands.cpp
+    std::string st_command(std::string_view command); // without the leading "ST"
+
     // obd_request.cpp
-    std::string obd_request(std::string_view digits);
+    std::string obd_command(std::string_view digits);
+    std::string ask_car(const obd_request& request);
+    std::vector<answer> answers_to(const obd_request& request);
+    frame_style style() const;
     bool connect(std::string& out);
     bool wake_up_bus(std::string& out);
 
@@ -69,10 +92,7 @@ private:
     std::string m_received; // the command so far, as it came
     std::string m_last;     // repeated by a bare return
 
-    bool m_echo = true;
-    bool m_headers = false;
-    bool m_spaces = true;
-    bool m_linefeeds = false;
+    adapter_settings m_settings;
     int m_protocol = 0; // 0 until one is chosen or found
     bool m_automatic = true;
     bool m_established = false; // the car has answered in m_protocol, or the protocol is fixed

@@ -33,24 +33,21 @@ void append_can_header(std::string& out, std::uint32_t address, bus kind, bool s
         out += ' ';
 }
 
-// A frame on its way: which answer it is part of, its number in it and when it arrives.
-struct frame {
-    std::size_t arrival;
-    const answer* from;
-    std::size_t number;
-};
-
 std::size_t frames_of(const bytes& message) {
     const std::size_t length = std::min(message.size(), most_segmented);
     return length < can_size ? 1 : 1 + length / 7; // six bytes, then seven a frame, rounded up
 }
 
+bool shows_length(const frame_style& style) {
+    return style.headers || !style.formatted;
+}
+
 void append_single_frame(std::string& out, const bytes& message, const frame_style& style) {
-    if (style.headers)
+    if (shows_length(style))
         append_byte(out, std::uint8_t(message.size()), style.spaces);
     for (const std::uint8_t value : message)
         append_byte(out, value, style.spaces);
-    if (style.headers && style.pad_single_frames)
+    if (shows_length(style) && style.pad_single_frames)
         for (std::size_t i = message.size() + 1; i < can_size; ++i)
             append_byte(out, style.padding, style.spaces);
 }
@@ -60,7 +57,7 @@ void append_segment(std::string& out, const bytes& message, std::size_t number, 
     const std::size_t length = std::min(message.size(), most_segmented);
     const std::size_t start = number == 0 ? 0 : 6 + (number - 1) * 7;
     const std::size_t count = number == 0 ? 6 : 7;
-    if (!style.headers) {
+    if (!shows_length(style)) {
         out += digits[number & 0xF];
         out += style.spaces ? ": " : ":";
     } else if (number == 0) {
@@ -73,34 +70,19 @@ void append_segment(std::string& out, const bytes& message, std::size_t number, 
         append_byte(out, i < length ? message[i] : style.padding, style.spaces);
 }
 
-void append_can(std::string& out, const std::vector<answer>& answers, bus kind, const frame_style& style) {
-    // A frame goes out every two ticks, and each further ECU begins three ticks after the one before it, so
-    // that long answers of two ECUs interleave.
-    std::vector<frame> frames;
-    for (std::size_t who = 0; who < answers.size(); ++who) {
-        const std::size_t count = frames_of(answers[who].messages.front());
-        for (std::size_t n = 0; n < count; ++n)
-            frames.push_back({who * 3 + n * 2, &answers[who], n});
-    }
-    std::stable_sort(frames.begin(), frames.end(),
-                     [](const frame& a, const frame& b) { return a.arrival < b.arrival; });
-    if (frames.size() > style.most_lines)
-        frames.resize(style.most_lines);
-    for (const frame& f : frames) {
-        const bytes& message = f.from->messages.front();
-        const bool single = message.size() < can_size;
-        if (style.headers) {
-            append_can_header(out, f.from->address, kind, style.spaces);
-        } else if (!single && f.number == 0) {
-            append_three_digits(out, unsigned(std::min(message.size(), most_segmented)));
-            append_line_end(out, style.linefeeds);
-        }
-        if (single)
-            append_single_frame(out, message, style);
-        else
-            append_segment(out, message, f.number, style);
+void append_can(std::string& out, const frame& received, bus kind, const frame_style& style) {
+    const bytes& message = *received.message;
+    const bool is_single = message.size() < can_size;
+    if (style.headers) {
+        append_can_header(out, received.from->address, kind, style.spaces);
+    } else if (style.formatted && !is_single && received.number == 0) {
+        append_three_digits(out, unsigned(std::min(message.size(), most_segmented)));
         append_line_end(out, style.linefeeds);
     }
+    if (is_single)
+        append_single_frame(out, message, style);
+    else
+        append_segment(out, message, received.number, style);
 }
 
 // Three bytes: priority and kind, target, source. ISO 14230 keeps the length in the first.
@@ -118,28 +100,41 @@ bytes legacy_frame(const bytes& message, std::uint8_t address, bus kind) {
     return whole;
 }
 
-void append_legacy(std::string& out, const std::vector<answer>& answers, bus kind, const frame_style& style) {
-    std::size_t lines = 0;
-    for (const answer& from : answers) {
-        for (const bytes& message : from.messages) {
-            if (lines++ == style.most_lines)
-                return;
-            const bytes whole =
-                style.headers ? legacy_frame(message, std::uint8_t(from.address), kind) : message;
-            for (const std::uint8_t value : whole)
-                append_byte(out, value, style.spaces);
-            append_line_end(out, style.linefeeds);
-        }
-    }
+void append_legacy(std::string& out, const frame& received, bus kind, const frame_style& style) {
+    const bytes& message = *received.message;
+    for (const std::uint8_t value :
+         style.headers ? legacy_frame(message, std::uint8_t(received.from->address), kind) : message)
+        append_byte(out, value, style.spaces);
 }
 
 } // namespace
 
-void append_frames(std::string& out, const std::vector<answer>& answers, bus kind, const frame_style& style) {
+std::vector<frame> frames_in_order(const std::vector<answer>& answers, bus kind) {
+    // On CAN a frame goes out every two ticks, and each further ECU begins three ticks after the one before
+    // it, so that long answers of two ECUs interleave. On the older protocols they take turns.
+    struct timed {
+        std::size_t tick;
+        frame what;
+    };
+    std::vector<timed> all;
+    for (std::size_t who = 0; who < answers.size(); ++who)
+        for (const bytes& message : answers[who].messages)
+            for (std::size_t n = 0; n < (is_can(kind) ? frames_of(message) : 1); ++n)
+                all.push_back({is_can(kind) ? who * 3 + n * 2 : 0, {&answers[who], &message, n}});
+    std::stable_sort(all.begin(), all.end(), [](const timed& a, const timed& b) { return a.tick < b.tick; });
+    std::vector<frame> frames;
+    frames.reserve(all.size());
+    for (const timed& one : all)
+        frames.push_back(one.what);
+    return frames;
+}
+
+void append_frame(std::string& out, const frame& received, bus kind, const frame_style& style) {
     if (is_can(kind))
-        append_can(out, answers, kind, style);
+        append_can(out, received, kind, style);
     else
-        append_legacy(out, answers, kind, style);
+        append_legacy(out, received, kind, style);
+    append_line_end(out, style.linefeeds);
 }
 
 void append_line_end(std::string& out, bool linefeeds) {

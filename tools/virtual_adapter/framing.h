@@ -11,15 +11,25 @@ struct frame_style {
     bool headers = false;
     bool spaces = true;
     bool linefeeds = false;
+    bool formatted = true; // CAN frames without headers lose their length byte and are numbered
     bool pad_single_frames = false;
     std::uint8_t padding = 0x00;
-    std::size_t most_lines = SIZE_MAX; // frames after which the adapter stops listening
 };
 
-// Appends one line a frame, each with its line end, in the order in which the frames arrive on a network of
-// that kind. CAN answers longer than seven bytes are segmented as by ISO 15765-2; with headers off their
-// length precedes them and every frame is numbered.
-void append_frames(std::string& out, const std::vector<answer>& answers, bus kind, const frame_style& style);
+// One frame of an answer.
+struct frame {
+    const answer* from = nullptr;
+    const bytes* message = nullptr;
+    std::size_t number = 0; // in the message; only CAN has more than one
+};
+
+// All frames in the order in which they arrive on a network of that kind. CAN answers longer than seven bytes
+// are segmented as by ISO 15765-2. They point into `answers`.
+std::vector<frame> frames_in_order(const std::vector<answer>& answers, bus kind);
+
+// Appends the line of a frame with its line end; with headers off, the first of a long answer is preceded by
+// a line with its length.
+void append_frame(std::string& out, const frame& received, bus kind, const frame_style& style);
 
 void append_line_end(std::string& out, bool linefeeds);
 

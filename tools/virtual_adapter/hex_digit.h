@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
 namespace virtual_adapter {
 
 // The value of an upper-case hexadecimal digit, -1 for any other character.
@@ -7,6 +11,19 @@ constexpr int hex_digit(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+// The value of one to eight such digits; nothing for any other text.
+constexpr std::optional<std::uint32_t> hex_number(std::string_view digits) {
+    if (digits.empty() || digits.size() > 8)
+        return std::nullopt;
+    std::uint32_t value = 0;
+    for (const char c : digits) {
+        if (hex_digit(c) < 0)
+            return std::nullopt;
+        value = value << 4 | std::uint32_t(hex_digit(c));
+    }
+    return value;
 }
 
 } // namespace virtual_adapter

@@ -1,61 +1,79 @@
 #include "tools/virtual_adapter/elm327.h"
 
-#include "tools/virtual_adapter/framing.h"
 #include "tools/virtual_adapter/hex_digit.h"
 
 namespace virtual_adapter {
 
-namespace {
-
-constexpr std::size_t most_request_bytes = 7;
-
-// False when the text, of an even number of characters, is anything but hexadecimal digits.
 bool append_bytes(bytes& out, std::string_view digits) {
     for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = hex_digit(digits[i]);
-        const int low = hex_digit(digits[i + 1]);
-        if (high < 0 || low < 0)
+        const std::optional<std::uint32_t> value = hex_number(digits.substr(i, 2));
+        if (!value)
             return false;
-        out.push_back(std::uint8_t(high << 4 | low));
+        out.push_back(std::uint8_t(*value));
     }
     return true;
 }
 
-} // namespace
-
 // A single digit behind the bytes is the number of frames to wait for; 0 or none waits for all.
-std::string elm327::obd_request(std::string_view digits) {
-    frame_style style;
+std::string elm327::obd_command(std::string_view digits) {
+    obd_request request;
     if (digits.size() % 2 == 1) {
         const int count = hex_digit(digits.back());
         if (count < 0)
             return reply("?");
         if (count > 0)
-            style.most_lines = std::size_t(count);
+            request.most_frames = std::size_t(count);
         digits.remove_suffix(1);
     }
-    bytes request;
-    request.reserve(most_request_bytes);
-    if (digits.empty() || digits.size() > most_request_bytes * 2 || !append_bytes(request, digits))
-        return reply("?");
+    return append_bytes(request.data, digits) ? ask_car(request) : reply("?");
+}
 
+std::string elm327::ask_car(const obd_request& request) {
+    // A frame has eight bytes; one of them is the length, which the adapter puts in front or the client.
+    if (request.data.empty() || request.data.size() > (m_settings.formats_can ? 7u : 8u))
+        return reply("?");
     std::string out;
     out.reserve(128);
     if (connect(out)) {
-        const std::vector<answer> answers = m_car->ask(request);
-        style.headers = m_headers;
-        style.spaces = m_spaces;
-        style.linefeeds = m_linefeeds;
-        style.pad_single_frames = m_options.pad_single_frames || m_car->description().pads_single_frames;
-        style.padding = m_car->description().padding;
-        if (answers.empty())
+        const std::vector<answer> answers = answers_to(request);
+        const bus kind = m_car->network().kind;
+        std::size_t shown = 0;
+        for (const frame& received : frames_in_order(answers, kind)) {
+            const bool is_asked_for = m_settings.controls_flow || !is_can(kind) || received.number == 0;
+            if (!is_asked_for || !m_settings.receives.pass(received.from->address, kind))
+                continue;
+            append_frame(out, received, kind, style());
+            if (++shown == request.most_frames)
+                break;
+        }
+        if (shown == 0)
             append_line(out, "NO DATA");
-        else
-            append_frames(out, answers, m_car->network().kind, style);
     }
     append_line(out, {});
     out += '>';
     return out;
+}
+
+std::vector<answer> elm327::answers_to(const obd_request& request) {
+    const bus kind = m_car->network().kind;
+    const addressee to = request.header.value_or(m_settings.header).addressed(kind);
+    std::span<const std::uint8_t> asked = request.data;
+    if (is_can(kind) && !m_settings.formats_can) {
+        const std::size_t length = asked[0]; // of a single frame; others begin with a higher digit
+        if (length > 7 || length >= asked.size())
+            return {};
+        asked = asked.subspan(1, length);
+    }
+    return m_car->ask(asked, to);
+}
+
+frame_style elm327::style() const {
+    return {.headers = m_settings.headers,
+            .spaces = m_settings.spaces,
+            .linefeeds = m_settings.linefeeds,
+            .formatted = m_settings.formats_can,
+            .pad_single_frames = m_options.pad_single_frames || m_car->description().pads_single_frames,
+            .padding = m_car->description().padding};
 }
 
 // Makes contact before the first request; true when the car can be asked. What a person sees of it goes to
