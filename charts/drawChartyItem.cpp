@@ -204,6 +204,13 @@ QList<drawChartyItem::dot> drawChartyItem::dots_at(double ms, const sample_matri
     return dots;
 }
 
+std::optional<double> drawChartyItem::x_of(double ms, const sample_matrix& matrix) const {
+    const plot_range range = shown_range(matrix);
+    if (!range.is_by_time() || ms < range.from || ms > range.to)
+        return std::nullopt;
+    return plot_area().width() * (ms - range.from) / (range.to - range.from);
+}
+
 drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {
     const QString text = index < cur_sample_set.size() ? cur_sample_set[index].trimmed() : QString();
     const value_text none{QStringLiteral("\u2013"), unit_of(label)};

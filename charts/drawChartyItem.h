@@ -10,6 +10,7 @@
 #include <QString>
 #include <QStringList>
 #include <limits>
+#include <optional>
 #include <set>
 
 namespace brivant {
@@ -89,6 +90,8 @@ public:
         QColor colour;
     };
     QList<dot> dots_at(double ms, const sample_matrix& matrix, const chart_labels& labels) const;
+    // By time, how far from the left of plot_area() a moment lies; nothing for one that is not shown.
+    std::optional<double> x_of(double ms, const sample_matrix& matrix) const;
 
     // What the picture shows, in words, for those who cannot see it.
     QString in_words(const chart_labels& labels) const;

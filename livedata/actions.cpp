@@ -179,13 +179,15 @@ void actions::runLogs() {
 }
 
 void actions::begin_run() {
+    if (is_storing_run())
+        return set_status_msg(QStringLiteral("The run before is being stored: one moment"));
     results.sample_cnt = 0;
     results.log_sample_cnt = 0;
     results.is_stored = false;
     results.log_id = -1;
     is_armed = true;
-    storing.keep(trigger ? trigger->before_s : 0);
-    if (!trigger && defaults.value(setting::log_runs))
+    storing.keep(results.trigger ? results.trigger->before_s : 0);
+    if (!results.trigger && defaults.value(setting::log_runs))
         begin_log();
     rework_gui_objects();
     const mode_of_choice& mode = modes[static_cast<size_t>(selected_index())];
@@ -215,26 +217,28 @@ bool actions::is_met(const pid_limit& limit) const {
 }
 
 void actions::begin_log_when_triggered(double now_ms) {
-    if (!trigger || storing.is_on())
+    if (!results.trigger || storing.is_on())
         return;
-    const bool is_true = is_met(trigger->when);
+    const bool is_true = is_met(results.trigger->when);
     if (is_true && is_armed && storing.sweeps_lost() == 0) { // else what was lost would not be told
         begin_log();
         storing.begin_with_kept(now_ms, results.moments.started_utc_ms());
         for (const timed_mark& mark : std::as_const(results.marks))
             storing.store_mark(mark);
-        set_status_msg(
-            QStringLiteral("Stored as log %1 since %2").arg(results.log_id).arg(text_of(trigger->when)));
+        set_status_msg(QStringLiteral("Stored as log %1 since %2")
+                           .arg(results.log_id)
+                           .arg(text_of(results.trigger->when)));
     }
     is_armed = !is_true;
 }
 
 void actions::end_log_when_triggered() {
-    if (!trigger || !trigger->until || !storing.is_on() || !is_met(*trigger->until))
+    if (!results.trigger || !results.trigger->until || !storing.is_on() || !is_met(*results.trigger->until))
         return;
     storing.end();
-    is_armed = !is_met(trigger->when);
-    set_status_msg(QStringLiteral("Log %1 ended by %2").arg(results.log_id).arg(text_of(*trigger->until)));
+    is_armed = !is_met(results.trigger->when);
+    set_status_msg(
+        QStringLiteral("Log %1 ended by %2").arg(results.log_id).arg(text_of(*results.trigger->until)));
 }
 
 void actions::started() {
@@ -255,7 +259,50 @@ void actions::put_mark(const QString& word) {
     set_status_msg(QStringLiteral("Marked at %1 s: %2").arg(mark.ms / 1000, 0, 'f', 1).arg(mark.text));
 }
 
+bool actions::can_store_run() const {
+    return !is_running() && !is_storing_run() && !results.is_stored && results.sample_cnt > 0 &&
+           results.moments.started_utc_ms() >= 0 && results.cur_log_points.rows() > 1;
+}
+
+void actions::store_run() {
+    if (!can_store_run())
+        return;
+    storing.create_row(results.mode, results.veh_id);
+    results.is_stored = storing.is_on();
+    results.log_id = storing.log_id();
+    if (!storing.is_on())
+        return set_status_msg(QStringLiteral("The run could not be stored. ") + storing.problem());
+    late = std::make_unique<late_log>(storing, results);
+    store_slice();
+}
+
+void actions::store_slice() {
+    if (!late->step())
+        return end_late_log();
+    results.log_sample_cnt = storing.sweeps_stored();
+    set_status_msg(QStringLiteral("Storing the run: %1 %").arg(late->percent()));
+    next_slice = link.time_source().one_shot(0, [this] { store_slice(); });
+}
+
+void actions::end_late_log() {
+    next_slice.reset();
+    const int percent = late->percent();
+    results.log_sample_cnt = storing.sweeps_stored();
+    results.is_stored = results.log_sample_cnt > 0;
+    late.reset();
+    if (!storing.problem().isEmpty())
+        set_status_msg(storing.problem());
+    else if (percent < 100)
+        set_status_msg(
+            QStringLiteral("Only the first %1 sweeps of the run were stored").arg(results.log_sample_cnt));
+    else
+        set_status_msg(QStringLiteral("Stored as log %1").arg(results.log_id));
+    watching->run_ended();
+}
+
 void actions::end_run() {
+    if (is_storing_run())
+        end_late_log();
     if (link.is_reconnecting())
         link.stop_opening(); // else it would be tried again
     leave_cur_op_gracefully(QStringLiteral(""));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "livedata/late_log.h"
 #include "livedata/sampling_talk.h"
 #include "livedata/store_trigger.h"
 
@@ -39,8 +40,14 @@ public:
     // Seconds between the sweeps that are stored, -1 for every sweep. The stored setting counts until then.
     void set_sample_rate(int seconds) { storing.set_rate(seconds); }
 
-    // The next runs are stored by this, whatever the setting says.
-    void store_when(const store_trigger& its_trigger) { trigger = its_trigger; }
+    // The next runs are stored by this, whatever the setting says; by the setting without one.
+    void store_when(const std::optional<store_trigger>& its_trigger) { results.trigger = its_trigger; }
+    // The run has ended and was not stored, but is still in memory.
+    bool can_store_run() const;
+    // Stores it, a slice at a time; the status tells how far it is, run_observer::run_ended() comes at its
+    // end. A mode chosen meanwhile ends it with the sweeps stored so far.
+    void store_run();
+    bool is_storing_run() const { return late != nullptr; }
 
     // The button: starts a run, or ends the one that is active.
     void runLogs();
@@ -77,14 +84,17 @@ private:
     void begin_log_when_triggered(double now_ms);
     void end_log_when_triggered();
     void end_run();
+    void store_slice();
+    void end_late_log();
     void started() override;
     void let_go() override;
     void told_the_end(bool done) override;
 
     user_defaults& defaults;
     run_observer* watching;
-    std::optional<store_trigger> trigger;
     bool is_armed = false; // what begins a log was not true before
+    std::unique_ptr<late_log> late;
+    timer_handle next_slice;
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
 

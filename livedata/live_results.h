@@ -2,6 +2,7 @@
 
 #include "charts/sample_matrix.h"
 #include "formats/run_values.h"
+#include "livedata/store_trigger.h"
 #include "livedata/sweep_moments.h"
 #include "livedata/sweep_times.h"
 #include "obd/pid_catalogue.h"
@@ -46,11 +47,12 @@ struct live_results {
     sweep_moments moments;
     QList<timed_mark> marks; // of the run, stored or not, in the order of their time
 
-    qint64 sample_cnt = 0;  // complete sweeps of the run that have a value
-    int log_sample_cnt = 0; // of them stored
-    bool is_stored = false; // the run has, or had, a log in the database
-    int log_id = -1;        // its number there
-    int gauge_2_idx = 1;    // the PID of the second gauge, by its place in the set
+    qint64 sample_cnt = 0;                // complete sweeps of the run that have a value
+    int log_sample_cnt = 0;               // of them stored
+    std::optional<store_trigger> trigger; // by which the next runs are stored
+    bool is_stored = false;               // the run has, or had, a log in the database
+    int log_id = -1;                      // its number there
+    int gauge_2_idx = 1;                  // the PID of the second gauge, by its place in the set
 
     int o2_mask = 0; // the oxygen sensors, by the map of PID 13 or 1D; 0 while not known
     o2_banks o2_order = o2_banks::two;

@@ -85,24 +85,37 @@ void run_log::begin_with_kept(double now_ms, qint64 started_utc_ms) {
     while (!kept.isEmpty() && (kept.first().is_gap || kept.first().when.ms < now_ms - kept_ms))
         kept.removeFirst();
     const QList<kept_line> lines = std::exchange(kept, {});
-    begun_ms = std::floor(lines.isEmpty() ? now_ms : lines.first().when.ms);
-    start_utc_ms = started_utc_ms + static_cast<qint64>(begun_ms);
-    if (!is_on() || db.change([&](sqlite_connection& connection) { return store_kept(connection, lines); }))
-        return;
-    log_sample_cnt = gaps = 0;
-    lost += static_cast<int>(lines.size());
-    fail();
+    begin_at(lines.isEmpty() ? now_ms : lines.first().when.ms, started_utc_ms);
+    store_lines(lines);
 }
 
-bool run_log::store_kept(sqlite_connection& connection, const QList<kept_line>& lines) {
+void run_log::begin_at(double ms, qint64 started_utc_ms) {
+    begun_ms = std::floor(ms);
+    start_utc_ms = started_utc_ms + static_cast<qint64>(begun_ms);
+}
+
+bool run_log::store_lines(const QList<kept_line>& lines) {
+    const int stored_before = log_sample_cnt;
+    const int gaps_before = gaps;
+    if (!is_on() || db.change([&](sqlite_connection& connection) {
+            return std::all_of(lines.begin(), lines.end(),
+                               [&](const kept_line& one) { return store_line_of(connection, one); });
+        }))
+        return is_on();
+    log_sample_cnt = stored_before;
+    gaps = gaps_before;
+    lost += static_cast<int>(lines.size());
+    fail();
+    return false;
+}
+
+// With the time at which it came.
+bool run_log::store_line_of(sqlite_connection& connection, const kept_line& one) {
     const auto at_its_time = QStringLiteral("UPDATE LOGGIES_DATA SET time_stamp=datetime(%1, 'unixepoch') "
-                                            "WHERE LOG_ID=%2 AND LINE_NUMBER=%3");
-    return std::all_of(lines.begin(), lines.end(), [&](const kept_line& one) {
-        gaps += one.is_gap;
-        const qint64 utc_s = (start_utc_ms + static_cast<qint64>(one.when.ms - begun_ms)) / 1000;
-        return store(one.line, one.when) &&
-               connection.execute(at_its_time.arg(utc_s).arg(cur_log_DB_id).arg(log_sample_cnt - 1));
-    });
+                                            "WHERE rowid=(SELECT MAX(rowid) FROM LOGGIES_DATA)");
+    gaps += one.is_gap;
+    const qint64 utc_s = (start_utc_ms + static_cast<qint64>(one.when.ms - begun_ms)) / 1000;
+    return store(one.line, one.when) && connection.execute(at_its_time.arg(utc_s));
 }
 
 bool run_log::sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when) {

@@ -29,6 +29,16 @@ public:
     void keep(int seconds);
     // The log that create_row() made begins with what is kept before this moment of the run.
     void begin_with_kept(double now_ms, qint64 started_utc_ms);
+    // It begins at this moment of the run.
+    void begin_at(double ms, qint64 started_utc_ms);
+    // A line of a run that was not stored when it came.
+    struct kept_line {
+        QString line;
+        sweep_moment when;
+        bool is_gap;
+    };
+    // All of them or none; behind begin_at(). False when they could not be stored.
+    bool store_lines(const QList<kept_line>& lines);
     // The session file of the operation.
     void work_out_log_file(int operation, bool metric);
     // A sweep is complete: its line is stored when it is its turn. True when it was.
@@ -61,14 +71,9 @@ public:
 
 private:
     void sample_delayed() { log_now_delayed = true; }
-    struct kept_line {
-        QString line;
-        sweep_moment when;
-        bool is_gap;
-    };
     void keep_line(const kept_line& line);
     bool store(const QString& line, const sweep_moment& when);
-    bool store_kept(sqlite_connection& connection, const QList<kept_line>& lines);
+    bool store_line_of(sqlite_connection& connection, const kept_line& one);
     bool store_owed_gap(int columns);
     void owe_gap(double ms);
     void fail();

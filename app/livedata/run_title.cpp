@@ -1,5 +1,6 @@
 #include "app/livedata/run_title.h"
 
+#include "app/livedata/trigger_sheet.h"
 #include "app/look/numbers.h"
 #include "app/pids/pid_chooser.h"
 
@@ -32,6 +33,11 @@ void run_title::connect_parts() {
     connect(ui.run, &QPushButton::clicked, this, [this] { controller.is_running() ? stop() : start(); });
     connect(ui.pids, &QPushButton::clicked, this, &run_title::choose_pids);
     connect(ui.store_runs, &QCheckBox::toggled, this, &run_title::store_runs_toggled);
+    connect(ui.store_now, &QPushButton::clicked, this, [this] {
+        controller.store_run();
+        show();
+    });
+    connect(ui.store_when, &QPushButton::clicked, this, &run_title::choose_trigger);
     auto* mark = new QShortcut(Qt::Key_M, &view);
     mark->setContext(Qt::WidgetWithChildrenShortcut);
     connect(mark, &QShortcut::activated, this, [this] { controller.put_mark(QString()); });
@@ -56,6 +62,12 @@ void run_title::choose_pids() {
         controller.sample_set_changed();
         show();
     });
+    sheet->open();
+}
+
+void run_title::choose_trigger() {
+    auto* sheet = new trigger_sheet(view, controller);
+    connect(sheet, &trigger_sheet::changed, this, &run_title::show);
     sheet->open();
 }
 
@@ -84,15 +96,29 @@ void run_title::show() {
                             : QStringLiteral("This mode has its own PIDs; Log Run has those you choose"));
     ui.progress->set_running(runs && results.sample_cnt == 0);
 
-    ui.store_runs->setChecked(context.core.defaults.value(setting::log_runs));
-    ui.store_runs->setEnabled(!runs);
-    ui.store_runs->setToolTip(runs ? QStringLiteral("Can be changed when the run has ended")
-                                   : QStringLiteral("Keeps the next runs for the Logs screen"));
+    show_choice_of_storing();
     runs ? second.start() : second.stop();
     const QFont figures = theme::figures(view.font());
     for (QLabel* label : {ui.run_time, ui.rate, ui.stored})
         label->setFont(figures);
     show_figures();
+}
+
+void run_title::show_choice_of_storing() {
+    const bool runs = controller.is_running();
+    const auto& trigger = results.trigger;
+    const auto later = QStringLiteral("Can be changed when the run has ended");
+    ui.store_now->setVisible(controller.can_store_run());
+    ui.run->setEnabled(!controller.is_storing_run());
+    ui.store_runs->setVisible(!trigger);
+    ui.store_runs->setChecked(context.core.defaults.value(setting::log_runs));
+    ui.store_runs->setEnabled(!runs);
+    ui.store_runs->setToolTip(runs ? later : QStringLiteral("Keeps the next runs for the Logs screen"));
+    ui.store_when->setText(trigger ? QStringLiteral("Store when %1...").arg(text_of(trigger->when))
+                                   : QStringLiteral("When..."));
+    ui.store_when->setEnabled(!runs && !results.these_samples.isEmpty());
+    ui.store_when->setToolTip(
+        runs ? later : QStringLiteral("Stores the next runs from the moment that a value is crossed"));
 }
 
 void run_title::show_figures() {
@@ -121,7 +147,8 @@ void run_title::show_stored() {
     ui.stored->setToolTip(!problem.isEmpty() ? theme::plain_tool_tip(problem)
                           : results.is_stored
                               ? QStringLiteral("Sweeps of this run on the Logs screen")
-                              : QStringLiteral("Runs are stored when the switch at the right is on"));
+                              : QStringLiteral("Runs are stored when the switch at the right is on, or when "
+                                               "Keep it is pressed behind their end"));
     theme::mark(*ui.stored, "warning", !problem.isEmpty());
 }
 

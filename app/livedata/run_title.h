@@ -28,6 +28,8 @@ private:
     void connect_parts();
     void choose_pids();
     void store_runs_toggled(bool on);
+    void choose_trigger();
+    void show_choice_of_storing();
     void show_stored();
 
     QWidget& view;

@@ -7,7 +7,10 @@ namespace brivant {
 
 namespace {
 constexpr double corner = 8;
-}
+constexpr QColor mark_ink(0xf2, 0xc9, 0x4c); // the chart is dark in any window
+constexpr int widest_word = 140;
+constexpr int between_words = 8;
+} // namespace
 
 chart_picture::chart_picture(QWidget* parent) : QWidget(parent) {
     setAccessibleName(QStringLiteral("Chart"));
@@ -58,6 +61,30 @@ void chart_picture::draw_chart(double ratio) {
     setAccessibleDescription(item->in_words(pictures->labels));
 }
 
+// A line each, with its word beside its head where there is room.
+void chart_picture::draw_marks(QPainter& painter) const {
+    painter.setFont(theme::small(font()));
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QRectF plot = plot_area();
+    double words_end = plot.left();
+    for (const timed_mark& mark : pictures->results.marks) {
+        const auto way = item->x_of(mark.ms, pictures->results.cur_log_points);
+        if (!way)
+            continue;
+        const double x = plot.left() + *way;
+        painter.setPen(QPen(mark_ink, 1, Qt::DashLine));
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+        const QString word = metrics.elidedText(mark.text, Qt::ElideRight, widest_word);
+        const int width = metrics.horizontalAdvance(word);
+        const double left = std::min(x + between_words / 2.0, plot.right() - width);
+        if (left < words_end)
+            continue;
+        painter.setPen(mark_ink);
+        painter.drawText(QPointF(left, plot.top() + metrics.ascent() + 2), word);
+        words_end = left + width + between_words;
+    }
+}
+
 void chart_picture::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -69,6 +96,7 @@ void chart_picture::paintEvent(QPaintEvent*) {
     round.addRoundedRect(rect(), corner, corner);
     painter.setClipPath(round);
     painter.drawImage(QPointF(0, 0), item->imageRepresentation());
+    draw_marks(painter);
 }
 
 } // namespace brivant

@@ -37,6 +37,7 @@ protected:
 
 private:
     void draw_chart(double ratio);
+    void draw_marks(QPainter& painter) const;
 
     const run_pictures* pictures = nullptr;
     std::optional<drawChartyItem> item;

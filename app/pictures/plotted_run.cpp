@@ -5,6 +5,7 @@
 #include "charts/time_axis.h"
 #include "charts/time_plot.h"
 #include "livedata/second_value.h"
+#include "persistence/stored_marks.h"
 
 #include <QDateTime>
 #include <algorithm>
@@ -33,7 +34,9 @@ plotted_run::plotted_run(program_core& core, const log_header& log, qsizetype mo
     : toolies(core.toolies),
       results([&core](const QString& body) { return core.toolies.shown_number(body); }),
       reader(core.db, log, results.cur_log_points, most_rows), shown{results, toolies, {}, {}, false},
-      units(toolies.units()), by_standard(toolies.standard_reading()) {}
+      units(toolies.units()), by_standard(toolies.standard_reading()) {
+    results.marks = marks_of_run(core.db, log.id);
+}
 
 bool plotted_run::read_slice() {
     const bool more = work_a_moment([this] { return reader.step(lines_at_once); });

@@ -1,4 +1,5 @@
 #include "app/livedata/actions_view.h"
+#include "app/livedata/trigger_sheet.h"
 #include "app/pids/pid_chooser.h"
 #include "shell/stop_signals.h"
 #include "tests/app/running_window.h"
@@ -7,6 +8,7 @@
 
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <csignal>
 
 namespace brivant {
@@ -243,6 +245,36 @@ TEST(actions_view, stores_a_run_when_the_person_says_so) {
     const QString info =
         car.core.db.retrieve_from_DB(QStringLiteral("SELECT INFO FROM LOGGIES ORDER BY LOG_ID DESC"))[0][0];
     EXPECT_EQ(info, QStringLiteral("%1 Sample points  ").arg(car.results.log_sample_cnt));
+}
+
+TEST(actions_view, keeps_a_run_that_has_ended_and_stores_from_a_crossing_on) {
+    live_car car;
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(5));
+    EXPECT_FALSE(car.part<QPushButton>("store_now").isVisible());
+    car.press(Qt::Key_Escape);
+    car.click("store_now");
+    EXPECT_TRUE(wait_until([&] { return car.results.log_sample_cnt == car.results.sample_cnt; }));
+    EXPECT_FALSE(car.part<QPushButton>("store_now").isVisible());
+
+    car.click("store_when");
+    car.part<QComboBox>("trigger_when_pid").setCurrentIndex(2);
+    car.click("trigger_set");
+    EXPECT_TRUE(car.part<QLineEdit>("trigger_when_value").hasFocus()) << "it needs a number";
+    car.part<QLineEdit>("trigger_when_value").setText("100000");
+    car.part<QCheckBox>("trigger_ends").click();
+    car.part<QLineEdit>("trigger_until_value").setText("-1");
+    car.click("trigger_set");
+    EXPECT_EQ(car.text_of<QPushButton>("store_when"), "Store when 0C>100000...");
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(5));
+    EXPECT_FALSE(car.results.is_stored);
+    car.press(Qt::Key_Escape);
+    ASSERT_TRUE(wait_until([&] { return car.window->findChildren<trigger_sheet*>().isEmpty(); }));
+    car.click("store_when");
+    EXPECT_EQ(car.part<QLineEdit>("trigger_until_value").text(), "-1");
+    car.click("trigger_none");
+    EXPECT_TRUE(car.part<QCheckBox>("store_runs").isVisible());
 }
 
 TEST(actions_view, takes_another_set_of_pids) {

@@ -103,9 +103,11 @@ TEST(actions, sweeps_that_could_not_be_stored_are_counted_and_leave_a_gap) {
     EXPECT_EQ(bench.facts["log"](), "Log [2 Sample points  ]");
 }
 
-TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
+// A run that is stored as it goes on, or at its end out of memory.
+static void expect_moments(bool is_stored_late) {
     live_bench bench;
-    EXPECT_EQ(play(conversation_of("! store\n! pids 0C 0D\n! do button\n"
+    EXPECT_EQ(play(conversation_of(is_stored_late ? "" : "! store\n"), bench), "");
+    EXPECT_EQ(play(conversation_of("! pids 0C 0D\n! do button\n"
                                    "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
                                    "> 01 0C"),
                    bench),
@@ -120,13 +122,10 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
     answer(50, "7E8 03 41 0D 3C \r", "\r>");
     answer(20, "NO DATA\r", "\r>");
     answer(40, "7E8 03 41 0D 3D \r", "\r>");
-    EXPECT_EQ(bench.rows("SELECT LINE_NUMBER || ':' || MILLISECONDS || '/' || OFFSETS FROM BV_MOMENTS"),
-              "0:0.0/15.00,62.00 / 1:94.0/,47.00");
     const sample_times& shown = bench.results.cur_log_points.times(); // the same
     EXPECT_DOUBLE_EQ(shown.moment(0, 1), 62);
     EXPECT_DOUBLE_EQ(shown.begin_of(1), 94);
     EXPECT_DOUBLE_EQ(shown.moment(1, 1), 141);
-    EXPECT_EQ(bench.rows("SELECT COUNT(*), STARTED_UTC_MS > 1700000000000 FROM BV_RUNS"), "1 1");
 
     bench.clock.advance(3);
     bench.controller->put_mark("the lights went on");
@@ -134,13 +133,29 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
     bench.controller->stop();
     bench.controller->put_mark("too late");
     EXPECT_EQ(bench.view.last("status"), "No mark: the run has not begun to ask the car");
+    if (is_stored_late) {
+        EXPECT_EQ(bench.facts["log"](), "");
+        EXPECT_TRUE(bench.controller->can_store_run());
+        bench.controller->store_run();
+        EXPECT_FALSE(bench.controller->can_store_run());
+    }
+    EXPECT_EQ(bench.facts["log"](), "Log [2 Sample points  ]");
+    EXPECT_EQ(bench.facts["data"](), "0:410C1AF8,410D3C / 1:~,410D3D");
+    EXPECT_EQ(bench.rows("SELECT LINE_NUMBER || ':' || MILLISECONDS || '/' || OFFSETS FROM BV_MOMENTS"),
+              "0:0.0/15.00,62.00 / 1:94.0/,47.00");
+    EXPECT_EQ(bench.rows("SELECT COUNT(*), STARTED_UTC_MS > 1700000000000 FROM BV_RUNS"), "1 1");
     EXPECT_EQ(bench.rows("SELECT LOG_ID, MILLISECONDS, TEXT FROM BV_MARKS"), "1 171.0 the lights went on");
     EXPECT_EQ(bench.results.marks.size(), 1);
 }
 
+TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
+    for (const bool is_stored_late : {false, true})
+        expect_moments(is_stored_late);
+}
+
 TEST(actions, a_log_begins_before_a_value_comes_and_ends_behind_another) {
     live_bench bench;
-    bench.opened().store_when({*pid_limit_of("0C>2000"), pid_limit_of("0c < 1000"), 2});
+    bench.opened().store_when(store_trigger{*pid_limit_of("0C>2000"), pid_limit_of("0c < 1000"), 2});
     EXPECT_FALSE(pid_limit_of("0C=4") || pid_limit_of("C>4") || pid_limit_of("0C>4;"));
     EXPECT_EQ(play(conversation_of("! pids 0C\n! do button\n"
                                    "! include ../../diagnostics/conversations/parts/can11_connected.txt\n"
