@@ -1,4 +1,4 @@
-#include "tools/virtual_adapter/framing.h"
+#include "tools/virtual_adapter/arrivals.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,8 @@ bytes hex(std::string_view text) {
 
 std::string shown(bus kind, const std::vector<answer>& answers, frame_style style = {}) {
     std::string out;
-    for (const frame& one : frames_in_order(answers, kind))
-        append_frame(out, one, kind, style);
+    for (const arrival& one : arrivals(std::make_shared<std::vector<answer>>(answers), kind))
+        append_frame(out, one.what, kind, style);
     return out;
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QTcpSocket>
 
 #include <algorithm>
@@ -86,6 +87,26 @@ TEST_F(server, a_character_stops_a_delayed_reply) {
     slow.send("010D\r");
     slow.send("xATRV\r"); // the interrupting character is lost
     EXPECT_EQ(slow.replies(2), "STOPPED\r\r>14.1V\r\r>");
+}
+
+TEST_F(server, an_adapter_with_timing_answers_at_its_moments) {
+    timing takes;
+    takes.ecu_ms = {20};
+    takes.round_trip_ms = 10;
+    adapter.set_options({.stored_protocol = 6, .stored_automatic = false, .time = takes});
+    client timed(start());
+    timed.ask("ATE0\r");
+    QElapsedTimer took;
+    took.start();
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(timed.ask("010D1\r"), "41 0D 3C \r\r>");
+    EXPECT_GE(took.elapsed(), 20 * 34); // 10 on the way, 1 + 20 of adapter and ECU, some 4 of serial line
+    EXPECT_LT(took.elapsed(), 20 * 34 * 2);
+    timed.send("010D\r");
+    wait_until([&] { return timed.received.ends_with("\r"); });
+    timed.send("x"); // while it waits for a third answer
+    EXPECT_EQ(timed.replies(), "41 0D 3C \r41 0D 3C \rSTOPPED\r\r>");
+    EXPECT_EQ(timed.ask("ATRV\r"), "14.1V\r\r>");
 }
 
 TEST_F(server, every_byte_by_itself) {

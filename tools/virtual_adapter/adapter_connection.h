@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/virtual_adapter/adapter_session.h"
+#include "tools/virtual_adapter/exact_timer.h"
 
 #include <QObject>
 #include <QTimer>
@@ -22,6 +23,7 @@ private:
 
     QTcpSocket* m_socket;
     QTimer m_timer;
+    exact_timer m_exact_timer;
     adapter_session m_session;
 };
 

@@ -10,6 +10,8 @@ adapter_session::adapter_session(std::shared_ptr<car> on, const adapter_options&
                                  observer seen, outside link)
     : m_adapter(std::move(on), options), m_faults(what), m_seen(std::move(seen)), m_link(std::move(link)) {
     m_adapter.refuse(what.refused);
+    if (options.time)
+        m_line.emplace(*options.time);
 }
 
 void adapter_session::take(char character) {
@@ -18,12 +20,58 @@ void adapter_session::take(char character) {
         interrupt(); // the character itself is lost
         return;
     }
-    const std::optional<exchange> done = m_adapter.take(character);
+    const double at_ms = m_line ? m_line->at_adapter(m_link.now_ms()) : 0;
+    if (at_ms < m_busy_until_ms && !ignored) {
+        interrupt_at(at_ms);
+        return;
+    }
+    const std::optional<exchange> done = m_adapter.take(character, at_ms);
     if (!done)
         return;
     if (m_seen)
         m_seen(*done);
-    deliver(m_faults.pass(*done));
+    if (m_line)
+        deliver_in_time(*done, m_faults.pass(*done));
+    else
+        deliver(m_faults.pass(*done));
+}
+
+// Text that a fault has changed comes when the whole reply would have gone out.
+void adapter_session::deliver_in_time(const exchange& done, const delivery& what) {
+    const double end_ms = done.parts.back().at_ms;
+    const bool is_request = !done.command.starts_with("AT") && !done.command.starts_with("ST");
+    m_busy_until_ms = is_request ? end_ms + what.wait_ms : 0;
+    exchange told = done;
+    if (what.at_once + what.text != done.echo + done.reply) {
+        told.echo.clear();
+        told.reply = what.at_once + what.text;
+        told.parts = {{end_ms, told.reply.size()}};
+    }
+    deliver_pieces(told, what.wait_ms);
+    if (what.close) {
+        delivery end;
+        end.close = true;
+        deliver(std::move(end));
+    }
+}
+
+void adapter_session::deliver_pieces(const exchange& told, int later_ms) {
+    for (timed_text& piece : m_line->to_client(told)) {
+        delivery part;
+        part.at_ms = piece.at_ms + later_ms;
+        part.text = std::move(piece.text);
+        deliver(std::move(part));
+    }
+}
+
+// What the client has not received yet is lost.
+void adapter_session::interrupt_at(double moment_ms) {
+    m_busy_until_ms = 0;
+    while (!m_outbox.empty() && m_outbox.back().at_ms > moment_ms)
+        m_outbox.pop_back();
+    m_waits = false;
+    m_link.stop_waiting();
+    deliver_pieces(m_adapter.stopped(moment_ms));
 }
 
 void adapter_session::interrupt() {
@@ -33,7 +81,7 @@ void adapter_session::interrupt() {
         m_link.stop_waiting();
     }
     delivery stopped;
-    stopped.text = m_adapter.stopped();
+    stopped.text = m_adapter.stopped().reply;
     deliver(std::move(stopped));
 }
 
@@ -63,6 +111,11 @@ void adapter_session::waited() {
 void adapter_session::send_due() {
     while (!m_waits && !m_outbox.empty()) {
         delivery& first = m_outbox.front();
+        if (m_line && first.at_ms > m_link.now_ms()) {
+            m_waits = true;
+            m_link.wait_until(first.at_ms);
+            return;
+        }
         if (first.wait_ms > 0) {
             m_waits = true;
             m_link.wait(first.wait_ms);

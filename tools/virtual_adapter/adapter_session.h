@@ -1,14 +1,15 @@
 #pragma once
 
 #include "tools/virtual_adapter/faults.h"
+#include "tools/virtual_adapter/serial_link.h"
 
 #include <deque>
 #include <functional>
 
 namespace virtual_adapter {
 
-// One client's talk with one adapter: characters in, text out when it is due. Knows neither sockets nor
-// clocks.
+// One client's talk with one adapter: characters in, text out when it is due. Knows no sockets, and of clocks
+// what it is told.
 class adapter_session {
 public:
     using observer = std::function<void(const exchange&)>;
@@ -17,6 +18,9 @@ public:
         std::function<void(int milliseconds)> wait; // waited() is to be called then
         std::function<void()> stop_waiting;
         std::function<void()> close;
+        // Only for an adapter with timing: the clock, and waited() at a moment of it.
+        std::function<double()> now_ms = {};
+        std::function<void(double moment_ms)> wait_until = {};
     };
 
     // `seen` (or none) is told of every command carried out, before its reply is sent.
@@ -28,6 +32,9 @@ public:
 
 private:
     void interrupt();
+    void interrupt_at(double moment_ms);
+    void deliver_in_time(const exchange& done, const delivery& what);
+    void deliver_pieces(const exchange& told, int later_ms = 0);
     void deliver(delivery what);
     void send_due();
 
@@ -35,7 +42,9 @@ private:
     fault_line m_faults;
     observer m_seen;
     outside m_link;
-    std::deque<delivery> m_outbox; // in order; the first one waits
+    std::optional<serial_link> m_line; // of an adapter with timing
+    double m_busy_until_ms = 0;        // and until when it answers a request
+    std::deque<delivery> m_outbox;     // in order; the first one waits
     bool m_waits = false;
 };
 

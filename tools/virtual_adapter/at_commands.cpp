@@ -8,6 +8,8 @@ namespace virtual_adapter {
 std::string elm327::at_command(std::string_view command) {
     if (command == "Z" || command == "WS") {
         reset();
+        if (m_options.time)
+            pass(m_options.time->reset_ms);
         return reply(m_options.banner).insert(0, "\r\r");
     }
     if (command == "I")
@@ -101,6 +103,7 @@ bool elm327::set_protocol(std::string_view number, bool store) {
     m_automatic = automatic || value == 0;
     m_established = !m_automatic;
     m_connected = false;
+    m_listening.forget();
     if (store) {
         m_options.stored_protocol = m_protocol;
         m_options.stored_automatic = m_automatic;
@@ -123,6 +126,7 @@ std::string elm327::protocol_number() const {
 
 void elm327::reset() {
     m_settings = {};
+    m_listening.forget();
     m_protocol = m_options.stored_protocol;
     m_automatic = m_options.stored_automatic || m_protocol == 0;
     m_established = !m_automatic;

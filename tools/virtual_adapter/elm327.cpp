@@ -1,6 +1,7 @@
 #include "tools/virtual_adapter/elm327.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -22,12 +23,12 @@ std::string normalised(std::string_view received) {
 } // namespace
 
 elm327::elm327(std::shared_ptr<car> on, adapter_options options)
-    : m_car(std::move(on)), m_options(std::move(options)) {
+    : m_car(std::move(on)), m_options(std::move(options)), m_listening(m_options.time) {
     refuse(m_car->description().adapter_refuses);
     reset();
 }
 
-std::optional<exchange> elm327::take(char character) {
+std::optional<exchange> elm327::take(char character, double at_ms) {
     if (character == '\0' || character == '\n')
         return std::nullopt;
     if (character != '\r') {
@@ -36,6 +37,10 @@ std::optional<exchange> elm327::take(char character) {
         return std::nullopt;
     }
     exchange done;
+    done.received_ms = at_ms;
+    m_now_ms = std::max(m_now_ms, at_ms);
+    if (m_options.time)
+        pass(m_options.time->command_ms);
     if (m_settings.echo) {
         done.echo = m_received;
         append_line_end(done.echo, m_settings.linefeeds);
@@ -47,6 +52,8 @@ std::optional<exchange> elm327::take(char character) {
         done.command = m_last;
     done.reply = too_long ? reply(unknown) : carry_out(done.command);
     m_last = done.command;
+    print(done.reply, m_now_ms);
+    done.parts = std::exchange(m_parts, {});
     return done;
 }
 
@@ -68,8 +75,23 @@ std::string elm327::carry_out(const std::string& command) {
     return obd_command(command);
 }
 
-std::string elm327::stopped() const {
-    return reply("STOPPED");
+exchange elm327::stopped(double at_ms) {
+    exchange done;
+    done.received_ms = m_now_ms = at_ms;
+    done.reply = reply("STOPPED");
+    print(done.reply, m_now_ms);
+    done.parts = std::exchange(m_parts, {});
+    return done;
+}
+
+void elm327::pass(double milliseconds) {
+    if (m_options.time)
+        m_now_ms += milliseconds;
+}
+
+void elm327::print(const std::string& out, double at_ms) {
+    if (m_options.time)
+        m_parts.push_back({at_ms, out.size()});
 }
 
 void elm327::append_line(std::string& out, std::string_view text) const {

@@ -2,7 +2,7 @@
 
 #include "tools/virtual_adapter/adapter_settings.h"
 #include "tools/virtual_adapter/car.h"
-#include "tools/virtual_adapter/framing.h"
+#include "tools/virtual_adapter/listening.h"
 
 #include <memory>
 #include <optional>
@@ -17,7 +17,8 @@ struct adapter_options {
     std::string st_identity = {}; // what "STI" answers; empty: an adapter without ST commands
     int stored_protocol = 0;      // 0 or the number that "AT SP" would have stored
     bool stored_automatic = true;
-    bool pad_single_frames = false; // CAN frames with headers are shown with all eight bytes
+    bool pad_single_frames = false;  // CAN frames with headers are shown with all eight bytes
+    std::optional<timing> time = {}; // none: nothing takes any
 };
 
 // One command and what it yields, both in the bytes that the link carries.
@@ -25,6 +26,15 @@ struct exchange {
     std::string command; // upper case, without blanks
     std::string echo;    // the command as received and a line end; empty with the echo off
     std::string reply;   // lines and prompt
+
+    // When the command was there, and when its reply goes out as far as that place in it; nothing without
+    // timing.
+    struct part {
+        double at_ms = 0;
+        std::size_t end = 0;
+    };
+    double received_ms = 0;
+    std::vector<part> parts = {};
 };
 
 // What is sent to the car, and for how long the adapter listens.
@@ -38,14 +48,15 @@ struct obd_request {
 // Appends the bytes of an even number of characters. False when one of them is no hexadecimal digit.
 bool append_bytes(bytes& out, std::string_view digits);
 
-// The command interpreter of one adapter on a car: characters in, replies out, no time passing in between.
+// The command interpreter of one adapter on a car: characters in, replies out. Time is what it is told:
+// nothing here waits for it.
 class elm327 {
 public:
     explicit elm327(std::shared_ptr<car> on, adapter_options options = {});
 
     // One character from the link. NUL and LF are ignored; a return completes the command and yields its
-    // exchange. A bare return repeats the command before.
-    std::optional<exchange> take(char character);
+    // exchange. A bare return repeats the command before. `at_ms` is when the character is there.
+    std::optional<exchange> take(char character, double at_ms = 0);
 
     // Everything that those characters yield, echo included.
     std::string receive(std::string_view characters);
@@ -56,7 +67,7 @@ public:
     }
 
     // The reply to a character that arrives while a request is being answered.
-    std::string stopped() const;
+    exchange stopped(double at_ms = 0);
 
 private:
     std::string carry_out(const std::string& command);
@@ -77,8 +88,10 @@ private:
     // obd_request.cpp
     std::string obd_command(std::string_view digits);
     std::string ask_car(const obd_request& request);
-    std::vector<answer> answers_to(const obd_request& request);
+    answers_to_a_request answers_to(const obd_request& request);
     frame_style style() const;
+    void pass(double milliseconds);                   // time, where there is any
+    void print(const std::string& out, double at_ms); // what is in `out` so far goes out then
     bool connect(std::string& out);
     bool wake_up_bus(std::string& out);
 
@@ -88,6 +101,9 @@ private:
     std::shared_ptr<car> m_car;
     adapter_options m_options;
     std::vector<std::string> m_refused;
+    listening m_listening;
+    double m_now_ms = 0;                 // what the adapter has come to
+    std::vector<exchange::part> m_parts; // of the reply under way
 
     std::string m_received; // the command so far, as it came
     std::string m_last;     // repeated by a bare return

@@ -28,6 +28,7 @@ struct faults {
 // What the link does about one command.
 struct delivery {
     std::string at_once; // sent before any waiting
+    double at_ms = 0;    // not before that moment, where the adapter has timing
     int wait_ms = 0;
     bool interruptible = false; // by characters that arrive during the wait
     std::string text;           // sent after the wait

@@ -33,11 +33,6 @@ void append_can_header(std::string& out, std::uint32_t address, bus kind, bool s
         out += ' ';
 }
 
-std::size_t frames_of(const bytes& message) {
-    const std::size_t length = std::min(message.size(), most_segmented);
-    return length < can_size ? 1 : 1 + length / 7; // six bytes, then seven a frame, rounded up
-}
-
 bool shows_length(const frame_style& style) {
     return style.headers || !style.formatted;
 }
@@ -109,24 +104,9 @@ void append_legacy(std::string& out, const frame& received, bus kind, const fram
 
 } // namespace
 
-std::vector<frame> frames_in_order(const std::vector<answer>& answers, bus kind) {
-    // On CAN a frame goes out every two ticks, and each further ECU begins three ticks after the one before
-    // it, so that long answers of two ECUs interleave. On the older protocols they take turns.
-    struct timed {
-        std::size_t tick;
-        frame what;
-    };
-    std::vector<timed> all;
-    for (std::size_t who = 0; who < answers.size(); ++who)
-        for (const bytes& message : answers[who].messages)
-            for (std::size_t n = 0; n < (is_can(kind) ? frames_of(message) : 1); ++n)
-                all.push_back({is_can(kind) ? who * 3 + n * 2 : 0, {&answers[who], &message, n}});
-    std::stable_sort(all.begin(), all.end(), [](const timed& a, const timed& b) { return a.tick < b.tick; });
-    std::vector<frame> frames;
-    frames.reserve(all.size());
-    for (const timed& one : all)
-        frames.push_back(one.what);
-    return frames;
+std::size_t can_frames(const bytes& message) {
+    const std::size_t length = std::min(message.size(), most_segmented);
+    return length < can_size ? 1 : 1 + length / 7; // six bytes, then seven a frame, rounded up
 }
 
 void append_frame(std::string& out, const frame& received, bus kind, const frame_style& style) {

@@ -23,9 +23,8 @@ struct frame {
     std::size_t number = 0; // in the message; only CAN has more than one
 };
 
-// All frames in the order in which they arrive on a network of that kind. CAN answers longer than seven bytes
-// are segmented as by ISO 15765-2. They point into `answers`.
-std::vector<frame> frames_in_order(const std::vector<answer>& answers, bus kind);
+// How many frames a message takes on CAN; those longer than seven bytes are segmented as by ISO 15765-2.
+std::size_t can_frames(const bytes& message);
 
 // Appends the line of a frame with its line end; with headers off, the first of a long answer is preceded by
 // a line with its length.

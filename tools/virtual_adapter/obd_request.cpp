@@ -1,5 +1,6 @@
 #include "tools/virtual_adapter/elm327.h"
 
+#include "tools/virtual_adapter/bus_time.h"
 #include "tools/virtual_adapter/hex_digit.h"
 
 namespace virtual_adapter {
@@ -35,18 +36,15 @@ std::string elm327::ask_car(const obd_request& request) {
     std::string out;
     out.reserve(128);
     if (connect(out)) {
-        const std::vector<answer> answers = answers_to(request);
-        const bus kind = m_car->network().kind;
-        std::size_t shown = 0;
-        for (const frame& received : frames_in_order(answers, kind)) {
-            const bool is_asked_for = m_settings.controls_flow || !is_can(kind) || received.number == 0;
-            if (!is_asked_for || !m_settings.receives.pass(received.from->address, kind))
-                continue;
-            append_frame(out, received, kind, style());
-            if (++shown == request.most_frames)
-                break;
+        const listening::outcome came = m_listening.hear(
+            {answers_to(request), request.data.size(), request.most_frames, double(request.wait_ms)}, *m_car,
+            m_settings, m_now_ms);
+        for (const arrival& received : came.heard) {
+            append_frame(out, received.what, m_car->network().kind, style());
+            print(out, received.at_ms + (m_options.time ? m_options.time->line_ms : 0));
         }
-        if (shown == 0)
+        m_now_ms = came.end_ms;
+        if (came.heard.empty())
             append_line(out, "NO DATA");
     }
     append_line(out, {});
@@ -54,17 +52,17 @@ std::string elm327::ask_car(const obd_request& request) {
     return out;
 }
 
-std::vector<answer> elm327::answers_to(const obd_request& request) {
+answers_to_a_request elm327::answers_to(const obd_request& request) {
     const bus kind = m_car->network().kind;
     const addressee to = request.header.value_or(m_settings.header).addressed(kind);
     std::span<const std::uint8_t> asked = request.data;
     if (is_can(kind) && !m_settings.formats_can) {
         const std::size_t length = asked[0]; // of a single frame; others begin with a higher digit
         if (length > 7 || length >= asked.size())
-            return {};
+            return std::make_shared<std::vector<answer>>();
         asked = asked.subspan(1, length);
     }
-    return m_car->ask(asked, to);
+    return std::make_shared<std::vector<answer>>(m_car->ask(asked, to));
 }
 
 frame_style elm327::style() const {
@@ -81,6 +79,8 @@ frame_style elm327::style() const {
 bool elm327::connect(std::string& out) {
     if (!m_established) {
         append_line(out, "SEARCHING...");
+        print(out, m_now_ms);
+        pass(search_ms);
         if (!m_car->description().ignition) {
             append_line(out, "UNABLE TO CONNECT");
             return false;
@@ -98,6 +98,7 @@ bool elm327::wake_up_bus(std::string& out) {
     const protocol& network = m_car->network();
     const bool ignition = m_car->description().ignition;
     const bool reached = ignition && wanted.number == network.number;
+    pass(wake_up_ms(wanted));
     if (is_k_line(wanted.kind)) {
         // Dots stand for the seconds that the five-baud address takes.
         const std::string dots = wanted.slow_init ? "..." : "";
