@@ -102,7 +102,12 @@ inline constexpr number sample_rate       {"BV_sample_rate",       "-1",        
 inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
     "true to show what SAE J1979 reads in the replies"};
 inline constexpr flag   anonymous         {"BV_anonymous",         "false",           person,
-    "true to leave only its first three characters of a VIN in reports and in the diagnostic log"};
+    "true to leave only its first three characters of a VIN in reports and in the diagnostic log, and no "
+    "position in exports"};
+inline constexpr flag   store_position    {"BV_store_position",    "true",            person,
+    "true to store with runs where the car is, while gpsd tells it"};
+inline constexpr text   gpsd              {"BV_gpsd",              "localhost:2947",  person,
+    "where gpsd answers: host:port", {.longest = 300}}; // an IPv6 address in brackets
 inline constexpr text   bluetooth_address {"BV_last_BT",           "",                person,
     "the address of the Bluetooth adapter used last"};
 inline constexpr text   bluetooth_name    {"Last_BT_device",       "",                person,
@@ -125,11 +130,12 @@ inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",          
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 19> all{
-    &interface_kind, &wifi_ip,       &wifi_port,        &metric_units, &log_runs,
-    &time_stamps,    &sample_rate,   &standard_reading, &anonymous,    &bluetooth_address,
-    &bluetooth_name, &update_server, &current_vehicle,  &sample_set,   &older_sample_set,
-    &expert_history, &expert_script, &window_geometry,  &plot_geometry};
+inline constexpr std::array<const setting_row*, 21> all{
+    &interface_kind, &wifi_ip,           &wifi_port,        &metric_units,  &log_runs,
+    &time_stamps,    &sample_rate,       &standard_reading, &anonymous,     &store_position,
+    &gpsd,           &bluetooth_address, &bluetooth_name,   &update_server, &current_vehicle,
+    &sample_set,     &older_sample_set,  &expert_history,   &expert_script, &window_geometry,
+    &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

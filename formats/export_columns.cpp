@@ -11,7 +11,10 @@ std::optional<double> of_position(const geo_position& position, export_column::k
     case export_column::kind::latitude: return position.latitude;
     case export_column::kind::longitude: return position.longitude;
     case export_column::kind::altitude: return position.altitude;
-    default: return position.speed;
+    case export_column::kind::speed: return position.speed;
+    case export_column::kind::track: return position.track;
+    case export_column::kind::error: return position.error;
+    default: return position.offset_ms;
     }
 }
 
@@ -36,7 +39,10 @@ QList<export_column> export_columns(const run_head& head) {
         columns += {{kind::latitude, 0, QStringLiteral("Latitude"), QStringLiteral("deg")},
                     {kind::longitude, 0, QStringLiteral("Longitude"), QStringLiteral("deg")},
                     {kind::altitude, 0, QStringLiteral("Altitude"), QStringLiteral("m")},
-                    {kind::speed, 0, QStringLiteral("Speed"), QStringLiteral("m/s")}};
+                    {kind::speed, 0, QStringLiteral("GPS speed"), QStringLiteral("m/s")},
+                    {kind::track, 0, QStringLiteral("GPS heading"), QStringLiteral("deg")},
+                    {kind::error, 0, QStringLiteral("GPS error"), QStringLiteral("m")},
+                    {kind::position_offset, 0, QStringLiteral("GPS offset"), QStringLiteral("ms")}};
     for (qsizetype i = 0; head.has_offsets && i < head.columns.size(); ++i)
         columns.append(
             {kind::offset, i, head.columns[i].name + QStringLiteral(" offset"), QStringLiteral("ms")});

@@ -8,7 +8,7 @@ namespace brivant {
 // has one, and the offsets of the samples, last, so that a reader that takes the first column of a name takes
 // a value.
 struct export_column {
-    enum class kind { value, latitude, longitude, altitude, speed, offset };
+    enum class kind { value, latitude, longitude, altitude, speed, track, error, position_offset, offset };
 
     kind what = kind::value;
     qsizetype of = 0; // the run's column, of values and offsets

@@ -9,14 +9,17 @@ namespace brivant {
 namespace {
 
 constexpr double longest_between_points = 10'000; // ms
+constexpr double same_moment = 1;                 // ms: what rounding may differ by
 
 // A position that a track cannot hold is none.
 bool is_on_earth(const geo_position& position) {
     return std::fabs(position.latitude) <= 90 && std::fabs(position.longitude) <= 180;
 }
 
-QString element(const char* name, double value) {
-    return QStringLiteral("<%1>%2</%1>").arg(QLatin1String(name), QString::fromLatin1(number_text(value)));
+QString element(const char* name, const std::optional<double>& value) {
+    if (!value || !std::isfinite(*value))
+        return {};
+    return QStringLiteral("<%1>%2</%1>").arg(QLatin1String(name), QString::fromLatin1(number_text(*value)));
 }
 
 } // namespace
@@ -36,10 +39,14 @@ void gpx_writer::write_head() {
 void gpx_writer::write_sweep(const timed_sweep& sweep) {
     if (!sweep.position || !is_on_earth(*sweep.position))
         return;
-    if (latest && sweep.ms - latest->ms > longest_between_points)
+    const double ms = sweep.ms + sweep.position->offset_ms;
+    if (told_ms && std::fabs(ms - *told_ms) < same_moment)
+        return;
+    if (latest && ms - latest->ms > longest_between_points)
         end_segment();
     write_point();
-    latest = track_point{sweep.ms, *sweep.position};
+    latest = track_point{ms, *sweep.position};
+    told_ms = ms;
 }
 
 void gpx_writer::write_mark(const timed_mark& its_mark) {
@@ -54,22 +61,22 @@ void gpx_writer::write_end() {
 void gpx_writer::write_point() {
     if (!latest)
         return;
-    const auto& [latitude, longitude, altitude, speed] = latest->position;
+    const geo_position& at = latest->position;
     QString point = in_segment ? QString() : QStringLiteral("<trkseg>\n");
     in_segment = true;
-    point +=
-        QStringLiteral("<trkpt lat=\"%1\" lon=\"%2\">")
-            .arg(QString::fromLatin1(number_text(latitude)), QString::fromLatin1(number_text(longitude)));
-    if (altitude && std::isfinite(*altitude))
-        point += element("ele", *altitude);
+    point += QStringLiteral("<trkpt lat=\"%1\" lon=\"%2\">")
+                 .arg(QString::fromLatin1(number_text(at.latitude)),
+                      QString::fromLatin1(number_text(at.longitude)));
+    point += element("ele", at.altitude);
     point += QStringLiteral("<time>") + utc_text(head(), latest->ms) + QStringLiteral("</time>");
     if (!names.isEmpty())
         point +=
             QStringLiteral("<name>") + xml_text(names.join(QStringLiteral("; "))) + QStringLiteral("</name>");
-    if (speed && std::isfinite(*speed))
+    const QString movement = element("gpxtpx:speed", at.speed) + element("gpxtpx:course", at.track);
+    if (!movement.isEmpty())
         point += QStringLiteral("<extensions><gpxtpx:TrackPointExtension>%1</gpxtpx:TrackPointExtension>"
                                 "</extensions>")
-                     .arg(element("gpxtpx:speed", *speed));
+                     .arg(movement);
     put((point + QStringLiteral("</trkpt>\n")).toUtf8());
     names.clear();
     latest.reset();

@@ -33,12 +33,15 @@ struct run_head {
     bool operator==(const run_head&) const = default;
 };
 
-// WGS 84, in degrees, metres and metres per second.
+// Where a satellite receiver told to be: WGS 84, in degrees, metres and metres per second.
 struct geo_position {
     double latitude = 0;
     double longitude = 0;
-    std::optional<double> altitude;
-    std::optional<double> speed;
+    std::optional<double> altitude = std::nullopt; // above mean sea level
+    std::optional<double> speed = std::nullopt;
+    std::optional<double> track = std::nullopt; // degrees from true north, clockwise
+    std::optional<double> error = std::nullopt; // its own estimate, horizontal
+    double offset_ms = 0; // from the sweep's start to when it was told, below 0 before; sweeps may share one
 
     bool operator==(const geo_position&) const = default;
 };

@@ -159,7 +159,7 @@ double timed_csv_reader::time_of_row() {
 // True when the row has a number behind its time.
 bool timed_csv_reader::fill(timed_sweep& sweep) {
     using kind = export_column::kind;
-    geo_position position{NAN, NAN, {}, {}};
+    geo_position position{NAN, NAN};
     bool has_numbers = false;
     bool has_offsets = false;
     for (qsizetype i = 0; i < columns.size() && what_is_wrong.isEmpty(); ++i) {
@@ -173,6 +173,9 @@ bool timed_csv_reader::fill(timed_sweep& sweep) {
         case kind::longitude: position.longitude = number.value_or(NAN); break;
         case kind::altitude: position.altitude = number; break;
         case kind::speed: position.speed = number; break;
+        case kind::track: position.track = number; break;
+        case kind::error: position.error = number; break;
+        case kind::position_offset: position.offset_ms = number.value_or(0); break;
         }
     }
     if (!has_offsets)

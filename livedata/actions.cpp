@@ -187,6 +187,8 @@ void actions::begin_run() {
     results.log_id = -1;
     is_armed = true;
     storing.keep(results.trigger ? results.trigger->before_s : 0);
+    if (positions && (results.trigger || defaults.value(setting::log_runs)))
+        positions->begin();
     if (!results.trigger && defaults.value(setting::log_runs))
         begin_log();
     rework_gui_objects();
@@ -311,6 +313,8 @@ void actions::end_run() {
 void actions::let_go() {
     sampling_talk::let_go();
     storing.end();
+    if (positions)
+        positions->end();
     if (is_running())
         results.times.run_ends();
 }

@@ -57,6 +57,8 @@ public:
     // Why sweeps of the run were not stored, a sentence; "" while all is well.
     QString storing_problem() const { return storing.problem(); }
     int sweeps_lost() const { return storing.sweeps_lost(); }
+    // Whether a position is stored with the sweeps, and why not, as a line.
+    QString about_positions() const { return positions ? positions->about() : QString(); }
 
     // What the zoom slider (0 to 1) says about the chart: how many of the last sweeps it shows, -1 for all,
     // and its title. The slider is shown from 21 rows of the matrix on.

@@ -46,7 +46,7 @@ void run_log::create_row(int operation, int veh_id) {
     owes_gap = false;
     begun_ms = 0;
     log_now_delayed = true;
-    cur_GPS_info.clear();
+    has_positions = false;
     what_is_wrong.clear();
     if (!db.init_DB())
         return fail();
@@ -115,17 +115,18 @@ bool run_log::store_line_of(sqlite_connection& connection, const kept_line& one)
                                             "WHERE rowid=(SELECT MAX(rowid) FROM LOGGIES_DATA)");
     gaps += one.is_gap;
     const qint64 utc_s = (start_utc_ms + static_cast<qint64>(one.when.ms - begun_ms)) / 1000;
-    return store(one.line, one.when) && connection.execute(at_its_time.arg(utc_s));
+    return store(one.line, one.when, one.where) && connection.execute(at_its_time.arg(utc_s));
 }
 
-bool run_log::sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when) {
+bool run_log::sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when,
+                             const std::optional<geo_position>& where) {
     if (!is_on())
-        keep_line({line, when, false});
+        keep_line({line, when, false, where});
     if (!is_on() || !stores_this_sweep())
         return false;
     if (log_sample_cnt == 0)
         start_utc_ms = started_utc_ms + static_cast<qint64>(begun_ms);
-    const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line, when);
+    const bool stored = store_owed_gap(static_cast<int>(line.count(u',')) + 1) && store(line, when, where);
     if (!stored) {
         ++lost;
         owe_gap(when.ms);
@@ -161,18 +162,20 @@ bool run_log::store_owed_gap(int columns) {
     return !owes_gap;
 }
 
-// A line and its moment are stored as one.
-bool run_log::store(const QString& line, const sweep_moment& when) {
+// A line, its moment and its position are stored as one.
+bool run_log::store(const QString& line, const sweep_moment& when, const std::optional<geo_position>& where) {
     const bool is_stored = db.change([&](sqlite_connection&) {
-        return db.append_2_LOG_DB(line, cur_GPS_info, log_sample_cnt, cur_log_DB_id) > 0 &&
+        return db.append_2_LOG_DB(line, position_text(where), log_sample_cnt, cur_log_DB_id) > 0 &&
                (!has_moments ||
                 (store_moment(db, cur_log_DB_id, log_sample_cnt, {when.ms - begun_ms, when.offsets}) &&
+                 (!where || store_position(db, cur_log_DB_id, log_sample_cnt, *where)) &&
                  (log_sample_cnt > 0 || store_run_start(db, cur_log_DB_id, start_utc_ms))));
     });
     if (!is_stored) {
         fail();
         return false;
     }
+    has_positions |= where.has_value();
     ++log_sample_cnt;
     return true;
 }
@@ -211,7 +214,7 @@ void run_log::end() {
 }
 
 QString run_log::final_info() const {
-    return info_of_run(log_sample_cnt - gaps, !cur_GPS_info.isEmpty(), g_sample_rate);
+    return info_of_run(log_sample_cnt - gaps, has_positions, g_sample_rate);
 }
 
 } // namespace brivant

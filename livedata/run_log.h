@@ -4,6 +4,7 @@
 #include "base/timers.h"
 #include "persistence/stored_marks.h"
 #include "persistence/stored_moments.h"
+#include "persistence/stored_positions.h"
 
 #include <QFile>
 #include <functional>
@@ -35,15 +36,17 @@ public:
     struct kept_line {
         QString line;
         sweep_moment when;
-        bool is_gap;
+        bool is_gap = false;
+        std::optional<geo_position> where = std::nullopt;
     };
     // All of them or none; behind begin_at(). False when they could not be stored.
     bool store_lines(const QList<kept_line>& lines);
     // The session file of the operation.
     void work_out_log_file(int operation, bool metric);
     // A sweep is complete: its line is stored when it is its turn. True when it was.
-    // `started_utc_ms`: when the run began to ask.
-    bool sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when);
+    // `started_utc_ms`: when the run began to ask. `where`: the position is stored with the sweep.
+    bool sweep_complete(const QString& line, qint64 started_utc_ms, const sweep_moment& when,
+                        const std::optional<geo_position>& where = {});
     // True when the sweep under way is one to be stored.
     bool stores_this_sweep() const { return g_sample_rate == -1 || log_now_delayed; }
     // Sweeps of so many columns are missing from here on: a gap, whatever the rate, behind the first sweep.
@@ -72,7 +75,7 @@ public:
 private:
     void sample_delayed() { log_now_delayed = true; }
     void keep_line(const kept_line& line);
-    bool store(const QString& line, const sweep_moment& when);
+    bool store(const QString& line, const sweep_moment& when, const std::optional<geo_position>& where = {});
     bool store_line_of(sqlite_connection& connection, const kept_line& one);
     bool store_owed_gap(int columns);
     void owe_gap(double ms);
@@ -97,7 +100,7 @@ private:
     int g_sample_rate = -1;
     bool log_now_delayed = false;
     timer_handle sample_timer;
-    QString cur_GPS_info; // nothing tells a position yet
+    bool has_positions = false; // a stored sweep has one
     QFile log_out_stream;
     QString what_is_wrong;
 };

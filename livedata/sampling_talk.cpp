@@ -258,7 +258,16 @@ void sampling_talk::end_of_sweep(const QStringList& bodies) {
 }
 
 void sampling_talk::take_sweep(const QString& line, const sweep_moment& when) {
-    storing.sweep_complete(line, results.moments.started_utc_ms(), when);
+    storing.sweep_complete(line, results.moments.started_utc_ms(), when, where(when.ms));
+}
+
+std::optional<geo_position> sampling_talk::where(double sweep_ms) const {
+    const auto told = positions ? positions->latest() : std::nullopt;
+    if (!told)
+        return std::nullopt;
+    geo_position at = told->where;
+    at.offset_ms = results.moments.milliseconds(told->told_us) - sweep_ms;
+    return at;
 }
 
 void sampling_talk::tell_silence(bool is_silent) {

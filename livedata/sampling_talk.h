@@ -4,6 +4,7 @@
 #include "livedata/run_log.h"
 #include "livedata/run_observer.h"
 #include "operations/car_talk.h"
+#include "position/position_source.h"
 
 #include <optional>
 
@@ -74,12 +75,19 @@ public:
     // Never null.
     virtual run_observer& observer() = 0;
 
+    // Where the positions of the stored sweeps come from; null for nowhere. It outlives this.
+    void locate_by(position_source* source) { positions = source; }
+
     live_results& results;
 
 protected:
     void started() override;
     void let_go() override { until_car_is_gone.reset(); }
+    // Of the sweep that began at this moment of the run; nothing while none is known.
+    std::optional<geo_position> where(double sweep_ms) const;
+
     run_log storing;
+    position_source* positions = nullptr;
 
 private:
     void tell_silence(bool is_silent);

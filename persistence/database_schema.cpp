@@ -32,10 +32,12 @@ const auto forget_run        = QStringLiteral("BV_FORGET_RUN AFTER DELETE ON LOG
 const auto forget_moment     = QStringLiteral("BV_FORGET_MOMENT AFTER DELETE ON LOGGIES_DATA BEGIN DELETE FROM BV_MOMENTS WHERE LOG_ID = OLD.LOG_ID AND LINE_NUMBER = OLD.LINE_NUMBER; END");
 const auto create_marks      = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_MARKS (LOG_ID INTEGER NOT NULL, MILLISECONDS REAL NOT NULL, TEXT TEXT NOT NULL, PRIMARY KEY (LOG_ID, MILLISECONDS, TEXT)) WITHOUT ROWID");
 const auto forget_marks      = QStringLiteral("BV_FORGET_MARKS AFTER DELETE ON LOGGIES BEGIN DELETE FROM BV_MARKS WHERE LOG_ID = OLD.LOG_ID; END");
+const auto create_positions  = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_POSITIONS (LOG_ID INTEGER NOT NULL, LINE_NUMBER INTEGER NOT NULL, OFFSET_MS REAL NOT NULL, LATITUDE REAL NOT NULL, LONGITUDE REAL NOT NULL, ALTITUDE REAL, SPEED REAL, TRACK REAL, ERROR REAL, PRIMARY KEY (LOG_ID, LINE_NUMBER)) WITHOUT ROWID");
+const auto forget_position   = QStringLiteral("BV_FORGET_POSITION AFTER DELETE ON LOGGIES_DATA BEGIN DELETE FROM BV_POSITIONS WHERE LOG_ID = OLD.LOG_ID AND LINE_NUMBER = OLD.LINE_NUMBER; END");
 const auto index_chunks      = QStringLiteral("CREATE INDEX IF NOT EXISTS BV_CHUNKS_OF_LOG ON LOGGIES_DATA (LOG_ID)");
 // clang-format on
 
-const QStringList own_triggers{forget_replies, forget_run, forget_moment, forget_marks};
+const QStringList own_triggers{forget_replies, forget_run, forget_moment, forget_marks, forget_position};
 
 bool required(sqlite_connection& connection, const QString& sql) {
     if (connection.execute(sql))
@@ -112,7 +114,8 @@ bool create_photo_table(sqlite_connection& connection) {
 }
 
 bool add_own_schema(sqlite_connection& connection) {
-    for (const QString& sql : {index_chunks, create_replies, create_runs, create_moments, create_marks}) {
+    for (const QString& sql :
+         {index_chunks, create_replies, create_runs, create_moments, create_marks, create_positions}) {
         if (!required(connection, sql))
             return false;
     }
@@ -124,7 +127,7 @@ bool add_own_schema(sqlite_connection& connection) {
 void let_own_triggers_run(sqlite_connection& connection) {
     sqlite_statement foreign(connection,
                              QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='trigger' AND "
-                                            "COALESCE(sql, '') NOT IN (?, ?, ?, ?)"));
+                                            "COALESCE(sql, '') NOT IN (?, ?, ?, ?, ?)"));
     bool is_bound = foreign.is_prepared();
     for (int i = 0; i < own_triggers.size(); ++i)
         is_bound = is_bound && foreign.bind(i + 1, QStringLiteral("CREATE TRIGGER ") + own_triggers.at(i));

@@ -20,8 +20,8 @@ bool migrate_schema(sqlite_connection& connection);
 bool create_photo_table(sqlite_connection& connection);
 // Makes what this program keeps beside the tables, within a transaction of the caller.
 bool add_own_schema(sqlite_connection& connection);
-// With a log its raw replies, moments and marks go, by triggers, which hold for other programs too. Triggers
-// of the file run only where it has no others than these, letter for letter.
+// With a log its raw replies, moments, marks and positions go, by triggers, which hold for other programs
+// too. Triggers of the file run only where it has no others than these, letter for letter.
 void let_own_triggers_run(sqlite_connection& connection);
 
 } // namespace brivant

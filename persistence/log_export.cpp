@@ -1,5 +1,6 @@
 #include "persistence/log_export.h"
 
+#include "base/anonymity.h"
 #include "base/console_log.h"
 #include "obd/number_text.h"
 #include "persistence/log_files.h"
@@ -99,7 +100,9 @@ bool log_export::begin_writing() {
         return write(header());
     const run_head head = run->head(vehicle);
     if (settings.format->what == run_format::kind::gpx && !head.has_positions)
-        return fail(QStringLiteral("The run has no positions: there is no track to write."));
+        return fail(is_anonymous()
+                        ? QStringLiteral("With anonymity on no position is given away: no track is written.")
+                        : QStringLiteral("The run has no positions: there is no track to write."));
     writer = make_run_writer(settings.format->what, *file);
     bool is_well = writer->begin(head);
     for (const timed_mark& mark : marks_of_run(db, id))

@@ -7,6 +7,7 @@
 #include "persistence/stored_logs.h"
 #include "persistence/stored_marks.h"
 #include "persistence/stored_moments.h"
+#include "persistence/stored_positions.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -73,11 +74,12 @@ bool log_import::take_rows(sqlite_connection& connection, timed_csv_reader& read
         return false;
     id = static_cast<int>(connection.last_row_id());
     sqlite_statement line(connection, QStringLiteral("INSERT INTO LOGGIES_DATA (LOG_ID, DATA, LINE_NUMBER, "
-                                                     "time_stamp, DATA2) VALUES (?, ?, ?, ?, '')"));
+                                                     "time_stamp, DATA2) VALUES (?, ?, ?, ?, ?)"));
     if (!line.is_prepared() || !line.bind(1, id) || !store_run_start(db, id, head.start_ms))
         return false;
     int lines = 0;
     qsizetype marks = 0;
+    bool has_positions = false;
     for (auto item = reader.next(); item; item = reader.next()) {
         if (const auto* mark = std::get_if<timed_mark>(&*item)) {
             if (++marks > most_marks || mark->ms < 0)
@@ -100,8 +102,11 @@ bool log_import::take_rows(sqlite_connection& connection, timed_csv_reader& read
         const qint64 utc_ms = head.start_ms + std::llround(sweep.ms);
         const QList<double> offsets(sweep.offsets_ms.begin(), sweep.offsets_ms.end());
         if (!line.bind(2, bodies.join(u',')) || !line.bind(3, lines) || !line.bind(4, time_stamp(utc_ms)) ||
-            !done(line) || !store_moment(db, id, lines, {sweep.ms, offsets}))
+            !line.bind(5, position_text(sweep.position)) || !done(line) ||
+            !store_moment(db, id, lines, {sweep.ms, offsets}) ||
+            (sweep.position && !store_position(db, id, lines, *sweep.position)))
             return false;
+        has_positions |= sweep.position.has_value();
         if (++lines % rows_a_question == 0 && !go_on())
             return fail(QStringLiteral("Stopped: nothing was imported."));
     }
@@ -110,7 +115,7 @@ bool log_import::take_rows(sqlite_connection& connection, timed_csv_reader& read
     if (with_values == 0)
         return fail(QStringLiteral("The file has no value that a car could have sent."));
     return finish_sampling_log(
-        db, id, info_of_run(static_cast<int>(with_values), false, -1) + QStringLiteral("imported"));
+        db, id, info_of_run(static_cast<int>(with_values), has_positions, -1) + QStringLiteral("imported"));
 }
 
 bool log_import::fail(const QString& sentence) {

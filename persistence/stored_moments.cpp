@@ -61,11 +61,11 @@ std::optional<qint64> start_of_run(database& db, int log_id) {
     return ok && utc_ms >= 0 && utc_ms < year_9999 ? std::optional(utc_ms) : std::nullopt;
 }
 
-QString timed_chunks_statement(int log_id) {
+QString timed_chunks_statement(int log_id, const QString& more_columns, const QString& more_tables) {
     return QStringLiteral("SELECT d.LOG_ID, d.DATA, d.LINE_NUMBER, d.time_stamp, d.DATA2, m.MILLISECONDS, "
-                          "m.OFFSETS FROM LOGGIES_DATA d LEFT JOIN BV_MOMENTS m ON m.LOG_ID=d.LOG_ID AND "
-                          "m.LINE_NUMBER=d.LINE_NUMBER WHERE d.LOG_ID=%1")
-        .arg(log_id);
+                          "m.OFFSETS%2 FROM LOGGIES_DATA d LEFT JOIN BV_MOMENTS m ON m.LOG_ID=d.LOG_ID AND "
+                          "m.LINE_NUMBER=d.LINE_NUMBER%3 WHERE d.LOG_ID=%1")
+        .arg(QString::number(log_id), more_columns, more_tables);
 }
 
 std::optional<sweep_moment> moment_in(const QString& ms, const QString& offsets) {

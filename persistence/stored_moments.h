@@ -27,7 +27,8 @@ std::optional<qint64> start_of_run(database& db, int log_id);
 // The rows of a run for row_cursor: those of chunks_statement(), with the moment in two more columns behind
 // them, "" where there is none.
 inline constexpr int chunk_ms = 5, chunk_offsets = 6;
-QString timed_chunks_statement(int log_id);
+// `more_columns` (", p.SPEED") and `more_tables` (" LEFT JOIN ...") behind them.
+QString timed_chunks_statement(int log_id, const QString& more_columns = {}, const QString& more_tables = {});
 // That moment; nothing for one that is missing or damaged.
 std::optional<sweep_moment> moment_in(const QString& ms, const QString& offsets);
 

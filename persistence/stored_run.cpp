@@ -4,6 +4,7 @@
 #include "obd/readings/sweep_values.h"
 #include "persistence/log_files.h"
 #include "persistence/stored_moments.h"
+#include "persistence/stored_positions.h"
 
 #include <cmath>
 
@@ -11,9 +12,12 @@ namespace brivant {
 
 stored_run::stored_run(database& store, const log_header& its_log, const text_resources& texts,
                        const sample_reading& its_reading)
-    : log(its_log), lists(texts), reading(its_reading), start(start_of_run(store, its_log.id)) {}
+    : log(its_log), lists(texts), reading(its_reading), start(start_of_run(store, its_log.id)),
+      tells_positions(start && shows_positions(store, its_log.id)) {}
 
 QString stored_run::statement() const {
+    if (tells_positions)
+        return placed_chunks_statement(log.id);
     return start ? timed_chunks_statement(log.id) : chunks_statement(log.id);
 }
 
@@ -30,7 +34,8 @@ run_head stored_run::head(const QString& vehicle) const {
                   .units = reading.units,
                   .version = QStringLiteral(BV_VERSION),
                   .columns = {},
-                  .has_offsets = start.has_value()};
+                  .has_offsets = start.has_value(),
+                  .has_positions = tells_positions};
     for (const QString& pid : pids) {
         const QString unit = sampled_unit(pid, reading);
         head.columns += {pid, get_pid_name_with_pid(pid, lists, reading.sensors),
@@ -51,6 +56,8 @@ timed_sweep stored_run::sweep_of(const QStringList& row) const {
     } else if (const auto when = moment_in(row.value(chunk_ms), row.value(chunk_offsets))) {
         sweep.ms = when->ms;
         sweep.offsets_ms = offsets_of(items, when->offsets);
+        if (tells_positions)
+            sweep.position = position_in(row);
     }
     return sweep;
 }

@@ -29,6 +29,7 @@ private:
     const text_resources& lists;
     const sample_reading reading;
     const std::optional<qint64> start; // nothing: the run has no moments
+    const bool tells_positions;        // to others it tells none while anonymity is on
     QStringList pids;                  // a column each; "" until a row tells it
 };
 

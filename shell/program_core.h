@@ -8,6 +8,7 @@
 #include "link/adapter_place.h"
 #include "livedata/live_results.h"
 #include "persistence/database.h"
+#include "position/gpsd_client.h"
 #include "shell/launch_options.h"
 #include "shell/vehicle_list.h"
 #include "toolkit/mac_toolies.h"
@@ -51,6 +52,7 @@ public:
     user_defaults defaults;
     database db;
     qt_timers clock;
+    gpsd_client position{defaults, clock};
     mac_toolies toolies{adapter, car, defaults, db};
     vehicle_list vehicles{car, toolies, clock};
     diagnostic_results diagnostics;

@@ -56,6 +56,7 @@ void live_run::start() {
     controller = std::make_unique<actions>(core.car, delegate.link, core.toolies, view, core.defaults,
                                            core.clock, results, core.paths);
     controller->set_observer(this);
+    controller->locate_by(&core.position);
     delegate.link.set_controller(controller.get());
     if (words.rate)
         controller->set_sample_rate(*words.rate);
@@ -91,6 +92,8 @@ void live_run::sample_arrived(int index) {
 }
 
 void live_run::sweep_completed() {
+    if (results.log_sample_cnt > 0 && !std::exchange(position_told, true))
+        tell(controller->about_positions() + u'\n');
     if (!core.options.json && !recorder && results.sample_cnt == 1)
         print(header());
     if (!print_row(false))

@@ -55,7 +55,8 @@ private:
         bool answered = false;
     };
     std::vector<seen_column> seen;
-    bool as_asked = false; // the run ended where it was to end
+    bool position_told = false; // at the first stored sweep
+    bool as_asked = false;      // the run ended where it was to end
     bool ended_in_gap = false;
 };
 

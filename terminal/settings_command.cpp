@@ -1,4 +1,5 @@
 #include "link/bluetooth_service.h"
+#include "position/gpsd_place.h"
 #include "shell/pid_choice.h"
 #include "shell/preferences.h"
 #include "shell/vehicle_list.h"
@@ -34,10 +35,16 @@ QString server_problem(const QString& value) {
     return value.isEmpty() ? QString() : update_server_problem(value);
 }
 
+QString gpsd_problem(const QString& value) {
+    return gpsd_place::of(value) ? QString()
+                                 : QStringLiteral("Where gpsd answers is written localhost:2947, "
+                                                  "192.168.0.20:2947 or [fe80::1%eth0]:2947.");
+}
+
 const text_check text_checks[] = {
     {setting::wifi_ip, preferences::address_problem}, {setting::wifi_port, preferences::port_problem},
     {setting::bluetooth_address, device_problem},     {setting::bluetooth_name, device_name_problem},
-    {setting::update_server, server_problem},
+    {setting::update_server, server_problem},         {setting::gpsd, gpsd_problem},
 };
 
 QStringList items_of(const QString& value) {

@@ -6,6 +6,7 @@
 #include "persistence/log_files.h"
 #include "persistence/stored_marks.h"
 #include "persistence/stored_moments.h"
+#include "persistence/stored_positions.h"
 #include "terminal/output.h"
 
 #include <QJsonArray>
@@ -65,6 +66,16 @@ void add_moment(QJsonObject& sample, const QStringList& row) {
     sample.insert("offsets", offsets);
 }
 
+QJsonObject as_json(const geo_position& where) {
+    const auto known = [](const std::optional<double>& number) {
+        return number ? QJsonValue(*number) : QJsonValue();
+    };
+    return {{"offset", where.offset_ms},       {"latitude", where.latitude},
+            {"longitude", where.longitude},    {"altitude_m", known(where.altitude)},
+            {"speed_m_s", known(where.speed)}, {"track_deg", known(where.track)},
+            {"error_m", known(where.error)}};
+}
+
 QJsonArray marks_as_json(const QList<timed_mark>& marks) {
     QJsonArray all;
     for (const timed_mark& mark : marks)
@@ -119,10 +130,15 @@ bool print_run_as_json(mac_toolies& toolies, const log_header& log) {
     print(",\"columns\":" + compact(columns_as_json(columns_of(db, log.id), own, toolies.lists())) +
           ",\"marks\":" + compact(marks_as_json(marks_of_run(db, log.id))) + ",\"samples\":[");
     bool is_first = true;
-    const QString rows = start ? timed_chunks_statement(log.id) : chunks_statement(log.id);
+    const bool has_positions = start && shows_positions(db, log.id);
+    const QString rows = has_positions ? placed_chunks_statement(log.id)
+                         : start       ? timed_chunks_statement(log.id)
+                                       : chunks_statement(log.id);
     const bool read = db.for_each_row(rows, [&](const QStringList& row) {
         QJsonObject sample = sample_as_json(items_of_chunk(row), own, toolies.lists());
         add_moment(sample, row);
+        if (const auto where = has_positions ? position_in(row) : std::nullopt)
+            sample.insert("position", as_json(*where));
         print((is_first ? "" : ",") + compact(sample));
         is_first = false;
         return std::ferror(stdout) == 0;

@@ -65,6 +65,7 @@ actions_view::actions_view(const view_context& its_context)
     add_keys();
     begin_at(*ui.run);
     run_controller.set_observer(this);
+    run_controller.locate_by(&context.core.position);
     if (results.o2_mask != 0)
         restore_o2_picture();
 }

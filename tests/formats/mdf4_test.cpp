@@ -36,16 +36,17 @@ TEST(mdf4, what_it_says) {
         channels += QString("%1 [%2] %3 %4").arg(one.name, one.unit).arg(one.type).arg(one.sync);
     EXPECT_EQ(channels, (QStringList{"Time [s] 2 1", "Engine RPM [RPM] 0 0", "Vehicle speed [kph] 0 0",
                                      "Engine coolant temperature [\u00B0 C] 0 0", "Latitude [deg] 0 0",
-                                     "Longitude [deg] 0 0", "Altitude [m] 0 0", "Speed [m/s] 0 0",
+                                     "Longitude [deg] 0 0", "Altitude [m] 0 0", "GPS speed [m/s] 0 0",
+                                     "GPS heading [deg] 0 0", "GPS error [m] 0 0", "GPS offset [ms] 0 0",
                                      "Engine RPM offset [ms] 0 0", "Vehicle speed offset [ms] 0 0",
                                      "Engine coolant temperature offset [ms] 0 0"}));
     EXPECT_TRUE(file.channels[1].comment.contains("PID 0C"));
 
     const std::optional<double> none;
     const QList<QList<std::optional<double>>> records{
-        {0.0, 800.0, 8.0, none, 52.5, -13.25, none, 4.0, 1.5, 35.25, 70.0},
-        {0.1405, 900.0, 9.0, none, none, none, none, none, 1.5, 35.25, 70.0},
-        {0.3, none, none, none, none, none, none, none, none, none, none}};
+        {0.0, 800.0, 8.0, none, 52.5, -13.25, none, 4.0, none, none, 0.0, 1.5, 35.25, 70.0},
+        {0.1405, 900.0, 9.0, none, none, none, none, none, none, none, none, 1.5, 35.25, 70.0},
+        {0.3, none, none, none, none, none, none, none, none, none, none, none, none, none}};
     EXPECT_EQ(file.records, records);
     EXPECT_EQ(file.data_blocks, 3); // an event ends one
 

@@ -32,8 +32,10 @@ public:
 // A round with two halts: an hour's silence between its halves.
 QList<run_item> round() {
     const auto at = [](double ms, double longitude, std::optional<double> speed) {
-        return timed_sweep{
-            ms, {900.0, 12.25, std::nullopt}, {1, 2, 3}, geo_position{52.5, longitude, 34.5, speed}};
+        return timed_sweep{ms,
+                           {900.0, 12.25, std::nullopt},
+                           {1, 2, 3},
+                           geo_position{52.5, longitude, 34.5, speed, {}, {}, -20}};
     };
     timed_sweep nowhere = at(300, 200, 1);
     return {timed_mark{-1, "start"},
@@ -83,16 +85,16 @@ TEST(run_writers, gpx) {
         "program's own reading; metric units</desc><time>2013-05-01T14:04:07.123Z</time></metadata>\n"
         "<trk><name>A &amp; B</name>\n"
         "<trkseg>\n"
-        "<trkpt lat=\"52.5\" lon=\"13.25\"><ele>34.5</ele><time>2013-05-01T14:04:07.123Z</time><name>start; "
+        "<trkpt lat=\"52.5\" lon=\"13.25\"><ele>34.5</ele><time>2013-05-01T14:04:07.103Z</time><name>start; "
         "ramp "
         "&lt;1&gt;</name><extensions><gpxtpx:TrackPointExtension><gpxtpx:speed>4.5</gpxtpx:speed>"
         "</gpxtpx:TrackPointExtension></extensions></trkpt>\n"
-        "<trkpt lat=\"52.5\" lon=\"13.251\"><ele>34.5</ele><time>2013-05-01T14:04:07.273Z</time><name>b; "
+        "<trkpt lat=\"52.5\" lon=\"13.251\"><ele>34.5</ele><time>2013-05-01T14:04:07.253Z</time><name>b; "
         "a</name>"
         "</trkpt>\n"
         "</trkseg>\n"
         "<trkseg>\n"
-        "<trkpt lat=\"52.5\" lon=\"13.252\"><ele>34.5</ele><time>2013-05-01T15:04:07.123Z</time><extensions>"
+        "<trkpt lat=\"52.5\" lon=\"13.252\"><ele>34.5</ele><time>2013-05-01T15:04:07.103Z</time><extensions>"
         "<gpxtpx:TrackPointExtension><gpxtpx:speed>0</gpxtpx:speed></gpxtpx:TrackPointExtension></extensions>"
         "</trkpt>\n"
         "</trkseg>\n</trk>\n</gpx>\n");

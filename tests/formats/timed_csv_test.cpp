@@ -85,7 +85,8 @@ TEST(timed_csv, round_trip) {
         for (qsizetype column = 0; column < width; ++column)
             sweep.offsets_ms.push_back(double(random() % 200'000) / 1000);
         if (i % 3 == 0)
-            sweep.position = geo_position{52.0 + i / 7e4, -13.0 - i / 7e4, any_number(), std::nullopt};
+            sweep.position = geo_position{52.0 + i / 7e4, -13.0 - i / 7e4, any_number(), std::nullopt,
+                                          any_number(),   std::nullopt,    -1.0 * i};
         items += sweep;
     }
     const read_run back = read(written(run_format::kind::timed_csv, head, items));
@@ -164,7 +165,7 @@ TEST(timed_csv, hostile) {
     run_head somewhere = two_columns();
     somewhere.has_positions = true;
     const QByteArray head = written(run_format::kind::timed_csv, somewhere, {});
-    EXPECT_EQ(read(head + "1,,,90.5,0,,,,,,\n").problem, "Line 2: its position is not on the earth.");
+    EXPECT_EQ(read(head + "1,,,90.5,0,,,,,,,,,\n").problem, "Line 2: its position is not on the earth.");
 }
 
 } // namespace brivant

@@ -165,6 +165,10 @@ TEST(actions, a_log_begins_before_a_value_comes_and_ends_behind_another) {
     // A second a sweep, in rounds a minute; 0 is none.
     for (const int rpm : {1500, 1501, 1502, 0, 2001, 1504, 2002, 900, 901, 2003, 2004, 800, 2005}) {
         bench.clock.advance(1000);
+        if (rpm == 1502) // it is known for a while, before what begins the log
+            bench.position.fix = position_fix{{52.5, 13.25}, bench.clock.microseconds()};
+        if (rpm == 1504)
+            bench.position.fix.reset();
         const QString raw = QString::number(4 * rpm, 16).toUpper().rightJustified(4, u'0');
         bench.adapter->receive(rpm == 0 ? QByteArray("NO DATA\r\r>")
                                         : "7E8 04 41 0C " + raw.first(2).toLatin1() + ' ' +
@@ -181,9 +185,12 @@ TEST(actions, a_log_begins_before_a_value_comes_and_ends_behind_another) {
     EXPECT_EQ(bench.rows("SELECT STARTED_UTC_MS - (SELECT MIN(STARTED_UTC_MS) FROM BV_RUNS) FROM BV_RUNS"),
               "0 / 6000 / 10000");
     EXPECT_EQ(bench.facts["log"](),
-              "Log [5 Sample points  ] / Log [4 Sample points  ] / Log [1 Sample points  ]");
+              "Log [5 Sample points   +GPS ] / Log [4 Sample points  ] / Log [1 Sample points  ]");
     EXPECT_EQ(bench.rows("SELECT LOG_ID, CAST(MILLISECONDS AS INT), TEXT FROM BV_MARKS"),
               "1 2000 in the gap");
+    EXPECT_EQ(bench.rows("SELECT LOG_ID, LINE_NUMBER, CAST(OFFSET_MS AS INT) FROM BV_POSITIONS"),
+              "1 0 1000 / 1 2 -1000");
+    EXPECT_FALSE(bench.position.is_asked);
 }
 
 TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {

@@ -5,9 +5,21 @@
 
 namespace brivant {
 
+// Knows where the car is when the test says so.
+struct told_position : position_source {
+    std::optional<position_fix> fix;
+    bool is_asked = false;
+
+    void begin() override { is_asked = true; }
+    void end() override { is_asked = false; }
+    std::optional<position_fix> latest() const override { return is_asked ? fix : std::nullopt; }
+    QString about() const override { return {}; }
+};
+
 // The live-data screen's controller on a scripted adapter, and what its view is told.
 struct live_bench : adapter_bench, private run_observer {
     live_results results{[this](const QString& body) { return toolies.shown_number(body); }};
+    told_position position;
     std::unique_ptr<brivant::actions> controller; // on the screen once something is done
     QStringList sensors;                          // the last value of each oxygen sensor
     QString layout = "none";
@@ -27,6 +39,7 @@ struct live_bench : adapter_bench, private run_observer {
         facts["extremes"] = [this] { return column([](auto& r) { return r.min + " to " + r.max; }); };
         facts["matrix"]   = [this] { return matrix(); };
         facts["data"]     = [this] { return rows("SELECT LINE_NUMBER||':'||DATA||DATA2 FROM LOGGIES_DATA"); };
+        facts["positions"] = [this] { return rows("SELECT LOG_ID || ':' || LINE_NUMBER, OFFSET_MS, LATITUDE, LONGITUDE, ALTITUDE FROM BV_POSITIONS"); };
         facts["log"]      = [this] { return rows("SELECT LOG_TYPE, '[' || INFO || ']' FROM LOGGIES"); };
         facts["layout"]   = [this] { return layout; };
         facts["sensors"]  = [this] { return sensors.join(' '); };
@@ -48,6 +61,7 @@ struct live_bench : adapter_bench, private run_observer {
             controller = std::make_unique<brivant::actions>(state, link, toolies, view, profile.defaults,
                                                             clock, results, profile.paths);
             controller->set_observer(this);
+            controller->locate_by(&position);
             link.set_controller(controller.get());
             view.events.clear();
         }
@@ -66,6 +80,14 @@ private:
         actions["leave-screen"] = [this](const QString&) { link.set_controller(nullptr); };
         actions["pids"] = [this](const QString& pids) { opened().use_pids(pids.split(' ')); };
         actions["store"] = [this](const QString&) { profile.defaults.set(setting::log_runs, true); };
+        // "52.5 13.25": told now; "" for none any more
+        actions["position"] = [this](const QString& words) {
+            position.fix.reset();
+            if (!words.isEmpty())
+                position.fix = position_fix{
+                    {words.section(' ', 0, 0).toDouble(), words.section(' ', 1).toDouble(), 34.5, 16.6},
+                    clock.microseconds()};
+        };
         actions["rate"] = [this](const QString& rate) {
             profile.defaults.set(setting::sample_rate, rate.toInt());
         };

@@ -1,3 +1,5 @@
+#include "base/anonymity.h"
+#include "persistence/log_import.h"
 #include "tests/persistence/export_bench.h"
 
 namespace brivant {
@@ -33,6 +35,51 @@ TEST(run_formats, of_a_stored_run) {
     EXPECT_TRUE(t.exported(timed).startsWith("MDF     4.10"));
     t.settings.format = run_format_of("gpx");
     EXPECT_EQ(t.exported(timed), "The run has no positions: there is no track to write.");
+}
+
+TEST(run_formats, of_a_run_with_positions) {
+    export_bench t;
+    ASSERT_TRUE(t.db.add_own_parts());
+    const int id = t.stored({{"410D3C"}, {"410D3D"}, {"410D3E"}, {"410D3F"}, {"410D40"}});
+    t.outside(
+        "UPDATE LOGGIES_DATA SET LINE_NUMBER=rowid; INSERT INTO BV_RUNS VALUES (1, 1367416987000); "
+        "INSERT INTO BV_MOMENTS SELECT 1, LINE_NUMBER, LINE_NUMBER * 500 - 500, '10' FROM LOGGIES_DATA; "
+        "INSERT INTO BV_POSITIONS VALUES (1, 1, -250, 52.5, 13.25, 34.5, 16.6, 22.1, 4.9), "
+        "(1, 2, -750, 52.5, 13.25, 34.5, 16.6, 22.1, 4.9), (1, 3, -250, 52.6, 13.25, NULL, NULL, NULL, "
+        "NULL), (1, 4, 0, 91, 13.25, 0, 0, 0, 0)");
+    t.settings.units = unit_system::metric;
+    t.settings.format = run_format_of("timed");
+    const QString text = t.exported(id).remove('\r');
+    EXPECT_TRUE(
+        text.startsWith("Time,KPH,Latitude,Longitude,Altitude,\"GPS speed (m/s)\",\"GPS heading (deg)\","
+                        "\"GPS error (m)\",\"GPS offset (ms)\",\"Vehicle speed offset (ms)\",Mark,"))
+        << text.toStdString();
+    EXPECT_EQ(text.section('\n', 1).toStdString(), "0.000000,60,52.5,13.25,34.5,16.6,22.1,4.9,-250,10,,\n"
+                                                   "0.500000,61,52.5,13.25,34.5,16.6,22.1,4.9,-750,10,,\n"
+                                                   "1.000000,62,52.6,13.25,,,,,-250,10,,\n"
+                                                   "1.500000,63,,,,,,,,10,,\n"
+                                                   "2.000000,64,,,,,,,,10,,\n");
+    log_import importing(t.db, t.lists);
+    ASSERT_TRUE(importing.take(t.path("2013-05-01_16_03_07_Log_timed.csv"), 1, [](int) { return true; }))
+        << importing.problem().toStdString();
+    EXPECT_EQ(t.exported(importing.log_id()).remove('\r').toStdString(), text.toStdString());
+    EXPECT_EQ(t.column("SELECT DATA2 FROM LOGGIES_DATA WHERE LOG_ID=2"),
+              "52.5000000,13.2500000,34.5,16.60 52.5000000,13.2500000,34.5,16.60 52.6000000,13.2500000,,  ");
+    EXPECT_EQ(t.column("SELECT INFO FROM LOGGIES WHERE LOG_ID=2"), "5 Sample points   +GPS imported");
+
+    // What two sweeps share is one point of the track.
+    t.settings.format = run_format_of("gpx");
+    const QString track = t.exported(id);
+    EXPECT_EQ(track.count("<trkpt "), 2) << track.toStdString();
+    EXPECT_TRUE(track.contains("<time>2013-05-01T14:03:06.750Z</time><extensions><gpxtpx:TrackPointExtension>"
+                               "<gpxtpx:speed>16.6</gpxtpx:speed><gpxtpx:course>22.1</gpxtpx:course>"))
+        << track.toStdString();
+
+    set_anonymous(true);
+    EXPECT_EQ(t.exported(id), "With anonymity on no position is given away: no track is written.");
+    t.settings.format = run_format_of("timed");
+    EXPECT_FALSE(t.exported(id).contains("52.5"));
+    set_anonymous(false);
 }
 
 } // namespace brivant

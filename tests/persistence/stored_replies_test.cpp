@@ -1,4 +1,5 @@
 #include "persistence/stored_marks.h"
+#include "persistence/stored_positions.h"
 #include "persistence/stored_replies.h"
 
 #include "tests/persistence/test_database.h"
@@ -47,12 +48,22 @@ TEST(stored_replies, come_back_as_they_were_and_go_with_their_log) {
               "1");
 
     // What a later version keeps goes too, also in a file in which that had no place before.
-    t.outside("DROP TRIGGER BV_FORGET_MARKS; DROP TABLE BV_MARKS");
+    t.outside("DROP TRIGGER BV_FORGET_MARKS; DROP TABLE BV_MARKS; DROP TRIGGER BV_FORGET_POSITION; "
+              "DROP TABLE BV_POSITIONS");
     ASSERT_TRUE(t.db.add_own_parts());
     const int marked = t.db.add_2_LOG_DB("Log", 1, "1 Sample points  ");
     ASSERT_TRUE(store_mark(t.db, marked, {1, "a"}) && store_mark(t.db, marked + 1, {1, "b"}));
+    for (const int line : {0, 1}) {
+        ASSERT_GT(t.db.append_2_LOG_DB("410D3C", "", line, marked), 0);
+        ASSERT_TRUE(store_position(t.db, marked, line, {52.5, 13.25}) &&
+                    store_position(t.db, marked + 1, line, {-52.5, -13.25, 34.5, 16.6, 22.1, 4.9, -800}));
+    }
     EXPECT_TRUE(t.db.delete_a_DB_log(marked));
     EXPECT_EQ(t.column("SELECT TEXT FROM BV_MARKS"), "b");
+    EXPECT_EQ(
+        t.column("SELECT (LOG_ID - LINE_NUMBER) || ':' || LATITUDE || ALTITUDE || SPEED || TRACK || ERROR "
+                 "|| OFFSET_MS FROM BV_POSITIONS"),
+        QString("%1:-52.534.516.622.14.9-800.0 %2:-52.534.516.622.14.9-800.0").arg(marked + 1).arg(marked));
 
     // Nor does the program's own trigger run beside one that the file brings along.
     t.outside("CREATE TRIGGER foreign_one AFTER DELETE ON LOGGIES BEGIN DELETE FROM VEHICLES; END");

@@ -1,4 +1,5 @@
 #include "tests/support/folder_in_memory.h"
+#include "tests/support/gpsd_stand_in.h"
 #include "tests/terminal/cli_process.h"
 
 #include <QRegularExpression>
@@ -105,6 +106,36 @@ TEST(live_commands, csv_and_json) {
     EXPECT_GT(second["values"]["05"]["value"].toInt(), 10);
     EXPECT_TRUE(second["values"]["05"]["text"].toString().contains("C"));
     EXPECT_TRUE(second["values"]["5B"]["value"].isNull());
+}
+
+TEST(live_commands, a_position_is_stored_where_one_is_known) {
+    gpsd_stand_in gpsd;
+    gpsd.greeting += gpsd_stand_in::fix(1, 52.5) + "\r\n";
+    QTemporaryDir profile{folder_in_memory()};
+    const QStringList kept{"--profile", profile.path()};
+    const auto run = [&](const QStringList& words) {
+        cli_process one(kept + words);
+        EXPECT_EQ(one.status(), 0) << one.progress().constData();
+        return QString::fromUtf8(one.out() + one.progress());
+    };
+    const QStringList log{"--demo", "log", "--pids", "0C", "--store", "--sweeps", "2"};
+    run({"settings", "set", "BV_gpsd", gpsd.place()});
+    EXPECT_TRUE(run(log).contains("Position: stored with each sweep, from gpsd at " + gpsd.place() + '\n'));
+    run({"settings", "set", "BV_store_position", "false"});
+    EXPECT_TRUE(run(log).contains("Position: not stored, as the setting BV_store_position says\n"));
+    EXPECT_EQ(gpsd.connections, 1);
+
+    cli_process shown(kept + QStringList{"--json", "logs", "show", "1"});
+    EXPECT_EQ(shown.status(), 0);
+    const QJsonArray samples = shown.json()["samples"].toArray();
+    ASSERT_EQ(samples.size(), 2);
+    EXPECT_EQ(samples[0]["position"]["latitude"], 52.5);
+    EXPECT_EQ(samples[1]["position"]["speed_m_s"], 16.6);
+    EXPECT_FALSE(run({"--json", "logs", "show", "2"}).contains("position"));
+    EXPECT_FALSE(run({"--anonymous", "--json", "logs", "show", "1"}).contains("52.5"));
+    run({"logs", "export", "1", "--format", "gpx"});
+    cli_process anonymous(kept + QStringList{"--anonymous", "logs", "export", "1", "--format", "gpx"});
+    EXPECT_EQ(anonymous.status(), 1);
 }
 
 TEST(live_trouble, an_interrupt_ends_the_run_in_order) {

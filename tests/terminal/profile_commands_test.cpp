@@ -66,6 +66,7 @@ TEST(settings_command, stores_what_the_preferences_would_store) {
                                 {"wifi_IP", "2001:0db8:85a3:0000:0000:8a2e:0370:7334"},
                                 {"wifi_IP", "fe80:1111:2222:3333:4444:5555:6666:7777%wlp123s45f67g8"},
                                 {"wifi_port", "35001"},
+                                {"BV_gpsd", "[fe80::1%eth0]:2947"},
                                 {"BV_log_runs", "true"},
                                 {"BV_sample_rate", "30"},
                                 {"BV_sample_rate", "-1"},
@@ -76,19 +77,13 @@ TEST(settings_command, stores_what_the_preferences_would_store) {
         EXPECT_EQ(home.out({"settings", "get", pair.first()}), pair.last() + '\n');
     }
     const std::pair<QStringList, int> bad[] = {
-        {{"BV_interface", "7"}, 2},
-        {{"wifi_IP", "a b"}, 2},
-        {{"wifi_IP", "fe80::1::2"}, 2},
-        {{"wifi_IP", "[fe80::1]"}, 2},
-        {{"wifi_port", "70000"}, 2},
-        {{"BV_log_runs", "maybe"}, 2},
-        {{"BV_sample_rate", "31"}, 2},
-        {{"BV_cur_veh_id", "x"}, 2},
-        {{"BV_cur_veh_id", "9"}, 1},
-        {{"pidsSampleArray_1", "0"}, 2},
-        {{"pidsSampleArray_9", "0C"}, 1},
-        {{"BV_unknown", "1"}, 2},
-        {{"wifi_port"}, 2},
+        {{"BV_interface", "7"}, 2},      {{"wifi_IP", "a b"}, 2},
+        {{"wifi_IP", "fe80::1::2"}, 2},  {{"wifi_IP", "[fe80::1]"}, 2},
+        {{"wifi_port", "70000"}, 2},     {{"BV_gpsd", "::1:2947"}, 2},
+        {{"BV_log_runs", "maybe"}, 2},   {{"BV_sample_rate", "31"}, 2},
+        {{"BV_cur_veh_id", "x"}, 2},     {{"BV_cur_veh_id", "9"}, 1},
+        {{"pidsSampleArray_1", "0"}, 2}, {{"pidsSampleArray_9", "0C"}, 1},
+        {{"BV_unknown", "1"}, 2},        {{"wifi_port"}, 2},
     };
     for (const auto& [pair, status] : bad)
         EXPECT_EQ(home.status(QStringList{"settings", "set"} + pair), status) << pair.join(' ').toStdString();
