@@ -140,6 +140,9 @@ const fault_row fault_rows[] = {
     {"the reset ends the link",    {.reset_closes = true},                                      true},
     {"hangs on AT RV",             {.hangs_on = {"ATRV"}}},
     {"hangs on AT H1",             {.hangs_on = {"ATH1"}}},
+    {"a clone that hangs",         {.clone = {.hangs_on_groups = true, .refuses_count = true}}, true},
+    {"  that turns, drops, cuts",  {.clone = {.turns_groups = true, .drops_one = true, .cuts_groups = true}}, true},
+    {"  that says OK to settings", {.clone = {.ignored = {"S0", "ST", "AT2", "SH", "CRA"}}},    true},
     {"ignition off",               {},                                                          false, false},
 };
 // clang-format on

@@ -198,3 +198,33 @@ TEST(elm327, an_stn_chip_knows_more) {
           "STPX D:010C,R:0", "STPX D:010C,Q:1", "STPX H:7,D:010C", "STPX 010C"})
         EXPECT_EQ(adapter.receive(std::string(bad) + '\r'), "?\r\r>") << bad;
 }
+
+TEST(elm327, a_clone_fails_where_fast_clients_go) {
+    struct {
+        const char* fault;
+        std::vector<turn> turns;
+    } const rows[] = {
+        {"hang", {{"010C05", "7E806410C1AF8057B"}, {"010C0521", ""}, {"ATI", ""}, {"0105", ""}}},
+        {"no-count", {{"01051", "?"}, {"0105", "7E80341057B"}}},
+        {"order", {{"01050C", "7E806410C1AF8057B"}, {"0105", "7E80341057B"}}},
+        {"drop", {{"01050C21", "7E80641057B210000"}, {"0105", "7E80341057B"}}},
+        {"cut", {{"010C0521", "7E807410C1AF8057B21"}, {"0121", "7E80441210000"}}},
+        {"ignore-sh", {{"ATSH7E2", "OK"}, {"0105", "7E80341057B"}}},
+        {"ignore-cra", {{"ATCRA7E9", "OK"}, {"ATCRA", "OK"}, {"0105", "7E80341057B"}}},
+        {"ignore-s0", {{"ATS1", "OK"}, {"ATS0", "OK"}, {"0105", "7E8 03 41 05 7B "}}},
+    };
+    for (const auto& row : rows) {
+        clone_faults what;
+        ASSERT_TRUE(what.add(row.fault));
+        elm327 adapter(car_of(two_ecus));
+        adapter.receive("ATE0\rATS0\rATH1\r0100\rATSH7E0\r");
+        adapter.suffer(what);
+        for (const turn& t : row.turns) {
+            std::string expected = t.reply;
+            if (!expected.empty())
+                expected += "\r\r>";
+            EXPECT_EQ(adapter.receive(std::string(t.sent) + '\r'), expected) << row.fault << ' ' << t.sent;
+        }
+    }
+    EXPECT_FALSE(clone_faults().add("rust"));
+}

@@ -161,8 +161,10 @@ TEST(command_line, is_checked) {
     const auto read = [](const QString& words) {
         return read_command_line(("program --port=0 " + words).split(' '));
     };
-    for (const char* bad : {"--nonsense", "stray", "--delay=-1", "--delay=x", "--listen=nowhere", "--late=3",
-                            "--late=1:2:3", "--protocol=D", "--port"})
+    for (const char* bad :
+         {"--nonsense", "stray", "--delay=-1", "--delay=x", "--listen=nowhere", "--late=3", "--late=1:2:3",
+          "--protocol=D", "--port", "--kind=toy", "--baud=38400", "--kind=stn --baud=300",
+          "--kind=stn --ecu-delay=8,x", "--clone-fault=rust", "--ceiling=0C", "--kind=stn --ceiling=0C,xyz"})
         EXPECT_FALSE(read(bad).mistake.isEmpty()) << bad;
     const wishes good = read("--late=3:250 --protocol=A3 --refuse=atrv --still");
     EXPECT_EQ(good.mistake, QString());
@@ -171,5 +173,14 @@ TEST(command_line, is_checked) {
     EXPECT_EQ(good.what.refused, std::vector<std::string>{"ATRV"});
     EXPECT_TRUE(good.still && good.options.stored_automatic);
     EXPECT_EQ(good.options.stored_protocol, 3);
+    EXPECT_FALSE(good.options.time);
+    const wishes kind = read("--kind=stn --baud=2000000 --ecu-delay=8,12 --clone-fault=hang --ceiling=0C,0d");
+    EXPECT_EQ(kind.mistake, QString());
+    EXPECT_EQ(kind.options.banner, "ELM327 v1.4b");
+    EXPECT_EQ(kind.options.time->baud, 2'000'000);
+    EXPECT_EQ(kind.options.time->ecu_ms, (std::vector<double>{8, 12}));
+    EXPECT_TRUE(kind.what.clone.hangs_on_groups && kind.shows_ceiling);
+    EXPECT_EQ(kind.ceiling_of, (std::vector<std::uint8_t>{0x0C, 0x0D}));
+    EXPECT_EQ(read("--kind=wifi --banner=X").options.banner, "X");
     EXPECT_TRUE(read("--list-cars").print_and_leave.contains("can11"));
 }

@@ -21,8 +21,9 @@ struct bench {
     timed_adapter adapter;
     double now_ms = 0;
 
-    bench(const std::string& text, const timing& takes, std::vector<const char*> settings = {})
-        : adapter(car_of(text), options_of(text, takes)) {
+    bench(const std::string& text, const timing& takes, const std::vector<const char*>& settings = {},
+          const clone_faults& what = {})
+        : adapter(car_of(text), options_of(text, takes), what) {
         ask("ATE0");
         ask("ATS0");
         ask("ATAT0");
@@ -184,6 +185,17 @@ TEST(timing, adaptive_waits_follow_the_answers) {
         b.ask("0111");
         EXPECT_NEAR(b.took_ms, 5 + 1 + frame_ms + 4 * 4.096 + 10, 1e-6);
     }
+}
+
+TEST(timing, a_clone_says_ok_and_waits_as_before) {
+    clone_faults what;
+    for (const char* name : {"ignore-st", "ignore-at2"})
+        ASSERT_TRUE(what.add(name));
+    bench b(one_ecu, plain(), {"ATAT1", "ATAT2", "ATST04"}, what);
+    b.ask("0111");
+    EXPECT_NEAR(b.took_ms, 5 + 1 + frame_ms + 32 + 10, 1e-6);
+    b.ask("0111");
+    EXPECT_NEAR(b.took_ms, 5 + 1 + frame_ms + usual_wait_ms + 10, 1e-6);
 }
 
 TEST(timing, an_answer_too_late_comes_with_the_next_or_is_lost) {

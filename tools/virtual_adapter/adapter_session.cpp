@@ -10,6 +10,7 @@ adapter_session::adapter_session(std::shared_ptr<car> on, const adapter_options&
                                  observer seen, outside link)
     : m_adapter(std::move(on), options), m_faults(what), m_seen(std::move(seen)), m_link(std::move(link)) {
     m_adapter.refuse(what.refused);
+    m_adapter.suffer(what.clone);
     if (options.time)
         m_line.emplace(*options.time);
 }
@@ -39,7 +40,8 @@ void adapter_session::take(char character) {
 // Text that a fault has changed comes when the whole reply would have gone out.
 void adapter_session::deliver_in_time(const exchange& done, const delivery& what) {
     const double end_ms = done.parts.back().at_ms;
-    const bool is_request = !done.command.starts_with("AT") && !done.command.starts_with("ST");
+    const bool is_request =
+        !done.reply.empty() && !done.command.starts_with("AT") && !done.command.starts_with("ST");
     m_busy_until_ms = is_request ? end_ms + what.wait_ms : 0;
     exchange told = done;
     if (what.at_once + what.text != done.echo + done.reply) {

@@ -6,6 +6,8 @@ namespace virtual_adapter {
 
 // Every command that the adapter knows; the others are answered "?".
 std::string elm327::at_command(std::string_view command) {
+    if (m_clone.ignores(command))
+        return reply("OK");
     if (command == "Z" || command == "WS") {
         reset();
         if (m_options.time)

@@ -1,6 +1,8 @@
 #include "tools/virtual_adapter/command_line.h"
 
 #include "tools/virtual_adapter/car_catalogue.h"
+#include "tools/virtual_adapter/hex_digit.h"
+#include "tools/virtual_adapter/kinds.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -9,6 +11,8 @@ namespace virtual_adapter {
 
 namespace {
 
+constexpr int slowest_baud = 9600;
+constexpr int fastest_baud = 2'000'000;
 constexpr int most = 1'000'000; // of anything counted, and of milliseconds
 
 struct option {
@@ -27,6 +31,14 @@ const option options[] = {
     {"still",          nullptr,   nullptr,       "The car keeps driving 60 km/h: values stay put."},
     {"log",            nullptr,   nullptr,       "Print every command and its reply on standard error."},
     {"banner",         "TEXT",    "ELM327 v1.5", "What AT Z and AT I answer."},
+    {"kind",           "KIND",    "",            "Take time like elm327-v1.4, clone-2.1, wifi, ble or stn."},
+    {"baud",           "N",       "",            "Serial speed of that kind, 9600 to 2000000."},
+    {"ecu-delay",      "MS,...",  "",            "What each ECU needs for an answer; the last is for all others."},
+    {"ecu-spread",     "MS",      "",            "Up to that much more."},
+    {"round-trip",     "MS",      "",            "What radio or network takes there and back."},
+    {"jitter",         "MS",      "",            "Up to that much more."},
+    {"clone-fault",    "FAULT",   "",            "A fault of cheap copies; may be given several times."},
+    {"ceiling",        "SET",     "",            "Print the most values a second of these PIDs (0C,0D), and leave."},
     {"protocol",       "P",       "0",           "Protocol stored in the adapter: 0, 3, A6, ..."},
     {"padded",         nullptr,   nullptr,       "Show CAN frames with all eight bytes."},
     {"delay",          "MS",      "0",           "Work that long on each command; a character interrupts."},
@@ -91,7 +103,16 @@ private:
         m_wish.still = is_set("still");
         m_wish.log = is_set("log");
 
-        m_wish.options.banner = text("banner").toStdString();
+        if (is_set("kind"))
+            read_kind();
+        if (is_set("banner") || !is_set("kind"))
+            m_wish.options.banner = text("banner").toStdString();
+        read_timing();
+        for (const QString& name : m_parser.values(QStringLiteral("clone-fault")))
+            if (!m_wish.what.clone.add(name.toStdString()))
+                complain(QStringLiteral("\"%1\" is not one of the faults %2.")
+                             .arg(name, joined(clone_faults::names())));
+        read_ceiling();
         m_wish.options.pad_single_frames = is_set("padded");
         read_protocol(text("protocol").toUpper());
 
@@ -122,6 +143,57 @@ private:
         for (const QString& command : m_parser.values(QLatin1String(name)))
             made.push_back(command.toUpper().remove(u' ').toStdString());
         return made;
+    }
+
+    static QString joined(const std::vector<std::string_view>& names) {
+        QStringList words;
+        for (const std::string_view name : names)
+            words += QString::fromLatin1(name.data(), qsizetype(name.size()));
+        return words.join(QStringLiteral(", "));
+    }
+
+    void read_kind() {
+        if (const auto known = adapter_of_kind(text("kind").toStdString()))
+            m_wish.options = *known;
+        else
+            complain(QStringLiteral("\"%1\" is not one of the kinds %2.")
+                         .arg(text("kind"), joined(adapter_kinds())));
+    }
+
+    // Changes to the numbers of the kind.
+    void read_timing() {
+        for (const char* name : {"baud", "ecu-delay", "ecu-spread", "round-trip", "jitter", "ceiling"})
+            if (is_set(name) && !m_wish.options.time)
+                return complain(QStringLiteral("--%1 needs --kind.").arg(QLatin1String(name)));
+        if (!m_wish.options.time)
+            return;
+        timing& takes = *m_wish.options.time;
+        if (is_set("baud") && (takes.baud = number("baud", fastest_baud)) < slowest_baud)
+            complain(QStringLiteral("--baud: less than %1.").arg(slowest_baud));
+        if (is_set("ecu-delay")) {
+            takes.ecu_ms.clear();
+            for (const QString& word : text("ecu-delay").split(u','))
+                takes.ecu_ms.push_back(checked(word, "ecu-delay", most));
+        }
+        if (is_set("ecu-spread"))
+            takes.ecu_spread_ms = number("ecu-spread");
+        if (is_set("round-trip"))
+            takes.round_trip_ms = number("round-trip");
+        if (is_set("jitter"))
+            takes.jitter_ms = number("jitter");
+    }
+
+    void read_ceiling() {
+        m_wish.shows_ceiling = is_set("ceiling");
+        if (!m_wish.shows_ceiling)
+            return;
+        for (const QString& word : text("ceiling").split(u',')) {
+            const std::optional<std::uint32_t> pid = hex_number(word.trimmed().toUpper().toStdString());
+            if (!pid || *pid > 0xFF)
+                complain(QStringLiteral("--ceiling: \"%1\" is not a PID.").arg(word));
+            else
+                m_wish.ceiling_of.push_back(std::uint8_t(*pid));
+        }
     }
 
     void read_protocol(QString number) {

@@ -17,6 +17,8 @@ struct wishes {
     QString car;
     bool still = false;
     bool log = false;
+    bool shows_ceiling = false;
+    std::vector<std::uint8_t> ceiling_of;
     adapter_options options;
     faults what;
 };

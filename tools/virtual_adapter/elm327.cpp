@@ -41,7 +41,7 @@ std::optional<exchange> elm327::take(char character, double at_ms) {
     m_now_ms = std::max(m_now_ms, at_ms);
     if (m_options.time)
         pass(m_options.time->command_ms);
-    if (m_settings.echo) {
+    if (m_settings.echo && !m_hangs) {
         done.echo = m_received;
         append_line_end(done.echo, m_settings.linefeeds);
     }
@@ -50,7 +50,10 @@ std::optional<exchange> elm327::take(char character, double at_ms) {
     m_received.clear();
     if (done.command.empty())
         done.command = m_last;
-    done.reply = too_long ? reply(unknown) : carry_out(done.command);
+    if (!m_hangs)
+        done.reply = too_long ? reply(unknown) : carry_out(done.command);
+    if (m_hangs)
+        done.reply.clear();
     m_last = done.command;
     print(done.reply, m_now_ms);
     done.parts = std::exchange(m_parts, {});

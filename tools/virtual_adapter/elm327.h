@@ -2,6 +2,7 @@
 
 #include "tools/virtual_adapter/adapter_settings.h"
 #include "tools/virtual_adapter/car.h"
+#include "tools/virtual_adapter/clone_faults.h"
 #include "tools/virtual_adapter/listening.h"
 
 #include <memory>
@@ -25,7 +26,7 @@ struct adapter_options {
 struct exchange {
     std::string command; // upper case, without blanks
     std::string echo;    // the command as received and a line end; empty with the echo off
-    std::string reply;   // lines and prompt
+    std::string reply;   // lines and prompt; nothing from a chip that hangs
 
     // When the command was there, and when its reply goes out as far as that place in it; nothing without
     // timing.
@@ -66,6 +67,9 @@ public:
         m_refused.insert(m_refused.end(), commands.begin(), commands.end());
     }
 
+    // Makes it the copy that it is.
+    void suffer(const clone_faults& what) { m_clone = what; }
+
     // The reply to a character that arrives while a request is being answered.
     exchange stopped(double at_ms = 0);
 
@@ -101,6 +105,8 @@ private:
     std::shared_ptr<car> m_car;
     adapter_options m_options;
     std::vector<std::string> m_refused;
+    clone_faults m_clone;
+    bool m_hangs = false;
     listening m_listening;
     double m_now_ms = 0;                 // what the adapter has come to
     std::vector<exchange::part> m_parts; // of the reply under way

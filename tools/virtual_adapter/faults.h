@@ -23,6 +23,7 @@ struct faults {
     std::vector<std::string> refused = {};  // commands (upper case, without blanks) answered "?"
     bool reset_closes = false;              // AT Z closes the link
     std::vector<std::string> hangs_on = {}; // commands (as above) after which it is silent on this link
+    clone_faults clone = {};
 };
 
 // What the link does about one command.

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace virtual_adapter {
@@ -24,6 +25,14 @@ constexpr std::optional<std::uint32_t> hex_number(std::string_view digits) {
         value = value << 4 | std::uint32_t(hex_digit(c));
     }
     return value;
+}
+
+// A number in that many digits.
+inline std::string hex_text(std::uint32_t value, int digits) {
+    std::string text;
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
+        text += "0123456789ABCDEF"[value >> shift & 0xF];
+    return text;
 }
 
 } // namespace virtual_adapter

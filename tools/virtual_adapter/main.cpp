@@ -1,4 +1,5 @@
 #include "tools/virtual_adapter/car_catalogue.h"
+#include "tools/virtual_adapter/ceiling.h"
 #include "tools/virtual_adapter/command_line.h"
 #include "tools/virtual_adapter/virtual_adapter_server.h"
 
@@ -48,6 +49,12 @@ int main(int argc, char** argv) {
     }
     if (wish.still)
         on->set_clock([] { return steady_moment_s; });
+
+    if (wish.shows_ceiling) {
+        for (const std::string& line : ceiling_of(on, wish.options, wish.ceiling_of).lines)
+            print(stdout, QString::fromStdString(line));
+        return 0;
+    }
 
     virtual_adapter_server server;
     server.set_options(wish.options);

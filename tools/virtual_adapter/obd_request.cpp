@@ -20,7 +20,7 @@ std::string elm327::obd_command(std::string_view digits) {
     obd_request request;
     if (digits.size() % 2 == 1) {
         const int count = hex_digit(digits.back());
-        if (count < 0)
+        if (count < 0 || m_clone.refuses_count)
             return reply("?");
         if (count > 0)
             request.most_frames = std::size_t(count);
@@ -30,6 +30,8 @@ std::string elm327::obd_command(std::string_view digits) {
 }
 
 std::string elm327::ask_car(const obd_request& request) {
+    if (m_hangs = m_clone.hangs_at(request.data); m_hangs)
+        return {};
     // A frame has eight bytes; one of them is the length, which the adapter puts in front or the client.
     if (request.data.empty() || request.data.size() > (m_settings.formats_can ? 7u : 8u))
         return reply("?");
@@ -55,14 +57,18 @@ std::string elm327::ask_car(const obd_request& request) {
 answers_to_a_request elm327::answers_to(const obd_request& request) {
     const bus kind = m_car->network().kind;
     const addressee to = request.header.value_or(m_settings.header).addressed(kind);
-    std::span<const std::uint8_t> asked = request.data;
+    bytes sent = request.data;
+    m_clone.change_request(sent);
+    std::span<const std::uint8_t> asked = sent;
     if (is_can(kind) && !m_settings.formats_can) {
         const std::size_t length = asked[0]; // of a single frame; others begin with a higher digit
         if (length > 7 || length >= asked.size())
             return std::make_shared<std::vector<answer>>();
         asked = asked.subspan(1, length);
     }
-    return std::make_shared<std::vector<answer>>(m_car->ask(asked, to));
+    std::vector<answer> answers = m_car->ask(asked, to);
+    m_clone.change_answers(request.data, answers);
+    return std::make_shared<std::vector<answer>>(std::move(answers));
 }
 
 frame_style elm327::style() const {

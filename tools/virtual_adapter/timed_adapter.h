@@ -9,8 +9,10 @@ namespace virtual_adapter {
 class timed_adapter {
 public:
     // `options` with their timing.
-    timed_adapter(std::shared_ptr<car> on, const adapter_options& options)
-        : m_adapter(std::move(on), options), m_link(options.time.value_or(timing{})) {}
+    timed_adapter(std::shared_ptr<car> on, const adapter_options& options, const clone_faults& what = {})
+        : m_adapter(std::move(on), options), m_link(options.time.value_or(timing{})) {
+        m_adapter.suffer(what);
+    }
 
     // The replies to all commands among those characters. Moments never go back. A character never
     // interrupts: a command that comes before the prompt waits for its turn.
