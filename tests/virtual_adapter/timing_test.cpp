@@ -1,3 +1,4 @@
+#include "tools/virtual_adapter/adapter_session.h"
 #include "tools/virtual_adapter/car_file.h"
 #include "tools/virtual_adapter/timed_adapter.h"
 
@@ -231,4 +232,36 @@ TEST(timing, spread_and_jitter_stay_within_their_bounds) {
     EXPECT_LE(largest, least + 14);
     EXPECT_GT(largest - smallest, 10);
     EXPECT_NEAR(sum / 500, least + 7, 0.5);
+}
+
+// A command is sent as one, however often the clock moves on while it is read.
+TEST(timing, a_session_keeps_the_computed_moments) {
+    timing takes = plain();
+    takes.ecu_spread_ms = 6;
+    takes.round_trip_ms = 20;
+    takes.jitter_ms = 30;
+    const auto on = bench::car_of(one_ecu);
+    const adapter_options options = bench::options_of(one_ecu, takes);
+    timed_adapter computed(on, options);
+    double clock_ms = 0;
+    double due_ms = -1;
+    double prompt_ms = -1;
+    const auto now = [&] { return clock_ms += 0.001; };
+    adapter_session session(on, options, {}, nullptr,
+                            {[&](std::string_view text) {
+                                 if (text.ends_with('>'))
+                                     prompt_ms = clock_ms;
+                             },
+                             nullptr, [&] { due_ms = -1; }, nullptr, now,
+                             [&](double moment_ms) { due_ms = moment_ms; }});
+    for (int i = 0; i < 50; ++i) {
+        prompt_ms = -1;
+        const double sent_ms = clock_ms;
+        session.take("01051\r");
+        while (prompt_ms < 0 && due_ms > clock_ms) {
+            clock_ms = due_ms;
+            session.waited();
+        }
+        EXPECT_NEAR(prompt_ms, computed.send("01051\r", sent_ms).back().at_ms, 0.2);
+    }
 }

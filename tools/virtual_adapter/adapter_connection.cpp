@@ -36,8 +36,7 @@ void adapter_connection::read_socket() {
     qint64 count = 0;
     while (m_socket->state() == QAbstractSocket::ConnectedState &&
            (count = m_socket->read(buffer, sizeof buffer)) > 0)
-        for (qint64 i = 0; i < count; ++i)
-            m_session.take(buffer[i]);
+        m_session.take(std::string_view(buffer, std::size_t(count)));
 }
 
 void adapter_connection::write(std::string_view text) {

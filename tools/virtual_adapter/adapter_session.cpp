@@ -15,13 +15,19 @@ adapter_session::adapter_session(std::shared_ptr<car> on, const adapter_options&
         m_line.emplace(*options.time);
 }
 
-void adapter_session::take(char character) {
+void adapter_session::take(std::string_view text) {
+    const double sent_ms = m_line ? m_link.now_ms() : 0;
+    for (const char character : text)
+        take(character, sent_ms);
+}
+
+void adapter_session::take(char character, double sent_ms) {
     const bool ignored = character == '\n' || character == '\0';
     if (!m_outbox.empty() && m_outbox.back().interruptible && !ignored) {
         interrupt(); // the character itself is lost
         return;
     }
-    const double at_ms = m_line ? m_line->at_adapter(m_link.now_ms()) : 0;
+    const double at_ms = m_line ? m_line->at_adapter(sent_ms) : 0;
     if (at_ms < m_busy_until_ms && !ignored) {
         interrupt_at(at_ms);
         return;

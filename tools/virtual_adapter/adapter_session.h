@@ -27,10 +27,12 @@ public:
     adapter_session(std::shared_ptr<car> on, const adapter_options& options, const faults& what,
                     observer seen, outside link);
 
-    void take(char character);
+    void take(std::string_view text); // what arrives together has been sent together
+    void take(char character) { take(std::string_view(&character, 1)); }
     void waited();
 
 private:
+    void take(char character, double sent_ms);
     void interrupt();
     void interrupt_at(double moment_ms);
     void deliver_in_time(const exchange& done, const delivery& what);
