@@ -81,6 +81,10 @@ constexpr std::optional<int> positive(int stored) {
     return stored > 0 ? std::optional(stored) : std::nullopt;
 }
 
+constexpr std::optional<int> speed_number(int stored) {
+    return stored >= 0 && stored <= 2 ? std::optional(stored) : std::nullopt;
+}
+
 // Seconds, -1 for as fast as the adapter answers.
 inline constexpr std::array sample_rates{-1, 10, 30, 60, 120, 300};
 
@@ -99,6 +103,11 @@ inline constexpr flag   time_stamps       {"BV_log_timeStamp",     "false",     
     "true for the time of each sample in exports"};
 inline constexpr number sample_rate       {"BV_sample_rate",       "-1",              person,
     "-1 (as fast as available) or one of these numbers of seconds: 10, 30, 60, 120, 300", {.usable = positive}};
+inline constexpr number sampling_speed    {"BV_sampling_speed",    "0",               person,
+    "how live data are asked for: 0 (one PID a request), 1 (fast, but gently) or 2 (as fast as the car allows)",
+    {.usable = speed_number}};
+inline constexpr texts  pid_rates         {"BV_pid_rates",         "",                person,
+    "PIDs that a fast run asks for in one sweep of N: 05/10,2F/60"};
 inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
     "true to show what SAE J1979 reads in the replies"};
 inline constexpr flag   anonymous         {"BV_anonymous",         "false",           person,
@@ -130,12 +139,12 @@ inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",          
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 21> all{
-    &interface_kind, &wifi_ip,           &wifi_port,        &metric_units,  &log_runs,
-    &time_stamps,    &sample_rate,       &standard_reading, &anonymous,     &store_position,
-    &gpsd,           &bluetooth_address, &bluetooth_name,   &update_server, &current_vehicle,
-    &sample_set,     &older_sample_set,  &expert_history,   &expert_script, &window_geometry,
-    &plot_geometry};
+inline constexpr std::array<const setting_row*, 23> all{
+    &interface_kind, &wifi_ip,         &wifi_port,      &metric_units,      &log_runs,
+    &time_stamps,    &sample_rate,     &sampling_speed, &pid_rates,         &standard_reading,
+    &anonymous,      &store_position,  &gpsd,           &bluetooth_address, &bluetooth_name,
+    &update_server,  &current_vehicle, &sample_set,     &older_sample_set,  &expert_history,
+    &expert_script,  &window_geometry, &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "obd/reply_text.h"
+#include "operations/put_back_settings.h"
 
 #include <QRegularExpression>
 #include <optional>
@@ -99,7 +100,7 @@ void expertCtrlr::warn_first(const QStringList& commands, std::function<void()> 
 
 void expertCtrlr::start_operation(talk (expertCtrlr::*what)(), const char* logged) {
     has_asked = true;
-    is_stopping = false;
+    is_stopping = puts_back = false;
     unfinished.clear();
     if (link.is_connected())
         set_status_msg(QStringLiteral(""));
@@ -119,6 +120,9 @@ void expertCtrlr::clickClear() {
 // --- the talks ---------------------------------------------------------------------------------------------
 
 talk expertCtrlr::exchange_one(QString command) {
+    puts_back = link.has_changed_settings();
+    co_await put_back_settings(*this);
+    puts_back = false;
     try {
         const sent_command typed = as_typed(command + u'\r');
         latest = co_await send(typed);
@@ -195,6 +199,8 @@ void expertCtrlr::handleOBDRcvdMsg(const reply& what_came) {
     console_log(QStringLiteral("expertC:handleOBDRcvdMsg got the stuff%1").arg(what_came.text()));
     if (!has_asked)
         return; // it answers the screen before
+    if (puts_back)
+        return car_talk::handleOBDRcvdMsg(what_came);
     show_lines(std::exchange(unfinished, QString()));
     if (!is_shown)
         add_to_transcript(QString()); // an answer all the same

@@ -62,6 +62,7 @@ private:
     QString unfinished;    // the line that is coming
     bool is_shown = false; // something of the reply that is coming
     bool is_stopping = false;
+    bool puts_back = false; // what a run had changed: the replies are none to the person
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     int answered = 0; // commands of the script

@@ -251,6 +251,11 @@ void adapter_link::set_up_next_time(bool from_a_reset) {
     Q_EMIT condition_changed();
 }
 
+void adapter_link::changes_setting(const QString& undo) {
+    if (!undo_commands.contains(undo))
+        undo_commands += undo;
+}
+
 // A line end could make an adapter that has just finished carry out the command again.
 void adapter_link::interrupt() {
     if (link)

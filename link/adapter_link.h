@@ -85,6 +85,13 @@ public:
     void adapter_is_set_up();
     // The next operation initialises it anew, `from_a_reset`: beginning with one.
     void set_up_next_time(bool from_a_reset);
+    // What a run has changed at the adapter, as the commands that put it back ("AT S1"); that outlives the
+    // link, because the adapter stays powered.
+    void changes_setting(const QString& undo);
+    bool has_changed_settings() const { return !undo_commands.isEmpty(); }
+    QString undo_of_last_change() const { return undo_commands.last(); }
+    void last_change_is_undone() { undo_commands.removeLast(); }
+    void forget_changed_settings() { undo_commands.clear(); } // it was reset
     timers& time_source() const { return clock; }
     // False for an adapter whose link fell at "AT Z" before.
     bool may_be_reset() const { return quirks.may_be_reset(); }
@@ -142,6 +149,7 @@ private:
     transport_maker maker;
     exchange traffic;
     adapter_quirks quirks;
+    QStringList undo_commands; // each once, in the order of the changes
     connect_watchdog watchdog;
     reconnecting again;
     std::unique_ptr<transport> link;

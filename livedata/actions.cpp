@@ -3,6 +3,7 @@
 #include "base/string_table.h"
 #include "livedata/sample_set.h"
 #include "livedata/second_value.h"
+#include "operations/put_back_settings.h"
 
 #include <algorithm>
 #include <array>
@@ -193,6 +194,9 @@ void actions::begin_run() {
         begin_log();
     rework_gui_objects();
     const mode_of_choice& mode = modes[static_cast<size_t>(selected_index())];
+    after_run.reset();
+    if (car_talk::is_running())
+        close(QString());
     start({mode.code, QStringLiteral("Starting run log"), mode.failure, nullptr,
            [this, run = mode.run] { return run_over_any_link(*this, run); }});
 }
@@ -202,6 +206,14 @@ void actions::begin_log() {
     storing.work_out_log_file(results.mode, results.metric);
     results.is_stored = storing.is_on();
     results.log_id = storing.log_id();
+}
+
+sampling_speed actions::speed() const {
+    return static_cast<sampling_speed>(defaults.value(setting::sampling_speed));
+}
+
+int actions::every_so_many_sweeps(const QString& pid) const {
+    return rate_of_pid(pid, defaults.value(setting::pid_rates));
 }
 
 void actions::take_sweep(const QString& line, const sweep_moment& when) {
@@ -244,6 +256,8 @@ void actions::end_log_when_triggered() {
 }
 
 void actions::started() {
+    if (cur_op() == op_put_back)
+        return;
     sampling_talk::started();
     watching->run_started();
 }
@@ -311,6 +325,8 @@ void actions::end_run() {
 }
 
 void actions::let_go() {
+    if (cur_op() == op_put_back)
+        return;
     sampling_talk::let_go();
     storing.end();
     if (positions)
@@ -319,7 +335,23 @@ void actions::let_go() {
         results.times.run_ends();
 }
 
-void actions::told_the_end(bool) {
+void actions::put_back() {
+    after_run.reset();
+    if (link.mainViewController() == this && link.is_connected())
+        start({op_put_back, QString(), QStringLiteral("%@"), nullptr,
+               [this] { return put_back_settings(*this); }});
+    else if (operation_ended)
+        operation_ended(false);
+}
+
+void actions::told_the_end(bool done) {
+    if (cur_op() == op_put_back) {
+        if (operation_ended)
+            operation_ended(done);
+        return;
+    }
+    if (link.has_changed_settings())
+        after_run = link.time_source().one_shot(0, [this] { put_back(); });
     if (storing.sweeps_lost() > 0)
         set_status_msg(storing.problem());
     watching->run_ended();

@@ -74,6 +74,15 @@ public:
     void addEngECU_toPidList() override;
     void take_set(const QStringList& items) override;
     void take_sweep(const QString& line, const sweep_moment& when) override;
+    sampling_speed speed() const override;
+    request_plan::abilities abilities_of_adapter() const override { return {6, true}; }
+    void adapter_learnt(const request_plan::abilities&) override {}
+    int every_so_many_sweeps(const QString& pid) const override;
+
+    // car_talk: what is put back at the adapter behind a run is not part of it.
+    bool is_running() const override { return car_talk::is_running() && cur_op() != op_put_back; }
+    // It has changed settings of the adapter, which are put back; operation_ended tells the end.
+    bool will_put_back() const { return after_run != nullptr || cur_op() == op_put_back; }
 
 private:
     void choose_mode(int mode);
@@ -86,6 +95,7 @@ private:
     void begin_log_when_triggered(double now_ms);
     void end_log_when_triggered();
     void end_run();
+    void put_back();
     void store_slice();
     void end_late_log();
     void started() override;
@@ -97,6 +107,7 @@ private:
     bool is_armed = false; // what begins a log was not true before
     std::unique_ptr<late_log> late;
     timer_handle next_slice;
+    timer_handle after_run;
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
 

@@ -47,6 +47,11 @@ struct live_results {
     sweep_moments moments;
     QList<timed_mark> marks; // of the run, stored or not, in the order of their time
 
+    // The column was asked for in the sweep that is complete: a run need not ask for all each time.
+    bool was_asked(int column) const {
+        return cur_log_points.body(cur_log_points.rows() - 2, column) != QLatin1String("-1");
+    }
+
     qint64 sample_cnt = 0;                // complete sweeps of the run that have a value
     int log_sample_cnt = 0;               // of them stored
     std::optional<store_trigger> trigger; // by which the next runs are stored

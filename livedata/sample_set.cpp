@@ -9,6 +9,12 @@ namespace {
 
 constexpr qsizetype most_pids = 128;
 constexpr qsizetype longest_item = 16;
+constexpr int rarest = 10'000;
+constexpr int slow_rate = 10;
+// Temperatures, levels, distances, times, counts, states of the car's build.
+const QStringList slow_pids = QStringLiteral("01 05 0F 12 13 1C 1D 1E 1F 21 2F 30 31 33 3C 3D 3E 3F 41 46 4D "
+                                             "4E 51 52 5B 5C 5F A6")
+                                  .split(u' ');
 
 void add_what_economy_needs(QStringList& set, const QString& ecu) {
     const auto item = [&ecu](const char* pid) { return QLatin1String(pid) + ecu; };
@@ -61,6 +67,15 @@ QStringList usable_items(const QStringList& items) {
     if (with_economy)
         add_what_economy_needs(set, *with_economy);
     return set;
+}
+
+int rate_of_pid(const QString& pid, const QStringList& wanted) {
+    for (const QString& rate : wanted) {
+        const int sweeps = rate.section(u'/', 1, 1).trimmed().toInt();
+        if (rate.section(u'/', 0, 0).trimmed().toUpper() == pid && sweeps >= 1 && sweeps <= rarest)
+            return sweeps;
+    }
+    return slow_pids.contains(pid) ? slow_rate : 1;
 }
 
 bool name_ecu(QStringList& items, const QString& header) {

@@ -16,6 +16,9 @@ QStringList stored_log_run_set(const user_defaults& defaults, mac_toolies& tooli
 // What of a list can be sampled, PIDs in upper case, each once: a settings file may hold anything. With the
 // fuel economy go the speed and the air flow of its ECU, unless the fuel rate is there.
 QStringList usable_items(const QStringList& items);
+// In one of how many sweeps a fast run asks for a PID: as a person wants it ("05/10"), else slow quantities,
+// as temperatures and levels, seldom and all others each time.
+int rate_of_pid(const QString& pid, const QStringList& wanted);
 // The items that name no ECU get this one's header. True when there were any.
 bool name_ecu(QStringList& items, const QString& header);
 

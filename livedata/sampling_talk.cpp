@@ -2,9 +2,9 @@
 
 #include "base/string_table.h"
 #include "charts/outward_rounding.h"
-#include "livedata/economy.h"
 #include "livedata/sample_set.h"
 #include "livedata/second_value.h"
+#include "obd/ecu_names.h"
 #include "obd/reply_text.h"
 #include "obd/supported_pids.h"
 
@@ -124,14 +124,27 @@ obd_group sampling_talk::engine_ecu() {
     return state.available_pids().at(toolies.findEngineEcuIdx(state.available_pids()));
 }
 
+void sampling_talk::begin_to_ask() {
+    results.times.run_begins();
+    const qint64 now = link.time_source().microseconds();
+    if (results.moments.started_utc_ms() < 0)
+        results.moments.run_begins(now, QDateTime::currentMSecsSinceEpoch());
+    results.moments.asks(now);
+    results.cur_log_points.begins(results.moments.sweep_ms());
+}
+
+bool sampling_talk::tells(const QString& ecu, const QString& pid) const {
+    const int protocol = link.adapter().cur_protocol();
+    return std::any_of(state.available_pids().begin(), state.available_pids().end(),
+                       [&](const obd_group& group) {
+                           return same_ecu(group.header, ecu, protocol) && group.pidSet.contains(pid);
+                       });
+}
+
 car_talk::asking sampling_talk::ask_pid(const QString& pid, bool is_asked_again, bool is_sent_once) {
     const QString request = QStringLiteral("01 ") + pid;
     const bool shown = link.adapter().headers_shown();
-    results.times.run_begins();
-    const qint64 now = link.time_source().microseconds();
-    results.moments.run_begins(now, QDateTime::currentMSecsSinceEpoch());
-    results.moments.asks(now);
-    results.cur_log_points.begins(results.moments.sweep_ms());
+    begin_to_ask();
     return send({.text = request + u'\r',
                  .expectedReply = shown ? QString() : positive_reply_of(request),
                  .has_header = shown,
@@ -172,6 +185,13 @@ QString sampling_talk::data_of_reply(const reply& what_came, const QString& pid,
 }
 
 QString sampling_talk::data_of_reply(const reply& what_came, int index) {
+    const sample_row& its_row = row(index);
+    return came_for(index,
+                    data_of_reply(what_came, requested_pid(its_row.pid), its_row.item.section(u'|', 1)),
+                    what_came);
+}
+
+QString sampling_talk::came_for(int index, QString data, const reply& what_came) {
     if (std::exchange(is_first_reply, false))
         view.show_busy(false);
     if (what_came.text().isEmpty()) {
@@ -179,19 +199,15 @@ QString sampling_talk::data_of_reply(const reply& what_came, int index) {
         throw left{QStringLiteral("Timed out** .. Try again")};
     }
     sample_row& its_row = row(index);
-    const QString asked = requested_pid(its_row.pid);
-    const QString header = its_row.item.section(u'|', 1);
-    QString data = data_of_reply(what_came, asked, header);
     if (data != no_reply) {
         its_row.refusals = 0;
         const qint64 moment = link.moments().middle();
         results.moments.came(index, columns(), moment);
         results.cur_log_points.came(index, results.moments.milliseconds(moment));
-    } else if (is_refused(what_came, header)) {
+        data.replace(2, 2, its_row.pid); // the PID alone: a data byte may be the same
+    } else if (is_refused(what_came, its_row.item.section(u'|', 1))) {
         ++its_row.refusals;
     }
-    if (data != no_reply && asked != its_row.pid)
-        data.replace(2, 2, its_row.pid);              // the PID alone: a data byte may be the same
     if (!what_came.is_none() || link.timeouts() == 0) // else the status tells of the time-out
         show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
     return data;
@@ -204,6 +220,11 @@ void sampling_talk::take(int index, const QString& data) {
     output_item(index, data);
     if (its_row.pid == outside_pressure && row(0).pid == boost_pressure && row(0).value != no_reply)
         read_row(results, 0, results.cur_log_points.body(results.cur_log_points.rows() - 1, 0), toolies);
+}
+
+void sampling_talk::tell_sensor(int index) {
+    if (cur_op() == op_o2_layout)
+        observer().set_sensor_value(index, QString::number(row(index).latest, 'f', 3));
 }
 
 void sampling_talk::output_item(int index, const QString& data) {
@@ -309,27 +330,6 @@ void sampling_talk::mark_gap() {
 void sampling_talk::end_gap() {
     is_in_gap = car_is_gone = false;
     until_car_is_gone.reset();
-}
-
-talk sample_for_ever(sampling_talk& car) {
-    const bool are_sensors = car.cur_op() == op_o2_layout; // the values go into the picture too
-    for (;;) {
-        QStringList bodies(car.columns(), no_reply);
-        for (int index = 0; index < car.columns(); ++index) {
-            if (is_worked_out(car.row(index).pid))
-                continue;
-            if (car.is_turn_of(index)) {
-                const reply what_came = co_await car.ask_row(index);
-                bodies[index] = car.data_of_reply(what_came, index);
-            }
-            car.take(index, bodies[index]);
-            if (are_sensors)
-                car.observer().set_sensor_value(index, QString::number(car.row(index).latest, 'f', 3));
-            car.check_the_run();
-        }
-        take_economy(car, bodies);
-        car.end_of_sweep(bodies);
-    }
 }
 
 } // namespace brivant

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livedata/live_results.h"
+#include "livedata/request_plan.h"
 #include "livedata/run_log.h"
 #include "livedata/run_observer.h"
 #include "operations/car_talk.h"
@@ -9,6 +10,9 @@
 #include <optional>
 
 namespace brivant {
+
+// usual: one PID a request, as the adapter was set up.
+enum class sampling_speed { usual, gentle, fast };
 
 // What the sampling runs talk through: the car, where a value goes, and the sweep under way.
 //
@@ -30,6 +34,17 @@ public:
     // Not asked of a run that goes on over a new link.
     void make_sure_all_are_supported();
 
+    // How the run asks, and what is known of the adapter for that.
+    virtual sampling_speed speed() const = 0;
+    virtual request_plan::abilities abilities_of_adapter() const = 0;
+    virtual void adapter_learnt(const request_plan::abilities& what) = 0;
+    // A PID is asked for in one of so many sweeps; 1 where the run is at its usual speed.
+    virtual int every_so_many_sweeps(const QString& pid) const = 0;
+    // The ECU's own map has the PID.
+    bool tells(const QString& ecu, const QString& pid) const;
+
+    // The sweep under way asks now.
+    void begin_to_ask();
     // Asks for a PID, or for that of a row. In a run a time-out is a value that did not come.
     asking ask_pid(const QString& pid, bool is_asked_again, bool is_sent_once = false);
     asking ask_row(int index);
@@ -40,11 +55,15 @@ public:
     QString data_of_reply(const reply& what_came, const QString& pid, const QString& header) const;
     // The same for the PID of a row, under the row's own PID; tells it.
     QString data_of_reply(const reply& what_came, int index);
+    // The same when the data are known.
+    QString came_for(int index, QString data, const reply& what_came);
 
     // The data goes into row `index` and its column, and the view is told.
     void take(int index, const QString& data);
     // The same for a row whose text and number are not those of the data.
     void output_item(int index, const QString& data);
+    // In the oxygen sensors' run the picture shows the value, too.
+    void tell_sensor(int index);
     sample_row& row(int index) { return results.these_samples[index]; }
     int columns() const { return static_cast<int>(results.these_samples.size()); }
     // The largest and smallest number of the row.

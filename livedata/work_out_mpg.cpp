@@ -32,6 +32,8 @@ talk work_out_mpg(sampling_talk& car) {
     const bool tells_rate = car.toolies.standard_reading() && car.engine_ecu().pidSet.contains(fuel_rate);
     car.fit_set({tells_rate ? fuel_rate : fuel_type}, tells_rate ? speed : speed + u' ' + air_flow);
     car.make_sure_all_are_supported();
+    if (car.speed() != sampling_speed::usual)
+        co_await sample_for_ever(car);
     QString its_fuel; // does not change: asked once
     for (;;) {
         QStringList bodies(car.columns(), no_reply);

@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "operations/connect_2_interface.h"
+#include "operations/put_back_settings.h"
 
 namespace brivant {
 
@@ -249,6 +250,8 @@ bool car_talk::reopening::await_suspend(talk::handle who) {
 talk car_talk::ready(QString opening) {
     if (!opening.isNull())
         show(opening);
+    if (link.adapter().adapter_ready())
+        co_await put_back_settings(*this);
     if (link.adapter().adapter_ready())
         co_return;
     co_await connect_2_interface(*this);

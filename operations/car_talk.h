@@ -43,7 +43,7 @@ public:
     ~car_talk() override;
 
     // From the start, while the link opens and the adapter is set up, to the end.
-    bool is_running() const { return running; }
+    virtual bool is_running() const { return running; }
     // The code of the operation that runs, or ran last.
     int cur_op() const { return current.code; }
     // The person stops the operation, or gives up a link that is opening.

@@ -4,6 +4,7 @@
 #include "base/string_table.h"
 #include "obd/reply_text.h"
 #include "operations/inner_process_pid_support.h"
+#include "operations/put_back_settings.h"
 
 namespace brivant {
 
@@ -111,6 +112,9 @@ talk set_up(car_talk& car) {
         car.link.adapter_answered();
     const reply echo = co_await say(car, "AT E0", ok);
     car.show("Got a ECHO off from ELM chip");
+    if (is_reset && !greeting.is_none())
+        car.link.forget_changed_settings();
+    co_await put_back_settings(car);
     const reply interface = co_await say(car, "AT I", QStringLiteral("ELM"));
     keep_interface(car, interface.text());
     co_await make_protocol_automatic(car);

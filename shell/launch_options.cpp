@@ -91,14 +91,16 @@ private:
 
     // The options of a sampling run stand behind its command, which reads them itself.
     bool is_word_of_a_run(const QString& name) const {
-        static const QStringList names{"--pids",  "--sweeps", "--seconds", "--rate",
-                                       "--store", "--when",   "--before",  "--until"};
+        static const QStringList names{"--pids", "--sweeps", "--seconds", "--rate",   "--store",
+                                       "--fast", "--gentle", "--when",    "--before", "--until"};
         return !options.command.isEmpty() && names.contains(name);
     }
 
     bool take_word_of_a_run(const QString& word, const QString& name) {
         options.arguments += word;
-        if (word == name && name != QLatin1String("--store"))
+        const bool is_alone = name == QLatin1String("--store") || name == QLatin1String("--fast") ||
+                              name == QLatin1String("--gentle");
+        if (word == name && !is_alone)
             options.arguments += value_of(word);
         return true;
     }

@@ -42,6 +42,8 @@ live_run::live_run(program_core& its_core, const live_words& its_words)
     view.shows_every_reply = false;
     if (words.store)
         core.defaults.override_for_this_run(setting::log_runs, true);
+    if (words.speed > 0)
+        core.defaults.override_for_this_run(setting::sampling_speed, words.speed);
     if (const run_format* format = run_format_of(core.options.format))
         recorder = std::make_unique<run_recorder>(*format, core, results);
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away ends the run in order
@@ -123,7 +125,10 @@ void live_run::car_gone() {
 void live_run::run_ended() {
     time_limit.reset();
     ended_in_gap = words.seconds > 0 && controller->is_without_values();
-    after_last_words(as_asked, [this] { end(); });
+    const auto words_then_end = [this] { after_last_words(as_asked, [this] { end(); }); };
+    if (!controller->will_put_back())
+        return words_then_end();
+    controller->operation_ended = [words_then_end](bool) { words_then_end(); };
 }
 
 void live_run::end() {
@@ -160,15 +165,21 @@ QByteArray live_run::header() const {
 
 QByteArray live_run::csv_line() const {
     QByteArray line = now_text().toLatin1();
-    for (const sample_row& row : results.these_samples)
-        line += ',' + number_text(number_of(row, results.by_standard)).toLatin1();
+    for (int column = 0; column < results.these_samples.size(); ++column) {
+        line += ',';
+        if (results.was_asked(column))
+            line += number_text(number_of(results.these_samples.at(column), results.by_standard)).toLatin1();
+    }
     return line + '\n';
 }
 
 QByteArray live_run::json_line(bool is_gap) const {
     const bool by_standard = core.toolies.standard_reading();
     QJsonObject values;
-    for (const sample_row& row : results.these_samples) {
+    for (int column = 0; column < results.these_samples.size(); ++column) {
+        if (!results.was_asked(column))
+            continue;
+        const sample_row& row = results.these_samples.at(column);
         const double number = number_of(row, results.by_standard);
         const bool answered = row.value != no_reply;
         QJsonObject value{{"value", std::isfinite(number) ? QJsonValue(number) : QJsonValue()},

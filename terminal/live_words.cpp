@@ -28,6 +28,10 @@ public:
                 asked.store = true;
                 continue;
             }
+            if (words.at(i) == QLatin1String("--fast") || words.at(i) == QLatin1String("--gentle")) {
+                asked.speed = words.at(i) == QLatin1String("--fast") ? 2 : 1;
+                continue;
+            }
             const bool joined = name != words.at(i);
             const QString value = joined ? words.at(i).section(u'=', 1) : words.value(++i);
             if (!take(name, value))
@@ -59,8 +63,8 @@ private:
             return true;
         }
         if (problem.isEmpty())
-            problem = QStringLiteral("What is %1? A run takes --pids, --sweeps, --seconds, --rate, --store, "
-                                     "--when, --before and --until.")
+            problem = QStringLiteral("What is %1? A run takes --pids, --sweeps, --seconds, --rate, --fast, "
+                                     "--gentle, --store, --when, --before and --until.")
                           .arg(name);
         return false;
     }
@@ -149,6 +153,7 @@ QString live_commands_usage() {
         "                        live values as CSV, one line a sweep, until Ctrl-C; all PIDs in turn\n"
         "  fuel, boost, o2       the same for fuel economy, boost pressure, oxygen sensors\n"
         "      --sweeps N, --seconds S  how long a run lasts\n"
+        "      --fast, --gentle  several values a request, as fast as the car allows, or with pauses\n"
         "      --store, --rate SECONDS  keep the sweeps in the database, all or one in so many seconds\n"
         "      --when \"0C>4000\" [--before S] [--until \"0C<1000\"]\n"
         "                        keep a log of each time that this comes true, with S seconds before it\n"

@@ -16,6 +16,7 @@ struct live_words {
     int seconds = -1;        // it ends that long after the first value, -1 for none
     std::optional<int> rate; // seconds between stored sweeps
     std::optional<store_trigger> trigger;
+    int speed = 0;      // as the setting has it
     bool store = false; // whatever the preference says
 };
 

@@ -62,7 +62,7 @@ timed_sweep run_recorder::latest_row() const {
     sweep.ms = to_microseconds(times.begin_of(row));
     for (int column = 0; column < results.these_samples.size(); ++column) {
         const double value = results.these_samples.at(column).latest;
-        const bool has_value = std::isfinite(value);
+        const bool has_value = std::isfinite(value) && results.was_asked(column);
         sweep.values.push_back(has_value ? std::optional(value) : std::nullopt);
         sweep.offsets_ms.push_back(has_value ? to_microseconds(times.moment(row, column) - sweep.ms)
                                              : qQNaN());

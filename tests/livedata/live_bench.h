@@ -98,6 +98,9 @@ private:
             profile.defaults.set(setting::standard_reading, on == "on");
         };
         actions["stop-after"] = [this](const QString& count) { stop_after = count.toInt(); };
+        actions["speed"] = [this](const QString& speed) {
+            profile.defaults.set(setting::sampling_speed, speed.toInt());
+        };
         actions["choose"] = [this](const QString& mode) {
             opened().comboBoxSelectionDidChange(mode.toInt());
         };
