@@ -1,4 +1,5 @@
 #include "tests/app/running_window.h"
+#include "tests/support/other_program.h"
 
 #include "app/logs/export_progress.h"
 #include "app/logs/logs_view.h"
@@ -14,7 +15,6 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTextBrowser>
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -77,17 +77,12 @@ TEST(logs_view, says_why_the_list_is_empty) {
 
 TEST(logs_view, lists_and_previews) {
     opened_logs program;
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(program.core.db.path().toUtf8().constData(), &other), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(
-                  other,
-                  "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 700) INSERT INTO "
-                  "LOGGIES (VEH_ID, LOG_TYPE, INFO, time_stamp) SELECT 1, 'DTC', '', '2020-01-01 00:00:00' "
-                  "FROM n",
-                  nullptr, nullptr, nullptr),
-              SQLITE_OK);
-    sqlite3_close(other);
-    const int run = program.store("Log", {QStringLiteral("410C1AF8"), QStringLiteral("410C1B00")});
+    other_program(program.core.db.path())
+        .runs("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 700) INSERT INTO "
+              "LOGGIES "
+              "(VEH_ID, LOG_TYPE, INFO, time_stamp) SELECT 1, 'DTC', '', '2020-01-01 00:00:00' FROM n");
+    const int run =
+        program.store("Log", {QStringLiteral("410C1AF8,410D3C"), QStringLiteral("410C1B00,410D3C")});
     program.open(701);
     EXPECT_EQ(program.part<QLabel>("count").text(), QStringLiteral("701 Logs"));
     EXPECT_TRUE(program.wait_for_status(QStringLiteral("All logs (701 total)")));

@@ -2,8 +2,8 @@
 
 #include "app/diagnostics/report_button.h"
 #include "tests/support/full_disk.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <QListWidget>
 #include <QTextBrowser>
 
@@ -25,10 +25,9 @@ struct opened_car : running_window {
     }
     QString text_of(const char* label) { return part<QLabel>(label).text(); }
     QString report_text() {
-        QFile saved(folder.filePath(QStringLiteral("report.txt")));
-        part<report_button>().save_as_text(saved.fileName());
-        EXPECT_TRUE(saved.open(QIODevice::ReadOnly));
-        return QString::fromUtf8(saved.readAll());
+        const QString saved = folder.filePath(QStringLiteral("report.txt"));
+        part<report_button>().save_as_text(saved);
+        return QString::fromUtf8(bytes_of(saved));
     }
 };
 
@@ -118,22 +117,20 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
         << text.toStdString();
     EXPECT_FALSE(text.contains(QStringLiteral("<font")));
     auto& report = car.part<report_button>();
-    QFile pdf(car.folder.filePath(QStringLiteral("report.pdf")));
-    report.save_as_pdf(pdf.fileName());
-    ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    const QByteArray whole = pdf.readAll();
+    const QString pdf = car.folder.filePath(QStringLiteral("report.pdf"));
+    report.save_as_pdf(pdf);
+    const QByteArray whole = bytes_of(pdf);
     EXPECT_TRUE(whole.startsWith("%PDF-"));
     EXPECT_FALSE(car.part<notice_banner>().isVisible());
     for (const auto& save : {&report_button::save_as_pdf, &report_button::save_as_text}) {
         {
             const full_disk full(100);
-            (report.*save)(pdf.fileName());
+            (report.*save)(pdf);
         }
         EXPECT_TRUE(
             car.part<notice_banner>().shown_text().contains(QStringLiteral("report.pdf cannot be written")));
         car.part<notice_banner>().dismiss();
-        QFile kept(pdf.fileName());
-        EXPECT_TRUE(kept.open(QIODevice::ReadOnly) && kept.readAll() == whole) << "the old one stays";
+        EXPECT_EQ(bytes_of(pdf), whole) << "the old one stays";
     }
     report.save_as_pdf(car.folder.filePath(QStringLiteral("not/there.pdf")));
     EXPECT_TRUE(

@@ -14,14 +14,6 @@ struct opened_sheet : running_window {
     http_server server;
     const QByteArray archive = QByteArray("new").repeated(1000);
 
-    void serve(const QByteArray& sent) {
-        const QByteArray digest = QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex();
-        server.answers[QStringLiteral("/lite/version.json")] =
-            http_server::ok("{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": 3000, "
-                            "\"sha256\": \"" +
-                            digest + "\"}");
-        server.answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] = sent;
-    }
     void open() { part<QAction>("check_for_updates").trigger(); }
     QString words() { return part<QLabel>("update_words").text(); }
     bool says(const char* text) {
@@ -36,7 +28,7 @@ struct opened_sheet : running_window {
 
 TEST(update_sheet, asks_only_when_the_person_does) {
     opened_sheet program;
-    program.serve(http_server::ok(program.archive));
+    program.server.offer(program.archive);
     program.open();
     EXPECT_TRUE(program.words().startsWith(QStringLiteral("No update server is set, so none was asked.")));
     auto& address = program.part<QLineEdit>("update_server");
@@ -62,7 +54,7 @@ TEST(update_sheet, asks_only_when_the_person_does) {
 
 TEST(update_sheet, tells_a_wrong_archive_and_stops) {
     opened_sheet program;
-    program.serve(http_server::ok(QByteArray(3000, 'x')));
+    program.server.offer(program.archive, QByteArray(3000, 'x'));
     program.core.defaults.set(setting::update_server, program.server.address());
     program.open();
     ASSERT_TRUE(program.says("Version 99.1 is there"));

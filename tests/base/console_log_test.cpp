@@ -1,21 +1,12 @@
 #include "base/console_log.h"
 #include "base/printable.h"
+#include "tests/support/test_file.h"
 #include "tests/support/wait_until.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace brivant {
-
-namespace {
-
-QByteArray bytes_of(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 TEST(console_log, reaches_the_file_by_itself_and_at_a_problem) {
     const QTemporaryDir folder;

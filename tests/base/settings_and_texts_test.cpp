@@ -1,27 +1,12 @@
 #include "base/string_table.h"
 #include "base/text_resources.h"
 #include "base/user_defaults.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace brivant {
-
-namespace {
-
-void write(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-QByteArray content_of(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 TEST(user_defaults, survive_a_restart_in_the_form_that_the_file_always_had) {
     QTemporaryDir folder;
@@ -38,9 +23,9 @@ TEST(user_defaults, survive_a_restart_in_the_form_that_the_file_always_had) {
         EXPECT_EQ(defaults.value(setting::interface_kind), 6);
         EXPECT_TRUE(defaults.synchronise());
     }
-    EXPECT_EQ(content_of(file), "[General]\nBV_interface=6\nBV_metric_units=true\n"
-                                "pidsSampleArray_1=0D, 0C|7E8\npidsSampleArray_2=@Invalid()\n"
-                                "wifi_IP=10.0.0.1\n");
+    EXPECT_EQ(bytes_of(file), "[General]\nBV_interface=6\nBV_metric_units=true\n"
+                              "pidsSampleArray_1=0D, 0C|7E8\npidsSampleArray_2=@Invalid()\n"
+                              "wifi_IP=10.0.0.1\n");
     const user_defaults again(file);
     EXPECT_EQ(again.value(setting::interface_kind), 6);
     EXPECT_TRUE(again.value(setting::metric_units));
@@ -53,7 +38,7 @@ TEST(user_defaults, may_have_been_edited_by_hand) {
     const auto edited = [&](const QByteArray& line) {
         static int number = 0;
         const QString file = folder.filePath(QString::number(++number));
-        write(file, "[General]\n" + line);
+        put_file(file, "[General]\n" + line);
         return std::make_unique<user_defaults>(file);
     };
     const std::pair<const char*, int> kinds[] = {{"six", 5}, {"", 5},    {"0", 5},
@@ -90,7 +75,7 @@ TEST(user_defaults, of_this_run_are_not_stored) {
 }
 
 TEST(settings_table, is_the_list_of_the_manual_page) {
-    QString page = QString::fromUtf8(content_of(BV_TESTS "/../packaging/man/brivant-cli.1"));
+    QString page = QString::fromUtf8(bytes_of(BV_TESTS "/../packaging/man/brivant-cli.1"));
     page = page.section("\n.RS\n", 1, 1).section("\n.RE\n", 0, 0).replace("\\-", "-");
     QString listed;
     for (const setting_row* row : setting::all) {
@@ -116,13 +101,13 @@ TEST(settings_table, knows_a_setting_by_its_key) {
 
 TEST(text_resources, lists_and_dictionaries) {
     QTemporaryDir folder;
-    write(folder.filePath("codes.txt"), "P0133 O2 slow  \n P0220  Throttle\nnothing\nP0300 never read\n");
+    put_file(folder.filePath("codes.txt"), "P0133 O2 slow  \n P0220  Throttle\nnothing\nP0300 never read\n");
     const text_resources lists(folder.path());
     EXPECT_EQ(lists.get_array_from_resource("codes", "txt")->size(), 5); // the empty line at the end counts
     EXPECT_FALSE(lists.get_array_from_resource("codes", "csv").has_value());
     EXPECT_FALSE(lists.line("codes", 5).has_value());
 
-    write(folder.filePath("maker.txt"), "P0133|slow\n P0220 |throttle\nnothing\nP0300|never read");
+    put_file(folder.filePath("maker.txt"), "P0133|slow\n P0220 |throttle\nnothing\nP0300|never read");
     const auto dictionary = lists.get_dictionary_from_resource("maker", "txt", "|");
     EXPECT_EQ(*dictionary, (QMap<QString, QString>{{"P0133", "|slow"}, {"P0220", "|throttle"}}));
 }

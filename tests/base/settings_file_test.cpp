@@ -1,12 +1,12 @@
 #include "base/user_defaults.h"
 
+#include "tests/support/test_file.h"
+
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,14 +21,9 @@ struct settings_folder {
 
     void write(const QByteArray& bytes) const {
         ASSERT_TRUE(QDir(folder.path()).mkpath("of the program"));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        put_file(path, bytes);
     }
-    QByteArray content() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
-    }
+    QByteArray content() const { return bytes_of(path); }
 };
 
 } // namespace
@@ -93,8 +88,7 @@ TEST(settings_file, of_two_programs_loses_no_key) {
     EXPECT_EQ(t.content(), "[General]\nBV_log_runs=true\nBV_metric_units=true\nwifi_port=7\n");
 
     // Another one that does not come to an end, and what an older version left, of another computer.
-    QFile left(t.path + ".lock");
-    ASSERT_TRUE(left.open(QIODevice::WriteOnly) && left.write("1\nprogram\nelsewhere\n") > 0 && left.flush());
+    put_file(t.path + ".lock", "1\nprogram\nelsewhere\n");
     const QByteArray folder = QFile::encodeName(QFileInfo(t.path).path());
     const int held = open(folder.constData(), O_RDONLY | O_DIRECTORY);
     ASSERT_EQ(flock(held, LOCK_EX), 0);
@@ -126,7 +120,7 @@ TEST(settings_file, that_is_none) {
          "it is a link that leads nowhere"},
         {"large",
          [](const char* path) {
-             EXPECT_TRUE(QFile(path).open(QIODevice::WriteOnly));
+             put_file(path);
              truncate(path, 1 << 30);
          },
          "it is too large for settings"},
@@ -153,7 +147,8 @@ TEST(settings_file, that_is_none) {
     t.write("");
     QFile::remove(t.path);
     const QString real = t.folder.filePath("kept elsewhere.ini");
-    ASSERT_TRUE(QFile(real).open(QIODevice::WriteOnly) && QFile::link(real, t.path));
+    put_file(real);
+    ASSERT_TRUE(QFile::link(real, t.path));
     user_defaults(t.path).set(setting::wifi_port, "7");
     EXPECT_TRUE(QFileInfo(t.path).isSymLink());
     EXPECT_EQ(t.content(), "[General]\nwifi_port=7\n");

@@ -1,9 +1,9 @@
 #include "base/whole_file.h"
 
+#include "tests/support/test_file.h"
+
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,15 +18,8 @@ struct folder_of_one {
     QString path = folder.filePath("a file.txt");
 
     folder_of_one() { put("old"); }
-    void put(const QByteArray& bytes) const {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-    QByteArray content() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
-    }
+    void put(const QByteArray& bytes) const { put_file(path, bytes); }
+    QByteArray content() const { return bytes_of(path); }
     QStringList names() const {
         return QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
     }
@@ -104,12 +97,12 @@ TEST(whole_file, takes_no_name_that_is_taken_where_that_is_asked) {
 
 TEST(whole_file, two_at_once_and_what_a_killed_one_left) {
     const folder_of_one t;
-    QFile left(t.path + ".abcdef.part"), of_the_person(t.path + ".part");
-    ASSERT_TRUE(left.open(QIODevice::WriteOnly) && of_the_person.open(QIODevice::WriteOnly));
+    const QString left = t.path + ".abcdef.part";
+    put_file(left);
+    put_file(t.path + ".part"); // the person's
     whole_file first(t.path), second(t.path);
     ASSERT_TRUE(first.begin() && second.begin());
-    EXPECT_FALSE(left.exists());
-    EXPECT_TRUE(of_the_person.exists());
+    EXPECT_FALSE(QFile::exists(left));
     first.write("first");
     second.write("second");
     EXPECT_TRUE(first.commit());

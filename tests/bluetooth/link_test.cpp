@@ -50,34 +50,4 @@ TEST_F(bluetooth_channel, a_device_that_says_nothing_is_given_up_after_twenty_se
     EXPECT_TRUE(wait_until([&] { return operation.heard.join(' ').contains("ELM327"); }));
 }
 
-TEST_F(bluetooth_channel, one_that_is_lost_is_opened_again_until_it_holds) {
-    operation.goes_on = true;
-    operation.on_work = [&] { link.sendOBDcmd_n("AT I\r", "ELM", false); };
-    place.take_device(obd_address, "OBDII");
-    link.openInterfaceConnection();
-    const auto answers = [&](qsizetype count) {
-        return wait_until([&] { return operation.heard.filter("ELM327").size() == count; });
-    };
-    EXPECT_TRUE(answers(1));
-
-    service.fault("ConnectProfile", "org.bluez.Error.Failed"); // it is off for a while
-    service.call("close_channels");
-    const auto pauses_before = [&](int attempt) {
-        return wait_until([&] { return view.last("status").endsWith(QString(" s (try %1)").arg(attempt)); });
-    };
-    EXPECT_TRUE(pauses_before(1));
-    clock.advance(1000);
-    EXPECT_TRUE(pauses_before(2));
-    clock.advance(2000);
-    EXPECT_TRUE(pauses_before(3));
-    EXPECT_TRUE(link.is_opening());
-    service.fault("ConnectProfile", "");
-    clock.advance(4000);
-    EXPECT_TRUE(answers(2));
-    EXPECT_FALSE(link.is_reconnecting());
-    EXPECT_EQ(operation.heard.filter("leave").size(), 0);
-    EXPECT_EQ(view.last("choose"), ""); // nobody was asked for another device
-    EXPECT_EQ(service.call("profiles"), 1);
-}
-
 } // namespace brivant

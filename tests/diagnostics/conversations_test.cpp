@@ -13,9 +13,9 @@ namespace {
 
 const QString folder = QStringLiteral(BV_TESTS "/diagnostics/conversations/");
 
-QString played(const conversation& talk, delivery pace = delivery::whole) {
+QString played(const conversation& talk) {
     diagnostic_bench bench;
-    return play(talk, bench, pace);
+    return play(talk, bench);
 }
 
 conversation the_usual_one() {
@@ -42,18 +42,8 @@ conversation cut(const conversation& talk, qsizetype command, const QString& end
 } // namespace
 
 TEST(conversations, happen_as_written_however_the_text_is_cut) {
-    const QStringList clean = conversations_in(folder);
-    const QStringList refusals = conversations_in(folder + "refusals");
-    ASSERT_GT(clean.size(), 20);
-    ASSERT_GT(refusals.size(), 15);
-    QStringList files = clean;
-    for (const QString& file : refusals)
-        files += "refusals/" + file;
-    for (const QString& file : files) {
-        const conversation talk = conversation::load(folder + file);
-        EXPECT_EQ(played(talk), "");
-        EXPECT_EQ(played(talk, delivery::byte_by_byte), "") << "byte by byte";
-    }
+    for (const auto& [place, least] : {std::pair("", 20), {"refusals/", 15}})
+        expect_as_written<diagnostic_bench>(folder + place, least, {delivery::whole, delivery::byte_by_byte});
 }
 
 // One command more, and the rest as before: the exchange is back in step at once.
@@ -128,24 +118,6 @@ TEST(conversations, end_at_the_fifth_time_out_and_tell_why) {
             {{'=', "shown message: {DLG_4_TIMEOUTS_CHECK}", sent.where}, {'=', "timers 0", sent.where}};
         EXPECT_EQ(play(silent, bench), "");
     }
-}
-
-// The reply to the command before the stop comes during the next operation, and even fits its first command.
-TEST(conversations, a_reply_from_before_a_stop_does_not_answer_what_comes_after) {
-    diagnostic_bench bench;
-    conversation talk = the_usual_one();
-    const QList<qsizetype> commands = talk.commands();
-    conversation again;
-    again.steps = talk.steps.first(commands[1] + 1); // AT Z answered, AT E0 sent
-    again.steps += {'!', "do stop", "stop"};
-    again.steps += {'!', "do link-info", "again"};
-    again.steps += {'>', "AT E0", "again"};
-    again.steps += {'|', "OK\\r\\r>", "late"}; // the second AT E0 waits for the answer to the first
-    again.steps += {'|', "OK\\r\\r>", "in time"};
-    again.steps += {'>', "AT I", "again"};
-    again.steps += {'|', "ELM327 v1.5\\r\\r>", "the answer"};
-    again.steps += {'>', "AT DP", "again"};
-    EXPECT_EQ(play(again, bench), "");
 }
 
 // A command that is never confirmed is sent four times; what its step makes of "~".

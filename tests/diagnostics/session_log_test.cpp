@@ -1,11 +1,12 @@
 #include "diagnostics/session_log.h"
 
 #include "operations/operation_code.h"
+#include "tests/support/other_program.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
+#include "tests/support/test_file.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -19,10 +20,7 @@ struct log_bench : temporary_profile {
     QStringList session_files() const {
         return QDir(paths.application_folder + "/loggies").entryList(QDir::Files);
     }
-    QString session_text() const {
-        QFile file(log.cur_log_file_name());
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : "no file";
-    }
+    QString session_text() const { return QString::fromUtf8(bytes_of(log.cur_log_file_name())); }
     // Every row of a query, its columns joined by "|".
     QStringList rows(const QString& sql) {
         QStringList texts;
@@ -35,14 +33,10 @@ struct log_bench : temporary_profile {
 
     // From now on the database refuses the chunk with this line number.
     void refuse_line(int number) {
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(db.path().toUtf8().constData(), &other), SQLITE_OK);
-        const QByteArray sql = "DROP TABLE LOGGIES_DATA; CREATE TABLE LOGGIES_DATA (LOG_ID INTEGER, DATA "
-                               "TEXT, LINE_NUMBER INTEGER "
-                               "CHECK (LINE_NUMBER <> " +
-                               QByteArray::number(number) + "), time_stamp DATETIME, DATA2 TEXT)";
-        EXPECT_EQ(sqlite3_exec(other, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(other);
+        other_program(db.path()).runs(
+            "DROP TABLE LOGGIES_DATA; CREATE TABLE LOGGIES_DATA (LOG_ID INTEGER, DATA TEXT, LINE_NUMBER "
+            "INTEGER CHECK (LINE_NUMBER <> " +
+            QByteArray::number(number) + "), time_stamp DATETIME, DATA2 TEXT)");
     }
 };
 
@@ -93,14 +87,13 @@ TEST(session_log, a_report_in_the_file_and_in_the_database) {
 
 TEST(session_log, a_file_that_cannot_be_written_is_left_out) {
     log_bench t;
-    QFile in_the_way(t.paths.application_folder + "/loggies");
-    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
-    in_the_way.close();
+    const QString in_the_way = t.paths.application_folder + "/loggies";
+    put_file(in_the_way);
     t.log.work_out_log_file(op_mode6, true, false);
     t.log.append_to_log("text");
     EXPECT_TRUE(t.log.is_on());
     EXPECT_EQ(t.log.store({"Mode6", "results", "text", ""}, {}, 1), "");
-    EXPECT_EQ(in_the_way.size(), 0);
+    EXPECT_EQ(bytes_of(in_the_way), "");
     EXPECT_EQ(t.chunks(), QStringList("1|0|text"));
 }
 
@@ -115,13 +108,12 @@ TEST(session_log, a_log_is_stored_whole_or_not_at_all) {
     }
 
     log_bench locked;
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(locked.db.path().toUtf8().constData(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    auto other = std::make_unique<other_program>(locked.db.path());
+    other->runs("BEGIN EXCLUSIVE");
     locked.log.work_out_log_file(op_misfire, true, true);
     EXPECT_TRUE(locked.log.store(misfire, {}, 1).contains("locked by another program"));
     EXPECT_EQ(locked.session_text(), misfire.text);
-    sqlite3_close(other);
+    other.reset();
     EXPECT_EQ(locked.headers(), QStringList());
 }
 

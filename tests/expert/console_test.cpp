@@ -48,13 +48,7 @@ struct console_bench : adapter_bench {
 } // namespace
 
 TEST(console, happens_as_written) {
-    const QString folder = QStringLiteral(BV_TESTS "/expert/conversations/");
-    const QStringList files = conversations_in(folder);
-    ASSERT_GT(files.size(), 7);
-    for (const QString& file : files) {
-        console_bench bench;
-        EXPECT_EQ(play(conversation::load(folder + file), bench), "");
-    }
+    expect_as_written<console_bench>(QStringLiteral(BV_TESTS "/expert/conversations/"), 7);
 }
 
 TEST(console, shows_an_answer_of_any_length) {

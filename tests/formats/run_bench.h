@@ -1,15 +1,11 @@
 #pragma once
 
-#include "formats/run_writer.h"
+#include "tests/formats/run_items.h"
 #include "tests/support/print_qt.h"
 
-#include <QBuffer>
 #include <gtest/gtest.h>
-#include <variant>
 
 namespace brivant {
-
-using run_item = std::variant<timed_sweep, timed_mark>;
 
 inline run_head drive_head() {
     run_head head;
@@ -21,17 +17,6 @@ inline run_head drive_head() {
                     {"05", "Engine coolant temperature", "\u00B0 C"}};
     head.has_offsets = true;
     return head;
-}
-
-inline bool write_run(run_writer& writer, const run_head& head, const QList<run_item>& items) {
-    bool is_well = writer.begin(head);
-    for (const run_item& item : items) {
-        if (const auto* sweep = std::get_if<timed_sweep>(&item))
-            is_well = writer.add(*sweep);
-        else
-            is_well = writer.mark(std::get<timed_mark>(item));
-    }
-    return writer.end() && is_well;
 }
 
 inline QByteArray written(run_format::kind what, const run_head& head, const QList<run_item>& items) {

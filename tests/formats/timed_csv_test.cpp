@@ -1,4 +1,3 @@
-#include "formats/timed_csv_reader.h"
 #include "tests/formats/run_bench.h"
 
 #include <cmath>
@@ -8,26 +7,6 @@
 namespace brivant {
 
 namespace {
-
-struct read_run {
-    run_head head;
-    QList<run_item> items;
-    QString problem;
-};
-
-read_run read(QByteArray bytes) {
-    QBuffer file(&bytes);
-    file.open(QIODevice::ReadOnly);
-    timed_csv_reader reader(file);
-    read_run run;
-    if (reader.read_head()) {
-        run.head = reader.head();
-        while (auto item = reader.next())
-            run.items += *item;
-    }
-    run.problem = reader.problem();
-    return run;
-}
 
 run_head two_columns() {
     run_head head = drive_head();
@@ -89,7 +68,7 @@ TEST(timed_csv, round_trip) {
                                           any_number(),   std::nullopt,    -1.0 * i};
         items += sweep;
     }
-    const read_run back = read(written(run_format::kind::timed_csv, head, items));
+    const read_run back = read_timed_csv(written(run_format::kind::timed_csv, head, items));
     EXPECT_EQ(back.problem, "");
     EXPECT_EQ(back.head, head);
     ASSERT_EQ(back.items.size(), items.size());
@@ -100,7 +79,7 @@ TEST(timed_csv, round_trip) {
 TEST(timed_csv, as_others_leave_it) {
     QByteArray by_spreadsheet = "\xEF\xBB\xBF" + first_line + "\n\"1.5\",850,,1,2,here,\n2,,,,,,";
     by_spreadsheet.replace("\r\n", "\n");
-    const read_run run = read(by_spreadsheet);
+    const read_run run = read_timed_csv(by_spreadsheet);
     EXPECT_EQ(run.problem, "");
     EXPECT_EQ(run.head, two_columns());
     const QList<run_item> items{timed_sweep{1500, {850.0, std::nullopt}, {1, 2}, {}},
@@ -158,14 +137,15 @@ TEST(timed_csv, hostile) {
         {good + "1,1,2,3,4,\xC0\x80,\n", "Line 3: its mark is not text in UTF-8."},
     };
     for (const row& one : rows) {
-        const read_run run = read(one.bytes);
+        const read_run run = read_timed_csv(one.bytes);
         EXPECT_EQ(run.problem, one.problem) << one.bytes.left(400).toStdString();
         EXPECT_EQ(run.items.size(), one.bytes.startsWith(good) ? 1 : 0); // what came before stands
     }
     run_head somewhere = two_columns();
     somewhere.has_positions = true;
     const QByteArray head = written(run_format::kind::timed_csv, somewhere, {});
-    EXPECT_EQ(read(head + "1,,,90.5,0,,,,,,,,,\n").problem, "Line 2: its position is not on the earth.");
+    EXPECT_EQ(read_timed_csv(head + "1,,,90.5,0,,,,,,,,,\n").problem,
+              "Line 2: its position is not on the earth.");
 }
 
 } // namespace brivant

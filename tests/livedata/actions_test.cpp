@@ -1,7 +1,7 @@
 #include "tests/livedata/live_bench.h"
+#include "tests/support/other_program.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -82,19 +82,14 @@ TEST(actions, sweeps_that_could_not_be_stored_are_counted_and_leave_a_gap) {
                              "> 01 0C\n< 7E8 04 41 0C 1A F8 \n> 01 0C"),
              bench);
     EXPECT_EQ(begun, "");
-    const auto outside = [path = bench.profile.db.path().toUtf8()](const char* statement) {
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(path.constData(), &other), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(other, statement, nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(other);
-    };
-    outside("ALTER TABLE LOGGIES_DATA RENAME TO AWAY");
+    other_program other(bench.profile.db.path());
+    other.runs("ALTER TABLE LOGGIES_DATA RENAME TO AWAY");
     bench.adapter->receive("7E8 04 41 0C 1A F8 \r\r>");
     bench.adapter->receive("7E8 04 41 0C 1A FC \r\r>");
     EXPECT_EQ(bench.view.events.filter("message: The samples are shown, but not stored. ").size(), 1);
     EXPECT_EQ(bench.facts["sweeps"](), "3");
     EXPECT_EQ(bench.facts["lines"](), "1");
-    outside("ALTER TABLE AWAY RENAME TO LOGGIES_DATA");
+    other.runs("ALTER TABLE AWAY RENAME TO LOGGIES_DATA");
     bench.adapter->receive("7E8 04 41 0C 1A FC \r\r>");
     EXPECT_EQ(bench.facts["data"](), "0:410C1AF8 / 1:~ / 2:410C1AFC");
     EXPECT_EQ(bench.controller->sweeps_lost(), 2);

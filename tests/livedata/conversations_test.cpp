@@ -11,25 +11,11 @@ namespace {
 
 const QString folder = QStringLiteral(BV_TESTS "/livedata/conversations/");
 
-QString played(const conversation& talk, delivery pace = delivery::whole) {
-    live_bench bench;
-    return play(talk, bench, pace);
-}
-
 } // namespace
 
 TEST(live_conversations, happen_as_written_however_the_text_is_cut) {
-    QStringList files = conversations_in(folder);
-    const QStringList refusals = conversations_in(folder + "refusals");
-    ASSERT_GT(files.size(), 7);
-    ASSERT_GT(refusals.size(), 3);
-    for (const QString& file : refusals)
-        files += "refusals/" + file;
-    for (const QString& file : files) {
-        const conversation talk = conversation::load(folder + file);
-        EXPECT_EQ(played(talk), "");
-        EXPECT_EQ(played(talk, delivery::byte_by_byte), "") << "byte by byte";
-    }
+    for (const auto& [place, least] : {std::pair("", 7), {"refusals/", 3}})
+        expect_as_written<live_bench>(folder + place, least, {delivery::whole, delivery::byte_by_byte});
 }
 
 // A reply that cannot be used is asked for again, and no value gets into another column. Not behind a
@@ -44,7 +30,8 @@ TEST(live_conversations, survive_noise_at_every_command) {
         talk.steps.erase(late, talk.steps.end());
         for (const qsizetype command : talk.commands()) {
             if (!talk.reply_to(command).isEmpty()) {
-                EXPECT_EQ(played(disturbed(talk, command, disturbance::noise)), "")
+                live_bench bench;
+                EXPECT_EQ(play(disturbed(talk, command, disturbance::noise), bench), "")
                     << "noise at " << talk.steps[command].where.toStdString();
             }
         }

@@ -4,13 +4,14 @@
 #include "logs/manage_logsDB.h"
 #include "persistence/deletions.h"
 #include "persistence/vehicles.h"
+#include "tests/support/other_program.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/recording_screen.h"
 #include "tests/support/temporary_profile.h"
+#include "tests/support/test_file.h"
 
 #include <QFile>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -40,12 +41,7 @@ struct log_bench {
                 .arg(id));
         return id;
     }
-    void run(const QString& sql) {
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(profile.db.path().toUtf8().constData(), &other), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(other, sql.toUtf8().constData(), nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(other);
-    }
+    void run(const QString& sql) { other_program(profile.db.path()).runs(sql.toUtf8()); }
     // The numbers of the listed logs, read in blocks of `block`.
     QString listed(int kind = 0, int recency = 0, int block = 2) {
         manager.choose_kind(kind);
@@ -59,10 +55,6 @@ struct log_bench {
         return numbers.join(' ');
     }
     log_header header(int id) { return *log_with_id(profile.db, id); }
-    void make_file(const QString& path) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
 };
 
 } // namespace
@@ -218,8 +210,8 @@ TEST(selected_logs, are_copied_as_the_files_that_exist) {
 
     const QString of_export = documents + "/" + export_file_name(exported, false);
     const QString of_kept = application + "/" + export_file_name(kept, true);
-    bench.make_file(of_export);
-    bench.make_file(of_kept);
+    put_file(of_export);
+    put_file(of_kept);
     int missing = 0;
     EXPECT_EQ(bench.manager.copied_files({exported, kept, never}, missing),
               QStringList({of_export, of_kept}));

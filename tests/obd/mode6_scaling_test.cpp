@@ -2,8 +2,8 @@
 
 #include "base/text_resources.h"
 #include "obd/number_text.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -50,9 +50,7 @@ TEST(mode6_scaling, unlisted_identifiers_give_the_raw_value) {
 TEST(mode6_scaling, descriptions_cover_the_range_up_to_the_next_line) {
     QTemporaryDir folder;
     const auto write = [&folder](const QString& list, const QByteArray& lines) {
-        QFile file(folder.filePath(list));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(lines);
+        put_file(folder.filePath(list), lines);
     };
     write("OBDMID_CAN.txt", "10|ten\n20 some|twenty|more\n30\n40|end\n");
     const text_resources lists(folder.path());

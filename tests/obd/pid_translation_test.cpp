@@ -2,8 +2,8 @@
 #include "obd/maker_values.h"
 #include "obd/number_text.h"
 #include "obd/pid_translation.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -22,9 +22,7 @@ protected:
         write("SUBARU_SSMID", "A2 other\nA1 EE20\nA1 never");
     }
     void write(const QString& list, const QByteArray& lines) {
-        QFile file(folder.filePath(list + ".txt"));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(lines);
+        put_file(folder.filePath(list + ".txt"), lines);
     }
     QString in(unit_system units, const QString& reply) { return translateResponse(reply, units, lists); }
     double number(const QString& reply) { return get_OBDVal(reply, metric, lists); }

@@ -2,8 +2,8 @@
 #include "operations/inner_process_pid_support.h"
 #include "tests/support/conversation.h"
 #include "tests/support/print_qt.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <gtest/gtest.h>
 
 namespace brivant {
@@ -58,9 +58,7 @@ struct operation_bench : adapter_bench {
         facts["ended"] = [this] { return ended; };
         facts["logged"] = [this] { // of the initialisation's own lines the last
             silence_console_log();
-            QFile log(profile.folder.filePath("log"));
-            EXPECT_TRUE(log.open(QIODevice::ReadOnly));
-            const QString text = QString::fromUtf8(log.readAll());
+            const QString text = QString::fromUtf8(bytes_of(profile.folder.filePath("log")));
             return text.sliced(text.lastIndexOf("reacCods>m::")).section('\n', 0, 0);
         };
     }
@@ -75,13 +73,7 @@ struct operation_bench : adapter_bench {
 } // namespace
 
 TEST(initialisation, happens_as_written) {
-    const QString folder = QStringLiteral(BV_TESTS "/operations/conversations/");
-    const QStringList files = conversations_in(folder);
-    ASSERT_GT(files.size(), 6);
-    for (const QString& file : files) {
-        operation_bench bench;
-        EXPECT_EQ(play(conversation::load(folder + file), bench), "");
-    }
+    expect_as_written<operation_bench>(QStringLiteral(BV_TESTS "/operations/conversations/"), 6);
 }
 
 } // namespace brivant

@@ -90,10 +90,9 @@ TEST(log_files, folders_are_made_and_session_files_deleted) {
     const test_database t; // for its log
     const QString deep = t.folder.filePath("some/where");
     EXPECT_EQ(work_out_log_fname(deep, "a.csv"), deep + "/loggies/a.csv");
-    QFile session(deep + "/loggies/dtc_1");
-    ASSERT_TRUE(session.open(QIODevice::WriteOnly));
+    put_file(deep + "/loggies/dtc_1");
     delete_a_log(deep, "dtc_1");
-    EXPECT_FALSE(session.exists());
+    EXPECT_FALSE(QFile::exists(deep + "/loggies/dtc_1"));
     EXPECT_EQ(t.log(), "");
     delete_a_log(deep, "dtc_1");
     EXPECT_TRUE(t.log().startsWith("oops: ")) << t.log().toStdString();

@@ -42,15 +42,12 @@ TEST(log_import, takes_back_what_was_exported) {
     EXPECT_EQ(t.column("SELECT DISTINCT time_stamp FROM LOGGIES"), "2013-05-01 14:03:07");
 
     // What cannot be taken is counted; a file that ends in the middle, or is stopped, leaves nothing.
-    QFile file(t.folder.filePath("its copy.csv"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
+    const QByteArray text = bytes_of(t.folder.filePath("its copy.csv"));
     const auto imported = [&](const QByteArray& content, bool goes_on = true) {
-        QFile changed(t.folder.filePath("changed.csv"));
-        EXPECT_TRUE(changed.open(QIODevice::WriteOnly) && changed.write(content) == content.size());
-        changed.close();
+        const QString changed = t.folder.filePath("changed.csv");
+        put_file(changed, content);
         log_import importing(t.db, t.lists);
-        const bool done = importing.take(changed.fileName(), 1, [goes_on](int) { return goes_on; });
+        const bool done = importing.take(changed, 1, [goes_on](int) { return goes_on; });
         return done ? QString::number(importing.values_left_out()) : importing.problem();
     };
     const QString logs = "SELECT COUNT(*) FROM LOGGIES, BV_RUNS, LOGGIES_DATA, BV_MOMENTS, BV_MARKS";

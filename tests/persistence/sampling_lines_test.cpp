@@ -46,11 +46,6 @@ struct run_database : test_database {
     qint64 size_of_wal() const { return QFileInfo(db.path() + "-wal").size(); }
     // Neither a companion file nor a mark in the header that asks for one.
     bool is_one_plain_file() const { return !QFileInfo::exists(db.path() + "-wal") && bytes().at(18) == 1; }
-    // What another start would find if the power went now.
-    void copy_to(const test_database& other) const {
-        for (const char* part : {"", "-wal"})
-            QFile::copy(db.path() + part, other.db.path() + part);
-    }
 };
 
 } // namespace
@@ -88,22 +83,6 @@ TEST(sampling_lines, the_next_start_finishes_a_run_that_was_cut_short) {
               "part was left removed.");
     EXPECT_EQ(t.column("SELECT LOG_ID || ':' || INFO FROM LOGGIES"), "1:2 Sample points  ");
     EXPECT_EQ(put_in_order(next_start), "");
-}
-
-TEST(sampling_lines, every_line_that_was_stored_outlives_a_sudden_end) {
-    run_database t;
-    t.db.begin_lines();
-    for (int line = 0; line < 135; ++line) {
-        ASSERT_GT(t.append(line), 0);
-        if (line % 9 != 0 && line % 64 > 1)
-            continue;
-        test_database found;
-        t.copy_to(found);
-        ASSERT_TRUE(found.db.init_DB());
-        EXPECT_EQ(found.column("PRAGMA integrity_check"), "ok");
-        EXPECT_EQ(found.column(count_of_lines), QString::number(line + 1));
-        EXPECT_FALSE(QFileInfo::exists(found.db.path() + "-wal"));
-    }
 }
 
 // An export that began before the run, or in its middle, reads on and holds up no line.

@@ -3,11 +3,11 @@
 #include "base/console_log.h"
 #include "persistence/database.h"
 #include "tests/support/folder_in_memory.h"
+#include "tests/support/other_program.h"
+#include "tests/support/test_file.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -19,25 +19,11 @@ struct test_database {
     test_database() { EXPECT_TRUE(redirect_console_log(folder.filePath("console.log"))); }
     ~test_database() { silence_console_log(); }
 
-    QByteArray bytes_of(const QString& path) const {
-        QFile opened(path);
-        return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
-    }
     QByteArray bytes() const { return bytes_of(db.path()); }
     QString log() const { return QString::fromUtf8(bytes_of(folder.filePath("console.log"))); }
-    void write(const QByteArray& content) const {
-        QFile made(db.path());
-        ASSERT_TRUE(made.open(QIODevice::WriteOnly));
-        made.write(content);
-    }
+    void write(const QByteArray& content) const { put_file(db.path(), content); }
     // Runs statements as another program would.
-    void outside(const QByteArray& sql) const {
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(db.path().toUtf8().constData(), &other), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(other, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(other);
-        sqlite3_close(other);
-    }
+    void outside(const QByteArray& sql) const { other_program(db.path()).runs(sql); }
     // The first column of the query's rows, joined by blanks.
     QString column(const QString& sql) {
         QStringList texts;

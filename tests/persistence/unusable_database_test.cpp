@@ -1,5 +1,6 @@
 #include "persistence/database_problem.h"
 #include "tests/persistence/test_database.h"
+#include "tests/support/other_program.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -82,12 +83,11 @@ TEST(unusable_database, newer_can_still_be_read) {
 TEST(unusable_database, locked_until_the_other_program_has_closed_it) {
     test_database t;
     ASSERT_TRUE(t.db.init_DB());
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(t.db.path().toUtf8().constData(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+    auto other = std::make_unique<other_program>(t.db.path());
+    other->runs("BEGIN EXCLUSIVE");
     expect_nothing_is_stored(t, "locked by another program");
     EXPECT_TRUE(t.db.retrieve_from_DB("SELECT * FROM VEHICLES").isEmpty());
-    sqlite3_close(other);
+    other.reset();
     EXPECT_TRUE(t.db.init_DB());
     EXPECT_EQ(t.db.problem(), "");
     EXPECT_EQ(t.db.add_2_LOG_DB("DTC", 1, ""), 1);

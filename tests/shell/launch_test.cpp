@@ -1,8 +1,8 @@
 #include "shell/program_core.h"
 #include "tests/support/print_qt.h"
+#include "tests/support/test_file.h"
 
 #include <QDir>
-#include <QFile>
 #include <gtest/gtest.h>
 
 namespace brivant {
@@ -53,32 +53,23 @@ TEST(launch_options, choose_the_link_for_this_run) {
     }
 }
 
-TEST(launch_options, the_standard_reading_holds_for_this_run) {
-    QTemporaryDir folder;
-    for (const bool standard : {true, false}) {
-        QStringList words{"--profile", folder.path()};
-        if (standard)
-            words += "--standard-reading";
-        EXPECT_EQ(program_core(asked_for(words)).toolies.standard_reading(), standard);
-    }
-}
-
-TEST(program_core, units_and_folders) {
+TEST(program_core, units_reading_and_folders) {
     QTemporaryDir folder;
     {
-        program_core core(asked_for({"--profile", folder.path(), "--metric"}));
-        EXPECT_TRUE(core.defaults.value(setting::metric_units));
+        program_core core(asked_for({"--profile", folder.path(), "--metric", "--standard-reading"}));
+        EXPECT_TRUE(core.defaults.value(setting::metric_units) && core.toolies.standard_reading());
         EXPECT_EQ(core.folder_problem(), "");
         EXPECT_TRUE(core.paths.documents.startsWith(folder.path()));
         EXPECT_TRUE(core.paths.application_folder.startsWith(folder.path()));
         EXPECT_TRUE(core.paths.settings_file.startsWith(folder.path()));
     }
     program_core next(asked_for({"--profile=" + folder.path()}));
+    EXPECT_FALSE(next.toolies.standard_reading());
     EXPECT_FALSE(next.defaults.has(setting::metric_units)); // it was for that run only
 
-    QFile in_the_way(folder.filePath("file"));
-    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
-    program_core nowhere(asked_for({"--profile", in_the_way.fileName()}));
+    const QString in_the_way = folder.filePath("file");
+    put_file(in_the_way);
+    program_core nowhere(asked_for({"--profile", in_the_way}));
     EXPECT_TRUE(nowhere.folder_problem().contains("cannot be made"));
 }
 

@@ -9,6 +9,7 @@
 #include "tests/support/hand_timers.h"
 #include "tests/support/print_qt.h"
 #include "tests/support/temporary_profile.h"
+#include "tests/support/test_file.h"
 #include "tests/support/wait_until.h"
 
 #include <QBuffer>
@@ -48,15 +49,8 @@ struct vehicles : testing::Test {
 struct photo_files : testing::Test {
     QTemporaryDir folder;
     QString path(const QString& name) { return folder.filePath(name); }
-    void write(const QString& name, const QByteArray& bytes) {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(bytes), bytes.size());
-    }
-    QByteArray read(const QString& name) {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    void write(const QString& name, const QByteArray& bytes) { put_file(path(name), bytes); }
+    QByteArray read(const QString& name) { return bytes_of(path(name)); }
 };
 
 // A JPEG that goes over its picture so often.
@@ -143,28 +137,16 @@ TEST_F(vehicles, with_many_logs_are_gone_at_once_and_their_lines_in_slices) {
     EXPECT_EQ(clock.running(), 0U);
 }
 
-TEST_F(vehicles, a_photo_chosen_on_edit_gets_a_row_and_then_replaces_it) {
-    EXPECT_EQ(photo_rows(), 0);
-    EXPECT_EQ(list.saveCurCarVals(1, {"Van", "2012", "3.0 lts."}, {}).id, 1);
-    EXPECT_EQ(photo_rows(), 0);
-    for (const int width : {40, 1000}) {
-        const auto saved = list.saveCurCarVals(1, {"Van", "2012", "3.0 lts."}, picture(width, 30));
-        EXPECT_EQ(saved.id, 1);
-        EXPECT_EQ(saved.problem, "");
-        EXPECT_EQ(photo_rows(), 1);
-        EXPECT_EQ(photo_of_vehicle(profile.db, 1).width(), std::min(width, 270));
-    }
-    const auto added = list.saveCurCarVals(-1, {"Bus", "", ""}, picture(40, 30));
-    EXPECT_EQ(photo_of_vehicle(profile.db, added.id).width(), 40);
-    EXPECT_EQ(photo_rows(), 2);
-}
-
 TEST_F(vehicles, may_have_an_apostrophe_and_what_cannot_be_stored_is_told) {
     for (const int id : {-1, 1})
         EXPECT_EQ(list.saveCurCarVals(id, {"Ann's", "19'99", "3.0'"}, {}).problem, "");
     EXPECT_EQ(names(), "1 Ann's, 2 Ann's");
     EXPECT_EQ(vehicle_with_id(profile.db, 2)->model_year, "19'99");
-    EXPECT_EQ(list.saveCurCarVals(7, {"Nobody", "", ""}, {}).id, -1);
+    EXPECT_EQ(photo_rows(), 0);
+    const int bus = list.saveCurCarVals(-1, {"Bus", "", ""}, picture(40, 30)).id;
+    EXPECT_EQ(photo_of_vehicle(profile.db, bus).width(), 40);
+    EXPECT_EQ(list.saveCurCarVals(7, {"Nobody", "", ""}, picture(40, 30)).id, -1);
+    EXPECT_EQ(photo_rows(), 1);
 }
 
 TEST(vehicle_values, are_checked_where_they_are_typed) {

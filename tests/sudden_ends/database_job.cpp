@@ -7,6 +7,7 @@
 #include "livedata/run_log.h"
 #include "operations/operation_code.h"
 #include "persistence/deletions.h"
+#include "persistence/log_import.h"
 #include "persistence/recovery.h"
 #include "shell/program_core.h"
 
@@ -43,6 +44,11 @@ bool is_deleted(deletion&& going) {
     return !going.has_failed();
 }
 
+bool import_run(program_core& core) {
+    return log_import(core.db, core.toolies.lists())
+        .take(core.paths.documents + QStringLiteral("/run.csv"), 2, [](int) { return true; });
+}
+
 bool add_vehicle(program_core& core) {
     QImage photo(8, 8, QImage::Format_RGB32);
     photo.fill(Qt::red);
@@ -60,6 +66,7 @@ const QHash<QString, std::function<bool(program_core&)>> jobs{
     {"start", start},
     {"report", store_report},
     {"run", store_run},
+    {"import", import_run},
     {"vehicle", add_vehicle},
     {"delete-log", [](program_core& core) { return is_deleted(log_deletion(core.db, {1})); }},
     {"delete-vehicle", [](program_core& core) { return is_deleted(vehicle_deletion(core.db, 2)); }}};

@@ -3,9 +3,11 @@
 // each change, else about ten of each job.
 
 #include "base/app_paths.h"
+#include "formats/run_writer.h"
 #include "persistence/recovery.h"
 #include "tests/persistence/test_database.h"
 #include "tests/support/faulty_disk.h"
+#include "tests/support/other_program.h"
 #include "tests/support/print_qt.h"
 
 #include <QDir>
@@ -17,6 +19,22 @@ namespace {
 
 constexpr int changes_tried = 10;
 
+// More than the database keeps in memory, so that it is on the disk before it is whole.
+void put_run(const QString& path) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const auto writer = make_run_writer(run_format::kind::timed_csv, file);
+    run_head head;
+    head.start_ms = 1790000000000;
+    head.columns = {{"0D", "Vehicle speed", "kph"}};
+    head.has_offsets = true;
+    writer->begin(head);
+    writer->mark({150, "here"});
+    for (int sweep = 0; sweep < 2000; ++sweep)
+        writer->add({100.0 * sweep, {60.0 + sweep % 50}, {12.5}, {}});
+    ASSERT_TRUE(writer->end());
+}
+
 // A profile with two vehicles, of which the second has a photo, a report and a long run, and the first a run.
 struct profile {
     QTemporaryDir folder{folder_in_memory()};
@@ -25,13 +43,7 @@ struct profile {
     profile() { QDir().mkpath(paths.documents); }
     QString file() const { return database(paths.documents).path(); }
 
-    void outside(const QByteArray& sql) const {
-        sqlite3* other = nullptr;
-        ASSERT_EQ(sqlite3_open(file().toUtf8().constData(), &other), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(other, sql.constData(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(other);
-        sqlite3_close(other);
-    }
+    void outside(const QByteArray& sql) const { other_program(file()).runs(sql); }
     void fill_in() const {
         database db(paths.documents);
         ASSERT_TRUE(db.init_DB() && db.init_DB() && db.add_own_parts());
@@ -45,6 +57,7 @@ struct profile {
                 "2 FROM "
                 "(WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 17999) "
                 "SELECT i FROM n)");
+        put_run(paths.documents + "/run.csv");
     }
     void copy_to(const profile& other) const {
         const QDir there(other.paths.documents);
@@ -66,6 +79,8 @@ struct profile {
               "'P', VEH_ID, LENGTH(PICY) > 0 FROM VEH_IMAGES",
               "'L', LOG_ID, VEH_ID, LOG_TYPE, INFO FROM LOGGIES",
               "'R', LOG_ID, SEQUENCE, REQUEST, REPLY FROM BV_REPLIES",
+              "'S', LOG_ID, STARTED_UTC_MS FROM BV_RUNS", "'N', LOG_ID, TEXT FROM BV_MARKS",
+              "'G', LOG_ID, COUNT(*) FROM BV_POSITIONS GROUP BY LOG_ID",
               "'D', LOG_ID, COUNT(*), MIN(LINE_NUMBER), MAX(LINE_NUMBER) FROM LOGGIES_DATA GROUP BY LOG_ID"})
             for (const QStringList& row :
                  db.retrieve_from_DB(QStringLiteral("SELECT ") + QLatin1String(rows)))
@@ -170,7 +185,7 @@ TEST_P(sudden_ends, leave_a_job_done_or_not_done) {
 }
 
 INSTANTIATE_TEST_SUITE_P(of, sudden_ends,
-                         testing::Values("start", "migrate", "report", "run", "vehicle", "delete-log",
-                                         "delete-vehicle"));
+                         testing::Values("start", "migrate", "report", "run", "import", "vehicle",
+                                         "delete-log", "delete-vehicle"));
 
 } // namespace brivant

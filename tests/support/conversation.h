@@ -3,6 +3,8 @@
 #include "tests/support/adapter_bench.h"
 #include "tests/support/print_qt.h"
 
+#include <gtest/gtest.h>
+
 namespace brivant {
 
 // clang-format off
@@ -48,6 +50,19 @@ enum class delivery { whole, byte_by_byte };
 
 // Plays the conversation. The first thing that differs, with its place; "" when nothing does.
 QString play(const conversation& talk, adapter_bench& bench, delivery pace = delivery::whole);
+
+// Plays each conversation of a folder on a bench of its own. There are more than `least`.
+template <class bench>
+void expect_as_written(const QString& folder, qsizetype least,
+                       const QList<delivery>& paces = {delivery::whole}) {
+    const QStringList files = conversations_in(folder);
+    EXPECT_GT(files.size(), least) << folder.toStdString();
+    for (const QString& file : files)
+        for (const delivery pace : paces) {
+            bench one;
+            EXPECT_EQ(play(conversation::load(folder + file), one, pace), "") << (pace == delivery::whole);
+        }
+}
 
 // What goes wrong once on the way, and is mended by sending the command again.
 enum class disturbance {

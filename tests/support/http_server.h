@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCryptographicHash>
 #include <QHash>
 #include <QHostAddress>
 #include <QTcpServer>
@@ -44,6 +45,15 @@ public:
     static QByteArray sent_on(const QString& where) {
         return "HTTP/1.1 302 Found\r\nConnection: close\r\nContent-Length: 0\r\nLocation: " +
                where.toLatin1() + "\r\n\r\n";
+    }
+    // A version 99.1 with this archive; something else may be sent for it.
+    void offer(const QByteArray& archive, const QByteArray& sent_for_it = {}) {
+        answers[QStringLiteral("/lite/version.json")] =
+            ok("{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": " +
+               QByteArray::number(archive.size()) + ", \"sha256\": \"" +
+               QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex() + "\"}");
+        answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] =
+            ok(sent_for_it.isEmpty() ? archive : sent_for_it);
     }
 
 private:

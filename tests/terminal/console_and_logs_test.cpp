@@ -1,6 +1,5 @@
+#include "tests/support/other_program.h"
 #include "tests/terminal/cli_process.h"
-
-#include <sqlite3.h>
 
 namespace brivant {
 
@@ -130,12 +129,8 @@ TEST(logs, are_shown_and_deleted) {
     EXPECT_EQ(rest.json()["logs"].toArray().size(), 1);
 
     // Made by a newer version of the program: it can be read all the same, and is not changed.
-    sqlite3* newer = nullptr;
-    ASSERT_EQ(sqlite3_open(qPrintable(folder.filePath("Documents/BV_loggies_lite.db")), &newer), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(newer, "PRAGMA user_version=9; UPDATE LOGGIES SET LOG_TYPE='%4%1'", nullptr,
-                           nullptr, nullptr),
-              SQLITE_OK);
-    sqlite3_close(newer);
+    other_program(folder.filePath("Documents/BV_loggies_lite.db"))
+        .runs("PRAGMA user_version=9; UPDATE LOGGIES SET LOG_TYPE='%4%1'");
     cli_process list(in_folder({"logs", "list"}));
     EXPECT_EQ(list.status(), 0);
     EXPECT_TRUE(list.out().contains("%4%1      Cur Veh.  ")) << list.out().constData();

@@ -1,10 +1,9 @@
 #include "tests/support/http_server.h"
+#include "tests/support/test_file.h"
 #include "tests/terminal/cli_process.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
-#include <fstream>
 #include <sys/stat.h>
 
 namespace brivant {
@@ -13,15 +12,6 @@ namespace brivant {
 // there on: the file is the old one or the new one, nothing stays beside it, and what is said is true.
 
 namespace {
-
-QByteArray bytes_of(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("none");
-}
-
-void put(const QString& path, const QByteArray& bytes) {
-    std::ofstream(QFile::encodeName(path).toStdString()) << bytes.toStdString();
-}
 
 struct profile_with_a_run {
     QTemporaryDir folder{QDir("/dev/shm").exists() ? "/dev/shm/brivant-XXXXXX"
@@ -67,7 +57,7 @@ void walk_through(const profile_with_a_run& home, const file_job& job, const QBy
     for (int at = 1;; ++at) {
         QFile::remove(path);
         if (job.replaces)
-            put(path, old_bytes);
+            put_file(path, old_bytes);
         const faulty_disk disk{variable, QByteArray::number(at) + from_there_on,
                                home.outside.filePath("told")};
         cli_process run(home.words(job.words), disk);
@@ -96,19 +86,15 @@ void walk_through(const profile_with_a_run& home, const file_job& job, const QBy
     EXPECT_GE(struck, 4) << job.name << ": a write, two syncs and a rename at least";
     QFile::remove(path);
     if (job.replaces)
-        put(path, old_bytes);
+        put_file(path, old_bytes);
 }
 
 } // namespace
 
 TEST(full_disk, leaves_the_old_file_or_the_new_one) {
     const profile_with_a_run home;
-    const QByteArray archive = QByteArray("new").repeated(70'000);
     http_server server;
-    server.answers[QStringLiteral("/lite/version.json")] = http_server::ok(
-        "{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": 210000, \"sha256\": \"" +
-        QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex() + "\"}");
-    server.answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] = http_server::ok(archive);
+    server.offer(QByteArray("new").repeated(70'000));
     ASSERT_EQ(cli_process(home.words({"settings", "set", "BV_update_server", server.address()})).status(), 0);
     ASSERT_EQ(cli_process(home.words({"--imperial", "logs", "export", "1"})).status(), 0);
     const file_job jobs[] = {
@@ -146,7 +132,7 @@ TEST(files, are_for_their_owner_alone) {
     QDirIterator all(home.folder.path(), QDir::Files, QDirIterator::Subdirectories);
     while (all.hasNext())
         chmod(QFile::encodeName(all.next()).constData(), 0644);
-    put(home.folder.filePath("Documents/letter.txt"), "the person's own");
+    put_file(home.folder.filePath("Documents/letter.txt"), "the person's own");
     chmod(QFile::encodeName(home.folder.filePath("Documents/letter.txt")).constData(), 0644);
     EXPECT_EQ(cli_process(home.words({"settings", "get"})).status(), 0);
     EXPECT_EQ(open_ones(""), QStringList("letter.txt"));

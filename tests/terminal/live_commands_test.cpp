@@ -1,5 +1,6 @@
 #include "tests/support/folder_in_memory.h"
 #include "tests/support/gpsd_stand_in.h"
+#include "tests/support/other_program.h"
 #include "tests/terminal/cli_process.h"
 
 #include <QRegularExpression>
@@ -183,12 +184,10 @@ TEST(live_commands, a_line_of_input_and_a_signal_are_marks) {
 TEST(live_trouble, a_locked_database_leaves_a_gap_and_fails_the_run) {
     endless_run live({"log", "--pids", "0C,0D", "--store"});
     ASSERT_TRUE(live.prints(3)) << live.run.progress().constData();
-    sqlite3* other = nullptr;
-    const QByteArray path = (live.profile.path() + "/Documents/BV_loggies_lite.db").toUtf8();
-    ASSERT_EQ(sqlite3_open(path.constData(), &other), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    auto other = std::make_unique<other_program>(live.profile.filePath("Documents/BV_loggies_lite.db"));
+    other->runs("BEGIN IMMEDIATE");
     EXPECT_TRUE(live.prints(live.lines() + 3));
-    sqlite3_close(other);
+    other.reset();
     EXPECT_TRUE(live.prints(live.lines() + 3));
     ::kill(static_cast<pid_t>(live.run.process.processId()), SIGINT);
     EXPECT_EQ(live.run.status(), 1);

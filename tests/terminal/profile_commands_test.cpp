@@ -1,7 +1,7 @@
 #include "tests/support/http_server.h"
+#include "tests/support/test_file.h"
 #include "tests/terminal/cli_process.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 
 namespace brivant {
@@ -30,10 +30,7 @@ struct kept_profile {
 TEST(vehicles_command, keeps_the_vehicles) {
     kept_profile home;
     const QString photo = home.folder.filePath("photo.gif");
-    QFile file(photo);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
-    file.close();
+    put_file(photo, QByteArray::fromBase64("R0lGODlhAQABAIAAAP8AAP///yH5BAAAAAAALAAAAAABAAEAAAICRAEAOw=="));
     EXPECT_EQ(home.out({"vehicles", "list"}), "*    1  Cur Veh.  2012  3.0 lts.\n");
     EXPECT_EQ(home.out({"vehicles", "add", "Ann's", "year=2019", "photo=" + photo}), "2\n");
     EXPECT_EQ(home.status({"vehicles", "edit", "2", "engine=1.6"}), 0);
@@ -113,9 +110,7 @@ TEST(anonymous_reports, tell_of_no_car_which_it_is) {
         EXPECT_EQ(home.status({"settings", "set", "BV_anonymous", "true"}), 0);
         EXPECT_EQ(home.status({demo, "--log", "vehicle-info"}), 0);
         EXPECT_EQ(home.out({"logs", "show", "1"}).count(vin.last(8)), 0);
-        QFile log(home.folder.filePath("Documents/console.log"));
-        ASSERT_TRUE(log.open(QIODevice::ReadOnly));
-        const QByteArray lines = log.readAll();
+        const QByteArray lines = bytes_of(home.folder.filePath("Documents/console.log"));
         EXPECT_TRUE(lines.contains("Sending[09 02")) << car.toStdString();
         EXPECT_FALSE(lines.contains(vin.last(8)) || lines.contains(vin.last(4).toHex().toUpper()) ||
                      lines.contains(vin.last(4).toHex(' ').toUpper()))
@@ -127,10 +122,7 @@ TEST(update_check_command, asks_the_server_in_the_settings_alone) {
     kept_profile home;
     const QByteArray archive = QByteArray("new").repeated(1000);
     http_server server;
-    server.answers[QStringLiteral("/lite/version.json")] = http_server::ok(
-        "{\"version\": \"99.1\", \"archive\": \"brivant-lite-99.1.zip\", \"size\": 3000, \"sha256\": \"" +
-        QCryptographicHash::hash(archive, QCryptographicHash::Sha256).toHex() + "\"}");
-    server.answers[QStringLiteral("/lite/brivant-lite-99.1.zip")] = http_server::ok(archive);
+    server.offer(archive);
     EXPECT_EQ(home.json({"update-check"})["problem"].toString(),
               "No update server is set, so none was asked.");
     for (const auto& [words, status] : {std::pair<QStringList, int>{{"update-check"}, 1},
@@ -143,9 +135,7 @@ TEST(update_check_command, asks_the_server_in_the_settings_alone) {
     EXPECT_EQ(asked["newest"].toString(), "99.1");
     EXPECT_TRUE(asked["is_newer"].toBool());
     EXPECT_EQ(asked["file"].toString(), "");
-    QFile file(home.json({"update-check", "download"})["file"].toString());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), archive);
+    EXPECT_EQ(bytes_of(home.json({"update-check", "download"})["file"].toString()), archive);
 }
 
 } // namespace brivant

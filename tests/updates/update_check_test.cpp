@@ -2,6 +2,7 @@
 
 #include "tests/support/http_server.h"
 #include "tests/support/print_qt.h"
+#include "tests/support/test_file.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -84,10 +85,8 @@ TEST(update_check, fetches_a_newer_archive_whole) {
 
     ASSERT_EQ(net.download(), QString());
     EXPECT_EQ(net.files(), QStringList(QStringLiteral("brivant-lite-1.2.0.tar.xz")));
-    QFile file(net.updates.file());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), content);
-    EXPECT_FALSE(file.permissions() & QFile::ExeOwner);
+    EXPECT_EQ(bytes_of(net.updates.file()), content);
+    EXPECT_FALSE(QFile::permissions(net.updates.file()) & QFile::ExeOwner);
 
     for (const QByteArray& answer :
          {in_chunks(content), QByteArray("HTTP/1.0 200 Whatever\n\n" + content)}) { // up to its end
@@ -104,15 +103,12 @@ TEST(update_check, replaces_nothing_and_follows_no_link) {
     const QString name = net.folder.filePath(QStringLiteral("brivant-lite-1.2.0.tar.xz"));
     const QString mine = net.folder.filePath(QStringLiteral("mine"));
     for (const bool as_link : {true, false}) {
-        QFile file(as_link ? mine : name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("mine");
-        file.close();
+        const QString file = as_link ? mine : name;
+        put_file(file, "mine");
         ASSERT_TRUE(!as_link || QFile::link(mine, name));
         EXPECT_TRUE(net.download().contains(as_link ? QStringLiteral("a link has this name")
                                                     : QStringLiteral("is there already")));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), "mine");
+        EXPECT_EQ(bytes_of(file), "mine");
         QFile::remove(name);
     }
     EXPECT_EQ(net.server.asked.size(), 1) << "the server was not asked in vain";
