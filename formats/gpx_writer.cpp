@@ -1,6 +1,5 @@
-#include "formats/gpx_writer.h"
-
 #include "formats/export_text.h"
+#include "formats/run_writers.h"
 
 #include <cmath>
 
@@ -22,7 +21,32 @@ QString element(const char* name, const std::optional<double>& value) {
     return QStringLiteral("<%1>%2</%1>").arg(QLatin1String(name), QString::fromLatin1(number_text(*value)));
 }
 
-} // namespace
+// The positions of a run as a GPX 1.1 track. Where there was none for long a new segment begins. A mark
+// names the point before it: waypoints would have to stand before the track. Speed and course, for which GPX
+// 1.1 has no elements, stand in Garmin's extension of track points. What the receiver has told once is one
+// point, at its own moment, however many sweeps share it.
+class gpx_writer : public run_writer {
+public:
+    explicit gpx_writer(QIODevice& out) : run_writer(out) {}
+
+private:
+    void write_head() override;
+    void write_sweep(const timed_sweep& sweep) override;
+    void write_mark(const timed_mark& its_mark) override;
+    void write_end() override;
+
+    struct track_point {
+        double ms;
+        geo_position position;
+    };
+    void write_point();
+    void end_segment();
+
+    std::optional<track_point> latest; // not written yet: a mark may come
+    std::optional<double> told_ms;     // when that of the point before was told
+    QStringList names;                 // of it, or of the first
+    bool in_segment = false;
+};
 
 void gpx_writer::write_head() {
     put(QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -87,6 +111,12 @@ void gpx_writer::end_segment() {
     if (in_segment)
         put("</trkseg>\n");
     in_segment = false;
+}
+
+} // namespace
+
+std::unique_ptr<run_writer> make_gpx_writer(QIODevice& out) {
+    return std::make_unique<gpx_writer>(out);
 }
 
 } // namespace brivant

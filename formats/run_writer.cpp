@@ -1,9 +1,6 @@
 #include "formats/run_writer.h"
 
-#include "formats/gpx_writer.h"
-#include "formats/mdf4_writer.h"
-#include "formats/msl_writer.h"
-#include "formats/timed_csv_writer.h"
+#include "formats/run_writers.h"
 
 #include <QFileDevice>
 #include <algorithm>
@@ -90,10 +87,10 @@ void run_writer::fail(const QString& sentence) {
 
 std::unique_ptr<run_writer> make_run_writer(run_format::kind what, QIODevice& out) {
     switch (what) {
-    case run_format::kind::timed_csv: return std::make_unique<timed_csv_writer>(out);
-    case run_format::kind::msl: return std::make_unique<msl_writer>(out);
-    case run_format::kind::mdf4: return std::make_unique<mdf4_writer>(out);
-    default: return std::make_unique<gpx_writer>(out);
+    case run_format::kind::timed_csv: return make_timed_csv_writer(out);
+    case run_format::kind::msl: return make_msl_writer(out);
+    case run_format::kind::mdf4: return make_mdf4_writer(out);
+    default: return make_gpx_writer(out);
     }
 }
 
