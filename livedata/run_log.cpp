@@ -64,7 +64,8 @@ void run_log::work_out_log_file(int operation, bool metric) {
     log_out_stream.setFileName(work_out_log_fname_for_mode(paths.application_folder, operation, metric,
                                                            QDateTime::currentDateTime()) +
                                QStringLiteral(".gol"));
-    if (!log_out_stream.open(QIODevice::WriteOnly))
+    // The hour of its name is one of twelve: it may be there.
+    if (!log_out_stream.open(QIODevice::Append))
         console_log(QStringLiteral("work_out_log_file::%1").arg(log_out_stream.errorString()));
 }
 

@@ -1,6 +1,7 @@
 #include "logs/manage_logsDB.h"
 
 #include "base/string_table.h"
+#include "persistence/export_names.h"
 #include "persistence/log_files.h"
 
 #include <QDir>

@@ -34,6 +34,7 @@ const auto create_marks      = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_MAR
 const auto forget_marks      = QStringLiteral("BV_FORGET_MARKS AFTER DELETE ON LOGGIES BEGIN DELETE FROM BV_MARKS WHERE LOG_ID = OLD.LOG_ID; END");
 const auto create_positions  = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_POSITIONS (LOG_ID INTEGER NOT NULL, LINE_NUMBER INTEGER NOT NULL, OFFSET_MS REAL NOT NULL, LATITUDE REAL NOT NULL, LONGITUDE REAL NOT NULL, ALTITUDE REAL, SPEED REAL, TRACK REAL, ERROR REAL, PRIMARY KEY (LOG_ID, LINE_NUMBER)) WITHOUT ROWID");
 const auto forget_position   = QStringLiteral("BV_FORGET_POSITION AFTER DELETE ON LOGGIES_DATA BEGIN DELETE FROM BV_POSITIONS WHERE LOG_ID = OLD.LOG_ID AND LINE_NUMBER = OLD.LINE_NUMBER; END");
+const auto create_exports    = QStringLiteral("CREATE TABLE IF NOT EXISTS BV_EXPORTS (NAME TEXT NOT NULL, NUMBER INTEGER NOT NULL, LOG_ID INTEGER NOT NULL, PRIMARY KEY (NAME, NUMBER)) WITHOUT ROWID");
 const auto index_chunks      = QStringLiteral("CREATE INDEX IF NOT EXISTS BV_CHUNKS_OF_LOG ON LOGGIES_DATA (LOG_ID)");
 // clang-format on
 
@@ -114,8 +115,8 @@ bool create_photo_table(sqlite_connection& connection) {
 }
 
 bool add_own_schema(sqlite_connection& connection) {
-    for (const QString& sql :
-         {index_chunks, create_replies, create_runs, create_moments, create_marks, create_positions}) {
+    for (const QString& sql : {index_chunks, create_replies, create_runs, create_moments, create_marks,
+                               create_positions, create_exports}) {
         if (!required(connection, sql))
             return false;
     }

@@ -3,8 +3,8 @@
 #include "base/anonymity.h"
 #include "base/console_log.h"
 #include "obd/number_text.h"
+#include "persistence/export_names.h"
 #include "persistence/log_files.h"
-#include "persistence/stored_logs.h"
 #include "persistence/stored_marks.h"
 #include "persistence/vehicles.h"
 
@@ -53,6 +53,8 @@ bool log_export::begin(int log_id, bool as_txt) {
     const auto its_vehicle = vehicle_with_id(db, found->veh_id);
     vehicle = its_vehicle ? its_vehicle->name : QString();
     run = std::make_unique<stored_run>(db, *found, lists, reading);
+    if (can_be_changed)
+        keep_export_number(db, *found);
     const QString name = file_name_of(numbered_export_file_name(db, *found, as_txt), settings.format);
     final_path = work_out_log_fname(settings.documents, name);
     // A file of that name goes from the application folder, not from this one, where it is replaced: on

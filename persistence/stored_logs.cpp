@@ -28,28 +28,6 @@ QStringList items_of_chunk(const QStringList& row) {
     return Pull_line_into_array(row.value(chunk_data), QStringLiteral(","));
 }
 
-QString export_file_name(const log_header& log, bool as_txt) {
-    const QString name = fill(QStringLiteral("%@_%@"),
-                              {gmt_date_str_2_local_date_str(log.time_stamp).replace(u' ', u'_'), log.type});
-    return QString(name).replace(u':', u'_').replace(u'/', u'_') + QLatin1String(as_txt ? ".txt" : ".csv");
-}
-
-QString numbered_export_file_name(database& db, const log_header& log, bool as_txt) {
-    // The hour that comes twice in autumn gives one local time to two stamps: only their seconds are alike.
-    const auto earlier = QStringLiteral("SELECT one.LOG_ID, one.veh_id, one.LOG_TYPE, '', one.time_stamp "
-                                        "FROM LOGGIES one, LOGGIES its WHERE its.LOG_ID=%1 AND one.LOG_ID<%1 "
-                                        "AND substr(one.time_stamp,-2)=substr(its.time_stamp,-2)");
-    const QString name = export_file_name(log, as_txt);
-    int number = 1;
-    for (const QStringList& row : db.retrieve_from_DB(earlier.arg(log.id))) {
-        const auto other = log_header_of(row);
-        number += other && export_file_name(*other, as_txt) == name;
-    }
-    return number == 1
-               ? name
-               : QStringLiteral("%1 (%2)%3").arg(name.chopped(4), QString::number(number), name.last(4));
-}
-
 QString info_of_run(int sweeps, bool has_positions, int rate) {
     return fill(QStringLiteral("%d Sample points %@ %@"),
                 {QString::number(sweeps), has_positions ? QStringLiteral("  +GPS") : QString(),

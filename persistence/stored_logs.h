@@ -24,11 +24,6 @@ QString chunks_statement(int log_id);
 // The replies in a line of a sampling run.
 QStringList items_of_chunk(const QStringList& row);
 
-// The name of the file that an export of the log writes: its time in the time zone of the system, and its
-// kind. Of several logs of one name, the first has it as it is; the others are numbered, "NAME (2).csv".
-QString export_file_name(const log_header& log, bool as_txt);
-QString numbered_export_file_name(database& db, const log_header& log, bool as_txt);
-
 // What the header of a sampling run says while it goes on, and when it is over. `rate`: seconds, -1 for none.
 inline const QString info_of_open_run = QStringLiteral("sample points");
 QString info_of_run(int sweeps, bool has_positions, int rate);

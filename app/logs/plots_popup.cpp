@@ -3,6 +3,7 @@
 #include "app/look/numbers.h"
 #include "app/screen/reading_choice.h"
 #include "base/string_table.h"
+#include "persistence/export_names.h"
 #include "persistence/log_files.h"
 
 #include <QApplication>

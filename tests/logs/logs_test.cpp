@@ -3,6 +3,7 @@
 #include "logs/log_texts.h"
 #include "logs/manage_logsDB.h"
 #include "persistence/deletions.h"
+#include "persistence/export_names.h"
 #include "persistence/vehicles.h"
 #include "tests/support/other_program.h"
 #include "tests/support/print_qt.h"

@@ -167,6 +167,7 @@ TEST(log_export, lines_of_its_own_log_in_order_of_insertion_however_sliced) {
 
 TEST(log_export, the_same_name_again) {
     export_bench t;
+    ASSERT_TRUE(t.db.add_own_parts());
     const int longer = t.stored({{"410D3C"}, {"410D3C"}});
     const int shorter = t.stored({{"410C1AF8"}}); // stored in the same second
     ASSERT_TRUE(QDir(t.folder.path()).mkpath("app/loggies"));
@@ -193,6 +194,24 @@ TEST(log_export, the_same_name_again) {
                   .toUtf8());
     EXPECT_TRUE(t.exported(longer) != "" && t.exported(twice) != "");
     EXPECT_TRUE(QFile::exists(t.path("2013-10-27_02_30_00_Log (2).csv")));
+
+    // What is left of a deleted log is not the next one's to replace, nor does a number change.
+    t.outside(QString("UPDATE LOGGIES SET time_stamp='2014-01-01 00:00:00' WHERE LOG_ID IN (%1, %2, %3)")
+                  .arg(longer)
+                  .arg(shorter)
+                  .arg(of_another_kind)
+                  .toUtf8());
+    t.outside("UPDATE LOGGIES SET LOG_TYPE='Ann''s'");
+    const QString left = t.path("2014-01-01_01_00_00_Ann's.csv");
+    const QString its_text = t.exported(longer);
+    EXPECT_TRUE(t.exported(of_another_kind) != "");
+    ASSERT_TRUE(t.db.delete_a_DB_log(longer));
+    for (const int id : {of_another_kind, shorter})
+        EXPECT_NE(t.exported(id), "");
+    EXPECT_EQ(bytes_of(left), its_text.toUtf8());
+    EXPECT_EQ(
+        t.exports().filter("2014").join(' '),
+        "2014-01-01_01_00_00_Ann's (2).csv 2014-01-01_01_00_00_Ann's (3).csv 2014-01-01_01_00_00_Ann's.csv");
 
     // No name leads out of the folder.
     t.exported(t.stored({{"410D3C"}}, "../../Log"));
