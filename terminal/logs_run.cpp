@@ -163,8 +163,8 @@ void logs_run::show(const log_header& log) {
 void logs_run::show_figures(const log_header& log) {
     if (!isSampledLog(log.type))
         return end(QStringLiteral("Log %1 is a report: only a run has figures.").arg(log.id), false);
-    const bool read = print_figures(core.toolies, log, core.options.json);
-    end(read ? QString() : core.db.problem(), read);
+    const QString problem = print_figures(core.toolies, log, core.options.json);
+    end(problem, problem.isEmpty());
 }
 
 void logs_run::show_text(const log_header& log) {

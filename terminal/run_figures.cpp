@@ -1,7 +1,7 @@
 #include "terminal/run_figures.h"
 
-#include "formats/drive_figures.h"
-#include "persistence/stored_run.h"
+#include "formats/figures_text.h"
+#include "logs/stored_figures.h"
 #include "terminal/output.h"
 
 #include <QJsonArray>
@@ -10,10 +10,6 @@
 namespace brivant {
 
 namespace {
-
-QString number(double value, int decimals) {
-    return QString::number(value, 'f', decimals);
-}
 
 QJsonValue known(bool is_known, double value) {
     return is_known ? QJsonValue(value) : QJsonValue();
@@ -48,64 +44,19 @@ QJsonObject figures_as_json(const drive_figures& figures) {
             {"columns", columns}};
 }
 
-QString sprint_text(const speed_times& one) {
-    const QString what =
-        QStringLiteral("%1 to %2 km/h").arg(number(one.from_kmh(), 0), number(one.to_kmh(), 0));
-    if (!one.best())
-        return what + QStringLiteral(": not in this run\n");
-    const QString best = QStringLiteral(": %1 s \u00B1 %2 s")
-                             .arg(number(one.best()->seconds, 2), number(one.best()->uncertainty, 2));
-    return what + best +
-           (one.times() > 1 ? QStringLiteral(", the shortest of %1\n").arg(one.times())
-                            : QStringLiteral("\n"));
-}
-
-QString figures_as_text(const drive_figures& figures) {
-    QString text = QStringLiteral("Duration: %1 s\n").arg(number(figures.duration_s(), 1));
-    if (figures.has_speed()) {
-        text += QStringLiteral("Distance: %1 km\nMoving: %2 s\n")
-                    .arg(number(figures.distance_km(), 3), number(figures.moving_s(), 1));
-        if (figures.without_speed_s() >= 0.05) // as shown
-            text += QStringLiteral("Speed not known: %1 s\n").arg(number(figures.without_speed_s(), 1));
-    } else {
-        text += QStringLiteral("Distance and times: the run has no vehicle speed (PID 0D)\n");
-    }
-    text += figures.has_fuel() ? QStringLiteral("Fuel used: %1 l\n").arg(number(figures.fuel_l(), 3))
-                               : QStringLiteral("Fuel used: the run has no fuel rate (PID 5E)\n");
-    if (const auto economy = figures.litres_a_100_km())
-        text += QStringLiteral("Fuel economy: %1 l/100 km\n").arg(number(*economy, 2));
-    for (const speed_times& one : figures.times())
-        text += sprint_text(one);
-    for (const drive_figures::of_column& one : figures.columns()) {
-        const QString unit = one.column.unit.trimmed();
-        text += QStringLiteral("%1%2: ").arg(one.column.name,
-                                             unit.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(unit));
-        text += one.samples == 0
-                    ? QStringLiteral("no value\n")
-                    : QStringLiteral("%1 to %2, mean %3, %4 samples\n")
-                          .arg(number(one.smallest, 2), number(one.largest, 2), number(one.mean, 2))
-                          .arg(one.samples);
-    }
-    return text;
-}
-
 } // namespace
 
-bool print_figures(mac_toolies& toolies, const log_header& log, bool as_json) {
-    database& db = toolies.store();
-    stored_run run(db, log, toolies.lists(), toolies.shown_reading());
-    const bool is_told =
-        db.for_each_row(run.statement(), [&](const QStringList& row) { return !run.tell_columns(row); });
-    drive_figures figures(run.head(QString()));
-    const bool is_read = is_told && db.for_each_row(run.statement(), [&](const QStringList& row) {
-        figures.add(run.sweep_of(row));
-        return true;
-    });
-    if (is_read && as_json)
-        print_json(figures_as_json(figures));
-    else if (is_read)
-        print(figures_as_text(figures));
-    return is_read;
+QString print_figures(mac_toolies& toolies, const log_header& log, bool as_json) {
+    constexpr int lines_at_once = 1000;
+    stored_figures reader(toolies, log);
+    while (reader.step(lines_at_once)) {
+    }
+    const auto& figures = reader.figures();
+    if (figures && as_json)
+        print_json(figures_as_json(*figures));
+    else if (figures)
+        print(figures_as_text(*figures));
+    return reader.problem();
 }
 
 } // namespace brivant

@@ -5,7 +5,7 @@
 
 namespace brivant {
 
-// What a stored run says of the drive, on standard output. False when the database cannot be read.
-bool print_figures(mac_toolies& toolies, const log_header& log, bool as_json);
+// What a stored run says of the drive, on standard output. Why it cannot be read, "" when it was.
+QString print_figures(mac_toolies& toolies, const log_header& log, bool as_json);
 
 } // namespace brivant

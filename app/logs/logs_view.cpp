@@ -207,6 +207,7 @@ void logs_view::show_preview() {
     const QItemSelection selection = ui.logs_table->selectionModel()->selection();
     const bool is_one = selection.size() == 1 && selection.first().height() == 1;
     ui.preview_plots->show_log(context.core, std::nullopt);
+    ui.preview_figures->show_log(context.core, std::nullopt);
     if (!is_one) {
         ui.preview_caption->setText(selection.isEmpty() ? QStringLiteral("Select a log to see what is in it.")
                                                         : QStringLiteral("Several logs are selected."));
@@ -216,8 +217,10 @@ void logs_view::show_preview() {
     ui.preview_caption->setText(QStringLiteral("%1: %2").arg(log_actions::title_of(log), log.info.trimmed()));
     const QString text = preview_of(context.core.toolies, log);
     ui.preview->setPlainText(text.isEmpty() ? QStringLiteral("This log holds no data.") : text);
-    if (isSampledLog(log.type))
-        ui.preview_plots->show_log(context.core, log);
+    if (!isSampledLog(log.type))
+        return;
+    ui.preview_plots->show_log(context.core, log);
+    ui.preview_figures->show_log(context.core, log);
 }
 
 // The other of the two readings is shown from now on.

@@ -102,6 +102,11 @@ TEST(logs_view, lists_and_previews) {
     QTest::keyClick(&program.table(), Qt::Key_Down); // nothing is selected when the list was read
     auto& preview = program.part<QPlainTextEdit>("preview");
     ASSERT_TRUE(QTest::qWaitFor([&] { return preview.toPlainText().contains(QStringLiteral("1728.00")); }));
+    auto& figures = program.part<QLabel>("preview_figures");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return figures.isVisible(); }));
+    EXPECT_TRUE(figures.text().contains(QStringLiteral("Distance:")) &&
+                !figures.text().contains(QStringLiteral("Fuel")))
+        << figures.text().toStdString();
 
     QTest::keyClick(&program.table(), Qt::Key_Return); // as it is stored
     EXPECT_TRUE(program.part<help_panel>().isVisible());

@@ -1,3 +1,4 @@
+#include "logs/stored_figures.h"
 #include "logs/stored_series.h"
 
 #include "base/console_log.h"
@@ -12,7 +13,7 @@ namespace brivant {
 
 namespace {
 
-struct stored_run {
+struct sampled_run {
     temporary_profile profile;
     adapter_facts adapter;
     car_state car;
@@ -20,7 +21,7 @@ struct stored_run {
     sample_matrix matrix{[this](const QString& body) { return toolies.get_OBDVal(body); }};
     log_header log;
 
-    explicit stored_run(const QStringList& lines) {
+    explicit sampled_run(const QStringList& lines) {
         silence_console_log();
         EXPECT_TRUE(profile.db.init_DB() && profile.db.add_own_parts());
         const int id =
@@ -31,6 +32,13 @@ struct stored_run {
             profile.db.append_2_LOG_DB("410D01", "", line, other);
         }
         log = *log_with_id(profile.db, id);
+    }
+    // How many values the first column has, or why that is not known.
+    QString values() {
+        stored_figures read(toolies, log);
+        while (read.step(2))
+            ;
+        return read.figures() ? QString::number(read.figures()->columns().value(0).samples) : read.problem();
     }
     stored_series read(qsizetype most_rows = stored_series::all_rows) {
         stored_series series(profile.db, log, matrix, most_rows);
@@ -43,9 +51,9 @@ struct stored_run {
 } // namespace
 
 TEST(stored_series, reads_what_the_run_stored) {
-    stored_run run({"-1,410C1AF8,~,", "410D3C,410C1B00,NODATA,410", "410D3D,-1,~,,410D01", "410D3E", "",
-                    // Other PIDs, as a run over a new link once had: one has a column elsewhere.
-                    "41055A,410D3F"});
+    sampled_run run({"-1,410C1AF8,~,", "410D3C,410C1B00,NODATA,410", "410D3D,-1,~,,410D01", "410D3E", "",
+                     // Other PIDs, as a run over a new link once had: one has a column elsewhere.
+                     "41055A,410D3F"});
     const stored_series series = run.read();
     EXPECT_EQ(series.problem(), "");
     EXPECT_FALSE(series.is_cut());
@@ -69,7 +77,7 @@ TEST(stored_series, reads_what_the_run_stored) {
 }
 
 TEST(stored_series, has_the_moments_or_the_seconds_of_its_lines) {
-    stored_run run(QStringList(5, "410D3C,410C1AF8"));
+    sampled_run run(QStringList(5, "410D3C,410C1AF8"));
     const int id = run.log.id;
     ASSERT_TRUE(store_run_start(run.profile.db, id, 1'700'000'000'250));
     for (const int line : {0, 1, 3}) // one was damaged
@@ -81,7 +89,7 @@ TEST(stored_series, has_the_moments_or_the_seconds_of_its_lines) {
     EXPECT_DOUBLE_EQ(run.matrix.times().begin_of(2), 620.75) << "the end of the line before";
     EXPECT_DOUBLE_EQ(run.matrix.times().begin_of(3), 800.5);
 
-    stored_run old(QStringList(6, "410D3C"));
+    sampled_run old(QStringList(6, "410D3C"));
     const char* const stamps[]{"10:00:00", "10:00:02", "10:00:02", "10:00:01", "10:00:02", "10:00:05"};
     for (int line = 0; line < 6; ++line)
         old.profile.db.change([&](sqlite_connection& file) {
@@ -99,17 +107,18 @@ TEST(stored_series, has_the_moments_or_the_seconds_of_its_lines) {
 }
 
 TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
-    stored_run run(QStringList(10, "410D3C"));
+    sampled_run run(QStringList(10, "410D3C"));
     const stored_series cut = run.read(4);
     EXPECT_TRUE(cut.is_cut());
     EXPECT_EQ(run.matrix.rows(), 4);
     EXPECT_FALSE(run.read(10).is_cut());
+    EXPECT_EQ(run.values(), "10");
 
-    stored_run wide({QStringList(200, "410D3C").join(',')});
+    sampled_run wide({QStringList(200, "410D3C").join(',')});
     EXPECT_EQ(wide.read().columns_left_out(), 136);
     EXPECT_EQ(wide.matrix.columns(), stored_series::most_columns);
 
-    stored_run none({});
+    sampled_run none({});
     EXPECT_EQ(none.read().rows(), 0);
     EXPECT_EQ(none.matrix.rows(), 0);
 
@@ -121,6 +130,7 @@ TEST(stored_series, is_bounded_and_tells_what_is_wrong) {
     QFile file(run.profile.db.path());
     ASSERT_TRUE(file.resize(5000));
     EXPECT_NE(run.read().problem(), "");
+    EXPECT_TRUE(run.values().startsWith("The log cannot be read: ")) << run.values().toStdString();
 }
 
 } // namespace brivant
