@@ -37,7 +37,8 @@ general_settings preferences::stored() const {
             .time_stamps = defaults.value(setting::time_stamps),
             .sample_rate = defaults.value(setting::sample_rate),
             .standard_reading = defaults.value(setting::standard_reading),
-            .anonymous = defaults.value(setting::anonymous)};
+            .anonymous = defaults.value(setting::anonymous),
+            .store_position = defaults.value(setting::store_position)};
 }
 
 bool preferences::changes_link(const general_settings& chosen) const {
@@ -63,6 +64,8 @@ bool preferences::store(const general_settings& chosen) {
         defaults.choose(setting::standard_reading, chosen.standard_reading);
     if (chosen.anonymous != before.anonymous)
         defaults.choose(setting::anonymous, chosen.anonymous);
+    if (chosen.store_position != before.store_position)
+        defaults.set(setting::store_position, chosen.store_position);
     set_anonymous(defaults.value(setting::anonymous));
     put_in_force(before);
     return defaults.synchronise();

@@ -17,6 +17,7 @@ struct general_settings {
     int sample_rate = -1; // seconds, -1 as fast as available
     bool standard_reading = false;
     bool anonymous = false;
+    bool store_position = true;
 };
 
 // Checks and stores the settings, and puts them into force. All that it is given outlives it.

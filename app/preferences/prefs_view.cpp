@@ -56,8 +56,8 @@ void prefs_view::connect_fields() {
         connect(field, &QLineEdit::textChanged, this, &prefs_view::show_problems);
         connect(field, &QLineEdit::editingFinished, this, &prefs_view::savePrefs);
     }
-    for (QCheckBox* box :
-         {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard, ui.anonymous})
+    for (QCheckBox* box : {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard, ui.anonymous,
+                           ui.store_position})
         connect(box, &QCheckBox::toggled, this, &prefs_view::savePrefs);
     connect(ui.sample_rate, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
     connect(ui.set_defaults, &QPushButton::clicked, this, &prefs_view::setDefaultsClicked);
@@ -109,6 +109,7 @@ void prefs_view::setPrefsScreen() {
     ui.time_stamps->setChecked(now.time_stamps);
     ui.reading_by_standard->setChecked(now.standard_reading);
     ui.anonymous->setChecked(now.anonymous);
+    ui.store_position->setChecked(now.store_position);
     if (ui.sample_rate->findData(now.sample_rate) < 0) // set in the file by hand
         ui.sample_rate->addItem(QStringLiteral("Every %1 secs").arg(now.sample_rate), now.sample_rate);
     ui.sample_rate->setCurrentIndex(ui.sample_rate->findData(now.sample_rate));
@@ -128,6 +129,7 @@ general_settings prefs_view::chosen() const {
     what.sample_rate = ui.sample_rate->currentData().toInt();
     what.standard_reading = ui.reading_by_standard->isChecked();
     what.anonymous = ui.anonymous->isChecked();
+    what.store_position = ui.store_position->isChecked();
     return what;
 }
 

@@ -75,6 +75,9 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.part<QCheckBox>("anonymous").click();
     EXPECT_FALSE(is_anonymous() || program.stored("BV_anonymous") != QStringLiteral("false"));
 
+    program.part<QCheckBox>("store_position").click();
+    EXPECT_EQ(program.stored("BV_store_position"), QStringLiteral("false"));
+
     // Typed, and left with a key: stored on the way out.
     program.part<QLineEdit>("port").setText(QStringLiteral("35001"));
     program.press(Qt::Key_2, Qt::ControlModifier);
