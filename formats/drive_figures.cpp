@@ -52,6 +52,7 @@ void drive_figures::add(const timed_sweep& sweep) {
     first_ms = has_begun ? first_ms : sweep.ms;
     last_ms = sweep.ms;
     has_begun = true;
+    take_position(sweep);
     std::optional<double> km;
     std::optional<double> litres;
     for (qsizetype i = 0; i < gathered.size(); ++i) {
@@ -70,6 +71,21 @@ void drive_figures::add(const timed_sweep& sweep) {
         shared_km += *km;
         shared_litres += *litres;
     }
+}
+
+// Sweeps that share a fix tell its speed again.
+void drive_figures::take_position(const timed_sweep& sweep) {
+    constexpr double same_moment = 1; // ms: what rounding may differ by
+    const auto speed = cell_of(sweep, {export_column::kind::speed, 0, {}, {}});
+    if (!speed)
+        return;
+    const sample now{sweep.ms + sweep.position->offset_ms, *speed};
+    if (latest_gps_speed && now.ms - latest_gps_speed->ms < same_moment)
+        return;
+    const auto before = std::exchange(latest_gps_speed, now);
+    if (before && now.ms - before->ms <= longest_gap_ms)
+        gps_distance =
+            gps_distance.value_or(0) + (before->value + now.value) / 2 * (now.ms - before->ms) / 1e6;
 }
 
 // Takes the sweep's sample of the column in; the line that it ends.

@@ -29,6 +29,8 @@ public:
     // By the vehicle speed (PID 0D); false and nothing below where the run has none in a unit that is known.
     bool has_speed() const { return speed_column >= 0; }
     double distance_km() const { return distance; }
+    // By the receiver's speed, of runs with positions; nothing where it told none.
+    std::optional<double> gps_distance_km() const { return gps_distance; }
     double moving_s() const { return moving; }
     // Of the duration: how long the speed is not known.
     double without_speed_s() const { return has_speed() ? duration_s() - with_speed : duration_s(); }
@@ -59,6 +61,7 @@ private:
         double value; // the middle of the line
     };
 
+    void take_position(const timed_sweep& sweep);
     step take(qsizetype column, const timed_sweep& sweep);
 
     run_head run;
@@ -72,6 +75,8 @@ private:
     double first_ms = 0;
     double last_ms = 0;
     double distance = 0;
+    std::optional<sample> latest_gps_speed; // metres a second
+    std::optional<double> gps_distance;
     double moving = 0;
     double with_speed = 0;
     double fuel = 0;

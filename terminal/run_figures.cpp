@@ -36,6 +36,8 @@ QJsonObject figures_as_json(const drive_figures& figures) {
     const auto economy = figures.litres_a_100_km();
     return {{"duration_s", figures.duration_s()},
             {"distance_km", known(figures.has_speed(), figures.distance_km())},
+            {"gps_distance_km",
+             known(figures.gps_distance_km().has_value(), figures.gps_distance_km().value_or(0))},
             {"moving_s", known(figures.has_speed(), figures.moving_s())},
             {"without_speed_s", figures.without_speed_s()},
             {"fuel_l", known(figures.has_fuel(), figures.fuel_l())},

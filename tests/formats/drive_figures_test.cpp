@@ -137,4 +137,24 @@ TEST(drive_figures, gaps_and_odd_runs) {
     EXPECT_EQ(none.distance_km(), 0);
 }
 
+// Two sweeps share a fix; one without tells nothing, and what lies far apart is no way.
+TEST(drive_figures, distance_by_the_receiver) {
+    drive_figures figures(figures_head());
+    EXPECT_FALSE(figures.gps_distance_km());
+    const auto add = [&figures](double ms, std::optional<double> speed, double told_ms) {
+        timed_sweep sweep{ms, {1000, 50, 6}, offsets, geo_position{52.5, 13.25}};
+        sweep.position->speed = speed;
+        sweep.position->offset_ms = told_ms - ms;
+        figures.add(sweep);
+    };
+    add(0, 10, -500);
+    add(400, 10, -500.004);
+    EXPECT_FALSE(figures.gps_distance_km());
+    add(800, 20, 500);
+    add(1200, std::nullopt, 1100);
+    add(2000, 20, 1500);
+    add(9000, 20, 8900);
+    EXPECT_DOUBLE_EQ(figures.gps_distance_km().value_or(0), 0.035);
+}
+
 } // namespace brivant
