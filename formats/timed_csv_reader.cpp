@@ -182,6 +182,8 @@ bool timed_csv_reader::fill(timed_sweep& sweep) {
         sweep.offsets_ms.clear();
     if (std::fabs(position.latitude) > 90 || std::fabs(position.longitude) > 180)
         fail(QStringLiteral("its position is not on the earth"));
+    if (std::fabs(position.offset_ms) > latest_possible)
+        fail(QStringLiteral("its position is of another time"));
     if (!std::isnan(position.latitude) && !std::isnan(position.longitude))
         sweep.position = position;
     return has_numbers;
