@@ -188,7 +188,7 @@ void actions::begin_run() {
     results.log_id = -1;
     is_armed = true;
     storing.keep(results.trigger ? results.trigger->before_s : 0);
-    if (positions && (results.trigger || defaults.value(setting::log_runs)))
+    if (positions)
         positions->begin();
     if (!results.trigger && defaults.value(setting::log_runs))
         begin_log();

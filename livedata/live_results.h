@@ -45,7 +45,8 @@ struct live_results {
     bool needs_sweeps = false; // some numbers need the whole sweep: see work_out_sweeps
     sweep_times times;
     sweep_moments moments;
-    QList<timed_mark> marks; // of the run, stored or not, in the order of their time
+    std::optional<geo_position> position; // of the latest sweep, where it is known
+    QList<timed_mark> marks;              // of the run, stored or not, in the order of their time
 
     // The column was asked for in the sweep that is complete: a run need not ask for all each time.
     bool was_asked(int column) const {

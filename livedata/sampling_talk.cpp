@@ -279,7 +279,8 @@ void sampling_talk::end_of_sweep(const QStringList& bodies) {
 }
 
 void sampling_talk::take_sweep(const QString& line, const sweep_moment& when) {
-    storing.sweep_complete(line, results.moments.started_utc_ms(), when, where(when.ms));
+    results.position = where(when.ms);
+    storing.sweep_complete(line, results.moments.started_utc_ms(), when, results.position);
 }
 
 std::optional<geo_position> sampling_talk::where(double sweep_ms) const {
@@ -314,6 +315,7 @@ void sampling_talk::mark_gap() {
         if (cur_op() == op_o2_layout)
             observer().set_sensor_value(column, QStringLiteral("nan"));
     }
+    results.position.reset();
     const sweep_moment when = results.moments.taken();
     if (std::exchange(is_in_gap, true))
         return;

@@ -116,7 +116,7 @@ QString gpsd_client::about() const {
             .arg(place_text.left(60));
     if (is_fresh())
         return QStringLiteral("Position: stored with each sweep, from gpsd at %1").arg(place_text);
-    if (socket.state() == QAbstractSocket::ConnectedState)
+    if (is_there())
         return QStringLiteral("Position: none yet, gpsd at %1 has no fix").arg(place_text);
     return QStringLiteral("Position: none, gpsd at %1 cannot be asked%2")
         .arg(place_text, problem.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(problem));

@@ -22,6 +22,7 @@ public:
 
     void begin() override;
     void end() override;
+    bool is_there() const override { return socket.state() == QAbstractSocket::ConnectedState; }
     std::optional<position_fix> latest() const override;
     QString about() const override;
 

@@ -16,9 +16,11 @@ public:
     virtual ~position_source() = default;
     Q_DISABLE_COPY_MOVE(position_source)
 
-    // A run that is stored begins, and ends: between the two it is asked.
+    // A run begins, and ends: between the two it is asked.
     virtual void begin() = 0;
     virtual void end() = 0;
+    // Whether there is somebody to ask, with a fix or without.
+    virtual bool is_there() const = 0;
     // Nothing where none is known, or the latest is old.
     virtual std::optional<position_fix> latest() const = 0;
     // Whether a position is stored, and why not: a line for the person.

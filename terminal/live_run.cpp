@@ -94,7 +94,7 @@ void live_run::sample_arrived(int index) {
 }
 
 void live_run::sweep_completed() {
-    if (results.log_sample_cnt > 0 && !std::exchange(position_told, true))
+    if ((recorder || results.log_sample_cnt > 0) && !std::exchange(position_told, true))
         tell(controller->about_positions() + u'\n');
     if (!core.options.json && !recorder && results.sample_cnt == 1)
         print(header());

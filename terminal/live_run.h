@@ -55,7 +55,7 @@ private:
         bool answered = false;
     };
     std::vector<seen_column> seen;
-    bool position_told = false; // at the first stored sweep
+    bool position_told = false; // at the first sweep that is kept
     bool as_asked = false;      // the run ended where it was to end
     bool ended_in_gap = false;
 };

@@ -1,5 +1,6 @@
 #include "terminal/run_recorder.h"
 
+#include "base/anonymity.h"
 #include "persistence/vehicles.h"
 #include "toolkit/mac_toolies.h"
 
@@ -27,8 +28,8 @@ QString run_recorder::wrong_options(const launch_options& options) {
         return {};
     if (options.json)
         return QStringLiteral("Only one of --json and --format can be chosen.");
-    if (format->what == run_format::kind::gpx)
-        return QStringLiteral("A run has no positions: there is no track to write.");
+    if (format->what == run_format::kind::gpx && options.anonymous)
+        return QStringLiteral("With anonymity on no position is given away: no track is written.");
     QFile out;
     if (format->what == run_format::kind::mdf4 && (!opens_standard_output(out) || out.isSequential()))
         return QStringLiteral("MDF is written at earlier places, too: send it to a file (> run.mf4).");
@@ -47,7 +48,8 @@ run_head run_recorder::head() const {
                  .units = results.metric ? unit_system::metric : unit_system::imperial,
                  .version = QStringLiteral(BV_VERSION),
                  .columns = {},
-                 .has_offsets = true};
+                 .has_offsets = true,
+                 .has_positions = core.position.is_there() && !is_anonymous()};
     if (const auto one = vehicle_with_id(core.toolies.store(), core.car.cur_veh_id()))
         its.vehicle = one->name;
     for (const sample_row& row : results.these_samples)
@@ -60,6 +62,8 @@ timed_sweep run_recorder::latest_row() const {
     const qsizetype row = times.rows() - 2;
     timed_sweep sweep;
     sweep.ms = to_microseconds(times.begin_of(row));
+    if (!is_anonymous())
+        sweep.position = results.position;
     for (int column = 0; column < results.these_samples.size(); ++column) {
         const double value = results.these_samples.at(column).latest;
         const bool has_value = std::isfinite(value) && results.was_asked(column);

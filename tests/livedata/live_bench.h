@@ -12,6 +12,7 @@ struct told_position : position_source {
 
     void begin() override { is_asked = true; }
     void end() override { is_asked = false; }
+    bool is_there() const override { return is_asked; }
     std::optional<position_fix> latest() const override { return is_asked ? fix : std::nullopt; }
     QString about() const override { return {}; }
 };

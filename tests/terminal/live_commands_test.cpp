@@ -73,7 +73,7 @@ TEST(live_commands, exit_statuses_and_lines) {
         {"can11", {"log", "--format", "timed", "--sweeps", "2"}, 0, 3},
         {"can11", {"log", "--format", "msl", "--sweeps", "2"}, 0, 6},
         {"can11", {"log", "--format", "mdf4", "--sweeps", "2"}, 2, 0}, // a pipe has no earlier places
-        {"can11", {"log", "--format", "gpx"}, 2, 0},
+        {"can11", {"--anonymous", "log", "--format", "gpx"}, 2, 0},
         {"can11", {"log", "--format", "timed", "--json"}, 2, 0},
     };
     for (const auto& [car, words, status, lines] : rows) {
@@ -125,6 +125,13 @@ TEST(live_commands, a_position_is_stored_where_one_is_known) {
     run({"settings", "set", "BV_store_position", "false"});
     EXPECT_TRUE(run(log).contains("Position: not stored, as the setting BV_store_position says\n"));
     EXPECT_EQ(gpsd.connections, 1);
+    run({"settings", "set", "BV_store_position", "true"});
+    const QString timed = run(log + QStringList{"--format", "timed"});
+    EXPECT_TRUE(timed.startsWith("Time,RPM,Latitude,Longitude,Altitude,\"GPS speed (m/s)\","))
+        << timed.toStdString();
+    EXPECT_EQ(timed.count(",52.5,13.25,34.5,16.6,22.1,4.9,"), 2) << timed.toStdString();
+    EXPECT_EQ(run(log + QStringList{"--format", "gpx"}).count("<trkpt lat=\"52.5\" lon=\"13.25\">"), 1);
+    EXPECT_FALSE(run(QStringList{"--anonymous"} + log + QStringList{"--format", "timed"}).contains("52.5"));
 
     cli_process shown(kept + QStringList{"--json", "logs", "show", "1"});
     EXPECT_EQ(shown.status(), 0);
