@@ -19,6 +19,7 @@ class gpsd_client : public QObject, public position_source {
 public:
     // Both outlive it. The settings say whether positions are stored and where gpsd is, at each begin.
     gpsd_client(user_defaults& settings, timers& time_source);
+    ~gpsd_client() override { gpsd_client::end(); }
 
     void begin() override;
     void end() override;
