@@ -50,6 +50,8 @@ QList<figure_text> figures_of_drive(const drive_figures& figures) {
         all += {QStringLiteral("Distance and times"), QStringLiteral("the run has no vehicle speed (PID 0D)"),
                 false};
     }
+    if (const auto by_gps = figures.gps_distance_km())
+        all += {QStringLiteral("Distance by GPS"), number(*by_gps, 3) + QStringLiteral(" km")};
     all += figures.has_fuel()
                ? figure_text{QStringLiteral("Fuel used"), number(figures.fuel_l(), 3) + QStringLiteral(" l")}
                : figure_text{QStringLiteral("Fuel used"), QStringLiteral("the run has no fuel rate (PID 5E)"),
