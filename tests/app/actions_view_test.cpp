@@ -17,7 +17,7 @@ namespace {
 enum mode_index { log_run, fuel, o2_sampling, boost };
 
 struct live_car : running_window {
-    explicit live_car(const QString& car = QStringLiteral("can11"))
+    explicit live_car(const QString& car = "can11")
         : running_window(launch_options::link_choice::demo, car), results(core.live) {}
 
     void choose(mode_index index) {
@@ -25,7 +25,7 @@ struct live_car : running_window {
         mode.setCurrentIndex(index);
         Q_EMIT mode.activated(index);
     }
-    bool runs() { return text_of<QPushButton>("run") == QLatin1String("Stop (Esc)"); }
+    bool runs() { return text_of<QPushButton>("run") == "Stop (Esc)"; }
     bool wait_for_sweeps(qint64 sweeps) {
         return wait_until([&] { return results.sample_cnt >= sweeps; }, 20000);
     }
@@ -77,7 +77,7 @@ protected:
 TEST(actions_view, shows_a_run_and_leaves_it_standing) {
     live_car car;
     EXPECT_TRUE(car.shows("empty_page"));
-    EXPECT_TRUE(car.text_of<QLabel>("empty_text").startsWith(QStringLiteral("Press Start (F5)")));
+    EXPECT_TRUE(car.text_of<QLabel>("empty_text").startsWith("Press Start (F5)"));
     EXPECT_TRUE(car.part<QWidget>("zoom_row").isHidden());
     EXPECT_FALSE(car.part<QToolButton>("save_picture").isEnabled());
 
@@ -100,7 +100,7 @@ TEST(actions_view, shows_a_run_and_leaves_it_standing) {
     EXPECT_EQ(car.results.cur_log_points.rows(), rows);
     EXPECT_TRUE(car.shows("chart"));
     EXPECT_TRUE(car.part<QWidget>("zoom_row").isVisible());
-    EXPECT_TRUE(car.text_of<QLabel>("run_time").startsWith(QStringLiteral("00:00:")));
+    EXPECT_TRUE(car.text_of<QLabel>("run_time").startsWith("00:00:"));
 
     car.press(Qt::Key_F5); // a new run begins empty
     EXPECT_LT(car.results.cur_log_points.rows(), 3);
@@ -131,13 +131,13 @@ TEST(actions_view, takes_thumbnails_for_chart_group_and_gauge) {
     auto& speed = car.part<thumbnail>("thumb_0D");
     auto& throttle = car.part<thumbnail>("thumb_11");
     auto& engine_speed = car.part<thumbnail>("thumb_0C");
-    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Throttle position"));
+    EXPECT_EQ(car.second_gauge(), "Gauge: Throttle position");
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_for_sweeps(2));
 
     click(engine_speed);
     EXPECT_TRUE(car.charts("Engine RPM"));
-    EXPECT_EQ(car.part<gauge_picture>("gauge_1").accessibleName(), QStringLiteral("Gauge: Engine RPM"));
+    EXPECT_EQ(car.part<gauge_picture>("gauge_1").accessibleName(), "Gauge: Engine RPM");
     click(speed, Qt::LeftButton, Qt::ControlModifier);
     click(throttle, Qt::LeftButton, Qt::ControlModifier);
     EXPECT_TRUE(car.charts("Vehicle speed, Throttle position, Engine RPM"));
@@ -146,11 +146,11 @@ TEST(actions_view, takes_thumbnails_for_chart_group_and_gauge) {
     click(speed, Qt::LeftButton, Qt::ControlModifier); // one alone is no group
     EXPECT_TRUE(car.charts("Throttle position"));
     click(engine_speed, Qt::RightButton);
-    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Engine RPM"));
+    EXPECT_EQ(car.second_gauge(), "Gauge: Engine RPM");
     EXPECT_TRUE(car.charts("Throttle position"));
     car.press(Qt::Key_Escape);
     car.press(Qt::Key_F5); // another run keeps the choice
-    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Engine RPM"));
+    EXPECT_EQ(car.second_gauge(), "Gauge: Engine RPM");
 
     // The same by keys.
     throttle.setFocus();
@@ -162,7 +162,7 @@ TEST(actions_view, takes_thumbnails_for_chart_group_and_gauge) {
     car.press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_TRUE(car.charts("Vehicle speed, Throttle position"));
     car.press(Qt::Key_G);
-    EXPECT_EQ(car.second_gauge(), QStringLiteral("Gauge: Throttle position"));
+    EXPECT_EQ(car.second_gauge(), "Gauge: Throttle position");
 }
 
 TEST(actions_view, ends_the_run_when_the_mode_changes) {
@@ -203,12 +203,12 @@ TEST(actions_view, ends_the_run_when_the_mode_changes) {
 }
 
 TEST(actions_view, says_what_a_car_lacks) {
-    live_car car(QStringLiteral("iso9141")); // without manifold pressure
+    live_car car("iso9141"); // without manifold pressure
     car.choose(boost);
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_until_stopped());
     EXPECT_EQ(car.part<status_strip>().status_text(),
-              QStringLiteral("One or more PIDs needed not available for this vehicle"));
+              "One or more PIDs needed not available for this vehicle");
     EXPECT_TRUE(wait_until([&] {
         return car.text_of<QLabel>("empty_text").contains(u"Intake manifold absolute pressure (0B)");
     }));
@@ -232,7 +232,7 @@ TEST(actions_view, stores_a_run_when_the_person_says_so) {
     store_runs.click();
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_for_sweeps(2));
-    EXPECT_EQ(car.text_of<QLabel>("stored"), QStringLiteral("not stored"));
+    EXPECT_EQ(car.text_of<QLabel>("stored"), "not stored");
     car.press(Qt::Key_Escape);
 
     store_runs.click();
@@ -241,8 +241,7 @@ TEST(actions_view, stores_a_run_when_the_person_says_so) {
     const stop_signals closing([&car] { car.window->close(); });
     std::raise(SIGTERM); // as at the end of the session
     EXPECT_TRUE(wait_until([&] { return car.window->isHidden(); }));
-    const QString info =
-        car.core.db.retrieve_from_DB(QStringLiteral("SELECT INFO FROM LOGGIES ORDER BY LOG_ID DESC"))[0][0];
+    const QString info = car.core.db.retrieve_from_DB("SELECT INFO FROM LOGGIES ORDER BY LOG_ID DESC")[0][0];
     EXPECT_EQ(info, QStringLiteral("%1 Sample points  ").arg(car.results.log_sample_cnt));
 }
 
@@ -282,7 +281,7 @@ TEST(actions_view, takes_another_set_of_pids) {
     ASSERT_TRUE(car.wait_for_sweeps(2));
     car.click("pids");
     auto& sheet = car.part<pid_sheet>();
-    car.core.toolies.save_pids_2_sample_prefs({QStringLiteral("0C|7E8"), QStringLiteral("0B|7E8")});
+    car.core.toolies.save_pids_2_sample_prefs({"0C|7E8", "0B|7E8"});
     Q_EMIT sheet.changed();
     EXPECT_FALSE(car.runs());
     EXPECT_EQ(car.window->findChildren<thumbnail*>().size(), 2);
@@ -300,7 +299,7 @@ TEST(actions_view, copies_the_picture_and_tells_when_it_cannot_be_saved) {
     car.part<QPushButton>("run").setFocus();
     car.press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), 2 * car.part<chart_picture>("chart").size());
-    for (const QString& name : {QStringLiteral("chart.png"), QStringLiteral("chart.pdf")}) {
+    for (const QString name : {"chart.png", "chart.pdf"}) {
         QFile picture(car.folder.filePath(name));
         car.part<picture_saver>().save_to(picture.fileName());
         EXPECT_FALSE(car.part<notice_banner>().isVisible());
@@ -310,8 +309,7 @@ TEST(actions_view, copies_the_picture_and_tells_when_it_cannot_be_saved) {
             const full_disk full(1000);
             car.part<picture_saver>().save_to(picture.fileName());
         }
-        EXPECT_TRUE(
-            car.part<notice_banner>().shown_text().contains(name + QStringLiteral(" cannot be written")));
+        EXPECT_TRUE(car.part<notice_banner>().shown_text().contains(name + " cannot be written"));
         EXPECT_EQ(picture.size(), whole) << "the old one stays";
         car.part<notice_banner>().dismiss();
     }

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // whatever Bluetooth there is stays alone
     QApplication application(argc, argv);
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setStyle("Fusion");
     silence_console_log();
     return RUN_ALL_TESTS();
 }

@@ -10,7 +10,7 @@ TEST(main_window, asks_once_and_is_answered_once) {
     running_window program;
     QList<std::pair<int, bool>> answers;
     const auto ask = [&](int question) {
-        program.window->ask_yes_no(QStringLiteral("Sure?"), QString(), [&answers, question](bool yes) {
+        program.window->ask_yes_no("Sure?", QString(), [&answers, question](bool yes) {
             answers += {question, yes};
         });
     };
@@ -29,23 +29,23 @@ TEST(main_window, asks_once_and_is_answered_once) {
 TEST(main_window, keeps_notices_until_dismissed_or_superseded) {
     running_window program;
     auto& banner = program.part<notice_banner>();
-    program.window->show_message(QString(), QStringLiteral("of live data"));
+    program.window->show_message(QString(), "of live data");
     program.press(Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(banner.count(), 0) << "it is of no use on another screen";
     for (const char* text : {"first", "second", "first"})
         program.window->show_message(QString(), QLatin1String(text));
     EXPECT_EQ(banner.count(), 2);
     program.press(Qt::Key_Escape);
-    EXPECT_EQ(banner.shown_text(), QStringLiteral("first"));
+    EXPECT_EQ(banner.shown_text(), "first");
     banner.dismiss();
-    EXPECT_EQ(banner.shown_text(), QStringLiteral("second"));
+    EXPECT_EQ(banner.shown_text(), "second");
 
     program.window->show_busy(true); // another operation begins
     EXPECT_EQ(banner.count(), 0);
     EXPECT_FALSE(banner.isVisible());
 
-    program.window->show_toast(localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"))); // it goes by itself
-    EXPECT_TRUE(banner.shown_text().startsWith(QStringLiteral("No link")));
+    program.window->show_toast(localised("TOAST_WIFI_CONN_FAILED")); // it goes by itself
+    EXPECT_TRUE(banner.shown_text().startsWith("No link"));
     program.press(Qt::Key_5, Qt::ControlModifier); // the preferences are where it can be mended
     EXPECT_EQ(banner.count(), 1);
     banner.dismiss();
@@ -53,21 +53,21 @@ TEST(main_window, keeps_notices_until_dismissed_or_superseded) {
     program.press(Qt::Key_4, Qt::ControlModifier); // what the logs told is of no use elsewhere
     for (const char* text : {"of the logs", "of the next attempt"})
         program.window->show_message(QString(), QLatin1String(text));
-    EXPECT_EQ(banner.shown_text(), QStringLiteral("of the next attempt"));
+    EXPECT_EQ(banner.shown_text(), "of the next attempt");
     program.press(Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(banner.count(), 0);
 }
 
 TEST(main_window, shows_texts_of_the_car_as_plain_text_in_one_line) {
     running_window program;
-    const QString reply = QStringLiteral("<b>7E8</b>\n<img src=\"/etc/hostname\">");
+    const QString reply = "<b>7E8</b>\n<img src=\"/etc/hostname\">";
     program.window->show_status(reply);
     auto& label = program.part<elided_label>("status");
     ASSERT_TRUE(QTest::qWaitFor([&] { return label.full_text() == reply; })); // at the next frame
     EXPECT_EQ(label.textFormat(), Qt::PlainText);
     EXPECT_FALSE(label.text().contains(QLatin1Char('\n')));
-    EXPECT_FALSE(label.toolTip().contains(QStringLiteral("<img")));
-    EXPECT_TRUE(label.toolTip().contains(QStringLiteral("hostname")));
+    EXPECT_FALSE(label.toolTip().contains("<img"));
+    EXPECT_TRUE(label.toolTip().contains("hostname"));
 }
 
 TEST(main_window, follows_the_palette_of_the_desktop) {
@@ -113,12 +113,11 @@ TEST(help_panel, opens_with_f1_and_loads_only_artwork) {
         return browser.loadResource(type, QUrl(address));
     };
     EXPECT_FALSE(load("qrc:/artwork/prefs_wifi.gif").value<QImage>().isNull());
-    const QString other = QStringLiteral("qt-project.org/qmessagebox/images/qtlogo-64.png");
+    const QString other = "qt-project.org/qmessagebox/images/qtlogo-64.png";
     ASSERT_TRUE(QFile::exists(QStringLiteral(":/") + other));
     for (const QString& refused :
-         {QStringLiteral("file:///etc/hostname"), QStringLiteral("/etc/hostname"),
-          QStringLiteral("qrc:/") + other, QStringLiteral("qrc:/artwork/../") + other,
-          QStringLiteral("http://127.0.0.1/artwork/help.png")})
+         QStringList{"file:///etc/hostname", "/etc/hostname", "qrc:/" + other, "qrc:/artwork/../" + other,
+                     "http://127.0.0.1/artwork/help.png"})
         EXPECT_FALSE(load(refused).isValid()) << refused.toStdString();
     EXPECT_FALSE(load("qrc:/artwork/help.png", QTextDocument::StyleSheetResource).isValid());
 }

@@ -35,7 +35,7 @@ struct plotted_log : running_window {
     }
     plots_popup& plot() { return part<plots_popup>(); }
     plot_chart& chart() { return *plot().findChild<plot_chart*>(); }
-    QString caption() { return plot().findChild<elided_label*>(QStringLiteral("caption"))->full_text(); }
+    QString caption() { return plot().findChild<elided_label*>("caption")->full_text(); }
     bool wait_until_read() {
         return QTest::qWaitFor([&] { return !plot().is_reading() && !caption().isEmpty(); }, 20000);
     }
@@ -57,10 +57,10 @@ struct plotted_log : running_window {
 TEST(plots_popup, zooms_pans_and_reads_a_moment) {
     plotted_log program(1000);
     ASSERT_TRUE(program.wait_until_read());
-    EXPECT_TRUE(program.plot().windowTitle().startsWith(QStringLiteral("Plot - Log : ")));
-    EXPECT_TRUE(program.says(QStringLiteral("Averages displayed - 1000 data points")));
+    EXPECT_TRUE(program.plot().windowTitle().startsWith("Plot - Log : "));
+    EXPECT_TRUE(program.says("Averages displayed - 1000 data points"));
     EXPECT_TRUE(QTest::qWaitFor( // until it is drawn
-        [&] { return program.chart().accessibleDescription().contains(QStringLiteral("99.50 kph")); }))
+        [&] { return program.chart().accessibleDescription().contains("99.50 kph"); }))
         << program.chart().accessibleDescription().toStdString();
 
     program.key(Qt::Key_Plus);
@@ -69,11 +69,11 @@ TEST(plots_popup, zooms_pans_and_reads_a_moment) {
     program.key(Qt::Key_Home);
     program.key(Qt::Key_Right, Qt::ShiftModifier);
     EXPECT_EQ(program.chart().span().first, 4442);
-    auto& pan = *program.plot().findChild<QScrollBar*>(QStringLiteral("pan"));
+    auto& pan = *program.plot().findChild<QScrollBar*>("pan");
     ASSERT_TRUE(QTest::qWaitFor([&] { return pan.value() == 4442; }));
     pan.setValue(pan.maximum());
     EXPECT_EQ(program.chart().span().end(), 99'961);
-    auto& zoom = *program.plot().findChild<QSlider*>(QStringLiteral("zoom"));
+    auto& zoom = *program.plot().findChild<QSlider*>("zoom");
     zoom.setValue(zoom.minimum());
     EXPECT_EQ(program.chart().span().count, 1000);
     zoom.setValue(zoom.maximum());
@@ -84,7 +84,7 @@ TEST(plots_popup, zooms_pans_and_reads_a_moment) {
     program.move_to(middle);
     const double pointed = program.chart().cursor();
     ASSERT_GT(pointed, 20'000);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return program.caption().startsWith(QStringLiteral("Values at ")); }))
+    EXPECT_TRUE(QTest::qWaitFor([&] { return program.caption().startsWith("Values at "); }))
         << program.caption().toStdString();
     program.key(Qt::Key_Right); // to the end of a sweep
     const double moment = program.chart().cursor();
@@ -117,16 +117,14 @@ TEST(plots_popup, plots_several_pids_and_shares_the_picture) {
     QTest::mouseClick(thumbs.at(1), Qt::LeftButton, Qt::ControlModifier, QPoint(20, 20));
     ASSERT_TRUE(QTest::qWaitFor([&] {
         const QString words = program.chart().accessibleDescription();
-        return words.contains(QStringLiteral("Engine RPM")) &&
-               words.contains(QStringLiteral("Vehicle speed"));
+        return words.contains("Engine RPM") && words.contains("Vehicle speed");
     })) << program.chart().accessibleDescription().toStdString();
 
     auto& saver = *program.plot().findChild<picture_saver*>();
-    const QString png = program.folder.filePath(QStringLiteral("plot.png"));
+    const QString png = program.folder.filePath("plot.png");
     saver.save_to(png);
-    EXPECT_EQ(QImageReader(png).size(),
-              2 * program.plot().findChild<QFrame*>(QStringLiteral("picture"))->size());
-    const QString pdf = program.folder.filePath(QStringLiteral("plot.pdf"));
+    EXPECT_EQ(QImageReader(png).size(), 2 * program.plot().findChild<QFrame*>("picture")->size());
+    const QString pdf = program.folder.filePath("plot.pdf");
     saver.save_to(pdf);
     QFile file(pdf);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -147,8 +145,7 @@ TEST(plots_popup, plots_several_pids_and_shares_the_picture) {
 TEST(plots_popup, says_what_it_reads_and_stops) {
     plotted_log empty(0, "Fuel");
     ASSERT_TRUE(QTest::qWaitFor([&] { return !empty.plot().is_reading(); }));
-    EXPECT_EQ(empty.plot().findChild<progress_overlay*>()->shown_text(),
-              QStringLiteral("This log holds no data."));
+    EXPECT_EQ(empty.plot().findChild<progress_overlay*>()->shown_text(), "This log holds no data.");
 
     plotted_log program(1000);
     ASSERT_TRUE(program.plot().is_reading());
@@ -164,8 +161,8 @@ TEST(plots_popup, is_opened_from_the_preview_and_follows_the_colours) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return preview.findChildren<thumbnail*>().size() == 2; }));
     QTest::mouseClick(preview.findChildren<thumbnail*>().at(1), Qt::LeftButton, {}, QPoint(20, 20));
     ASSERT_TRUE(program.wait_until_read());
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return program.chart().accessibleDescription().startsWith(QStringLiteral("Engine RPM")); }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return program.chart().accessibleDescription().startsWith("Engine RPM"); }));
 
     const QPalette before = QApplication::palette();
     QPalette dark = before;

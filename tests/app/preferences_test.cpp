@@ -50,56 +50,56 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     EXPECT_TRUE(program.is_hidden("wifi_pane"));
     program.part<QRadioButton>("wifi").click();
     EXPECT_FALSE(program.is_hidden("wifi_pane"));
-    EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6"));
+    EXPECT_EQ(program.stored("BV_interface"), "6");
     EXPECT_EQ(program.core.place.interface_kind(), interface_wifi);
 
     program.type("address", " 10.0.0.5\t"); // pasted
     program.type("port", "70000");
     EXPECT_TRUE(program.is_hidden("address_problem"));
     EXPECT_FALSE(program.is_hidden("port_problem"));
-    EXPECT_EQ(program.stored("wifi_IP"), QStringLiteral("10.0.0.5"));
-    EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35000"));
-    EXPECT_EQ(program.core.place.wifi_ip(), QStringLiteral("10.0.0.5"));
-    EXPECT_EQ(program.core.place.wifi_port(), QStringLiteral("35000"));
+    EXPECT_EQ(program.stored("wifi_IP"), "10.0.0.5");
+    EXPECT_EQ(program.stored("wifi_port"), "35000");
+    EXPECT_EQ(program.core.place.wifi_ip(), "10.0.0.5");
+    EXPECT_EQ(program.core.place.wifi_port(), "35000");
 
     program.part<QCheckBox>("metric_units").click();
     program.part<QCheckBox>("log_runs").click();
     program.part<QComboBox>("sample_rate").setCurrentIndex(2);
     EXPECT_TRUE(program.core.defaults.value(setting::metric_units) &&
                 program.core.defaults.value(setting::log_runs));
-    EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), QStringLiteral("Every 30 secs"));
-    EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("30"));
+    EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), "Every 30 secs");
+    EXPECT_EQ(program.stored("BV_sample_rate"), "30");
 
     program.part<QCheckBox>("anonymous").click();
-    EXPECT_TRUE(is_anonymous() && program.stored("BV_anonymous") == QStringLiteral("true"));
+    EXPECT_TRUE(is_anonymous() && program.stored("BV_anonymous") == "true");
     program.part<QCheckBox>("anonymous").click();
-    EXPECT_FALSE(is_anonymous() || program.stored("BV_anonymous") != QStringLiteral("false"));
+    EXPECT_FALSE(is_anonymous() || program.stored("BV_anonymous") != "false");
 
     program.part<QCheckBox>("store_position").click();
     EXPECT_EQ(program.stored("BV_store_position"), QStringLiteral("false"));
 
     // Typed, and left with a key: stored on the way out.
-    program.part<QLineEdit>("port").setText(QStringLiteral("35001"));
+    program.part<QLineEdit>("port").setText("35001");
     program.press(Qt::Key_2, Qt::ControlModifier);
-    EXPECT_EQ(program.stored("wifi_port"), QStringLiteral("35001"));
+    EXPECT_EQ(program.stored("wifi_port"), "35001");
 
     // A rate that the file was given by hand stays, whoever looks at it.
     program.core.defaults.set(setting::sample_rate, 7);
     program.open();
-    EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), QStringLiteral("Every 7 secs"));
+    EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), "Every 7 secs");
     program.press(Qt::Key_2, Qt::ControlModifier);
-    EXPECT_EQ(program.stored("BV_sample_rate"), QStringLiteral("7"));
+    EXPECT_EQ(program.stored("BV_sample_rate"), "7");
 
     program.open();
     program.click("set_defaults");
     program.press(Qt::Key_Escape);
-    EXPECT_EQ(program.stored("BV_interface"), QStringLiteral("6")) << "it was not wanted";
+    EXPECT_EQ(program.stored("BV_interface"), "6") << "it was not wanted";
     program.click("set_defaults");
     program.press(Qt::Key_Tab);
     program.press(Qt::Key_Return);
     EXPECT_TRUE(program.part<QRadioButton>("bluetooth").isChecked());
     EXPECT_EQ(program.core.place.interface_kind(), interface_bluetooth);
-    EXPECT_EQ(program.stored("BV_log_runs"), QStringLiteral("true"));
+    EXPECT_EQ(program.stored("BV_log_runs"), "true");
     EXPECT_FALSE(program.core.defaults.value(setting::metric_units));
 }
 
@@ -120,7 +120,7 @@ TEST(prefs_view, leaves_the_link_of_the_command_line_until_it_is_changed) {
 
     program.open();
     program.part<QRadioButton>("wifi").click();
-    EXPECT_EQ(program.core.place.wifi_port(), QStringLiteral("35000"));
+    EXPECT_EQ(program.core.place.wifi_port(), "35000");
     EXPECT_EQ(program.link(), link_words::condition::closed) << "it led to the old place";
     EXPECT_TRUE(program.is_hidden("run_note"));
 }

@@ -39,18 +39,17 @@ struct preferences_tabs : running_window {
         QStringList names;
         for (const vehicle& one : all_vehicles(core.db))
             names += one.name;
-        return names.join(QLatin1String(", "));
+        return names.join(", ");
     }
     QString shown_vehicle() {
         for (elided_label* label : window->findChildren<elided_label*>()) {
-            if (vehicle_names().split(QLatin1String(", ")).contains(label->full_text()))
+            if (vehicle_names().split(", ").contains(label->full_text()))
                 return label->full_text();
         }
         return {};
     }
     int photo_rows() {
-        return static_cast<int>(
-            core.db.retrieve_from_DB(QStringLiteral("SELECT VEH_ID FROM VEH_IMAGES")).size());
+        return static_cast<int>(core.db.retrieve_from_DB("SELECT VEH_ID FROM VEH_IMAGES").size());
     }
     QString picture(const char* name) {
         QImage image(320, 200, QImage::Format_RGB32);
@@ -82,7 +81,7 @@ TEST(vehicles_tab, a_car_that_is_another_one_gets_a_record_of_its_own) {
     EXPECT_EQ(answer, false);
     program.field("vehicle_name").setText("Van");
     program.click("vehicle_ok");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return program.shown_vehicle() == QStringLiteral("Van"); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return program.shown_vehicle() == "Van"; }));
     EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 2);
 }
 
@@ -98,7 +97,7 @@ TEST(vehicles_tab, the_only_vehicle_stays_and_a_deleted_current_one_hands_over) 
     EXPECT_FALSE(program.part<QPushButton>("vehicle_delete").isEnabled());
     program.select_vehicle(1);
     program.click("vehicle_use");
-    EXPECT_EQ(program.shown_vehicle(), QStringLiteral("Van"));
+    EXPECT_EQ(program.shown_vehicle(), "Van");
     EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 2);
     EXPECT_FALSE(program.part<QPushButton>("vehicle_use").isEnabled());
 
@@ -108,14 +107,14 @@ TEST(vehicles_tab, the_only_vehicle_stays_and_a_deleted_current_one_hands_over) 
     for (const auto* button : sheet.findChildren<QPushButton*>())
         if (!button->isHidden())
             words += button->text();
-    EXPECT_EQ(words.join(QLatin1Char(' ')), QStringLiteral("YES NO"));
+    EXPECT_EQ(words.join(QLatin1Char(' ')), "YES NO");
     program.press(Qt::Key_Return); // No
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh., Van"));
+    EXPECT_EQ(program.vehicle_names(), "Cur Veh., Van");
     program.click("vehicle_delete");
     program.press(Qt::Key_Tab);
     program.press(Qt::Key_Return);
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh."));
-    EXPECT_EQ(program.shown_vehicle(), QStringLiteral("Cur Veh."));
+    EXPECT_EQ(program.vehicle_names(), "Cur Veh.");
+    EXPECT_EQ(program.shown_vehicle(), "Cur Veh.");
     EXPECT_EQ(program.core.car.cur_veh_id(), 1);
     EXPECT_EQ(program.core.defaults.value(setting::current_vehicle), 1);
 }
@@ -130,43 +129,40 @@ TEST(vehicle_dialog, stays_open_with_the_reason_until_its_values_can_be_stored) 
     program.click("vehicle_ok");
     EXPECT_TRUE(program.is_shown("vehicle_name_problem"));
 
-    QTest::keyClicks(&program.field("vehicle_year"), QStringLiteral("1"));
+    QTest::keyClicks(&program.field("vehicle_year"), "1");
     EXPECT_FALSE(program.is_shown("vehicle_year_problem")) << "it is being typed";
-    QTest::keyClicks(&program.field("vehicle_year"), QStringLiteral("20x"));
+    QTest::keyClicks(&program.field("vehicle_year"), "20x");
     EXPECT_TRUE(program.is_shown("vehicle_year_problem"));
-    program.field("vehicle_year").setText(QStringLiteral("2019"));
-    QTest::keyClicks(&program.field("vehicle_name"), QStringLiteral("Ann's car"));
+    program.field("vehicle_year").setText("2019");
+    QTest::keyClicks(&program.field("vehicle_name"), "Ann's car");
     program.press(Qt::Key_Return);
     EXPECT_EQ(program.dialog(), nullptr);
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh., Ann's car"));
+    EXPECT_EQ(program.vehicle_names(), "Cur Veh., Ann's car");
     program.select_vehicle(1);
-    EXPECT_EQ(program.text("vehicle_facts"), QStringLiteral("2019"));
+    EXPECT_EQ(program.text("vehicle_facts"), "2019");
 
     // What an older version stored freely stays as it is, and does not keep the name from being changed.
-    ASSERT_EQ(
-        program.core.db.add_update_DB({QStringLiteral("Van"), QStringLiteral("MY 12"), QStringLiteral("big")},
-                                      QStringLiteral("VEHICLES"), QStringLiteral("2")),
-        1);
+    ASSERT_EQ(program.core.db.add_update_DB({"Van", "MY 12", "big"}, "VEHICLES", "2"), 1);
     program.window->choose_screen(screen_kind::logs);
     program.window->choose_screen(screen_kind::preferences);
     program.show_tab(vehicles_tab);
     program.select_vehicle(1);
     program.click("vehicle_edit");
-    program.field("vehicle_volume").setText(QStringLiteral("bigger"));
+    program.field("vehicle_volume").setText("bigger");
     program.press(Qt::Key_Return);
     EXPECT_TRUE(program.is_shown("vehicle_volume_problem"));
-    program.field("vehicle_volume").setText(QStringLiteral("big"));
-    program.field("vehicle_name").setText(QStringLiteral("Car of Ann"));
+    program.field("vehicle_volume").setText("big");
+    program.field("vehicle_name").setText("Car of Ann");
     program.press(Qt::Key_Return);
     EXPECT_EQ(program.dialog(), nullptr);
-    EXPECT_EQ(program.text("vehicle_facts"), QStringLiteral("MY 12 \u00b7 big"));
+    EXPECT_EQ(program.text("vehicle_facts"), "MY 12 \u00b7 big");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     program.click("vehicle_edit");
-    program.field("vehicle_name").setText(QStringLiteral("Nobody"));
+    program.field("vehicle_name").setText("Nobody");
     program.press(Qt::Key_Escape);
     EXPECT_EQ(program.dialog(), nullptr);
-    EXPECT_EQ(program.vehicle_names(), QStringLiteral("Cur Veh., Car of Ann"));
+    EXPECT_EQ(program.vehicle_names(), "Cur Veh., Car of Ann");
 }
 
 TEST(vehicle_dialog, takes_a_dropped_picture_and_refuses_others) {
@@ -181,17 +177,16 @@ TEST(vehicle_dialog, takes_a_dropped_picture_and_refuses_others) {
         QCoreApplication::sendEvent(program.dialog(), &event);
         program.click("vehicle_ok"); // which waits for the picture
         EXPECT_NE(program.dialog(), nullptr);
-        EXPECT_TRUE(QTest::qWaitFor([&] {
-            return program.text("vehicle_photo_problem") != QStringLiteral("The picture is read ...");
-        }));
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return program.text("vehicle_photo_problem") != "The picture is read ..."; }));
     };
     const auto shown = [&program] { return program.part<QLabel>("vehicle_avatar").pixmap().toImage(); };
     const QImage before = shown();
     drop(program.core.db.path());
-    EXPECT_TRUE(program.text("vehicle_photo_problem").contains(QStringLiteral("is no picture")));
+    EXPECT_TRUE(program.text("vehicle_photo_problem").contains("is no picture"));
     EXPECT_EQ(shown(), before);
     drop(program.picture("blue.png"));
-    EXPECT_FALSE(program.text("vehicle_photo_problem").contains(QStringLiteral("is no picture")));
+    EXPECT_FALSE(program.text("vehicle_photo_problem").contains("is no picture"));
     EXPECT_NE(shown(), before);
     EXPECT_EQ(program.photo_rows(), 0) << "not before OK";
     program.click("vehicle_ok");
@@ -204,7 +199,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     auto& chooser = program.part<pid_chooser>();
     EXPECT_TRUE(program.is_shown("pids_nothing_known"));
     EXPECT_EQ(program.text("pids_nothing_known"),
-              QStringLiteral("Available PIDs for this vehicle will list after an initial Read/Log"));
+              "Available PIDs for this vehicle will list after an initial Read/Log");
     store_pids_available(program.core.db, 1, {{"7E8", {"05", "0C", "0D", "11", "20"}}, {"7E9", {"0D"}}});
     program.core.defaults.set(setting::sample_set.of_vehicle(1), QStringList{"0D", "0C"});
     chooser.show_vehicle();
@@ -212,7 +207,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
 
     auto& offered = program.part<QTableView>("offered_pids");
     auto& chosen = program.part<QTableView>("chosen_pids");
-    QTest::keyClicks(&program.field("pid_search"), QStringLiteral("trans"));
+    QTest::keyClicks(&program.field("pid_search"), "trans");
     QTest::keyClick(&program.field("pid_search"), Qt::Key_Down);
     ASSERT_EQ(offered.model()->rowCount(), 1);
     QTest::keyClick(&offered, Qt::Key_Space);
@@ -227,7 +222,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     QTest::keyClick(&offered, Qt::Key_Return); // takes away what stands there
     QTest::keyClick(&chosen, Qt::Key_Delete);
     EXPECT_EQ(program.stored_set(1), (QStringList{"0D|7E9"}));
-    EXPECT_EQ(program.text("chosen_count"), QStringLiteral("1 chosen"));
+    EXPECT_EQ(program.text("chosen_count"), "1 chosen");
 
     program.show_tab(vehicles_tab);
     program.add_vehicle("Van");
@@ -242,7 +237,7 @@ TEST(pids_tab, keeps_the_order_of_each_vehicle) {
     program.press(Qt::Key_Tab);
     program.press(Qt::Key_Return);
     EXPECT_EQ(program.stored_set(1), setting::sample_set.first_value());
-    EXPECT_EQ(program.text("chosen_count"), QStringLiteral("4 chosen"));
+    EXPECT_EQ(program.text("chosen_count"), "4 chosen");
 }
 
 TEST(vehicles_tab, another_vehicle_leaves_nothing_of_the_other_one_at_the_link_mark) {
@@ -250,14 +245,14 @@ TEST(vehicles_tab, another_vehicle_leaves_nothing_of_the_other_one_at_the_link_m
     program.press(Qt::Key_F5);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !program.is_shown("test_stop"); }, 20000));
     const auto words = [&] { return program.part<status_strip>().link(); };
-    EXPECT_TRUE(words().protocol.contains(QStringLiteral("CAN")));
+    EXPECT_TRUE(words().protocol.contains("CAN"));
     program.show_tab(vehicles_tab);
     program.add_vehicle("Van");
     program.select_vehicle(1);
     program.click("vehicle_use");
     EXPECT_EQ(program.link(), link_words::condition::open);
     EXPECT_EQ(words().protocol, QString());
-    EXPECT_FALSE(words().details.contains(QStringLiteral("CAN")));
+    EXPECT_FALSE(words().details.contains("CAN"));
 }
 
 TEST(connection_test, tells_what_answered) {
@@ -266,7 +261,7 @@ TEST(connection_test, tells_what_answered) {
     program.press(Qt::Key_F5);
     EXPECT_TRUE(program.is_shown("test_stop"));
     ASSERT_TRUE(ended());
-    EXPECT_EQ(program.text("test_title"), QStringLiteral("Adapter and car answer"));
+    EXPECT_EQ(program.text("test_title"), "Adapter and car answer");
     for (const char* part : {"ELM327v1.5", "CAN (11 bit ID, 500 kbaud)", "7E8 (Eng.)"})
         EXPECT_TRUE(program.text("test_text").contains(QLatin1String(part))) << part;
     EXPECT_EQ(program.part<notice_banner>().count(), 0);
@@ -276,13 +271,13 @@ TEST(connection_test, tells_what_answered) {
     EXPECT_TRUE(program.is_shown("test_stop"));
     program.press(Qt::Key_Escape);
     EXPECT_FALSE(program.is_shown("test_stop"));
-    EXPECT_EQ(program.text("test_title"), QStringLiteral("Stopped"));
+    EXPECT_EQ(program.text("test_title"), "Stopped");
 
     program.press(Qt::Key_F5);
     program.part<QRadioButton>("wifi").click(); // another link, to the stored address
     EXPECT_FALSE(program.is_shown("test_stop"));
     EXPECT_EQ(program.link(), link_words::condition::closed);
-    program.field("address").setText(QStringLiteral("192.168.0.300"));
+    program.field("address").setText("192.168.0.300");
     program.press(Qt::Key_F5);
     EXPECT_FALSE(program.is_shown("test_stop")) << "the address is wrong";
     EXPECT_TRUE(program.is_shown("address_problem"));
@@ -291,30 +286,23 @@ TEST(connection_test, tells_what_answered) {
 }
 
 TEST(connection_test, tells_which_of_them_did_not_answer) {
-    const std::tuple<const char*, const char*> rows[] = {
-        {"silence", "There is a link, but no adapter answers"},
-        {"no car", "The adapter answers, the car does not"},
+    const std::tuple<int, QString, const char*> rows[] = {
+        {1, "can11", "There is a link, but no adapter answers"},
+        {0, BV_TESTS "/terminal/ignition_off.car", "The adapter answers, the car does not"},
     };
-    for (const auto& [far_end, title] : rows) {
+    for (const auto& [cut_after, car, title] : rows) {
         virtual_adapter_server server;
         QString problem;
-        virtual_adapter::faults what;
-        if (QLatin1String(far_end) == QLatin1String("silence"))
-            what.cut_after = 1;
-        server.set_faults(what);
-        const auto car = virtual_adapter::load_car(
-            what.cut_after ? QStringLiteral("can11") : QStringLiteral(BV_TESTS "/terminal/ignition_off.car"),
-            problem);
-        const quint16 port = server.start(car);
+        server.set_faults({.cut_after = cut_after});
+        const quint16 port = server.start(virtual_adapter::load_car(car, problem));
         ASSERT_NE(port, 0) << problem.toStdString();
         preferences_tabs program(0);
         program.part<QRadioButton>("wifi").click();
-        program.field("address").setText(QStringLiteral("127.0.0.1"));
+        program.field("address").setText("127.0.0.1");
         program.field("port").setText(QString::number(port));
         program.click("test_start");
         ASSERT_TRUE(QTest::qWaitFor([&] { return !program.is_shown("test_stop"); }, 40000));
-        EXPECT_EQ(program.text("test_title"), QLatin1String(title))
-            << program.text("test_text").toStdString();
+        EXPECT_EQ(program.text("test_title"), title) << program.text("test_text").toStdString();
     }
 }
 

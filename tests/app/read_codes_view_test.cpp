@@ -7,8 +7,8 @@ namespace brivant {
 namespace {
 
 const QStringList codes_of_the_car{
-    QStringLiteral("P0133\t7E8\tO2 Sensor Circuit Slow Response Bank 1 Sensor 1"),
-    QStringLiteral("P0220\t7E8\tThrottle/Pedal Position Sensor/Switch B Circuit"),
+    "P0133\t7E8\tO2 Sensor Circuit Slow Response Bank 1 Sensor 1",
+    "P0220\t7E8\tThrottle/Pedal Position Sensor/Switch B Circuit",
 };
 
 struct diagnosed_car : running_window {
@@ -25,22 +25,22 @@ struct diagnosed_car : running_window {
 TEST(read_codes_view, shows_what_the_demo_car_says) {
     diagnosed_car car;
     EXPECT_EQ(car.rows_of("codes_table"), codes_of_the_car);
-    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("ON"));
-    EXPECT_EQ(car.part<QLabel>("code_count").text(), QStringLiteral("2"));
-    EXPECT_TRUE(car.part<QLabel>("facts").text().contains(QStringLiteral("ELM327v1.5")));
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), "ON");
+    EXPECT_EQ(car.part<QLabel>("code_count").text(), "2");
+    EXPECT_TRUE(car.part<QLabel>("facts").text().contains("ELM327v1.5"));
     EXPECT_EQ(car.link(), link_words::condition::open);
-    EXPECT_TRUE(car.part<status_strip>().link().details.contains(QStringLiteral("7E8 (Eng.), 7E9 (Trans.)")));
+    EXPECT_TRUE(car.part<status_strip>().link().details.contains("7E8 (Eng.), 7E9 (Trans.)"));
 
     const QAbstractItemModel& readiness = *car.part<QTableView>("readiness_table").model();
-    EXPECT_EQ(readiness.index(0, 0).data().toString(), QStringLiteral("Continous"));
-    EXPECT_EQ(readiness.index(4, 0).data().toString(), QStringLiteral("Non-Continous"));
-    EXPECT_EQ(readiness.index(1, 1).data().toString(), QStringLiteral("     Misfire"));
+    EXPECT_EQ(readiness.index(0, 0).data().toString(), "Continous");
+    EXPECT_EQ(readiness.index(4, 0).data().toString(), "Non-Continous");
+    EXPECT_EQ(readiness.index(1, 1).data().toString(), "     Misfire");
     const QStringList states = car.rows_of("readiness_table");
     EXPECT_EQ(states.size(), 11);
-    EXPECT_TRUE(states.contains(QStringLiteral("complete\tCatalyst")));
-    EXPECT_TRUE(states.contains(QStringLiteral("not complete\tEvaporative system")));
-    EXPECT_TRUE(states.contains(QStringLiteral("not supported\tHeated catalyst")));
-    EXPECT_EQ(car.part<QLabel>("readiness_summary").text(), QStringLiteral("6 of 7 complete"));
+    EXPECT_TRUE(states.contains("complete\tCatalyst"));
+    EXPECT_TRUE(states.contains("not complete\tEvaporative system"));
+    EXPECT_TRUE(states.contains("not supported\tHeated catalyst"));
+    EXPECT_EQ(car.part<QLabel>("readiness_summary").text(), "6 of 7 complete");
 
     auto& table = car.part<QTableView>("codes_table");
     table.setFocus();
@@ -53,7 +53,7 @@ TEST(read_codes_view, shows_what_the_demo_car_says) {
     EXPECT_EQ(car.window->current_controller(), nullptr);
     car.press(Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(car.rows_of("codes_table"), codes_of_the_car);
-    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("ON"));
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), "ON");
 }
 
 TEST(read_codes_view, clears_only_after_a_yes) {
@@ -73,8 +73,8 @@ TEST(read_codes_view, clears_only_after_a_yes) {
     car.press(Qt::Key_Return);
     EXPECT_FALSE(car.part<QPushButton>("stop").isHidden());
     ASSERT_TRUE(car.wait_until_idle());
-    EXPECT_EQ(car.rows_of("codes_table"), QStringList{QStringLiteral("No codes\t\tLook for pending codes")});
-    EXPECT_EQ(car.part<QLabel>("mil_word").text(), QStringLiteral("OFF"));
+    EXPECT_EQ(car.rows_of("codes_table"), QStringList{"No codes\t\tLook for pending codes"});
+    EXPECT_EQ(car.part<QLabel>("mil_word").text(), "OFF");
 }
 
 TEST(read_codes_view, stops_and_leaves_in_mid_operation) {
@@ -83,7 +83,7 @@ TEST(read_codes_view, stops_and_leaves_in_mid_operation) {
     car.press(Qt::Key_F5);
     car.press(Qt::Key_Escape);
     EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
-    EXPECT_EQ(car.part<status_strip>().status_text(), QStringLiteral("Stopped"));
+    EXPECT_EQ(car.part<status_strip>().status_text(), "Stopped");
 
     car.press(Qt::Key_F5);
     car.press(Qt::Key_2, Qt::ControlModifier);

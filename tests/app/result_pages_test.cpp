@@ -14,7 +14,7 @@ namespace {
 enum rail_row { codes_row, pending_row, vehicle_row, mode6_row_of_rail, misfire_row, o2_row, extras_row };
 
 struct opened_car : running_window {
-    explicit opened_car(const QString& car = QStringLiteral("can11"))
+    explicit opened_car(const QString& car = "can11")
         : running_window(launch_options::link_choice::demo, car) {
         press(Qt::Key_1, Qt::ControlModifier);
     }
@@ -25,7 +25,7 @@ struct opened_car : running_window {
     }
     QString text_of(const char* label) { return part<QLabel>(label).text(); }
     QString report_text() {
-        const QString saved = folder.filePath(QStringLiteral("report.txt"));
+        const QString saved = folder.filePath("report.txt");
         part<report_button>().save_as_text(saved);
         return QString::fromUtf8(bytes_of(saved));
     }
@@ -51,10 +51,10 @@ QString cut_cell(const QTableView& table) {
 TEST(result_pages, show_the_tests_and_the_selected_one) {
     opened_car car;
     car.open_page(mode6_row_of_rail);
-    EXPECT_TRUE(car.text_of("mode6_main_empty_text").startsWith(QStringLiteral("No tests read yet.")));
+    EXPECT_TRUE(car.text_of("mode6_main_empty_text").startsWith("No tests read yet."));
     car.press(Qt::Key_F5);
     EXPECT_FALSE(car.part<QPushButton>("misfire_read").isEnabled()) << "one operation at a time";
-    EXPECT_TRUE(car.text_of("misfire_note").startsWith(QStringLiteral("Mode 6 is being read")));
+    EXPECT_TRUE(car.text_of("misfire_note").startsWith("Mode 6 is being read"));
     ASSERT_TRUE(car.wait_until_stopped("mode6_stop"));
     EXPECT_TRUE(car.part<QPushButton>("misfire_read").isEnabled());
 
@@ -75,19 +75,19 @@ TEST(result_pages, show_the_tests_and_the_selected_one) {
         EXPECT_TRUE(told.contains(results.at(i).text().simplified())) << told.toStdString();
     }
     EXPECT_EQ(car.rows_of("misfire_main_table"), QStringList());
-    EXPECT_TRUE(car.report_text().startsWith(QStringLiteral("------Mode6 read:")));
+    EXPECT_TRUE(car.report_text().startsWith("------Mode6 read:"));
     car.open_page(extras_row);
     EXPECT_FALSE(car.part<QPushButton>("report").isEnabled());
 }
 
 TEST(result_pages, say_that_a_car_has_nothing_to_tell) {
-    opened_car car(QStringLiteral("iso9141"));
+    opened_car car("iso9141");
     car.open_page(misfire_row);
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_until_stopped("misfire_stop"));
-    EXPECT_EQ(car.part<notice_banner>().shown_text(), QStringLiteral("Not Supported by your vehicle"));
-    EXPECT_EQ(car.text_of("misfire_main_empty_text"), QStringLiteral("No misfire counts were received."));
-    EXPECT_TRUE(car.text_of("o2_main_empty_text").startsWith(QStringLiteral("No tests read yet.")));
+    EXPECT_EQ(car.part<notice_banner>().shown_text(), "Not Supported by your vehicle");
+    EXPECT_EQ(car.text_of("misfire_main_empty_text"), "No misfire counts were received.");
+    EXPECT_TRUE(car.text_of("o2_main_empty_text").startsWith("No tests read yet."));
 }
 
 TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
@@ -95,13 +95,11 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
     car.open_page(pending_row);
     car.press(Qt::Key_F5);
     ASSERT_TRUE(car.wait_until_stopped("pending_stop"));
-    EXPECT_EQ(car.rows_of("pending_main_table"),
-              QStringList{QStringLiteral("P0171\t7E8\tSystem Too Lean Bank 1")});
+    EXPECT_EQ(car.rows_of("pending_main_table"), QStringList{"P0171\t7E8\tSystem Too Lean Bank 1"});
     const QStringList frame = car.rows_of("pending_side_table");
     ASSERT_FALSE(frame.isEmpty());
-    EXPECT_EQ(frame.first(),
-              QStringLiteral("Freezed by\tP0133 - O2 Sensor Circuit Slow Response Bank 1 Sensor 1"));
-    EXPECT_TRUE(frame.contains(QStringLiteral("Engine RPM\t1726.00 RPM")));
+    EXPECT_EQ(frame.first(), "Freezed by\tP0133 - O2 Sensor Circuit Slow Response Bank 1 Sensor 1");
+    EXPECT_TRUE(frame.contains("Engine RPM\t1726.00 RPM"));
 
     for (int width = 1180; width >= 900; width -= 20) {
         car.window->resize(width, 600);
@@ -112,12 +110,10 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
 
     // What was read goes into a file without marks of HTML; one that cannot be written is told.
     const QString text = car.report_text();
-    EXPECT_TRUE(text.contains(QStringLiteral("P0171 - ")) &&
-                text.contains(QStringLiteral("System Too Lean Bank 1")))
-        << text.toStdString();
-    EXPECT_FALSE(text.contains(QStringLiteral("<font")));
+    EXPECT_TRUE(text.contains("P0171 - ") && text.contains("System Too Lean Bank 1")) << text.toStdString();
+    EXPECT_FALSE(text.contains("<font"));
     auto& report = car.part<report_button>();
-    const QString pdf = car.folder.filePath(QStringLiteral("report.pdf"));
+    const QString pdf = car.folder.filePath("report.pdf");
     report.save_as_pdf(pdf);
     const QByteArray whole = bytes_of(pdf);
     EXPECT_TRUE(whole.startsWith("%PDF-"));
@@ -127,14 +123,12 @@ TEST(result_pages, show_pending_codes_and_the_freeze_frame) {
             const full_disk full(100);
             (report.*save)(pdf);
         }
-        EXPECT_TRUE(
-            car.part<notice_banner>().shown_text().contains(QStringLiteral("report.pdf cannot be written")));
+        EXPECT_TRUE(car.part<notice_banner>().shown_text().contains("report.pdf cannot be written"));
         car.part<notice_banner>().dismiss();
         EXPECT_EQ(bytes_of(pdf), whole) << "the old one stays";
     }
-    report.save_as_pdf(car.folder.filePath(QStringLiteral("not/there.pdf")));
-    EXPECT_TRUE(
-        car.part<notice_banner>().shown_text().contains(QStringLiteral("there.pdf cannot be written")));
+    report.save_as_pdf(car.folder.filePath("not/there.pdf"));
+    EXPECT_TRUE(car.part<notice_banner>().shown_text().contains("there.pdf cannot be written"));
 }
 
 TEST(result_pages, keep_what_was_read_before_a_stop) {
@@ -147,9 +141,8 @@ TEST(result_pages, keep_what_was_read_before_a_stop) {
     EXPECT_TRUE(car.part<QPushButton>("vehicle_stop").isHidden());
     const QStringList kept = car.rows_of("vehicle_main_table");
     EXPECT_EQ(kept.size(), rows().size());
-    EXPECT_TRUE(kept.contains(QStringLiteral("\tVoltage\t14.1V")))
-        << kept.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(kept.filter(QStringLiteral("ECU(7E8) Eng.")).size(), 1);
+    EXPECT_TRUE(kept.contains("\tVoltage\t14.1V")) << kept.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(kept.filter("ECU(7E8) Eng.").size(), 1);
 
     car.press(Qt::Key_F5);
     EXPECT_LT(car.rows_of("vehicle_main_table").size(), kept.size()) << "the old rows are gone";

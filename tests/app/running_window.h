@@ -14,7 +14,7 @@ namespace brivant {
 // The whole program around a window, started as main() does it, with a profile of its own.
 struct running_window {
     static launch_options with(launch_options::link_choice link, const QString& profile,
-                               const QString& car = QStringLiteral("can11")) {
+                               const QString& car = "can11") {
         launch_options options;
         options.link = link;
         options.demo_car = car;
@@ -27,7 +27,7 @@ struct running_window {
     std::optional<main_window> window;
 
     explicit running_window(launch_options::link_choice link = launch_options::link_choice::as_stored,
-                            const QString& car = QStringLiteral("can11"))
+                            const QString& car = "can11")
         : core(with(link, folder.path(), car)) {
         QString problem;
         EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();

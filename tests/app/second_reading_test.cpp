@@ -15,8 +15,7 @@ namespace brivant {
 namespace {
 
 struct car_with_many_codes : running_window {
-    car_with_many_codes()
-        : running_window(launch_options::link_choice::demo, QStringLiteral("can11-many-codes")) {
+    car_with_many_codes() : running_window(launch_options::link_choice::demo, "can11-many-codes") {
         press(Qt::Key_1, Qt::ControlModifier);
     }
     QString line() { return part<QLabel>("reading_line").text(); }
@@ -30,9 +29,7 @@ struct car_with_many_codes : running_window {
     }
 };
 
-const QStringList all_codes{QStringLiteral("P0101"), QStringLiteral("P0113"), QStringLiteral("P0118"),
-                            QStringLiteral("P0171"), QStringLiteral("P0300"), QStringLiteral("P0420"),
-                            QStringLiteral("U0121"), QStringLiteral("P0741")};
+const QStringList all_codes{"P0101", "P0113", "P0118", "P0171", "P0300", "P0420", "U0121", "P0741"};
 
 } // namespace
 
@@ -45,14 +42,13 @@ TEST(second_reading_view, swaps_the_codes_without_asking_the_car) {
     // Those that only the standard reads stand below the program's own, under a heading.
     EXPECT_EQ(own.join(u' '), "P0171 P0171 P0171 P0171 P0741 In this reply by SAE J1979 "
                               "P0101 P0113 P0118 P0300 P0420 U0121");
-    EXPECT_EQ(car.line(),
-              QStringLiteral("By SAE J1979 this reply holds: ") + all_codes.join(QStringLiteral(", ")));
+    EXPECT_EQ(car.line(), QStringLiteral("By SAE J1979 this reply holds: ") + all_codes.join(", "));
     EXPECT_TRUE(car.bar_is_shown());
     EXPECT_TRUE(car.part<QFrame>("permanent_card").isHidden());
 
     car.click("read_by_standard");
     EXPECT_EQ(car.codes().first(all_codes.size()), all_codes);
-    EXPECT_TRUE(car.line().startsWith(QStringLiteral("Read by SAE J1979. The program's own reading: P0171")));
+    EXPECT_TRUE(car.line().startsWith("Read by SAE J1979. The program's own reading: P0171"));
     EXPECT_TRUE(car.part<QPushButton>("stop").isHidden());
     EXPECT_TRUE(car.part<QPushButton>("read").isEnabled());
     EXPECT_TRUE(car.core.defaults.value(setting::standard_reading));
@@ -66,9 +62,8 @@ TEST(second_reading_view, swaps_the_codes_without_asking_the_car) {
     QStringList permanent;
     for (const QString& row : car.rows_of("permanent_table"))
         permanent += row.section(u'\t', 0, 1);
-    EXPECT_EQ(permanent, (QStringList{QStringLiteral("P0171\t7E8"), QStringLiteral("P0300\t7E8"),
-                                      QStringLiteral("P0420\t7E8")}));
-    EXPECT_TRUE(car.part<QLabel>("permanent_words").text().contains(QStringLiteral("drive cycle")));
+    EXPECT_EQ(permanent, (QStringList{"P0171\t7E8", "P0300\t7E8", "P0420\t7E8"}));
+    EXPECT_TRUE(car.part<QLabel>("permanent_words").text().contains("drive cycle"));
 }
 
 TEST(second_reading_view, marks_the_values_that_differ) {
@@ -80,8 +75,7 @@ TEST(second_reading_view, marks_the_values_that_differ) {
         const QStringList rows = car.rows_of("vehicle_main_table").filter(QRegularExpression("^42\t"));
         return rows.value(0).section(u'\t', 2);
     };
-    static const QRegularExpression note(
-        QStringLiteral("^(.*) \\((By SAE J1979|The program's own reading): (.*)\\)$"));
+    static const QRegularExpression note("^(.*) \\((By SAE J1979|The program's own reading): (.*)\\)$");
     const QRegularExpressionMatch own = note.match(value_of_voltage());
     ASSERT_TRUE(own.hasMatch()) << value_of_voltage().toStdString();
     car.part<QCheckBox>("vehicle_standard_reading").click();
@@ -102,7 +96,7 @@ TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     const live_results& results = car.core.live;
     ASSERT_TRUE(QTest::qWaitFor([&] { return results.sample_cnt >= 3; }, 20000));
     auto& voltage = car.part<thumbnail>("thumb_42");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return voltage.toolTip().contains(QLatin1String("By SAE J1979: ")); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return voltage.toolTip().contains("By SAE J1979: "); }));
     const QRect mark = voltage.rect().adjusted(voltage.width() - 70, voltage.height() - 24, -28, 0);
     const QRect no_mark = car.part<thumbnail>("thumb_0D").rect().adjusted(mark.left(), mark.top(), -28, 0);
     EXPECT_NE(voltage.grab(mark).toImage(), car.part<thumbnail>("thumb_0D").grab(no_mark).toImage());
@@ -112,8 +106,8 @@ TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     EXPECT_GT(results.these_samples.at(0).latest, 9);
     const qint64 sweeps = results.sample_cnt;
     ASSERT_TRUE(QTest::qWaitFor([&] { return results.sample_cnt > sweeps; }, 20000)) << "the run goes on";
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] { return voltage.toolTip().contains(QLatin1String("The program's own reading: 0.0")); }));
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return voltage.toolTip().contains("The program's own reading: 0.0"); }));
     car.press(Qt::Key_Escape);
 
     car.press(Qt::Key_4, Qt::ControlModifier);
@@ -121,12 +115,10 @@ TEST(second_reading_view, live_values_and_stored_runs_follow_the_switch) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return logs.model()->rowCount() == 1; }, 20000));
     logs.selectRow(0);
     const auto preview = [&] { return car.part<QPlainTextEdit>("preview").toPlainText(); };
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return preview().contains(QLatin1String("(V by SAE J1979)")); }, 20000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return preview().contains("(V by SAE J1979)"); }, 20000));
     ASSERT_TRUE(QTest::qWaitFor([&] { return car.window->findChild<thumbnail*>("thumb_42"); }, 20000));
     Q_EMIT car.part<thumbnail>("thumb_42").reading_chosen(false);
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return preview().contains(QLatin1String("SAE J1979 says otherwise of: ")); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return preview().contains("SAE J1979 says otherwise of: "); }));
 }
 
 } // namespace brivant

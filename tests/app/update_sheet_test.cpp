@@ -19,9 +19,7 @@ struct opened_sheet : running_window {
     bool says(const char* text) {
         return QTest::qWaitFor([&] { return words().contains(QLatin1String(text)); });
     }
-    QStringList archives() {
-        return QDir(core.paths.documents).entryList({QStringLiteral("brivant-lite*")}, QDir::Files);
-    }
+    QStringList archives() { return QDir(core.paths.documents).entryList({"brivant-lite*"}, QDir::Files); }
 };
 
 } // namespace
@@ -30,12 +28,12 @@ TEST(update_sheet, asks_only_when_the_person_does) {
     opened_sheet program;
     program.server.offer(program.archive);
     program.open();
-    EXPECT_TRUE(program.words().startsWith(QStringLiteral("No update server is set, so none was asked.")));
+    EXPECT_TRUE(program.words().startsWith("No update server is set, so none was asked."));
     auto& address = program.part<QLineEdit>("update_server");
     EXPECT_TRUE(address.hasFocus());
-    address.setText(QStringLiteral("http://example.org"));
+    address.setText("http://example.org");
     QTest::keyClick(&address, Qt::Key_Return);
-    EXPECT_TRUE(program.words().contains(QStringLiteral("begins with https://")));
+    EXPECT_TRUE(program.words().contains("begins with https://"));
     EXPECT_TRUE(program.server.asked.isEmpty());
 
     address.setText(program.server.address());
@@ -62,10 +60,10 @@ TEST(update_sheet, tells_a_wrong_archive_and_stops) {
     ASSERT_TRUE(program.says("not the one that the version file tells of"));
     EXPECT_TRUE(program.part<QPushButton>("update_download").isVisible()) << "it can be tried again";
 
-    program.server.answers.remove(QStringLiteral("/lite/brivant-lite-99.1.zip"));
+    program.server.answers.remove("/lite/brivant-lite-99.1.zip");
     program.click("update_download");
     program.click("update_stop");
-    EXPECT_EQ(program.words(), QStringLiteral("Stopped. Nothing was kept."));
+    EXPECT_EQ(program.words(), "Stopped. Nothing was kept.");
     EXPECT_TRUE(program.archives().isEmpty());
 }
 

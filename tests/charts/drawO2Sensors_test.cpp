@@ -71,12 +71,12 @@ TEST(drawO2Sensors, lays_out_by_count_and_banks) {
 // By PID 1D two sensors each of four banks; what has no point stands beside the picture.
 TEST(drawO2Sensors, lays_out_four_banks) {
     car_with car(0x17, o2_banks::four);
-    EXPECT_EQ(car.dots_pos().join(u' '), QStringLiteral("130|149 210|149 130|66"));
+    EXPECT_EQ(car.dots_pos().join(u' '), "130|149 210|149 130|66");
     const QImage without = car.imageRepresentation();
-    car.set_sensor_value(3, -1, QStringLiteral("0.100"));
-    EXPECT_EQ(car.beside_the_picture(), QStringLiteral("S31 0.100 (lean)"));
+    car.set_sensor_value(3, -1, "0.100");
+    EXPECT_EQ(car.beside_the_picture(), "S31 0.100 (lean)");
     EXPECT_NE(car.imageRepresentation(), without);
-    EXPECT_EQ(car.in_words(), QStringLiteral("S11 no value, S12 no value, S21 no value, S31 0.100 (lean)"));
+    EXPECT_EQ(car.in_words(), "S11 no value, S12 no value, S21 no value, S31 0.100 (lean)");
     EXPECT_EQ(car_with(0x77).beside_the_picture(), QString());
 }
 
@@ -87,31 +87,30 @@ TEST(drawO2Sensors, tells_lean_from_rich_before_the_converter) {
         car.set_sensor_value(3, 1, QLatin1String(value));
         return car.state_of(3);
     };
-    car.set_sensor_value(2, 1, QStringLiteral("0.700"));
+    car.set_sensor_value(2, 1, "0.700");
     EXPECT_EQ(car.state_of(2), 0);
     EXPECT_EQ(state("0.299"), -1);
     EXPECT_EQ(state("0.300"), 0);
     EXPECT_EQ(state("0.600"), 0);
     EXPECT_EQ(state("0.601"), 1);
     EXPECT_EQ(state("-nan"), 0);
-    car.set_sensor_value(2, 1, QStringLiteral("nan"));
+    car.set_sensor_value(2, 1, "nan");
     car.set_switching(0x17); // the fourth one tells milliamperes
     EXPECT_EQ(state("-2.000"), 0);
     EXPECT_EQ(state("nan"), 0);
-    EXPECT_EQ(car.in_words(),
-              QStringLiteral("S11 no value, S12 no value, S13 no value, S21 no value, S22 no value"));
+    EXPECT_EQ(car.in_words(), "S11 no value, S12 no value, S13 no value, S21 no value, S22 no value");
 }
 
 TEST(drawO2Sensors, colours_the_dot_of_the_sensor_that_was_read) {
     car_with car(0x37);
     const QColor idle = car.colour_of_dot(365, 109);
-    car.set_sensor_value(2, 1, QStringLiteral("0.900")); // the third of the set is the one behind the Y pipe
+    car.set_sensor_value(2, 1, "0.900"); // the third of the set is the one behind the Y pipe
     EXPECT_EQ(car.colour_of_dot(365, 109), idle);
-    car.set_sensor_value(0, 1, QStringLiteral("0.900"));
+    car.set_sensor_value(0, 1, "0.900");
     const QColor rich = car.colour_of_dot(130, 149);
     EXPECT_GT(rich.red(), rich.blue() + 80);
     EXPECT_EQ(car.colour_of_dot(130, 66), idle);
-    car.set_sensor_value(3, 1, QStringLiteral("0.100"));
+    car.set_sensor_value(3, 1, "0.100");
     const QColor lean = car.colour_of_dot(130, 66);
     EXPECT_GT(lean.blue(), lean.red() + 80);
     EXPECT_EQ(car.sensor_at({131, 64}), 3);
@@ -119,13 +118,13 @@ TEST(drawO2Sensors, colours_the_dot_of_the_sensor_that_was_read) {
 
     // Another car: nothing of the last one stays.
     car.work_out_sensor_lay_out(0x03, -1);
-    EXPECT_EQ(car.in_words(), QStringLiteral("S11 no value, S12 no value"));
+    EXPECT_EQ(car.in_words(), "S11 no value, S12 no value");
 }
 
 TEST(drawO2Sensors, highlights_what_the_person_chose_before_what_the_run_says) {
     car_with car(0x03);
     const auto picture = [&car](int by_run) {
-        car.set_sensor_value(0, by_run, QStringLiteral("0.450"));
+        car.set_sensor_value(0, by_run, "0.450");
         return car.imageRepresentation();
     };
     const QImage second = picture(1);

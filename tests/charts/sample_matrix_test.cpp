@@ -26,7 +26,7 @@ TEST(sample_matrix, keeps_bodies_as_they_came_and_missing_ones_apart) {
     EXPECT_EQ(matrix.rows(), 0) << "nothing was started";
     matrix.start(3);
     EXPECT_EQ(matrix.rows(), 1);
-    EXPECT_EQ(matrix.body(0, 2), QStringLiteral("-1"));
+    EXPECT_EQ(matrix.body(0, 2), "-1");
 
     const QStringList bodies{"410D00", "00000000000000", "410d3c", "41000102030405060708090A",
                              "7F0112", QString(),        "NODATA", "~",
@@ -36,7 +36,7 @@ TEST(sample_matrix, keeps_bodies_as_they_came_and_missing_ones_apart) {
         EXPECT_EQ(matrix.body(matrix.rows() - 1, 1), body);
         matrix.set_bytes(2, body.toUtf8());
         EXPECT_EQ(matrix.body(matrix.rows() - 1, 2), body);
-        EXPECT_EQ(matrix.body(matrix.rows() - 1, 0), QStringLiteral("-1"));
+        EXPECT_EQ(matrix.body(matrix.rows() - 1, 0), "-1");
         matrix.add_row();
     }
     EXPECT_EQ(matrix.value(2, 1), 0x3C);
@@ -44,7 +44,7 @@ TEST(sample_matrix, keeps_bodies_as_they_came_and_missing_ones_apart) {
         EXPECT_TRUE(std::isnan(matrix.value(row, 1))) << row;
     matrix.set(3, reply(1));
     matrix.set(-1, reply(1));
-    EXPECT_EQ(matrix.body(99, 1), QStringLiteral("-1"));
+    EXPECT_EQ(matrix.body(99, 1), "-1");
     EXPECT_TRUE(matrix.summary(7, 0, 10).empty());
 }
 

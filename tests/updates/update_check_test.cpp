@@ -44,8 +44,8 @@ struct asked_server {
     int ends = 0;
     QString problem;
 
-    explicit asked_server(const server_patience& patience = {}) : updates(QStringLiteral("1.1.9"), patience) {
-        server.answers[file_path] = http_server::ok(version_json(QStringLiteral("1.2.0"), content));
+    explicit asked_server(const server_patience& patience = {}) : updates("1.1.9", patience) {
+        server.answers[file_path] = http_server::ok(version_json("1.2.0", content));
         server.answers[archive_path] = http_server::ok(content);
         QObject::connect(&updates, &update_check::finished, &updates, [this](const QString& why) {
             ++ends;
@@ -71,8 +71,8 @@ struct asked_server {
     }
     QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); }
 
-    const QString file_path = QStringLiteral("/lite/version.json");
-    const QString archive_path = QStringLiteral("/lite/1.2/brivant-lite-1.2.0.tar.xz");
+    const QString file_path = "/lite/version.json";
+    const QString archive_path = "/lite/1.2/brivant-lite-1.2.0.tar.xz";
 };
 
 } // namespace
@@ -84,7 +84,7 @@ TEST(update_check, fetches_a_newer_archive_whole) {
     EXPECT_EQ(net.server.asked, QStringList(net.file_path)) << "the archive is not asked for by itself";
 
     ASSERT_EQ(net.download(), QString());
-    EXPECT_EQ(net.files(), QStringList(QStringLiteral("brivant-lite-1.2.0.tar.xz")));
+    EXPECT_EQ(net.files(), QStringList("brivant-lite-1.2.0.tar.xz"));
     EXPECT_EQ(bytes_of(net.updates.file()), content);
     EXPECT_FALSE(QFile::permissions(net.updates.file()) & QFile::ExeOwner);
 
@@ -100,14 +100,13 @@ TEST(update_check, fetches_a_newer_archive_whole) {
 TEST(update_check, replaces_nothing_and_follows_no_link) {
     asked_server net;
     ASSERT_EQ(net.check(), QString());
-    const QString name = net.folder.filePath(QStringLiteral("brivant-lite-1.2.0.tar.xz"));
-    const QString mine = net.folder.filePath(QStringLiteral("mine"));
+    const QString name = net.folder.filePath("brivant-lite-1.2.0.tar.xz");
+    const QString mine = net.folder.filePath("mine");
     for (const bool as_link : {true, false}) {
         const QString file = as_link ? mine : name;
         put_file(file, "mine");
         ASSERT_TRUE(!as_link || QFile::link(mine, name));
-        EXPECT_TRUE(net.download().contains(as_link ? QStringLiteral("a link has this name")
-                                                    : QStringLiteral("is there already")));
+        EXPECT_TRUE(net.download().contains(as_link ? "a link has this name" : "is there already"));
         EXPECT_EQ(bytes_of(file), "mine");
         QFile::remove(name);
     }
@@ -146,14 +145,14 @@ TEST(update_check, keeps_no_archive_that_is_not_the_one) {
 }
 
 TEST(update_check, takes_no_version_file_it_cannot_trust) {
-    const QString newer = QStringLiteral("1.2.0");
+    const QString newer = "1.2.0";
     const auto with_path = [&](const char* path) {
         return http_server::ok(version_json(newer, content, QLatin1String(path)));
     };
     const std::vector<QByteArray> answers{
         http_server::ok("<html>not found</html>"),
         http_server::ok("[1, 2]"),
-        http_server::ok(version_json(QStringLiteral("one"), content)),
+        http_server::ok(version_json("one", content)),
         http_server::ok(version_json(newer, {})),
         http_server::ok(version_json(newer, content).replace("sha256\": \"", "sha256\": \"x")),
         http_server::ok(QByteArray(version_file::largest + 1, ' ')),
@@ -185,7 +184,7 @@ TEST(update_check, asks_nobody_but_by_a_safe_address) {
         EXPECT_NE(net.problem, QString()) << address;
     }
     EXPECT_TRUE(net.server.asked.isEmpty());
-    EXPECT_EQ(update_server_problem(QStringLiteral("https://example.org:8443/a/b/")), QString());
+    EXPECT_EQ(update_server_problem("https://example.org:8443/a/b/"), QString());
 }
 
 // What a server may do to keep the program busy, for both things that it is asked for: each ends in a moment,
@@ -257,13 +256,12 @@ TEST(update_check, bears_a_server_of_bad_manners) {
 // An https server whose certificate was made for this run, and who trusts it or not.
 TEST(update_check, leaves_https_for_nothing_else) {
     QTemporaryDir folder;
-    const QString key_file = folder.filePath(QStringLiteral("key"));
-    const QString certificate_file = folder.filePath(QStringLiteral("certificate"));
+    const QString key_file = folder.filePath("key");
+    const QString certificate_file = folder.filePath("certificate");
     QProcess openssl;
-    openssl.start(QStringLiteral("openssl"),
-                  {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes", "-subj",
-                   "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-days", "2", "-keyout",
-                   key_file, "-out", certificate_file});
+    openssl.start("openssl", {"req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256",
+                              "-nodes", "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1",
+                              "-days", "2", "-keyout", key_file, "-out", certificate_file});
     if (!openssl.waitForFinished() || openssl.exitCode() != 0)
         GTEST_SKIP() << "no certificate can be made here: openssl is missing";
     QFile key(key_file);
@@ -300,13 +298,13 @@ TEST(update_check, has_a_deadline_over_all) {
     net.server.answers[net.file_path] = "HTTP/1.1 200 OK\r\n\r\n";
     net.server.goes_on = "x";
     net.server.every_ms = 5;
-    EXPECT_TRUE(net.check().contains(QStringLiteral("takes too long")));
+    EXPECT_TRUE(net.check().contains("takes too long"));
 }
 
 TEST(update_check, is_stopped_and_does_not_wait_for_ever) {
     asked_server net({.look_ms = 50});
     net.server.answers.remove(net.file_path);
-    EXPECT_TRUE(net.check().contains(QStringLiteral("does not answer")));
+    EXPECT_TRUE(net.check().contains("does not answer"));
 
     asked_server stopped;
     ASSERT_EQ(stopped.check(), QString());
@@ -314,7 +312,7 @@ TEST(update_check, is_stopped_and_does_not_wait_for_ever) {
     stopped.server.answers[stopped.archive_path] = http_server::ok(content.first(1000), content.size());
     QObject::connect(&stopped.updates, &update_check::progress, &stopped.updates, &update_check::stop,
                      Qt::QueuedConnection);
-    EXPECT_EQ(stopped.download(), QStringLiteral("Stopped. Nothing was kept."));
+    EXPECT_EQ(stopped.download(), "Stopped. Nothing was kept.");
     EXPECT_EQ(stopped.files(), QStringList());
 }
 
