@@ -25,6 +25,17 @@ QString time_stamp(qint64 utc_ms) {
     return QDateTime::fromMSecsSinceEpoch(utc_ms, Qt::UTC).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
+// What is stored is rounded, and is to be read again.
+bool lies_in_a_run(double ms) {
+    return ms >= 0 && ms < longest_run_ms - 1;
+}
+
+bool is_possible(const timed_sweep& sweep) {
+    return lies_in_a_run(sweep.ms) &&
+           std::all_of(sweep.offsets_ms.begin(), sweep.offsets_ms.end(),
+                       [](double offset) { return std::isnan(offset) || lies_in_a_run(offset); });
+}
+
 bool done(sqlite_statement& statement) {
     const bool is_done = statement.step() == sqlite_statement::stepped::done;
     statement.reset();
@@ -62,6 +73,8 @@ bool log_import::take(const QString& path, int veh_id, const std::function<bool(
 bool log_import::take_rows(sqlite_connection& connection, timed_csv_reader& reader, int veh_id,
                            const std::function<bool()>& go_on) {
     const run_head& head = reader.head();
+    if (head.start_ms < 0 || head.start_ms >= latest_start_ms)
+        return fail(QStringLiteral("The run began before 1970, or thousands of years from now."));
     QStringList pids;
     for (const run_column& column : head.columns)
         pids += column.pid.toUpper();
@@ -82,16 +95,18 @@ bool log_import::take_rows(sqlite_connection& connection, timed_csv_reader& read
     bool has_positions = false;
     for (auto item = reader.next(); item; item = reader.next()) {
         if (const auto* mark = std::get_if<timed_mark>(&*item)) {
-            if (++marks > most_marks || mark->ms < 0)
-                return fail(QStringLiteral("The run has more than %1 marks, or one before it began.")
+            if (++marks > most_marks || !lies_in_a_run(mark->ms))
+                return fail(QStringLiteral("The run has more than %1 marks, or one before it began or years "
+                                           "behind it.")
                                 .arg(most_marks));
             if (!store_mark(db, id, {mark->ms, text_of_mark(mark->text, marks)}))
                 return false;
             continue;
         }
         const timed_sweep& sweep = std::get<timed_sweep>(*item);
-        if (sweep.ms < 0 || sweep.ms >= longest_run_ms)
-            return fail(QStringLiteral("A sweep of the run lies before its begin, or years behind it."));
+        if (!is_possible(sweep))
+            return fail(QStringLiteral(
+                "A sweep of the run lies before its begin or years behind it, or a value so to its sweep."));
         const QStringList bodies = finder.bodies_of(sweep.values);
         const auto values =
             std::count_if(sweep.values.begin(), sweep.values.end(),

@@ -1,6 +1,7 @@
 #include "persistence/stored_moments.h"
 
 #include "base/string_table.h"
+#include "formats/timed_csv_reader.h"
 #include "persistence/sqlite_connection.h"
 
 #include <cmath>
@@ -9,7 +10,7 @@ namespace brivant {
 
 namespace {
 
-constexpr qsizetype most_columns = 256;
+constexpr qsizetype most_columns = timed_csv_reader::most_columns; // of a run that is imported
 
 QString number(double value) {
     return std::isnan(value) ? QString() : QString::number(value, 'f', 2);
@@ -57,8 +58,7 @@ std::optional<qint64> start_of_run(database& db, int log_id) {
     bool ok = false;
     const qint64 utc_ms =
         db.retrieve_from_DB(fill(sql, {QString::number(log_id)})).value(0).value(0).toLongLong(&ok);
-    constexpr qint64 year_9999 = 253'370'764'800'000;
-    return ok && utc_ms >= 0 && utc_ms < year_9999 ? std::optional(utc_ms) : std::nullopt;
+    return ok && utc_ms >= 0 && utc_ms < latest_start_ms ? std::optional(utc_ms) : std::nullopt;
 }
 
 QString timed_chunks_statement(int log_id, const QString& more_columns, const QString& more_tables) {

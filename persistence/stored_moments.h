@@ -9,7 +9,8 @@ namespace brivant {
 // When the values of a stored run were true. Logs of older programs have no moments, only the seconds at
 // which their lines were stored.
 
-inline constexpr double longest_run_ms = 1e11; // three years
+inline constexpr double longest_run_ms = 1e11;                 // three years
+inline constexpr qint64 latest_start_ms = 253'370'764'800'000; // the year 9999
 
 // One sweep, or the begin of a gap.
 struct sweep_moment {

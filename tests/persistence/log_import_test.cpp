@@ -56,6 +56,11 @@ TEST(log_import, takes_back_what_was_exported) {
     EXPECT_TRUE(imported(text + "1,2").contains(" cannot be imported. Line 7: "));
     EXPECT_EQ(imported(text + text.mid(text.lastIndexOf("\n", -2) + 1).repeated(600), false),
               "Stopped: nothing was imported.");
+    const QByteArray early = QByteArray(text).replace("start 2013", "start 1913");
+    EXPECT_EQ(imported(early), "The run began before 1970, or thousands of years from now.");
+    for (const char* offset : {",-5.25,", ",2e11,"}) // a value before its sweep, and one years behind it
+        EXPECT_TRUE(
+            imported(QByteArray(text).replace(",5.25,", offset)).startsWith("A sweep of the run lies"));
     EXPECT_TRUE(imported("Time,RPM\n0,1\n").contains("only files that this program exported"));
     EXPECT_EQ(t.column(logs), before);
 }
