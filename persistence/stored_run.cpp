@@ -68,7 +68,8 @@ std::vector<double> stored_run::offsets_of(const QStringList& items, const QList
     double latest = 0;
     for (qsizetype place = 0; place < items.size() && place < stored.size(); ++place) {
         const QString pid = sampled_pid(items.at(place));
-        const qsizetype column = pids.value(place) == pid ? place : pids.indexOf(pid);
+        const bool is_in_place = place < pids.size() && pids.at(place) == pid;
+        const qsizetype column = is_in_place ? place : pids.indexOf(pid);
         if (std::isnan(stored.at(place)))
             continue;
         latest = std::max(latest, stored.at(place));

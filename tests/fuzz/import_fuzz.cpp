@@ -40,6 +40,8 @@ struct sampled_runs {
         const auto log = log_with_id(db, id);
         must_hold(log.has_value(), "it is in the list");
         stored_run stored(db, *log, lists, {run.head.units, run.head.by_standard});
+        db.for_each_row(stored.statement(),
+                        [&](const QStringList& row) { return !stored.tell_columns(row); });
         must_hold(stored.head({}).start_ms == run.head.start_ms, "it began when it began");
         QList<double> times;
         db.for_each_row(stored.statement(), [&](const QStringList& row) {

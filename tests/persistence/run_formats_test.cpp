@@ -31,6 +31,11 @@ TEST(run_formats, of_a_stored_run) {
                                                        "0.100500,61,30,38,12,,\n"
                                                        "0.200000,,,,,,\n"
                                                        "0.300500,,,,,end,\n");
+    // A damaged line has more cells than the columns that were told.
+    const int damaged = t.stored({{"410D3C"}, {"410D3D,~,~,~"}});
+    t.outside("UPDATE LOGGIES_DATA SET LINE_NUMBER=rowid WHERE LOG_ID=3; INSERT INTO BV_RUNS VALUES (3, "
+              "1367416987250); INSERT INTO BV_MOMENTS VALUES (3, 6, 0, '15'), (3, 7, 100, '12,38,39,40')");
+    EXPECT_EQ(values(t.exported(damaged)), "0.000000,60,15,,\n0.100000,61,12,,\n");
     t.settings.format = run_format_of("mdf4"); // written at earlier places, too
     EXPECT_TRUE(t.exported(timed).startsWith("MDF     4.10"));
     t.settings.format = run_format_of("gpx");
