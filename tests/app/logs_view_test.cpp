@@ -108,6 +108,9 @@ TEST(logs_view, lists_and_previews) {
     QTest::keyClick(&program.table(), Qt::Key_Return); // as it is stored
     EXPECT_TRUE(program.part<help_panel>().isVisible());
     EXPECT_TRUE(program.part<help_panel>().findChild<QTextBrowser*>()->toPlainText().contains("410C1AF8"));
+    program.press(Qt::Key_Escape);
+    program.table().clearSelection();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !figures.isVisible(); }));
 }
 
 TEST(logs_view, exports_runs_and_shows_reports) {
