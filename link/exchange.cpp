@@ -204,7 +204,7 @@ bool exchange::check_reply(const reply& what_came, const QString& raw) {
     const reply_verdict verdict = rx_reply.is_cut()
                                       ? unconfirmed(no_confirm_count)
                                       : work_a_rcvdOBD_cmd(what_came, cur_cmd, no_confirm_count);
-    if (verdict.result == reply_retry && may_be_late) {
+    if (verdict.result != reply_accepted && may_be_late) {
         // Sending once more would leave the exchange one reply behind for good.
         start_timer(&exchange::obdTimedOutHandler);
         return true;
@@ -218,9 +218,9 @@ bool exchange::check_reply(const reply& what_came, const QString& raw) {
         obdTimeOutTimer = clock.one_shot(before_next_try_ms, [this] { write(); });
         break;
     default:
-        if (warn_no_reply && !raw.contains(QLatin1Char('?')))
+        if (warn_no_reply && !cur_cmd.is_a_trial && !raw.contains(QLatin1Char('?')))
             owner.pop_a_messy(why_given_up(what_came));
-        warn_no_reply = false;
+        warn_no_reply = warn_no_reply && cur_cmd.is_a_trial;
         hand_on(reply::none(what_came.raw()));
     }
     return false;

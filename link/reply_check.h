@@ -18,6 +18,7 @@ struct sent_command {
     int seconds = 3;            // until the time-out
     bool is_asked_again = true; // after a time-out, four times; else its answer is "~" at once
     bool is_sent_once = false;  // a reply that does not answer it is given up on at once
+    bool is_a_trial = false;    // that it is given up on is no news for the person
     enum class purpose {
         ordinary,   // counts on the adapter as it was set up
         sets_up,    // is part of that

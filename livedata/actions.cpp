@@ -27,6 +27,9 @@ constexpr std::array<mode_of_choice, 4> modes{{
     {"Boost", op_boost, work_out_boost, "work_out_boost::Did not fully complete: ( %@)"},
 }};
 
+constexpr int wait_before_putting_back_ms = 20;
+constexpr int most_waits_before_putting_back = 50;
+
 class nobody : public run_observer {
 public:
     void set_changed() override {}
@@ -335,7 +338,12 @@ void actions::let_go() {
         results.times.run_ends();
 }
 
+// A character would make the adapter break off what it still answers.
 void actions::put_back() {
+    if (link.is_late_reply_due() && ++waits_before_putting_back < most_waits_before_putting_back) {
+        after_run = link.time_source().one_shot(wait_before_putting_back_ms, [this] { put_back(); });
+        return;
+    }
     after_run.reset();
     if (link.mainViewController() == this && link.is_connected())
         start({op_put_back, QString(), QStringLiteral("%@"), nullptr,
@@ -350,6 +358,7 @@ void actions::told_the_end(bool done) {
             operation_ended(done);
         return;
     }
+    waits_before_putting_back = 0;
     if (link.has_changed_settings())
         after_run = link.time_source().one_shot(0, [this] { put_back(); });
     if (storing.sweeps_lost() > 0)

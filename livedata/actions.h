@@ -75,8 +75,8 @@ public:
     void take_set(const QStringList& items) override;
     void take_sweep(const QString& line, const sweep_moment& when) override;
     sampling_speed speed() const override;
-    request_plan::abilities abilities_of_adapter() const override { return {6, true}; }
-    void adapter_learnt(const request_plan::abilities&) override {}
+    request_plan::abilities abilities_of_adapter() const override { return learnt; }
+    void adapter_learnt(const request_plan::abilities& what) override { learnt = what; }
     int every_so_many_sweeps(const QString& pid) const override;
 
     // car_talk: what is put back at the adapter behind a run is not part of it.
@@ -108,6 +108,8 @@ private:
     std::unique_ptr<late_log> late;
     timer_handle next_slice;
     timer_handle after_run;
+    int waits_before_putting_back = 0;
+    request_plan::abilities learnt{6, true};
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
 

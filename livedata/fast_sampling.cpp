@@ -12,6 +12,10 @@ namespace {
 
 constexpr int time_out_s = 1;    // a request that the adapter falls silent at costs one sweep
 constexpr int unknown_rate = 10; // sweeps, of a PID that the car does not tell
+constexpr int sure_of_others = 3;
+// Behind the adapter's wait: an ECU on CAN answers within 50 ms. A frame that comes when the next request is
+// under way would stand for its answer, and the next one would be late in turn.
+constexpr int until_no_frame_comes_ms = 60;
 constexpr int gentle_ms = 100;
 constexpr int longest_pause_ms = 1000;
 constexpr int shortest_pause_ms = 50;
@@ -80,7 +84,7 @@ car_talk::asking fast_sampling::change(const QString& command, const QString& un
     sent_command setting = command_of(command + u'\r', QStringLiteral("OK"), false);
     setting.why = sent_command::purpose::on_its_own;
     setting.is_asked_again = false;
-    setting.is_sent_once = true;
+    setting.is_sent_once = setting.is_a_trial = true;
     return car.send(setting);
 }
 
@@ -94,17 +98,21 @@ talk fast_sampling::speed_up() {
 talk fast_sampling::wait_as_usual() {
     if (!std::exchange(waits_short, false))
         co_return;
-    co_await change(usual_wait, usual_wait);
+    const reply told = co_await change(usual_wait, usual_wait);
+    if (told.is_none() && car.link.timeouts() > 0)
+        throw link_lost{.status = QStringLiteral("The adapter has fallen silent")};
 }
 
 talk fast_sampling::turn_to(QString ecu) {
     const QString address = address_of(ecu);
+    const QString to_all = QStringLiteral("AT SH ") + address_of_all(ecu);
+    if (!may_turn && !std::exchange(turned_to, QString()).isEmpty())
+        co_await change(to_all, to_all);
     if (!may_turn || turned_to == ecu || address.isEmpty())
         co_return;
-    const reply told =
-        co_await change(QStringLiteral("AT SH ") + address, QStringLiteral("AT SH ") + address_of_all(ecu));
+    const reply told = co_await change(QStringLiteral("AT SH ") + address, to_all);
     may_turn = !told.is_none();
-    turned_to = may_turn ? ecu : QString();
+    turned_to = ecu;
 }
 
 talk fast_sampling::keep_pace() {
@@ -128,7 +136,8 @@ talk fast_sampling::ask_sweep(QStringList& bodies) {
 }
 
 sent_command fast_sampling::command_for(const sweep_request& request) const {
-    const bool may_count = request.frames > 0 && counts_frames && (!on_can || turned_to == request.ecu);
+    const bool is_alone = may_turn && others_spoke == 0 && turned_to == request.ecu;
+    const bool may_count = request.frames > 0 && counts_frames && (!on_can || is_alone);
     QStringList answers;
     for (const QString& pid : request.pids)
         answers += QStringLiteral("41") + pid;
@@ -138,6 +147,7 @@ sent_command fast_sampling::command_for(const sweep_request& request) const {
             .seconds = time_out_s,
             .is_asked_again = false,
             .is_sent_once = true,
+            .is_a_trial = true,
             .why = sent_command::purpose::on_its_own};
 }
 
@@ -145,7 +155,7 @@ talk fast_sampling::ask(sweep_request request, QStringList& bodies) {
     co_await keep_pace();
     car.begin_to_ask();
     const reply came = co_await car.send(command_for(request));
-    take(request, came, bodies);
+    const bool was_whole = take(request, came, bodies);
     note_pace(request, came);
     if (came.is_none() && car.link.timeouts() > 0) {
         // A reply that is still on its way stands before the answer to another command, and is dropped there.
@@ -154,6 +164,8 @@ talk fast_sampling::ask(sweep_request request, QStringList& bodies) {
     } else if (is_missed(request, came)) {
         co_await wait_as_usual();
     }
+    if (!was_whole)
+        co_await car.pause(until_no_frame_comes_ms);
 }
 
 // Nothing came of PIDs that the ECU says it has.
@@ -192,9 +204,13 @@ void fast_sampling::leave_out(const sweep_request& request, QStringList& bodies)
 request_outcome fast_sampling::outcome_of(const sweep_request& request, const reply& came,
                                           QMap<QString, QString>& answers) const {
     request_outcome outcome{.is_unknown = came.raw().text.contains(u'?')};
-    if (came.is_none() && !outcome.is_unknown && came.raw().text.isEmpty())
+    outcome.is_silent = came.is_none() && came.raw().text.isEmpty();
+    if (outcome.is_silent)
         return outcome;
     const reply said(came.raw());
+    outcome.others_spoke = std::any_of(said.ecus().begin(), said.ecus().end(), [&](const ecu_said& one) {
+        return one.header != request.ecu && car.tells(one.header, request.pids.first());
+    });
     const ecu_said* ecu = said.ecu(request.ecu);
     if (!ecu)
         return outcome;
@@ -217,7 +233,7 @@ request_outcome fast_sampling::outcome_of(const sweep_request& request, const re
     return outcome;
 }
 
-void fast_sampling::take(const sweep_request& request, const reply& came, QStringList& bodies) {
+bool fast_sampling::take(const sweep_request& request, const reply& came, QStringList& bodies) {
     QMap<QString, QString> answers;
     request_outcome outcome;
     const QString& first = request.pids.first();
@@ -230,6 +246,8 @@ void fast_sampling::take(const sweep_request& request, const reply& came, QStrin
     } else {
         outcome.is_unknown = came.raw().text.contains(u'?');
     }
+    if (outcome.others_spoke && turned_to == request.ecu && ++others_spoke >= sure_of_others)
+        may_turn = false; // the adapter only said OK to it
     plan.answered(request, outcome);
     for (const int column : columns_of(request)) {
         const QString pid = requested_pid(car.row(column).pid);
@@ -237,6 +255,7 @@ void fast_sampling::take(const sweep_request& request, const reply& came, QStrin
         car.take(column, bodies[column]);
         car.tell_sensor(column);
     }
+    return outcome.is_whole;
 }
 
 // A car that is busy, or does not answer, is asked less at once, and more again when it has kept up.

@@ -12,6 +12,8 @@ namespace brivant {
 class fast_sampling {
 public:
     explicit fast_sampling(sampling_talk& its_car);
+    ~fast_sampling() { car.adapter_learnt(plan.learnt()); } // also where the link is lost by it
+    Q_DISABLE_COPY_MOVE(fast_sampling)
 
     // The adapter's own settings, before the first sweep.
     talk speed_up();
@@ -29,7 +31,8 @@ private:
     talk keep_pace();
     car_talk::asking change(const QString& command, const QString& undo);
     sent_command command_for(const sweep_request& request) const;
-    void take(const sweep_request& request, const reply& came, QStringList& bodies);
+    // False when not all came, or more than that.
+    bool take(const sweep_request& request, const reply& came, QStringList& bodies);
     request_outcome outcome_of(const sweep_request& request, const reply& came,
                                QMap<QString, QString>& answers) const;
     void note_pace(const sweep_request& request, const reply& came);
@@ -38,8 +41,9 @@ private:
     const bool on_can;
     const bool counts_frames; // the protocol lets it
     request_plan plan;
-    QString turned_to; // the ECU that alone is addressed, "" for all
-    bool may_turn;     // an ECU can be addressed alone
+    QString turned_to;    // the ECU that alone is addressed, "" for all
+    bool may_turn;        // an ECU can be addressed alone
+    int others_spoke = 0; // replies with another one all the same
     bool waits_short = false;
     int pause_ms = 0; // between two requests
     int calm = 0;     // requests without trouble since it was made longer

@@ -6,9 +6,12 @@ namespace brivant {
 
 namespace {
 
-constexpr int sure_count = 3; // equal ones
-constexpr int most_wrong_counts = 3;
-constexpr int most_frames = 15; // one hexadecimal digit
+constexpr int sure_count = 3;   // equal ones
+constexpr int sure_failure = 3; // of the same request, one after the other
+constexpr int a_failure = 4;    // weighs as many whole answers
+constexpr int most_doubt = 12;
+constexpr int calm_answers = 200; // behind which a size that was answered is tried again
+constexpr int most_frames = 15;   // one hexadecimal digit
 
 int next_smaller(qsizetype size) {
     return size > 3 ? 3 : size > 2 ? 2 : 1;
@@ -63,7 +66,7 @@ QList<sweep_request> request_plan::joined() {
         const wanted& one = pids[place];
         if (!is_turn_of(one, place))
             continue;
-        const qsizetype at = one.may_be_joined ? open.value(one.ecu, -1) : -1;
+        const qsizetype at = one.may_be_joined && sweeps > 0 ? open.value(one.ecu, -1) : -1;
         if (at >= 0 && requests[at].pids.size() < size_of(one.ecu).now) {
             requests[at].pids += one.pid;
             continue;
@@ -77,26 +80,36 @@ QList<sweep_request> request_plan::joined() {
 
 void request_plan::answered(const sweep_request& request, const request_outcome& outcome) {
     has_values = has_values || outcome.has_values;
-    learnt_count& known = counted[key_of(request)];
-    if (outcome.is_whole) {
-        group_size& size = size_of(request.ecu);
-        const auto size_here = static_cast<int>(request.pids.size());
-        size.proven = std::max(size.proven, size_here == joinable(request.ecu) ? size.now : size_here);
-        known.times = known.frames == outcome.frames ? known.times + 1 : 1;
-        known.frames = outcome.frames;
-        if (outcome.frames > most_frames)
-            known = {};
-        return;
-    }
-    known = {};
-    if (request.frames > 0 && (outcome.is_unknown || ++wrong_counts >= most_wrong_counts))
+    if (outcome.is_whole)
+        return learn_whole(request, outcome.frames);
+    counted.remove(key_of(request));
+    if (request.frames > 0 && (outcome.is_unknown || (count_doubt += a_failure) > most_doubt))
         adapter.counts = false;
     if (request.frames > 0 && outcome.is_unknown)
         return; // it was the digit
     if (request.pids.size() > 1)
-        make_smaller(request);
+        make_smaller(request, outcome.is_silent);
     else
         failed_alone += request;
+}
+
+void request_plan::learn_whole(const sweep_request& request, int frames) {
+    failed.remove(key_of(request));
+    learnt_count& known = counted[key_of(request)];
+    known.times = known.frames == frames ? known.times + 1 : 1;
+    known.frames = frames;
+    if (frames > most_frames)
+        known = {};
+    if (request.frames > 0)
+        count_doubt = std::max(0, count_doubt - 1);
+    group_size& size = size_of(request.ecu);
+    const auto size_here = static_cast<int>(request.pids.size());
+    size.proven = std::max(size.proven, size_here == joinable(request.ecu) ? size.now : size_here);
+    size.doubt = std::max(0, size.doubt - 1);
+    if (size.now < size.proven && ++size.calm >= calm_answers) {
+        size.now = size.proven;
+        size.calm = 0;
+    }
 }
 
 // How many PIDs of an ECU may stand in one request.
@@ -105,21 +118,32 @@ int request_plan::joinable(const QString& ecu) const {
         pids.begin(), pids.end(), [&](const wanted& one) { return one.ecu == ecu && one.may_be_joined; }));
 }
 
-void request_plan::make_smaller(const sweep_request& request) {
+// A size that was never answered is not tried again; one that a request silences the adapter with, not with
+// nearly as many. One that was answered may have met a disturbance.
+void request_plan::make_smaller(const sweep_request& request, bool is_silenced) {
     group_size& size = size_of(request.ecu);
-    size.now = std::min(size.now, next_smaller(request.pids.size()));
+    const auto asked = static_cast<int>(request.pids.size());
+    const int smaller = next_smaller(asked);
+    if (++failed[key_of(request)] >= sure_failure) { // others of the size may come whole: these do not
+        failed.clear();
+        size = {std::min(size.now, smaller), std::min(size.proven, smaller), 0, 0};
+    } else if (asked > size.proven)
+        size.now = std::min(size.now, is_silenced ? next_smaller(smaller) : smaller);
+    else if ((size.doubt += a_failure) > most_doubt)
+        size = {std::min(size.now, smaller), size.proven, 0, 0};
 }
 
 // Where nothing comes at all the car is to blame, and not a size that it had answered. A PID that fails alone
 // while others come was to blame for the requests that it stood in.
 void request_plan::learn_of_sweep() {
-    const QList<sweep_request> failed = std::exchange(failed_alone, {});
+    const QList<sweep_request> alone = std::exchange(failed_alone, {});
     if (!std::exchange(has_values, false)) {
+        failed.clear();
         for (auto size = sizes.begin(); size != sizes.end(); ++size)
             size->now = std::max(size->now, size->proven);
         return;
     }
-    for (const sweep_request& request : failed) {
+    for (const sweep_request& request : alone) {
         size_of(request.ecu).now = adapter.most_pids;
         for (wanted& one : pids)
             if (one.ecu == request.ecu && one.pid == request.pids.first())

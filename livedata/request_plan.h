@@ -18,14 +18,17 @@ struct sweep_request {
 
 // What a reply was good for.
 struct request_outcome {
-    int frames = 0;          // of the ECU that was meant
-    bool is_whole = false;   // every PID has its value, and nothing else came
-    bool has_values = false; // one of them has
-    bool is_unknown = false; // the adapter does not know the request ("?")
+    int frames = 0;            // of the ECU that was meant
+    bool is_whole = false;     // every PID has its value, and nothing else came
+    bool has_values = false;   // one of them has
+    bool is_unknown = false;   // the adapter does not know the request ("?")
+    bool others_spoke = false; // an ECU that was not meant
+    bool is_silent = false;    // not even the adapter said anything
 };
 
 // Which requests read the PIDs of a sweep in the fewest exchanges, and what is learnt of each answer: how
-// many PIDs an ECU answers at once, and after how many frames the adapter need not wait any more.
+// many PIDs an ECU answers at once, and after how many frames the adapter need not wait any more. The first
+// sweep asks for each alone, so that there is one before anything is tried.
 class request_plan {
 public:
     struct abilities {
@@ -59,20 +62,24 @@ private:
     struct group_size {
         int now = 0;    // PIDs a request
         int proven = 0; // up to so many were answered whole
+        int doubt = 0;  // about a size that is proven
+        int calm = 0;   // whole answers since it was made smaller
     };
     group_size& size_of(const QString& ecu);
     bool is_turn_of(const wanted& one, qsizetype place) const;
     QList<sweep_request> joined();
     void learn_of_sweep();
     int joinable(const QString& ecu) const;
-    void make_smaller(const sweep_request& request);
+    void learn_whole(const sweep_request& request, int frames);
+    void make_smaller(const sweep_request& request, bool is_silenced);
 
     QList<wanted> pids;
     abilities adapter;
     qint64 sweeps = 0;
     QHash<QString, group_size> sizes;     // by ECU
     QHash<QString, learnt_count> counted; // by ECU and PIDs
-    int wrong_counts = 0;
+    QHash<QString, int> failed;           // how often in turn
+    int count_doubt = 0;
     QList<sweep_request> failed_alone; // of the sweep under way
     bool has_values = false;           // it
     QString last_ecu;                  // the adapter is turned to it

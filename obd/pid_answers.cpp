@@ -11,17 +11,20 @@ namespace brivant {
 namespace {
 
 constexpr qsizetype full_frame = 16; // digits
-constexpr qsizetype first_frame_data = 12;
 constexpr qsizetype next_frame_data = 14;
 
 bool is_whole_bytes(const QString& body) {
     return body.size() >= 2 && body.size() % 2 == 0 && is_hex(body);
 }
 
-// Single frames: "06", then six bytes and what fills the frame up.
+// A frame is as long as what it carries, or filled up: in any other one characters were lost on the way.
+bool has_length(const QString& frame, qsizetype digits) {
+    return frame.size() == digits || frame.size() == full_frame;
+}
+
 QString single_message(const QString& body) {
     const qsizetype length = 2 * qsizetype(charToNibble(body[1]));
-    return length > 0 && body.size() >= 2 + length ? body.mid(2, length) : QString();
+    return length > 0 && has_length(body, 2 + length) ? body.mid(2, length) : QString();
 }
 
 // "" when a frame is missing, doubled or of another message.
@@ -30,16 +33,14 @@ QString long_message(const QString& first, const QStringList& rest) {
         return {};
     const qsizetype length = 2 * (charToNibble(first[1]) * 256 + hex_byte(first, 2));
     QString data = first.sliced(4);
-    const qsizetype frames =
-        (std::max<qsizetype>(0, length - first_frame_data) + next_frame_data - 1) / next_frame_data;
-    if (rest.size() != frames)
-        return {};
-    for (qsizetype frame = 0; frame < frames; ++frame) {
-        if (hex_byte(rest[frame], 0) != 0x20 + static_cast<int>((frame + 1) % 16))
+    for (qsizetype frame = 0; frame < rest.size(); ++frame) {
+        const qsizetype carried = std::min(next_frame_data, length - data.size());
+        if (carried <= 0 || hex_byte(rest[frame], 0) != 0x20 + static_cast<int>((frame + 1) % 16) ||
+            !has_length(rest[frame], 2 + carried))
             return {};
-        data += rest[frame].sliced(2);
+        data += rest[frame].mid(2, carried);
     }
-    return data.size() >= length ? data.first(length) : QString();
+    return data.size() == length ? data : QString();
 }
 
 } // namespace

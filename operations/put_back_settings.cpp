@@ -7,7 +7,7 @@ talk put_back_settings(car_talk& car) {
         sent_command undo = command_of(car.link.undo_of_last_change() + u'\r', QStringLiteral("OK"), false);
         undo.why = sent_command::purpose::on_its_own;
         undo.is_asked_again = false;
-        undo.is_sent_once = true;
+        undo.is_sent_once = undo.is_a_trial = true;
         const reply told = co_await car.send(undo);
         if (!told.is_none()) {
             car.link.last_change_is_undone();

@@ -89,15 +89,17 @@ void add_requests(plan& sweep, const share& of, ideal_client& client, std::size_
     sweep.ms += best.back().ms;
 }
 
+// A sweep begins with the ECU that the one before has ended with, so that one of them needs no address.
 plan sweep_over(const std::vector<share>& shares, ideal_client& client, std::size_t most, bool with_stpx) {
     plan sweep;
+    const double addressed = shares.empty() ? 0 : 1 - 1.0 / static_cast<double>(shares.size());
     for (const share& of : shares) {
         const std::string address = client.address(*of.unit);
         if (!address.empty() && !with_stpx) {
             const ideal_client::cost took = client.of(address);
             if (shares.size() > 1) {
-                sweep.lines.push_back(line(took, ""));
-                sweep.ms += took.ms();
+                sweep.lines.push_back(line(took, number(", in %.2f of the sweeps", addressed)));
+                sweep.ms += addressed * took.ms();
             } else {
                 sweep.lines.push_back(address + ": once");
             }

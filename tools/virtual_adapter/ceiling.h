@@ -12,9 +12,9 @@ namespace virtual_adapter {
 // headers on (whoever does not see who answers cannot be sure of a value), each PID from the first ECU that
 // has it, the next request with the prompt of the last. On CAN up to six PIDs of one ECU a request, divided
 // in the way that takes the least time. One ECU is addressed where the protocol knows that; of several ECUs
-// each costs an "AT SH" a sweep or, on an ST chip, longer requests, whichever is less. The count digit ends
-// the wait; on J1850, where it must not be used, the shortest "AT ST" does that the slowest answer allows.
-// Faults of the adapter do not count.
+// all but one cost an "AT SH" a sweep or, on an ST chip, longer requests, whichever is less. The count digit
+// ends the wait; on J1850, where it must not be used, the shortest "AT ST" does that the slowest answer
+// allows. Faults of the adapter do not count.
 struct ceiling {
     double values_per_second = 0;
     std::vector<std::string> lines; // a number each, for a person
