@@ -116,8 +116,16 @@ TEST(ceiling, two_ecus_cost_a_change_of_header) {
         std::vector<std::string> sweep;
         read_plan(best, once, sweep);
         EXPECT_EQ(once.size(), 0u);
-        EXPECT_EQ(sweep.size(), kind == std::string_view("stn") ? 2u : 4u) << kind;
-        EXPECT_NEAR(reached(on, *adapter_of_kind(kind), once, sweep, 2) / best.values_per_second, 1, 0.02)
+        double values = 2;
+        if (sweep.size() == 4) { // to one, to the other, and back again: a change a sweep
+            once = {sweep[0]};
+            sweep = {sweep[1], sweep[2], sweep[3], sweep[3], sweep[0], sweep[1]};
+            values = 4;
+        } else {
+            EXPECT_EQ(sweep.size(), 2u) << kind;
+        }
+        EXPECT_NEAR(reached(on, *adapter_of_kind(kind), once, sweep, values) / best.values_per_second, 1,
+                    0.02)
             << kind;
     }
 }
