@@ -5,6 +5,7 @@
 #include "charts/axis_values.h"
 #include "charts/outward_rounding.h"
 #include "charts/picture.h"
+#include "charts/time_axis.h"
 #include "charts/time_plot.h"
 #include "toolkit/mac_toolies.h"
 
@@ -209,6 +210,24 @@ std::optional<double> drawChartyItem::x_of(double ms, const sample_matrix& matri
     if (!range.is_by_time() || ms < range.from || ms > range.to)
         return std::nullopt;
     return plot_area().width() * (ms - range.from) / (range.to - range.from);
+}
+
+std::optional<double> drawChartyItem::moment_at(double x, const sample_matrix& matrix) const {
+    const plot_range range = shown_range(matrix);
+    const double width = plot_area().width();
+    if (!range.is_by_time() || !matrix.times().are_known() || x < 0 || x > width || width <= 0)
+        return std::nullopt;
+    return range.from + (range.to - range.from) * x / width;
+}
+
+QString drawChartyItem::values_at(double ms, const sample_matrix& matrix, const chart_labels& labels) const {
+    QStringList texts;
+    for (const int column : plotted(labels)) {
+        const double value = value_at(matrix, column, ms);
+        const QString number = std::isnan(value) ? QStringLiteral("\u2013") : short_number(value);
+        texts += (number + u' ' + unit_of(labels[column])).trimmed();
+    }
+    return clock_text(ms, 1) + QStringLiteral("   ") + texts.join(QStringLiteral(", "));
 }
 
 drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {

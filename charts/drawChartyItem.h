@@ -92,6 +92,10 @@ public:
     QList<dot> dots_at(double ms, const sample_matrix& matrix, const chart_labels& labels) const;
     // By time, how far from the left of plot_area() a moment lies; nothing for one that is not shown.
     std::optional<double> x_of(double ms, const sample_matrix& matrix) const;
+    // By time, the moment that far from the left of plot_area(); nothing outside of it.
+    std::optional<double> moment_at(double x, const sample_matrix& matrix) const;
+    // Each series at a moment, "0:12.3   20.0 mph, 1371 RPM".
+    QString values_at(double ms, const sample_matrix& matrix, const chart_labels& labels) const;
 
     // What the picture shows, in words, for those who cannot see it.
     QString in_words(const chart_labels& labels) const;

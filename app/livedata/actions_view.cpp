@@ -56,6 +56,7 @@ actions_view::actions_view(const view_context& its_context)
               draw();
       }) {
     ui.chart->set_up(pictures);
+    ui.chart->read_with_pointer();
     ui.gauge_1->set_up(toolies);
     ui.gauge_2->set_up(toolies);
     ui.gauges->installEventFilter(this);

@@ -1,5 +1,6 @@
 #include "app/pictures/chart_picture.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -8,6 +9,9 @@ namespace brivant {
 namespace {
 constexpr double corner = 8;
 constexpr QColor mark_ink(0xf2, 0xc9, 0x4c); // the chart is dark in any window
+constexpr QColor reading_ink(0xf4, 0xf7, 0xfa);
+constexpr QColor reading_ground(0x10, 0x18, 0x20, 0xd0);
+constexpr double dot_radius = 4;
 constexpr int widest_word = 140;
 constexpr int between_words = 8;
 } // namespace
@@ -85,6 +89,46 @@ void chart_picture::draw_marks(QPainter& painter) const {
     }
 }
 
+// At a moment the values then, beside the head of a line; the words stay within the plot.
+void chart_picture::draw_reading(QPainter& painter) const {
+    const QRectF plot = plot_area();
+    const sample_matrix& samples = pictures->results.cur_log_points;
+    const auto ms = pointer_x ? item->moment_at(*pointer_x - plot.left(), samples) : std::nullopt;
+    if (!ms)
+        return;
+    painter.setPen(QPen(reading_ink, 1));
+    painter.drawLine(QPointF(*pointer_x, plot.top()), QPointF(*pointer_x, plot.bottom()));
+    for (const drawChartyItem::dot& dot : dots_at(*ms)) {
+        painter.setBrush(dot.colour);
+        painter.drawEllipse(dot.place, dot_radius, dot_radius);
+    }
+    painter.setFont(theme::small(font()));
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QString words = metrics.elidedText(item->values_at(*ms, samples, pictures->labels), Qt::ElideRight,
+                                             static_cast<int>(plot.width()) - 2 * between_words);
+    QRectF box(0, plot.bottom() - metrics.height() - 2 * between_words,
+               metrics.horizontalAdvance(words) + 2 * between_words, metrics.height() + between_words);
+    box.moveLeft(std::clamp(*pointer_x + between_words, plot.left(), plot.right() - box.width()));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(reading_ground);
+    painter.drawRoundedRect(box, 4, 4);
+    painter.setPen(reading_ink);
+    painter.drawText(box, Qt::AlignCenter, words);
+}
+
+void chart_picture::mouseMoveEvent(QMouseEvent* event) {
+    if (!reads)
+        return;
+    pointer_x = event->position().x();
+    update();
+}
+
+void chart_picture::leaveEvent(QEvent* event) {
+    pointer_x.reset();
+    update();
+    QWidget::leaveEvent(event);
+}
+
 void chart_picture::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -97,6 +141,7 @@ void chart_picture::paintEvent(QPaintEvent*) {
     painter.setClipPath(round);
     painter.drawImage(QPointF(0, 0), item->imageRepresentation());
     draw_marks(painter);
+    draw_reading(painter);
 }
 
 } // namespace brivant

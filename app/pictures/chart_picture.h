@@ -22,6 +22,8 @@ public:
     // The same from one moment of the run to another, in milliseconds.
     void show_between(double from, double to, const QString& its_title);
     void set_stale() { stale = true; }
+    // The pointer reads the values of the moment that it is at.
+    void read_with_pointer() { setMouseTracking(reads = true); }
     void draw_new();
     chart_labels work_out_labels() const { return item->work_out_labels(pictures->results.cur_log_points); }
 
@@ -34,10 +36,13 @@ protected:
     }
     void paintEvent(QPaintEvent*) override;
     void resizeEvent(QResizeEvent*) override { stale = true; }
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
     void draw_chart(double ratio);
     void draw_marks(QPainter& painter) const;
+    void draw_reading(QPainter& painter) const;
 
     const run_pictures* pictures = nullptr;
     std::optional<drawChartyItem> item;
@@ -46,6 +51,8 @@ private:
     double shown_to = 0;
     QString title;
     bool stale = true;
+    bool reads = false;
+    std::optional<double> pointer_x;
 };
 
 } // namespace brivant

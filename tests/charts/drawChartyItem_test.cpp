@@ -132,6 +132,12 @@ TEST(drawChartyItem, maps_time_where_it_is_told_to) {
     const auto dots = chart.item.dots_at(1000, chart.matrix, chart.item.work_out_labels(chart.matrix));
     ASSERT_EQ(dots.size(), 1);
     EXPECT_EQ(dots[0].place, chart.item.plot_area().center()) << "50 between 40 and 60";
+    const double middle = chart.item.plot_area().width() / 2;
+    EXPECT_EQ(chart.item.x_of(1000, chart.matrix), middle);
+    EXPECT_EQ(chart.item.moment_at(middle, chart.matrix), 1000);
+    EXPECT_FALSE(chart.item.moment_at(-1, chart.matrix) || chart.item.x_of(2001, chart.matrix));
+    EXPECT_TRUE(chart.item.values_at(1000, chart.matrix, chart.item.work_out_labels(chart.matrix))
+                    .startsWith("0:01.0   50.0"));
 }
 
 TEST(drawChartyItem, draws_nothing_without_values_and_a_standing_car_on_the_baseline) {
