@@ -108,6 +108,8 @@ inline constexpr number sampling_speed    {"BV_sampling_speed",    "0",         
     {.usable = speed_number}};
 inline constexpr texts  pid_rates         {"BV_pid_rates",         "",                person,
     "PIDs that a fast run asks for in one sweep of N: 05/10,2F/60"};
+inline constexpr texts  adapter_passports {"BV_adapter_passports", "",                program,
+    "what adapters were found to be able to"};
 inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
     "true to show what SAE J1979 reads in the replies"};
 inline constexpr flag   anonymous         {"BV_anonymous",         "false",           person,
@@ -139,12 +141,12 @@ inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",          
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 23> all{
-    &interface_kind, &wifi_ip,         &wifi_port,      &metric_units,      &log_runs,
-    &time_stamps,    &sample_rate,     &sampling_speed, &pid_rates,         &standard_reading,
-    &anonymous,      &store_position,  &gpsd,           &bluetooth_address, &bluetooth_name,
-    &update_server,  &current_vehicle, &sample_set,     &older_sample_set,  &expert_history,
-    &expert_script,  &window_geometry, &plot_geometry};
+inline constexpr std::array<const setting_row*, 24> all{
+    &interface_kind,   &wifi_ip,       &wifi_port,       &metric_units, &log_runs,
+    &time_stamps,      &sample_rate,   &sampling_speed,  &pid_rates,    &adapter_passports,
+    &standard_reading, &anonymous,     &store_position,  &gpsd,         &bluetooth_address,
+    &bluetooth_name,   &update_server, &current_vehicle, &sample_set,   &older_sample_set,
+    &expert_history,   &expert_script, &window_geometry, &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

@@ -18,6 +18,10 @@ public:
     // Of the Bluetooth device, "" while none is chosen.
     const QString& bt_address() const { return device; }
     const QString& last_BT_Device() const { return device_name; }
+    // What tells this adapter from others; "" for a simulated one and while no device is chosen.
+    QString address() const {
+        return kind == interface_bluetooth ? device : kind == interface_wifi ? ip + u':' + port : QString();
+    }
 
     void choose(int interface) { kind = interface; }
     void choose_wifi(const QString& address, const QString& its_port) {

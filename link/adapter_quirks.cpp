@@ -25,20 +25,15 @@ bool is_extra(const QString& command) {
 
 } // namespace
 
-QString adapter_quirks::current_adapter() const {
-    return place.interface_kind() == interface_bluetooth ? place.bt_address()
-                                                         : place.wifi_ip() + u':' + place.wifi_port();
-}
-
 bool adapter_quirks::link_fell_at_reset() {
-    return !std::exchange(known[current_adapter()].reset_ends_link, true);
+    return !std::exchange(known[place.address()].reset_ends_link, true);
 }
 
 void adapter_quirks::answered(const QString& command) {
     if (!command.startsWith(QLatin1String("AT"), Qt::CaseInsensitive))
         return;
     const QString text = bare(command);
-    knowledge& adapter = known[current_adapter()];
+    knowledge& adapter = known[place.address()];
     adapter.silences_at.remove(text);
     if (adapter.answered.size() < most_commands)
         adapter.answered.insert(text);
@@ -46,13 +41,13 @@ void adapter_quirks::answered(const QString& command) {
 
 void adapter_quirks::unanswered(const QString& command) {
     const QString text = bare(command);
-    knowledge& adapter = known[current_adapter()];
+    knowledge& adapter = known[place.address()];
     if (!adapter.answered.contains(text) && adapter.silences_at.size() < most_commands)
         adapter.silences_at[text] = {adapter.silences_at.value(text).times + 1, links};
 }
 
 bool adapter_quirks::falls_silent_at(const QString& command) const {
-    const auto adapter = known.find(current_adapter());
+    const auto adapter = known.find(place.address());
     if (adapter == known.end() || adapter->silences_at.isEmpty())
         return false;
     const QString text = bare(command);

@@ -38,8 +38,7 @@ private:
         QSet<QString> answered;             // AT commands, upper case, without blanks
         QMap<QString, silence> silences_at; // of the others
     };
-    QString current_adapter() const;
-    knowledge of_current() const { return known.value(current_adapter()); }
+    knowledge of_current() const { return known.value(place.address()); }
 
     const adapter_place& place;
     QMap<QString, knowledge> known;

@@ -70,7 +70,7 @@ void exchange::write() {
         on_the_way.removeFirst();
     on_the_way += cur_cmd;
     start_timer(&exchange::obdTimedOutHandler); // before writing: a simulated reply arrives inside the write
-    its_moments = {clock.microseconds(), 0, 0};
+    its_moments = {clock.microseconds(), 0, 0, 0};
     owner.transmit(bytes);
     if (its_moments.first_byte == 0)
         its_moments.asked = clock.microseconds();
@@ -127,6 +127,7 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
     if (its_moments.first_byte == 0)
         its_moments.first_byte = its_moments.last_byte;
     const QByteArray bytes = text.toUtf8();
+    its_moments.bytes += bytes.size();
     console_log_utf8({"delegate:handleOBDRcvd<<<<<<<<< [", bytes, "]"});
     QByteArrayView rest = bytes;
     for (;;) {
@@ -143,7 +144,7 @@ void exchange::handleOBDRcvdNotification(const QString& text) {
         if (!looks_on) // what else came at once was sent before the next command
             return drop_earlier(std::count(rest.begin(), rest.end(), '>'));
         rx_accum.clear();
-        its_moments.first_byte = 0; // it was that of a late reply
+        its_moments.first_byte = its_moments.bytes = 0; // they were those of a late reply
     }
 }
 

@@ -34,6 +34,7 @@ struct exchange_moments {
     qint64 asked = 0;      // its last byte went out
     qint64 first_byte = 0; // of the reply; 0 while none came
     qint64 last_byte = 0;
+    qsizetype bytes = 0; // of the reply, as they came
     qint64 middle() const { return first_byte == 0 ? asked : asked + (first_byte - asked) / 2; }
 };
 

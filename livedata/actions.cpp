@@ -208,6 +208,15 @@ sampling_speed actions::speed() const {
     return static_cast<sampling_speed>(defaults.value(setting::sampling_speed));
 }
 
+std::optional<adapter_passport> actions::passport() const {
+    return passport_in(defaults.value(setting::adapter_passports), link.place().address());
+}
+
+void actions::keep_passport(const adapter_passport& passport) {
+    defaults.set(setting::adapter_passports,
+                 with_passport(defaults.value(setting::adapter_passports), passport));
+}
+
 int actions::every_so_many_sweeps(const QString& pid) const {
     return rate_of_pid(pid, defaults.value(setting::pid_rates));
 }

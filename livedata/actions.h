@@ -75,8 +75,8 @@ public:
     void take_set(const QStringList& items) override;
     void take_sweep(const QString& line, const sweep_moment& when) override;
     sampling_speed speed() const override;
-    request_plan::abilities abilities_of_adapter() const override { return learnt; }
-    void adapter_learnt(const request_plan::abilities& what) override { learnt = what; }
+    std::optional<adapter_passport> passport() const override;
+    void keep_passport(const adapter_passport& passport) override;
     int every_so_many_sweeps(const QString& pid) const override;
 
     // car_talk: what is put back at the adapter behind a run is not part of it.
@@ -109,7 +109,6 @@ private:
     timer_handle next_slice;
     timer_handle after_run;
     int waits_before_putting_back = 0;
-    request_plan::abilities learnt{6, true};
     bool own_pids = false; // the Log Run set is not the person's stored choice
 };
 

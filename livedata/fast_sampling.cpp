@@ -1,5 +1,6 @@
 #include "livedata/fast_sampling.h"
 
+#include "livedata/fast_requests.h"
 #include "obd/pid_answers.h"
 #include "obd/pid_lengths.h"
 #include "obd/reply_text.h"
@@ -10,7 +11,6 @@ namespace brivant {
 
 namespace {
 
-constexpr int time_out_s = 1;    // a request that the adapter falls silent at costs one sweep
 constexpr int unknown_rate = 10; // sweeps, of a PID that the car does not tell
 constexpr int sure_of_others = 3;
 // Behind the adapter's wait: an ECU on CAN answers within 50 ms. A frame that comes when the next request is
@@ -21,25 +21,6 @@ constexpr int longest_pause_ms = 1000;
 constexpr int shortest_pause_ms = 50;
 constexpr int calm_requests = 50;
 constexpr int busy = 0x21; // "busy, repeat request"
-const QString usual_wait = QStringLiteral("AT AT1");
-
-bool is_j1850(int protocol) {
-    return protocol == 1 || protocol == 2;
-}
-
-// The address of the requests to one ECU: of "7E8" "7E0", of "18DAF110" "DA10F1" (ISO 15765-4); "" for
-// another header.
-QString address_of(const QString& ecu) {
-    if (ecu.size() == 3 && ecu.startsWith(QLatin1String("7E")) && charToNibble(ecu[2]) >= 8)
-        return QStringLiteral("7E") + QString::number(charToNibble(ecu[2]) - 8);
-    if (ecu.size() == 8 && ecu.startsWith(QLatin1String("18DAF1")))
-        return QStringLiteral("DA%1F1").arg(ecu.last(2));
-    return {};
-}
-
-QString address_of_all(const QString& ecu) {
-    return ecu.size() == 3 ? QStringLiteral("7DF") : QStringLiteral("DB33F1");
-}
 
 // Others of the sweep are worked out with it.
 bool is_needed_each_time(const sampling_talk& car, const QString& pid) {
@@ -76,21 +57,13 @@ QList<request_plan::wanted> wanted_by(const sampling_talk& car, bool on_can) {
 fast_sampling::fast_sampling(sampling_talk& its_car)
     : car(its_car), on_can(is_can(car.link.adapter().cur_protocol()) && car.link.adapter().headers_shown()),
       counts_frames(!is_j1850(car.link.adapter().cur_protocol())),
-      plan(wanted_by(car, on_can), car.abilities_of_adapter()), may_turn(on_can),
+      plan(wanted_by(car, on_can), car.abilities_of_adapter()),
+      may_turn(on_can && car.abilities_of_adapter().addresses_one),
       pause_ms(car.speed() == sampling_speed::gentle ? gentle_ms : 0) {}
 
-car_talk::asking fast_sampling::change(const QString& command, const QString& undo) {
-    car.link.changes_setting(undo);
-    sent_command setting = command_of(command + u'\r', QStringLiteral("OK"), false);
-    setting.why = sent_command::purpose::on_its_own;
-    setting.is_asked_again = false;
-    setting.is_sent_once = setting.is_a_trial = true;
-    return car.send(setting);
-}
-
 talk fast_sampling::speed_up() {
-    co_await change(QStringLiteral("AT S0"), QStringLiteral("AT S1"));
-    const reply short_wait = co_await change(QStringLiteral("AT AT2"), usual_wait);
+    co_await change_setting(car, QStringLiteral("AT S0"), QStringLiteral("AT S1"));
+    const reply short_wait = co_await change_setting(car, QStringLiteral("AT AT2"), usual_wait);
     waits_short = !short_wait.is_none();
 }
 
@@ -98,7 +71,7 @@ talk fast_sampling::speed_up() {
 talk fast_sampling::wait_as_usual() {
     if (!std::exchange(waits_short, false))
         co_return;
-    const reply told = co_await change(usual_wait, usual_wait);
+    const reply told = co_await change_setting(car, usual_wait, usual_wait);
     if (told.is_none() && car.link.timeouts() > 0)
         throw link_lost{.status = QStringLiteral("The adapter has fallen silent")};
 }
@@ -107,10 +80,10 @@ talk fast_sampling::turn_to(QString ecu) {
     const QString address = address_of(ecu);
     const QString to_all = QStringLiteral("AT SH ") + address_of_all(ecu);
     if (!may_turn && !std::exchange(turned_to, QString()).isEmpty())
-        co_await change(to_all, to_all);
+        co_await change_setting(car, to_all, to_all);
     if (!may_turn || turned_to == ecu || address.isEmpty())
         co_return;
-    const reply told = co_await change(QStringLiteral("AT SH ") + address, to_all);
+    const reply told = co_await change_setting(car, QStringLiteral("AT SH ") + address, to_all);
     may_turn = !told.is_none();
     turned_to = ecu;
 }
@@ -138,17 +111,7 @@ talk fast_sampling::ask_sweep(QStringList& bodies) {
 sent_command fast_sampling::command_for(const sweep_request& request) const {
     const bool is_alone = may_turn && others_spoke == 0 && turned_to == request.ecu;
     const bool may_count = request.frames > 0 && counts_frames && (!on_can || is_alone);
-    QStringList answers;
-    for (const QString& pid : request.pids)
-        answers += QStringLiteral("41") + pid;
-    return {.text = QStringLiteral("01") + request.pids.join(QString()) +
-                    (may_count ? QString::number(request.frames, 16).toUpper() : QString()) + u'\r',
-            .expectedReply = answers.join(u'|'),
-            .seconds = time_out_s,
-            .is_asked_again = false,
-            .is_sent_once = true,
-            .is_a_trial = true,
-            .why = sent_command::purpose::on_its_own};
+    return fast_request(request.pids, may_count ? request.frames : 0);
 }
 
 talk fast_sampling::ask(sweep_request request, QStringList& bodies) {

@@ -29,7 +29,6 @@ private:
     talk turn_to(QString ecu);
     talk wait_as_usual();
     talk keep_pace();
-    car_talk::asking change(const QString& command, const QString& undo);
     sent_command command_for(const sweep_request& request) const;
     // False when not all came, or more than that.
     bool take(const sweep_request& request, const reply& came, QStringList& bodies);

@@ -32,8 +32,9 @@ struct request_outcome {
 class request_plan {
 public:
     struct abilities {
-        int most_pids = 1;   // in a request: 6, 3, 2 or 1
-        bool counts = false; // it ends a request behind as many frames as the request says
+        int most_pids = 1;         // in a request: 6, 3, 2 or 1
+        bool counts = false;       // it ends a request behind as many frames as the request says
+        bool addresses_one = true; // ECU alone
         bool operator==(const abilities&) const = default;
     };
     struct wanted {

@@ -1,5 +1,6 @@
 #include "livedata/economy.h"
 #include "livedata/fast_sampling.h"
+#include "livedata/probe_adapter.h"
 
 namespace brivant {
 
@@ -34,8 +35,11 @@ talk sample_fast(sampling_talk& car) {
 } // namespace
 
 talk sample_for_ever(sampling_talk& car) {
-    if (car.speed() != sampling_speed::usual)
+    if (car.speed() != sampling_speed::usual) {
+        if (!car.passport() && !car.link.place().address().isEmpty())
+            co_await probe_adapter(car);
         co_await sample_fast(car);
+    }
     for (;;) {
         QStringList bodies(car.columns(), no_reply);
         co_await ask_each(car, bodies);

@@ -80,6 +80,20 @@ talk sampling_talk::ready_to_ask(QString opening) {
     }
 }
 
+request_plan::abilities sampling_talk::abilities_of_adapter() const {
+    return passport().value_or(unkept).abilities();
+}
+
+void sampling_talk::adapter_learnt(const request_plan::abilities& what) {
+    const std::optional<adapter_passport> before = passport();
+    adapter_passport now = before.value_or(unkept);
+    now.learn(what);
+    if (!before)
+        unkept = now;
+    else if (now != *before)
+        keep_passport(now);
+}
+
 talk sampling_talk::ready_to_sample(QString opening) {
     co_await ready_to_ask(opening);
     addEngECU_toPidList();

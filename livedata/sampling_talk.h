@@ -1,7 +1,7 @@
 #pragma once
 
+#include "livedata/adapter_passport.h"
 #include "livedata/live_results.h"
-#include "livedata/request_plan.h"
 #include "livedata/run_log.h"
 #include "livedata/run_observer.h"
 #include "operations/car_talk.h"
@@ -36,8 +36,10 @@ public:
 
     // How the run asks, and what is known of the adapter for that.
     virtual sampling_speed speed() const = 0;
-    virtual request_plan::abilities abilities_of_adapter() const = 0;
-    virtual void adapter_learnt(const request_plan::abilities& what) = 0;
+    virtual std::optional<adapter_passport> passport() const = 0;
+    virtual void keep_passport(const adapter_passport& passport) = 0;
+    request_plan::abilities abilities_of_adapter() const;
+    void adapter_learnt(const request_plan::abilities& what);
     // A PID is asked for in one of so many sweeps; 1 where the run is at its usual speed.
     virtual int every_so_many_sweeps(const QString& pid) const = 0;
     // The ECU's own map has the PID.
@@ -112,6 +114,7 @@ private:
     void tell_silence(bool is_silent);
     void end_gap();
 
+    adapter_passport unkept;    // of an adapter without one: what the runs have learnt
     bool car_is_silent = false; // the last sweep was answered without a single value
     bool is_first_reply = true;
     bool headers_asked = false; // "AT H1" was tried

@@ -4,6 +4,7 @@
 #include "tests/support/hand_timers.h"
 #include "tools/virtual_adapter/adapter_session.h"
 
+#include <cmath>
 #include <deque>
 
 namespace brivant {
@@ -53,7 +54,15 @@ public:
                         session->waited();
                     });
                 },
-                [this] { timer.reset(); }, [this] { closes = true; }});
+                [this] { timer.reset(); }, [this] { closes = true; },
+                [this] { return static_cast<double>(clock.microseconds()) / 1000; },
+                [this](double moment_ms) {
+                    const double left_ms = moment_ms - static_cast<double>(clock.microseconds()) / 1000;
+                    timer = clock.one_shot(static_cast<int>(std::ceil(left_ms)), [this] {
+                        timer.reset();
+                        session->waited();
+                    });
+                }});
         Q_EMIT opened();
     }
     void close() override {

@@ -59,6 +59,7 @@ public:
     expert_session session{profile.defaults};
     expertCtrlr console{state, link, toolies, view, profile.defaults, session};
 
+    int step_ms = 50;                   // an adapter with timing needs smaller ones
     QString ended;                      // how the last operation ended; "" while it runs
     std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix
     qint64 missing = 0;                 // cells that were left without a value
@@ -85,8 +86,8 @@ public:
         clock.advance(0);
         if (adapter->deliver_next() || !is_running())
             return;
-        clock.advance(50);
-        spent_ms += 50;
+        clock.advance(step_ms);
+        spent_ms += step_ms;
     }
     int spent() const { return spent_ms; }
     void pump_until(const std::function<bool()>& reached, int minutes = 15) {

@@ -44,6 +44,10 @@ struct live_bench : adapter_bench, private run_observer {
         facts["log"]      = [this] { return rows("SELECT LOG_TYPE, '[' || INFO || ']' FROM LOGGIES"); };
         facts["layout"]   = [this] { return layout; };
         facts["sensors"]  = [this] { return sensors.join(' '); };
+        facts["passport"] = [this] {
+            QString line = profile.defaults.value(setting::adapter_passports).join(' ');
+            return line.replace(QDate::currentDate().toString(Qt::ISODate), "today");
+        };
         facts["files"]    = [this] { return QString::number(session_files().entryList({"*.gol"}).size()) + " gol"; };
         // clang-format on
     }
@@ -101,6 +105,10 @@ private:
         actions["stop-after"] = [this](const QString& count) { stop_after = count.toInt(); };
         actions["speed"] = [this](const QString& speed) {
             profile.defaults.set(setting::sampling_speed, speed.toInt());
+        };
+        // What was found out about the adapter before: nothing that it cannot do.
+        actions["passport"] = [this](const QString&) {
+            opened().keep_passport({.address = place.address(), .probed = QDate::currentDate()});
         };
         actions["choose"] = [this](const QString& mode) {
             opened().comboBoxSelectionDidChange(mode.toInt());
