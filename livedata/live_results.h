@@ -2,6 +2,7 @@
 
 #include "charts/sample_matrix.h"
 #include "formats/run_values.h"
+#include "link/exchange.h"
 #include "livedata/store_trigger.h"
 #include "livedata/sweep_moments.h"
 #include "livedata/sweep_times.h"
@@ -27,6 +28,28 @@ struct sample_row {
     int refusals = 0;                    // how often in turn the car has refused it
 };
 
+// How long the requests of a run take.
+struct exchange_pace {
+    qint64 answered = 0;
+    qint64 first_us = 0; // until the first byte of the answers, all together
+    qint64 whole_us = 0; // until their prompts
+
+    void note(const exchange_moments& when) {
+        if (when.first_byte == 0)
+            return;
+        ++answered;
+        first_us += when.first_byte - when.asked;
+        whole_us += when.last_byte - when.asked;
+    }
+    double first_ms() const { return mean_ms(first_us); }
+    double whole_ms() const { return mean_ms(whole_us); }
+
+private:
+    double mean_ms(qint64 all_us) const {
+        return answered == 0 ? 0 : static_cast<double>(all_us) / 1000 / static_cast<double>(answered);
+    }
+};
+
 // What the sampling runs have read, kept until the next run or choice, also while another screen is shown.
 struct live_results {
     // `value_of_body`: see sample_matrix.
@@ -44,6 +67,7 @@ struct live_results {
     sample_matrix cur_log_points;
     bool needs_sweeps = false; // some numbers need the whole sweep: see work_out_sweeps
     sweep_times times;
+    exchange_pace pace;
     sweep_moments moments;
     std::optional<geo_position> position; // of the latest sweep, where it is known
     QList<timed_mark> marks;              // of the run, stored or not, in the order of their time

@@ -34,6 +34,24 @@ talk sample_fast(sampling_talk& car) {
 
 } // namespace
 
+// --- what is known of the adapter ---
+
+request_plan::abilities sampling_talk::abilities_of_adapter() const {
+    return passport().value_or(unkept).abilities();
+}
+
+void sampling_talk::adapter_learnt(const request_plan::abilities& what) {
+    const std::optional<adapter_passport> before = passport();
+    adapter_passport now = before.value_or(unkept);
+    now.learn(what);
+    if (!before)
+        unkept = now;
+    else if (now != *before)
+        keep_passport(now);
+}
+
+// --- the run ---
+
 talk sample_for_ever(sampling_talk& car) {
     if (car.speed() != sampling_speed::usual) {
         if (!car.passport() && !car.link.place().address().isEmpty())

@@ -63,6 +63,7 @@ void sampling_talk::started() {
     sweeps_begun = 0;
     end_gap();
     results.times.clear();
+    results.pace = {};
     results.moments.clear();
 }
 
@@ -78,20 +79,6 @@ talk sampling_talk::ready_to_ask(QString opening) {
         view.show_busy(false);
         co_await ready(opening);
     }
-}
-
-request_plan::abilities sampling_talk::abilities_of_adapter() const {
-    return passport().value_or(unkept).abilities();
-}
-
-void sampling_talk::adapter_learnt(const request_plan::abilities& what) {
-    const std::optional<adapter_passport> before = passport();
-    adapter_passport now = before.value_or(unkept);
-    now.learn(what);
-    if (!before)
-        unkept = now;
-    else if (now != *before)
-        keep_passport(now);
 }
 
 talk sampling_talk::ready_to_sample(QString opening) {
@@ -222,6 +209,7 @@ QString sampling_talk::came_for(int index, QString data, const reply& what_came)
     } else if (is_refused(what_came, its_row.item.section(u'|', 1))) {
         ++its_row.refusals;
     }
+    results.pace.note(link.moments());
     if (!what_came.is_none() || link.timeouts() == 0) // else the status tells of the time-out
         show(fill(QStringLiteral("Got proper reply: ( %@)"), {data}));
     return data;
@@ -281,7 +269,7 @@ void sampling_talk::end_of_sweep(const QStringList& bodies) {
         end_gap();
         add_item_to_log_vector(results.cur_log_points, QString(), -1);
         ++results.sample_cnt;
-        results.times.sweep_complete();
+        results.times.sweep_complete(bodies.size() - bodies.count(no_reply));
         const QString cur_log_set = bodies.join(u',');
         take_sweep(cur_log_set, results.moments.taken());
         results.log_sample_cnt = storing.sweeps_stored();

@@ -27,8 +27,9 @@ void sweep_times::run_begins() {
         begun = clock();
 }
 
-void sweep_times::sweep_complete() {
+void sweep_times::sweep_complete(qsizetype values) {
     at[static_cast<size_t>(sweeps % kept)] = clock();
+    values_of[static_cast<size_t>(sweeps % kept)] = values;
     ++sweeps;
 }
 
@@ -42,14 +43,25 @@ qint64 sweep_times::duration_ms() const {
     return (is_running ? clock() : ended) - begun;
 }
 
-double sweep_times::sweeps_a_second() const {
-    const qint64 known = std::min(sweeps - behind_gap, kept);
-    if (known < 2)
-        return 0;
+// From the first of the latest `known` sweeps to the last.
+double sweep_times::seconds_of(qint64 known) const {
     const qint64 span =
         at[static_cast<size_t>((sweeps - 1) % kept)] - at[static_cast<size_t>((sweeps - known) % kept)];
     constexpr qint64 shortest = 1; // what the clock can tell
-    return static_cast<double>(known - 1) * 1000.0 / static_cast<double>(std::max(span, shortest));
+    return static_cast<double>(std::max(span, shortest)) / 1000;
+}
+
+double sweep_times::sweeps_a_second() const {
+    const qint64 known = std::min(sweeps - behind_gap, kept);
+    return known < 2 ? 0 : static_cast<double>(known - 1) / seconds_of(known);
+}
+
+double sweep_times::values_a_second() const {
+    const qint64 known = std::min(sweeps - behind_gap, kept);
+    qsizetype values = 0;
+    for (qint64 sweep = sweeps - known + 1; sweep < sweeps; ++sweep)
+        values += values_of[static_cast<size_t>(sweep % kept)];
+    return known < 2 ? 0 : static_cast<double>(values) / seconds_of(known);
 }
 
 } // namespace brivant

@@ -16,7 +16,7 @@ public:
     void clear();
     // It asks: the first time counts.
     void run_begins();
-    void sweep_complete();
+    void sweep_complete(qsizetype values);
     // No sweep comes for a while.
     void gap() { behind_gap = sweeps; }
     void run_ends();
@@ -25,8 +25,12 @@ public:
     qint64 duration_ms() const;
     // Over the latest sweeps behind a gap, at most 20 of them; 0 while there are fewer than two.
     double sweeps_a_second() const;
+    // The values of these sweeps but the first.
+    double values_a_second() const;
 
 private:
+    double seconds_of(qint64 known) const;
+
     static constexpr qint64 kept = 20;
 
     std::function<qint64()> clock;
@@ -36,6 +40,7 @@ private:
     qint64 sweeps = 0;
     qint64 behind_gap = 0;         // the first of them
     std::array<qint64, kept> at{}; // the latest ones, in turn
+    std::array<qsizetype, kept> values_of{};
 };
 
 } // namespace brivant

@@ -36,6 +36,7 @@ general_settings preferences::stored() const {
             .log_runs = defaults.value(setting::log_runs),
             .time_stamps = defaults.value(setting::time_stamps),
             .sample_rate = defaults.value(setting::sample_rate),
+            .sampling_speed = defaults.value(setting::sampling_speed),
             .standard_reading = defaults.value(setting::standard_reading),
             .anonymous = defaults.value(setting::anonymous),
             .store_position = defaults.value(setting::store_position)};
@@ -60,6 +61,8 @@ bool preferences::store(const general_settings& chosen) {
         defaults.set(setting::time_stamps, chosen.time_stamps);
     if (chosen.sample_rate != before.sample_rate)
         defaults.set(setting::sample_rate, chosen.sample_rate);
+    if (chosen.sampling_speed != before.sampling_speed)
+        defaults.choose(setting::sampling_speed, chosen.sampling_speed);
     if (chosen.standard_reading != before.standard_reading)
         defaults.choose(setting::standard_reading, chosen.standard_reading);
     if (chosen.anonymous != before.anonymous)
@@ -98,6 +101,7 @@ bool preferences::restore_first_values() {
     const general_settings before = stored();
     toolies.setDefaults();
     defaults.choose(setting::metric_units, setting::metric_units.first_value());
+    defaults.choose(setting::sampling_speed, setting::sampling_speed.first_value());
     put_in_force(before);
     return defaults.synchronise();
 }

@@ -14,7 +14,8 @@ struct general_settings {
     bool metric_units = false;
     bool log_runs = false;
     bool time_stamps = false;
-    int sample_rate = -1; // seconds, -1 as fast as available
+    int sample_rate = -1;   // seconds, -1 as fast as available
+    int sampling_speed = 0; // see setting::sampling_speed
     bool standard_reading = false;
     bool anonymous = false;
     bool store_position = true;

@@ -1,6 +1,7 @@
 #include "terminal/commands.h"
 
 #include "base/string_table.h"
+#include "livedata/passport_words.h"
 #include "obd/ecu_names.h"
 #include "terminal/command_parts.h"
 #include "terminal/operation_commands.h"
@@ -30,15 +31,24 @@ obd_groups told_pids(const readCodes& controller) {
     return controller.state.times_told() > 0 ? controller.state.available_pids() : obd_groups();
 }
 
+// What fast runs have found out about the adapter that is led to.
+std::optional<adapter_passport> passport_of(const readCodes& controller) {
+    return passport_in(controller.toolies.settings().value(setting::adapter_passports),
+                       controller.link.place().address());
+}
+
 QJsonObject link_info_json(readCodes& controller) {
     QJsonArray ecus;
     for (const obd_group& ecu : told_pids(controller))
         ecus += QJsonObject{{"header", ecu_label(ecu.header)},
                             {"name", ecu_name(controller, ecu.header)},
                             {"pids", QJsonArray::fromStringList(ecu.pidSet)}};
-    return {{"interface", adapter_of(controller).interface_description()},
-            {"protocol", adapter_of(controller).protocol_description()},
-            {"ecus", ecus}};
+    QJsonObject object{{"interface", adapter_of(controller).interface_description()},
+                       {"protocol", adapter_of(controller).protocol_description()},
+                       {"ecus", ecus}};
+    if (const auto passport = passport_of(controller))
+        object.insert("passport", json_of(*passport));
+    return object;
 }
 
 QString link_info_text(readCodes& controller) {
@@ -49,6 +59,8 @@ QString link_info_text(readCodes& controller) {
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
                     .arg(ecu_label(ecu.header), ecu_name(controller, ecu.header),
                          QString::number(ecu.pidSet.size()), ecu.pidSet.join(QLatin1Char(' ')));
+    if (const auto passport = passport_of(controller))
+        text += sentences_of(*passport).join(u'\n') + u'\n';
     return text;
 }
 

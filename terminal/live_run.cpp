@@ -1,5 +1,6 @@
 #include "terminal/live_run.h"
 
+#include "livedata/fast_gain.h"
 #include "terminal/output.h"
 
 #include <QDateTime>
@@ -124,6 +125,7 @@ void live_run::car_gone() {
 
 void live_run::run_ended() {
     time_limit.reset();
+    gain = fast_gain_sentence(*controller);
     ended_in_gap = words.seconds > 0 && controller->is_without_values();
     const auto words_then_end = [this] { after_last_words(as_asked, [this] { end(); }); };
     if (!controller->will_put_back())
@@ -205,6 +207,8 @@ QString live_run::summary() const {
                        .arg(results.sample_cnt)
                        .arg(results.sample_cnt == 1 ? QStringLiteral("sweep") : QStringLiteral("sweeps"))
                        .arg(seconds, 0, 'f', 1);
+    if (const double a_second = results.times.values_a_second(); a_second > 0)
+        text += QStringLiteral(" (%1 values/s)").arg(a_second, 0, 'f', a_second < 100 ? 1 : 0);
     if (results.log_sample_cnt > 0)
         text +=
             QStringLiteral(", %1 of them stored as log %2").arg(results.log_sample_cnt).arg(results.log_id);
@@ -222,6 +226,8 @@ QString live_run::summary() const {
                        : QStringLiteral("no value came");
         text += QStringLiteral("  %1: %2\n").arg(label_of(results.these_samples.at(i)), range);
     }
+    if (!gain.isEmpty())
+        text += gain + QStringLiteral(": --fast\n");
     return text;
 }
 

@@ -55,6 +55,7 @@ private:
         bool answered = false;
     };
     std::vector<seen_column> seen;
+    QString gain;               // of a fast run instead, "" for little
     bool position_told = false; // at the first sweep that is kept
     bool as_asked = false;      // the run ended where it was to end
     bool ended_in_gap = false;

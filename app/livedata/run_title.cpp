@@ -3,6 +3,8 @@
 #include "app/livedata/trigger_sheet.h"
 #include "app/look/numbers.h"
 #include "app/pids/pid_chooser.h"
+#include "livedata/fast_gain.h"
+#include "livedata/passport_words.h"
 
 #include <QShortcut>
 
@@ -11,7 +13,11 @@ namespace brivant {
 namespace {
 
 constexpr int tick_ms = 500;
-const QString unknown = QStringLiteral("\u2013");
+const QString later = QStringLiteral("Can be changed when the run has ended");
+
+QString rate_text(double a_second) {
+    return a_second > 0 ? QString::number(a_second, 'f', a_second < 100 ? 1 : 0) : QStringLiteral("\u2013");
+}
 
 } // namespace
 
@@ -22,6 +28,7 @@ run_title::run_title(QWidget& its_view, const Ui::actions_view& its_ui, const vi
     ui.mode->addItems(actions::mode_names());
     ui.mode->setCurrentIndex(controller.selected_index());
     second.setInterval(tick_ms);
+    ui.faster_row->hide();
     connect_parts();
 }
 
@@ -33,6 +40,9 @@ void run_title::connect_parts() {
     connect(ui.run, &QPushButton::clicked, this, [this] { controller.is_running() ? stop() : start(); });
     connect(ui.pids, &QPushButton::clicked, this, &run_title::choose_pids);
     connect(ui.store_runs, &QCheckBox::toggled, this, &run_title::store_runs_toggled);
+    connect(ui.faster, &QCheckBox::clicked, this, [this](bool on) {
+        keep(setting::sampling_speed, static_cast<int>(on ? sampling_speed::fast : sampling_speed::usual));
+    });
     connect(ui.store_now, &QPushButton::clicked, this, [this] {
         controller.store_run();
         show();
@@ -41,7 +51,10 @@ void run_title::connect_parts() {
     auto* mark = new QShortcut(Qt::Key_M, &view);
     mark->setContext(Qt::WidgetWithChildrenShortcut);
     connect(mark, &QShortcut::activated, this, [this] { controller.put_mark(QString()); });
-    connect(&second, &QTimer::timeout, this, &run_title::show_figures);
+    connect(&second, &QTimer::timeout, this, [this] {
+        show_figures();
+        offer_more();
+    });
 }
 
 void run_title::start() {
@@ -72,10 +85,15 @@ void run_title::choose_trigger() {
 }
 
 void run_title::store_runs_toggled(bool on) {
+    keep(setting::log_runs, on);
+}
+
+template <typename T>
+void run_title::keep(const typed_setting<T>& which, T value) {
     user_defaults& defaults = context.core.defaults;
-    if (defaults.value(setting::log_runs) == on)
+    if (defaults.value(which) == value)
         return;
-    defaults.set(setting::log_runs, on);
+    defaults.set(which, value);
     if (!defaults.synchronise())
         context.window.show_message(
             QString(), defaults.problem() + QStringLiteral(" The choice holds until the program ends."));
@@ -97,6 +115,11 @@ void run_title::show() {
     ui.progress->set_running(runs && results.sample_cnt == 0);
 
     show_choice_of_storing();
+    show_limit();
+    if (runs && results.sample_cnt == 0)
+        ui.faster_row->hide();
+    ui.faster->setEnabled(!runs);
+    ui.faster->setToolTip(runs ? later : QStringLiteral("From the next start on; also in the preferences"));
     runs ? second.start() : second.stop();
     const QFont figures = theme::figures(view.font());
     for (QLabel* label : {ui.run_time, ui.rate, ui.stored})
@@ -107,7 +130,6 @@ void run_title::show() {
 void run_title::show_choice_of_storing() {
     const bool runs = controller.is_running();
     const auto& trigger = results.trigger;
-    const auto later = QStringLiteral("Can be changed when the run has ended");
     ui.store_now->setVisible(controller.can_store_run());
     ui.run->setEnabled(!controller.is_storing_run());
     ui.store_runs->setVisible(!trigger);
@@ -123,17 +145,37 @@ void run_title::show_choice_of_storing() {
 
 void run_title::show_figures() {
     const bool any = controller.is_running() || results.sample_cnt > 0;
-    const double a_second = results.times.sweeps_a_second();
     ui.run_time->setText(hours_minutes_seconds(results.times.duration_ms() / 1000));
     ui.rate->setText(
-        QStringLiteral("%1 sweeps/s")
-            .arg(a_second > 0 ? QString::number(a_second, 'f', a_second < 100 ? 1 : 0) : unknown));
+        QStringLiteral("%1 sweeps/s\n%2 values/s")
+            .arg(rate_text(results.times.sweeps_a_second()), rate_text(results.times.values_a_second())));
     ui.run_time->setVisible(any);
     ui.rate->setVisible(any);
     ui.stored->setVisible(any);
     if (results.sample_cnt > 0)
         ui.progress->set_running(false);
     show_stored();
+}
+
+// What limits the speed, as far as it was found out.
+void run_title::show_limit() {
+    const auto passport = controller.passport();
+    const QString limit = passport ? limit_sentence(*passport) : QString();
+    ui.rate->setToolTip(
+        theme::plain_tool_tip(QStringLiteral("How often all PIDs are read, and how many values come") +
+                              (limit.isEmpty() ? limit : QStringLiteral(".\n") + limit)));
+}
+
+// Once a run: a fast one would give much more.
+void run_title::offer_more() {
+    if (!controller.is_running() || ui.faster_row->isVisible())
+        return;
+    const QString words = fast_gain_sentence(controller);
+    if (words.isEmpty())
+        return;
+    ui.faster_words->set_text(words);
+    ui.faster->setChecked(false);
+    ui.faster_row->show();
 }
 
 void run_title::show_stored() {

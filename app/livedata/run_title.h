@@ -31,6 +31,10 @@ private:
     void choose_trigger();
     void show_choice_of_storing();
     void show_stored();
+    void show_limit();
+    void offer_more();
+    template <typename T>
+    void keep(const typed_setting<T>& which, T value);
 
     QWidget& view;
     const Ui::actions_view& ui;

@@ -1,6 +1,7 @@
 #include "app/preferences/prefs_connection_trial.h"
 
 #include "app/screen/link_report.h"
+#include "livedata/passport_words.h"
 
 namespace brivant {
 
@@ -67,13 +68,20 @@ void prefs_connection_trial::ended(bool done) {
     is_good = far == reached::car;
     if (is_good)
         show_result(QStringLiteral("Adapter and car answer"),
-                    report_link(context.link, context.core.car, toolies, false).details);
+                    report_link(context.link, context.core.car, toolies, false).details + about_adapter());
     else if (was_stopped)
         show_result(QStringLiteral("Stopped"), QStringLiteral("The test did not reach its end."));
     else
         show_failure();
     context.window.show_status(ui.test_title->text());
     Q_EMIT finished();
+}
+
+// What fast runs have found out about it.
+QString prefs_connection_trial::about_adapter() const {
+    const auto passport =
+        passport_in(context.core.defaults.value(setting::adapter_passports), context.link.place().address());
+    return passport ? u'\n' + sentences_of(*passport).join(u' ') : QString();
 }
 
 void prefs_connection_trial::show_failure() {

@@ -45,6 +45,7 @@ private:
     void note_progress();
     void ended(bool done);
     void show_result(const QString& title, const QString& text);
+    QString about_adapter() const;
     void show_failure();
     bool has_no_device() const;
     void show_running(const QString& text);

@@ -59,7 +59,8 @@ void prefs_view::connect_fields() {
     for (QCheckBox* box : {ui.metric_units, ui.log_runs, ui.time_stamps, ui.reading_by_standard, ui.anonymous,
                            ui.store_position})
         connect(box, &QCheckBox::toggled, this, &prefs_view::savePrefs);
-    connect(ui.sample_rate, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
+    for (QComboBox* choice : {ui.sample_rate, ui.sampling_speed})
+        connect(choice, &QComboBox::currentIndexChanged, this, &prefs_view::savePrefs);
     connect(ui.set_defaults, &QPushButton::clicked, this, &prefs_view::setDefaultsClicked);
 }
 
@@ -107,6 +108,7 @@ void prefs_view::setPrefsScreen() {
     ui.metric_units->setChecked(now.metric_units);
     ui.log_runs->setChecked(now.log_runs);
     ui.time_stamps->setChecked(now.time_stamps);
+    ui.sampling_speed->setCurrentIndex(now.sampling_speed);
     ui.reading_by_standard->setChecked(now.standard_reading);
     ui.anonymous->setChecked(now.anonymous);
     ui.store_position->setChecked(now.store_position);
@@ -127,6 +129,7 @@ general_settings prefs_view::chosen() const {
     what.log_runs = ui.log_runs->isChecked();
     what.time_stamps = ui.time_stamps->isChecked();
     what.sample_rate = ui.sample_rate->currentData().toInt();
+    what.sampling_speed = ui.sampling_speed->currentIndex();
     what.standard_reading = ui.reading_by_standard->isChecked();
     what.anonymous = ui.anonymous->isChecked();
     what.store_position = ui.store_position->isChecked();
@@ -147,7 +150,7 @@ void prefs_view::savePrefs() {
 void prefs_view::setDefaultsClicked() {
     context.frame.ask(
         QStringLiteral("Set the defaults?"),
-        QStringLiteral("Link, address, units, sample rate and reading get the values of a new "
+        QStringLiteral("Link, address, units, sample rate, speed and reading get the values of a new "
                        "installation, and so do the chosen PIDs of the current vehicle. \u201cLog "
                        "runs\u201d is switched on. Vehicles and logs stay."),
         {QStringLiteral("Set defaults"), QStringLiteral("Cancel")}, [this](bool yes) {

@@ -65,10 +65,12 @@ TEST(prefs_view, stores_what_is_right_and_keeps_the_rest) {
     program.part<QCheckBox>("metric_units").click();
     program.part<QCheckBox>("log_runs").click();
     program.part<QComboBox>("sample_rate").setCurrentIndex(2);
+    program.part<QComboBox>("sampling_speed").setCurrentIndex(1);
     EXPECT_TRUE(program.core.defaults.value(setting::metric_units) &&
                 program.core.defaults.value(setting::log_runs));
     EXPECT_EQ(program.part<QComboBox>("sample_rate").currentText(), "Every 30 secs");
     EXPECT_EQ(program.stored("BV_sample_rate"), "30");
+    EXPECT_EQ(program.stored("BV_sampling_speed"), "1");
 
     program.part<QCheckBox>("anonymous").click();
     EXPECT_TRUE(is_anonymous() && program.stored("BV_anonymous") == "true");

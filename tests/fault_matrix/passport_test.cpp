@@ -1,3 +1,5 @@
+#include "livedata/fast_gain.h"
+#include "livedata/passport_words.h"
 #include "tests/fault_matrix/matrix_bench.h"
 #include "tools/virtual_adapter/kinds.h"
 
@@ -105,6 +107,70 @@ TEST(passport, says_what_a_cheap_copy_cannot) {
         const adapter_passport passport = bench.passport();
         EXPECT_TRUE(row.is_told(passport)) << row.fault << ": " << text_of(passport);
         EXPECT_GE(bench.live.sample_cnt, matrix_bench::sweeps_of_a_run) << row.fault;
+    }
+}
+
+TEST(passport, is_told_in_words) {
+    const auto words = [](const char* kind, const std::vector<std::string>& faults) {
+        QStringList told = sentences_of(probed(kind, faults).passport());
+        told.first().remove(QDate::currentDate().toString(Qt::ISODate));
+        return told.join('\n').toStdString();
+    };
+    EXPECT_EQ(
+        words("stn", {}),
+        "By what it does, an adapter that can do all that was tried (, in a car of which 2 ECUs answered).\n"
+        "What works: leaving out blanks, waiting less long behind an answer, asking one ECU alone and ending "
+        "an answer at its last frame.\n"
+        "It answers 6 PIDs in one request.\n"
+        "It reached 254 values a second.\n"
+        "The car limits it: its ECU takes 16 of the 24 ms of a request.");
+    EXPECT_EQ(words("clone-2.1", {"hang", "no-count", "ignore-s0"}),
+              "By what it does, an adapter that says OK also to what it does not do (, in a car of which 2 "
+              "ECUs answered).\n"
+              "What works: waiting less long behind an answer and asking one ECU alone.\n"
+              "Without effect: leaving out blanks.\n"
+              "Answers are lost by ending an answer at its last frame.\n"
+              "It answers 2 PIDs in one request. It falls silent at 3 PIDs in one request.\n"
+              "It reached 23 values a second.\n"
+              "The way to the adapter and back limits it: it takes 45 of the 85 ms of a request.");
+}
+
+// A run at the usual speed knows what a fast one would give: by its own moments, and better by the passport.
+TEST(passport, tells_what_a_fast_run_would_give) {
+    for (const char* kind : {"stn", "wifi", "clone-2.1"}) {
+        probed bench(kind);
+        const auto sweep_ms = [&](int speed) { // in the long run
+            constexpr int settled = 30;
+            constexpr int counted = 20;
+            std::int64_t took_us = 0;
+            bench.profile.defaults.set(setting::sampling_speed, speed);
+            bench.on_sweep = [&] {
+                if (bench.live.sample_cnt == settled)
+                    took_us -= bench.clock.microseconds();
+                if (bench.live.sample_cnt == settled + counted) {
+                    took_us += bench.clock.microseconds();
+                    bench.live_controller.stop();
+                }
+            };
+            const bool is_changed = bench.run().contains("ATS0");
+            EXPECT_EQ(is_changed, speed > 0);
+            return double(took_us) / 1000 / counted;
+        };
+        const double usual_ms = sweep_ms(0);
+        const double by_moments = fast_gain(bench.live_controller).value_or(0);
+        const double fast_ms = sweep_ms(2);
+        EXPECT_EQ(fast_gain_sentence(bench.live_controller), "");
+        sweep_ms(0);
+        const double by_passport = fast_gain(bench.live_controller).value_or(0);
+        const double gain = usual_ms / fast_ms;
+        SCOPED_TRACE(kind + (": " + std::to_string(gain)));
+        EXPECT_GT(by_moments, 0.5 * gain);
+        EXPECT_LT(by_moments, 1.15 * gain);
+        EXPECT_GT(by_passport, 0.6 * gain);
+        EXPECT_LT(by_passport, 1.15 * gain);
+        EXPECT_EQ(fast_gain_sentence(bench.live_controller),
+                  QString("Asked fast, this set would give about %1 times as many values a second")
+                      .arg(int(by_passport)));
     }
 }
 

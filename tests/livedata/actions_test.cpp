@@ -195,23 +195,24 @@ TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     times.run_begins();
     for (int sweep = 0; sweep < 100; ++sweep) {
         now += sweep < 70 ? 1000 : 250; // the car answers faster at the end
-        times.sweep_complete();
+        times.sweep_complete(3);
     }
     EXPECT_EQ(times.duration_ms(), 77'500);
     EXPECT_DOUBLE_EQ(times.sweeps_a_second(), 4);
+    EXPECT_DOUBLE_EQ(times.values_a_second(), 12);
     times.run_ends();
     now += 60'000;
     EXPECT_EQ(times.duration_ms(), 77'500);
     times.clear();
     times.run_begins();
-    times.sweep_complete();
-    EXPECT_EQ(times.sweeps_a_second(), 0); // one tells nothing
+    times.sweep_complete(3);
+    EXPECT_EQ(times.sweeps_a_second() + times.values_a_second(), 0); // one tells nothing
     now += 60'000;
     times.gap();
     times.run_begins(); // it goes on
     EXPECT_EQ(times.duration_ms(), 60'000);
-    times.sweep_complete();
-    times.sweep_complete();
+    times.sweep_complete(3);
+    times.sweep_complete(3);
     EXPECT_GT(times.sweeps_a_second(), 0) << "two in a millisecond are fast";
 }
 

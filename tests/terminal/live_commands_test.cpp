@@ -2,6 +2,7 @@
 #include "tests/support/gpsd_stand_in.h"
 #include "tests/support/other_program.h"
 #include "tests/terminal/cli_process.h"
+#include "tools/virtual_adapter/kinds.h"
 
 #include <QRegularExpression>
 #include <QTemporaryFile>
@@ -251,6 +252,34 @@ TEST(live_trouble, a_sudden_end_costs_at_most_the_sweep_in_flight) {
                       "points  '")
                   .join('/'),
               QString::number(rounds));
+}
+
+// What a fast run finds out about an adapter is told by link-info, and a usual run tells what it would give.
+TEST(fast_runs, are_offered_and_leave_a_passport) {
+    virtual_adapter_server server;
+    QString problem;
+    server.set_options(*virtual_adapter::adapter_of_kind("stn"));
+    const quint16 port = server.start(virtual_adapter::load_car("can11", problem));
+    ASSERT_NE(port, 0) << problem.toStdString();
+    QTemporaryDir profile;
+    const QStringList there{"--profile", profile.path(), "--wifi", QString("127.0.0.1:%1").arg(port)};
+    const auto run = [&](const QStringList& words) {
+        auto made = std::make_unique<cli_process>(there + words);
+        EXPECT_EQ(made->status(), 0) << made->progress().constData();
+        return made;
+    };
+    const auto usual = run({"log", "--pids", "0C,0D,04,0B,11,0E", "--sweeps", "6"});
+    EXPECT_TRUE(usual->progress().contains(" times as many values a second: --fast"))
+        << usual->progress().constData();
+    EXPECT_FALSE(run({"link-info"})->out().contains("By what it does"));
+
+    const auto fast = run({"log", "--fast", "--pids", "0C,0D,04,0B,11,0E", "--sweeps", "6"});
+    EXPECT_FALSE(fast->progress().contains("Asked fast")) << fast->progress().constData();
+    EXPECT_TRUE(run({"link-info"})->out().contains("By what it does, an adapter that"));
+    const QJsonObject passport = run({"--json", "link-info"})->json()["passport"].toObject();
+    EXPECT_EQ(passport["most_pids"], 6);
+    EXPECT_EQ(passport["no_blanks"], "shown");
+    EXPECT_GT(passport["sentences"].toArray().size(), 3);
 }
 
 } // namespace brivant
