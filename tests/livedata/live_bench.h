@@ -48,7 +48,7 @@ struct live_bench : adapter_bench, private run_observer {
             QString line = profile.defaults.value(setting::adapter_passports).join(' ');
             return line.replace(QDate::currentDate().toString(Qt::ISODate), "today");
         };
-        facts["files"]    = [this] { return QString::number(session_files().entryList({"*.gol"}).size()) + " gol"; };
+        facts["files"]    = [this] { return QString(session_files().entryList({"*.gol"}).isEmpty() ? "none" : "gol"); };
         // clang-format on
     }
 
