@@ -197,6 +197,7 @@ void actions::begin_run() {
         begin_log();
     rework_gui_objects();
     const mode_of_choice& mode = modes[static_cast<size_t>(selected_index())];
+    tell_trigger_without_pid();
     after_run.reset();
     if (car_talk::is_running())
         close(QString());

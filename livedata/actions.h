@@ -92,6 +92,7 @@ private:
     void begin_run();
     void begin_log();
     bool is_met(const pid_limit& limit) const;
+    void tell_trigger_without_pid();
     void begin_log_when_triggered(double now_ms);
     void end_log_when_triggered();
     void end_run();

@@ -28,6 +28,19 @@ bool actions::is_met(const pid_limit& limit) const {
                        });
 }
 
+// The set may be another than when the trigger was chosen. That of the oxygen sensors is told by the car.
+void actions::tell_trigger_without_pid() {
+    if (!results.trigger || results.mode == op_o2_layout)
+        return;
+    const QString& pid = results.trigger->when.pid;
+    if (std::none_of(results.these_samples.begin(), results.these_samples.end(),
+                     [&pid](const sample_row& row) { return row.pid == pid; }))
+        view.show_message(QString(),
+                          QStringLiteral("Nothing of this run will be stored: it does not sample %1 (%2), "
+                                         "whose crossing is waited for.")
+                              .arg(toolies.get_pid_name_with_pid(pid).trimmed(), pid));
+}
+
 void actions::begin_log_when_triggered(double now_ms) {
     if (!results.trigger || storing.is_on())
         return;

@@ -30,6 +30,18 @@ bool is_needed_each_time(const sampling_talk& car, const QString& pid) {
                        [&](const sample_row& row) { return row.pid == by; });
 }
 
+// A PID without a length that holds for every car stands in a request of its own: what follows it is its
+// data.
+std::optional<QMap<QString, QString>> answers_to(const sweep_request& request, const QString& message) {
+    const QString& pid = request.pids.first();
+    if (pid_length(static_cast<int>(convertStr2Byte(pid))) > 0)
+        return answers_in(message, request.pids);
+    const QString answer = QStringLiteral("41") + pid;
+    if (message.size() <= answer.size() || !message.startsWith(answer))
+        return std::nullopt;
+    return QMap<QString, QString>{{pid, message}};
+}
+
 QList<request_plan::wanted> wanted_by(const sampling_talk& car, bool on_can) {
     QList<request_plan::wanted> all;
     for (const sample_row& row : std::as_const(car.results.these_samples)) {
@@ -89,9 +101,9 @@ talk fast_sampling::turn_to(QString ecu) {
 }
 
 talk fast_sampling::keep_pace() {
-    const auto since_ms = static_cast<int>((car.link.time_source().microseconds() - asked_us) / 1000);
+    const qint64 since_ms = (car.link.time_source().microseconds() - asked_us) / 1000;
     if (pause_ms > since_ms && asked_us > 0)
-        co_await car.pause(pause_ms - since_ms);
+        co_await car.pause(pause_ms - static_cast<int>(since_ms));
     asked_us = car.link.time_source().microseconds();
 }
 
@@ -181,7 +193,7 @@ request_outcome fast_sampling::outcome_of(const sweep_request& request, const re
     bool is_odd = false;
     QStringList twice;
     for (const QString& message : whole_messages(*ecu)) {
-        const auto told = answers_in(message, request.pids);
+        const auto told = answers_to(request, message);
         is_odd = is_odd || !told;
         for (const auto& [pid, body] : (told ? *told : QMap<QString, QString>()).asKeyValueRange()) {
             if (answers.contains(pid))
@@ -200,8 +212,7 @@ bool fast_sampling::take(const sweep_request& request, const reply& came, QStrin
     QMap<QString, QString> answers;
     request_outcome outcome;
     const QString& first = request.pids.first();
-    const bool is_told_apart = on_can && pid_length(static_cast<int>(convertStr2Byte(first))) > 0;
-    if (is_told_apart) {
+    if (on_can) {
         outcome = outcome_of(request, came, answers);
     } else if (const QString data = car.data_of_reply(came, first, request.ecu); data != no_reply) {
         answers.insert(first, data);

@@ -10,8 +10,9 @@ constexpr int sure_count = 3;   // equal ones
 constexpr int sure_failure = 3; // of the same request, one after the other
 constexpr int a_failure = 4;    // weighs as many whole answers
 constexpr int most_doubt = 12;
-constexpr int calm_answers = 200; // behind which a size that was answered is tried again
-constexpr int most_frames = 15;   // one hexadecimal digit
+constexpr int calm_answers = 200;        // behind which a size that was answered is tried again
+constexpr qsizetype most_counted = 1000; // rates of their own make ever other requests
+constexpr int most_frames = 15;          // one hexadecimal digit
 
 int next_smaller(qsizetype size) {
     return size > 3 ? 3 : size > 2 ? 2 : 1;
@@ -95,6 +96,8 @@ void request_plan::answered(const sweep_request& request, const request_outcome&
 
 void request_plan::learn_whole(const sweep_request& request, int frames) {
     failed.remove(key_of(request));
+    if (counted.size() >= most_counted)
+        counted.clear();
     learnt_count& known = counted[key_of(request)];
     known.times = known.frames == frames ? known.times + 1 : 1;
     known.frames = frames;

@@ -40,7 +40,7 @@ public:
     virtual void keep_passport(const adapter_passport& passport) = 0;
     request_plan::abilities abilities_of_adapter() const;
     void adapter_learnt(const request_plan::abilities& what);
-    // A PID is asked for in one of so many sweeps; 1 where the run is at its usual speed.
+    // In one of how many sweeps a gentle or fast run asks for a PID.
     virtual int every_so_many_sweeps(const QString& pid) const = 0;
     // The ECU's own map has the PID.
     bool tells(const QString& ecu, const QString& pid) const;

@@ -159,7 +159,7 @@ TEST(fast_soak, no_value_is_of_another_pid_ecu_or_request) {
     for (const char* name : {"can11", "can29"}) {
         const bool is_wide = QByteArray(name) == "can29";
         const QStringList items =
-            QString("0C|7E8 0D|7E8 04|7E8 05|7E8 1F|7E8 0B|7E8 11|7E8 0E|7E8 0C|7E9 0D|7E9")
+            QString("0C|7E8 0D|7E8 04|7E8 05|7E8 1F|7E8 0B|7E8 11|7E8 0E|7E8 06|7E8 0C|7E9 0D|7E9")
                 .replace("7E8", is_wide ? "18DAF110" : "7E8")
                 .replace("7E9", is_wide ? "18DAF118" : "7E9")
                 .split(' ');

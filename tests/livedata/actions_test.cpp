@@ -150,6 +150,10 @@ TEST(actions, a_value_is_true_between_its_request_and_its_reply) {
 
 TEST(actions, a_log_begins_before_a_value_comes_and_ends_behind_another) {
     live_bench bench;
+    bench.opened().store_when(store_trigger{*pid_limit_of("0B>2"), {}, 0});
+    bench.opened().runLogs();
+    bench.controller->stop();
+    EXPECT_TRUE(bench.view.last("message").contains("(0B)"));
     bench.opened().store_when(store_trigger{*pid_limit_of("0C>2000"), pid_limit_of("0c < 1000"), 2});
     EXPECT_FALSE(pid_limit_of("0C=4") || pid_limit_of("C>4") || pid_limit_of("0C>4;"));
     EXPECT_EQ(play(conversation_of("! pids 0C\n! do button\n"
