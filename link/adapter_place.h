@@ -1,15 +1,14 @@
 #pragma once
 
 #include "base/settings_table.h"
+#include "link/adapter_address.h"
 
 #include <QString>
 
 namespace brivant {
 
-enum interface_code : int { interface_bluetooth = 5, interface_wifi = 6, interface_simulated = 7 };
-
-// Where the adapter is: the kind of link and, of Wi-Fi and Bluetooth, what it leads to. Start-up and the
-// preferences choose it; the link takes the device that the person chooses or that tells its name.
+// Where the adapter is: the kind of link, and what each kind leads to. Start-up, the preferences and the
+// choice of an adapter set it; the link takes the device that the person chooses or that tells its name.
 class adapter_place {
 public:
     int interface_kind() const { return kind; }
@@ -18,10 +17,26 @@ public:
     // Of the Bluetooth device, "" while none is chosen.
     const QString& bt_address() const { return device; }
     const QString& last_BT_Device() const { return device_name; }
-    // What tells this adapter from others; "" for a simulated one and while no device is chosen.
-    QString address() const {
-        return kind == interface_bluetooth ? device : kind == interface_wifi ? ip + u':' + port : QString();
+    // The device file of a USB adapter, and its speed in bit/s, 0 while that is to be found out.
+    const QString& serial_port() const { return other; }
+    int serial_speed() const { return speed; }
+    // Of the Bluetooth LE device.
+    const QString& le_address() const { return other; }
+    // What a USB or LE adapter is called: what it tells, else its address.
+    const QString& other_name() const { return other_called.isEmpty() ? other : other_called; }
+
+    // `where` is "" for a simulated adapter and while no device is chosen.
+    adapter_address now() const {
+        switch (kind) {
+        case interface_bluetooth: return {kind, device, 0};
+        case interface_wifi: return {kind, ip, port.toUShort()};
+        case interface_serial: return {kind, other, speed};
+        case interface_le: return {kind, other, 0};
+        default: return {kind, {}, 0};
+        }
     }
+    // What tells this adapter from others; "" as above.
+    QString address() const { return kind == interface_wifi ? ip + u':' + port : now().where; }
 
     void choose(int interface) { kind = interface; }
     void choose_wifi(const QString& address, const QString& its_port) {
@@ -29,17 +44,33 @@ public:
         ip = address;
         port = its_port;
     }
+    // A Bluetooth device whose name is not known is called by its address.
+    void choose(const adapter_address& what, const QString& name) {
+        kind = what.kind;
+        if (kind == interface_wifi)
+            return choose_wifi(what.where, QString::number(what.number));
+        if (kind == interface_bluetooth)
+            return take_device(what.where, name.isEmpty() ? what.where : name);
+        other = what.where;
+        other_called = name;
+        speed = what.number;
+    }
     // The Bluetooth device from now on, whatever the kind.
     void take_device(const QString& address, const QString& name) {
         device = address;
         device_name = name;
     }
+    // What a USB or LE adapter was found to be.
+    void take_name(const QString& name) { other_called = name; }
+    void take_speed(int bits_a_second) { speed = bits_a_second; }
 
 private:
     int kind = interface_bluetooth;
     QString ip = setting::wifi_ip.first_value();
     QString port = setting::wifi_port.first_value();
     QString device, device_name;
+    QString other, other_called; // USB or LE
+    int speed = 0;
 };
 
 } // namespace brivant

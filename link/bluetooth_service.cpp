@@ -5,7 +5,6 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QRegularExpression>
 #include <algorithm>
 #include <tuple>
 
@@ -181,11 +180,6 @@ QString why_unusable(bluetooth_condition condition) {
 
 QString pairing_advice() {
     return QStringLiteral("Pair it in the system's Bluetooth settings (PIN usually 1234 or 0000)");
-}
-
-bool is_bluetooth_address(const QString& text) {
-    static const QRegularExpression shape(QStringLiteral("\\A[0-9A-Fa-f]{2}(:[0-9A-Fa-f]{2}){5}\\z"));
-    return shape.match(text).hasMatch();
 }
 
 } // namespace brivant

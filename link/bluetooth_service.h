@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/adapter_address.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -43,7 +45,5 @@ public:
 // Why Bluetooth cannot be used and what to do about it, a sentence; "" when it can.
 QString why_unusable(bluetooth_condition condition);
 QString pairing_advice();
-// "AA:BB:CC:DD:EE:FF", letters of either case.
-bool is_bluetooth_address(const QString& text);
 
 } // namespace brivant

@@ -26,6 +26,8 @@ public:
     virtual void write(const QByteArray& command) = 0;
     // What the far end is called, "" when that is not known.
     virtual QString far_end_name() const { return {}; }
+    // The speed of a serial port in bit/s that was found to be the adapter's, 0 of other links.
+    virtual int speed() const { return 0; }
 
 Q_SIGNALS:
     void opened();
