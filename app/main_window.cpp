@@ -85,8 +85,8 @@ void main_window::add_keys() {
 }
 
 void main_window::start() {
-    core.choose_link();
-    started_with = link_now();
+    core.choose_link(delegate.adapters);
+    started_with = core.place.now();
     if (!core.folder_problem().isEmpty())
         show_message(QString(), core.folder_problem());
     core.vehicles.current_changed = [this] {
@@ -255,10 +255,6 @@ void main_window::show_surroundings() {
     status.set_link(report_link(delegate.link, core.car, core.toolies, is_demo()));
     tools.set_vehicle_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
                            is_demo());
-}
-
-main_window::link_in_force main_window::link_now() const {
-    return {core.place.interface_kind(), core.place.wifi_ip(), core.place.wifi_port()};
 }
 
 bool main_window::is_demo() const {

@@ -59,14 +59,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // The link that is in force, for telling whether it is still the one of the command line.
-    struct link_in_force {
-        int kind = 0;
-        QString address;
-        QString port;
-        bool operator==(const link_in_force&) const = default;
-    };
-
     // window_frame
     void tell(const notice& what) override { banner.add(what); }
     void ask(const QString& title, const QString& text, const question_sheet::answers& words,
@@ -74,7 +66,7 @@ private:
     void go_to(screen_kind kind) override;
     const theme& look() const override { return colours; }
     void settings_changed() override { show_surroundings(); }
-    bool link_is_as_started() const override { return link_now() == started_with; }
+    bool link_is_as_started() const override { return core.place.now() == started_with; }
 
     void lay_out();
     void add_keys();
@@ -88,14 +80,13 @@ private:
     void escape();
     void refuse_questions();
     std::unique_ptr<screen_view> make_view(screen_kind kind);
-    link_in_force link_now() const;
     bool is_demo() const;
 
     program_core& core;
     Bv_lite_delegate delegate;
     theme colours;
     sound_player sounds;
-    link_in_force started_with;
+    adapter_address started_with;
 
     tool_strip tools;
     notice_banner banner;

@@ -91,6 +91,9 @@ inline constexpr std::array sample_rates{-1, 10, 30, 60, 120, 300};
 // clang-format off
 inline constexpr number interface_kind    {"BV_interface",         "5",               person,
     "5 (Bluetooth) or 6 (Wi-Fi)", {.usable = link_number}};
+inline constexpr text   link              {"BV_link",              "",                person,
+    "a USB or Bluetooth LE adapter, which goes first: usb:/dev/..., ble:ADDRESS or any (that is there)",
+    {.longest = 300}};
 inline constexpr text   wifi_ip           {"wifi_IP",              "192.168.0.10",    person,
     "the address of the Wi-Fi adapter", {.longest = 64}}; // IPv6 whole, with the name of an interface
 inline constexpr text   wifi_port         {"wifi_port",            "35000",           person,
@@ -108,6 +111,8 @@ inline constexpr number sampling_speed    {"BV_sampling_speed",    "0",         
     {.usable = speed_number}};
 inline constexpr texts  pid_rates         {"BV_pid_rates",         "",                person,
     "PIDs that a fast run asks for in one sweep of N: 05/10,2F/60"};
+inline constexpr texts  known_adapters    {"BV_adapters",          "",                program,
+    "the adapters that were used or named"};
 inline constexpr texts  adapter_passports {"BV_adapter_passports", "",                program,
     "what adapters were found to be able to"};
 inline constexpr flag   standard_reading  {"BV_standard_reading",  "false",           person,
@@ -141,12 +146,19 @@ inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",          
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 24> all{
-    &interface_kind,   &wifi_ip,       &wifi_port,       &metric_units, &log_runs,
-    &time_stamps,      &sample_rate,   &sampling_speed,  &pid_rates,    &adapter_passports,
-    &standard_reading, &anonymous,     &store_position,  &gpsd,         &bluetooth_address,
-    &bluetooth_name,   &update_server, &current_vehicle, &sample_set,   &older_sample_set,
-    &expert_history,   &expert_script, &window_geometry, &plot_geometry};
+inline constexpr std::array<const setting_row*, 26> all{&interface_kind,    &link,
+                                                        &known_adapters,    &wifi_ip,
+                                                        &wifi_port,         &metric_units,
+                                                        &log_runs,          &time_stamps,
+                                                        &sample_rate,       &sampling_speed,
+                                                        &pid_rates,         &adapter_passports,
+                                                        &standard_reading,  &anonymous,
+                                                        &store_position,    &gpsd,
+                                                        &bluetooth_address, &bluetooth_name,
+                                                        &update_server,     &current_vehicle,
+                                                        &sample_set,        &older_sample_set,
+                                                        &expert_history,    &expert_script,
+                                                        &window_geometry,   &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

@@ -54,9 +54,8 @@ private:
 // What a program is started with that talks to the adapter at `port` and keeps its files below `profile`.
 inline launch_options options_for(quint16 port, const QString& profile) {
     launch_options options;
-    options.link = launch_options::link_choice::wifi;
-    options.wifi_host = QStringLiteral("127.0.0.1");
-    options.wifi_port = QString::number(port);
+    options.link = launch_options::link_choice::given;
+    options.address = {interface_wifi, QStringLiteral("127.0.0.1"), port};
     options.profile = profile;
     return options;
 }

@@ -88,9 +88,8 @@ public:
 private:
     launch_options options() const {
         launch_options its;
-        its.link = launch_options::link_choice::wifi;
-        its.wifi_host = QStringLiteral("127.0.0.1");
-        its.wifi_port = QStringLiteral("35000");
+        its.link = launch_options::link_choice::given;
+        its.address = {interface_wifi, QStringLiteral("127.0.0.1"), 35000};
         its.profile = folder.path();
         return its;
     }

@@ -9,10 +9,7 @@
 namespace brivant {
 
 namespace {
-constexpr int first_task_delay_ms = 800;
 constexpr int message_delay_ms = 500;
-constexpr int toast_clearing_ms = 1700;
-constexpr int car_running_hint_tick = 15;
 constexpr int reset_ms = 1000;
 } // namespace
 
@@ -69,37 +66,6 @@ void adapter_link::make_sure_of_transport() {
             [this](const QString& text) { traffic.handleOBDRcvdNotification(text); });
 }
 
-bool adapter_link::openInterfaceConnection() {
-    again.stop();
-    make_sure_of_transport();
-    return far_end.interface_kind() == interface_bluetooth ? openSerialPortProfile() : openTCP_socky();
-}
-
-bool adapter_link::openTCP_socky() {
-    if (is_connected())
-        return first_task == nullptr; // else the task starts in a moment by itself
-    if (is_opening()) {
-        if (!watchdog.is_running())
-            watchdog.start(); // the operation before stopped it
-        return false;
-    }
-    tcpConnectReady = false;
-    late_toast_clearing.reset();
-    forget_adapter();
-    watchdog.start();
-    if (far_end.interface_kind() == interface_wifi) {
-        const QString trying = fill(QStringLiteral("Trying: %@:%d "),
-                                    {far_end.wifi_ip(), QString::number(far_end.wifi_port().toUShort())});
-        l_set_status_msg(trying);
-        l_set_toast_msg(
-            fill(QStringLiteral("%@\n\nMake sure you connected to your\n OBD WiFi interface beforehand "),
-                 {trying}));
-    }
-    link->open();
-    Q_EMIT condition_changed();
-    return is_connected() && first_task == nullptr;
-}
-
 void adapter_link::forget_adapter() {
     traffic.reset();
     facts.ready = false;
@@ -116,105 +82,33 @@ void adapter_link::disconnect() {
 void adapter_link::close_link() {
     stop_timers();
     asked.reset();
+    search.reset();
     if (link)
         link->close();
+    is_coming_back = false;
     forget_adapter();
-    Q_EMIT condition_changed();
-}
-
-void adapter_link::link_opened() {
-    quirks.link_opened();
-    watchdog.stop();
-    again.opened();
-    forget_adapter();
-    if (far_end.interface_kind() == interface_simulated) {
-        tcpConnectReady = true;
-    } else if (far_end.interface_kind() == interface_bluetooth) {
-        channel_opened();
-    } else {
-        l_set_status_msg(QStringLiteral("TCP Connected!! ... Sending intial request"));
-        l_set_toast_msg(QStringLiteral(""));
-        first_task = clock.one_shot(first_task_delay_ms, [this] {
-            first_task.reset();
-            if (is_connected())
-                l_work_current_task(QStringLiteral("Connected!  Querying ..."));
-        });
-    }
-    Q_EMIT condition_changed();
-}
-
-void adapter_link::link_failed(const QString& reason) {
-    if (again.is_active()) {
-        if (!is_connected()) // else closed() follows
-            again.next_try();
-        return;
-    }
-    if (far_end.interface_kind() == interface_bluetooth)
-        return channel_refused(reason, QStringLiteral("Connection to BT lost"));
-    l_set_status_msg(fill(QStringLiteral("Couldn't connect...Please Check\n\n%@"), {reason}));
     Q_EMIT condition_changed();
 }
 
 void adapter_link::link_closed() {
     if (fell_at_reset())
         return;
-    const bool is_bluetooth = far_end.interface_kind() == interface_bluetooth;
-    link_lost loss{.status = is_bluetooth ? QStringLiteral("Connection to BT lost")
-                                          : QStringLiteral("Disconnected"),
-                   .status_stays = !is_bluetooth};
+    const bool is_device = far_end.is_device(), is_usb = far_end.interface_kind() == interface_serial;
+    link_lost loss{.status = QStringLiteral("Disconnected"), .status_stays = !is_device};
+    if (is_device)
+        loss.status = far_end.interface_kind() == interface_bluetooth
+                          ? QStringLiteral("Connection to BT lost")
+                          : QStringLiteral("Connection to %1 lost").arg(far_end.device_called());
     if (traffic.is_in_flight())
         loss.message =
             QStringLiteral("The adapter closed the connection%1. Check that it has power and %2, then start "
                            "again.")
                 .arg(facts.known ? QStringLiteral(" in the middle of the work")
                                  : QStringLiteral(" before it had answered"),
-                     is_bluetooth ? QStringLiteral("is near this computer")
-                                  : QStringLiteral("that this computer is still in its network"));
+                     is_usb      ? QStringLiteral("is still plugged in")
+                     : is_device ? QStringLiteral("is near this computer")
+                                 : QStringLiteral("that this computer is still in its network"));
     tell_loss(loss);
-}
-
-void adapter_link::stop_opening() {
-    const bool is_coming = is_opening() || asked;
-    task_waits = false;
-    again.stop();
-    if (is_coming)
-        disconnect();
-}
-
-void adapter_link::still_waiting(int tick, bool quiet) {
-    link->open(); // where it was refused: the adapter may be starting up
-    if (quiet || is_connected())
-        return;
-    const QString seconds = QString::number(tick), of = QString::number(connect_watchdog::last_tick);
-    QString text = far_end.interface_kind() == interface_bluetooth
-                       ? fill(localised(QStringLiteral("TOAST_BT_NOT_RESP_RETRY")),
-                              {far_end.last_BT_Device(), seconds, of})
-                       : fill(localised(QStringLiteral("TOAST_WIFI_NOT_RESP_RETRY")),
-                              {far_end.wifi_ip(), far_end.wifi_port(), seconds, of});
-    if (tick >= car_running_hint_tick)
-        text += QStringLiteral("\n\n") + localised(QStringLiteral("TOAST_SOME_VEH_RUNNG"));
-    l_set_toast_msg(text);
-    l_set_status_msg(text);
-}
-
-void adapter_link::never_opened() {
-    view.play_sound(sound_alert);
-    disconnect();
-    const bool is_bluetooth = far_end.interface_kind() == interface_bluetooth;
-    if (!is_bluetooth)
-        l_leave_cur_op_gracefully(QStringLiteral("")); // first: it hides the toast
-    const QString text =
-        is_bluetooth ? fill(localised(QStringLiteral("TOAST_BT_CONN_FAILED")), {far_end.last_BT_Device()})
-                     : localised(QStringLiteral("TOAST_WIFI_CONN_FAILED"));
-    l_set_toast_msg(text);
-    l_set_status_msg(text);
-    if (is_bluetooth)
-        ask_for_device(
-            QStringLiteral("%1 did not answer. Check that its lamp is lit and that it is paired, or "
-                           "choose another device.")
-                .arg(far_end.last_BT_Device()),
-            QStringLiteral(""));
-    late_toast_clearing = clock.one_shot(toast_clearing_ms, [this] { l_set_toast_msg(QStringLiteral("")); });
 }
 
 // --- commands and replies ----------------------------------------------------------------------------------
@@ -242,6 +136,7 @@ void adapter_link::transmit(const QByteArray& command) {
 
 void adapter_link::adapter_is_set_up() {
     facts.ready = true;
+    Q_EMIT adapter_set_up();
     Q_EMIT condition_changed();
 }
 

@@ -4,6 +4,7 @@
 #include "base/screen.h"
 #include "base/timers.h"
 #include "link/adapter_quirks.h"
+#include "link/adapter_search.h"
 #include "link/connect_watchdog.h"
 #include "link/exchange.h"
 #include "link/reconnecting.h"
@@ -23,7 +24,7 @@ class adapter_link : public QObject, private exchange_owner {
     Q_OBJECT
 
 public:
-    using transport_maker = std::function<std::unique_ptr<transport>(const adapter_place&)>;
+    using transport_maker = brivant::transport_maker;
 
     // `make_transport` builds the transport for the interface kind of the place, anew for each kind.
     adapter_link(adapter_place& its_place, adapter_facts& its_facts, timers& time_source, screen& its_screen,
@@ -43,8 +44,11 @@ public:
     bool openInterfaceConnection();
     // Closes it, whatever its state.
     void disconnect();
-    // Lets the person choose the Bluetooth device, and opens the link to it. Nothing while the link is
-    // another.
+    // Asked before an operation opens the link anew: it may lead the place elsewhere. Of what it returns, the
+    // first that answers is taken.
+    std::function<QList<adapter_search::candidate>()> lead_before_opening;
+    // Lets the person choose the Bluetooth device, which may be an LE one, and opens the link to it. Nothing
+    // while the link is another.
     void choose_bluetooth_device();
     // Gives up a link that is still opening, and one that was lost; an open one stays.
     void stop_opening();
@@ -58,7 +62,7 @@ public:
     // Also between two tries.
     bool is_opening() const {
         return !is_connected() && ((link && link->state() == transport::condition::opening) ||
-                                   watchdog.is_running() || reopening || again.is_active());
+                                   watchdog.is_running() || reopening || again.is_active() || search);
     }
 
     // Sends a command ("01 00\r") that may carry its own time-out in seconds ("01 00|12.0\r"; 3 without one).
@@ -108,6 +112,10 @@ public:
 Q_SIGNALS:
     // The Bluetooth device of the place is the one to remember.
     void device_taken();
+    // The adapter of the place is set up, so it is one.
+    void adapter_set_up();
+    // The person has chosen the place itself, not only the Bluetooth device.
+    void place_chosen();
     // The link opened, closed or began to open; or what stands at its far end became known.
     void condition_changed();
 
@@ -122,6 +130,9 @@ private:
     void adapter_started_anew() override;
 
     void make_sure_of_transport();
+    bool open_place();
+    bool look_for_one(const QList<adapter_search::candidate>& candidates);
+    void found_one(const probed_adapter& which);
     bool openTCP_socky();
     bool openSerialPortProfile();
     // `status_for_none`: what the operation is left with when no device is chosen; null: it goes on.
@@ -153,10 +164,12 @@ private:
     connect_watchdog watchdog;
     reconnecting again;
     std::unique_ptr<transport> link;
+    std::unique_ptr<adapter_search> search; // for whatever adapter is there
     int link_kind = 0;
     task_controller* controller = nullptr;
     bool tcpConnectReady = false; // the first task was started: replies reach the controller
-    bool task_waits = false;      // an operation starts when the Bluetooth channel is open
+    bool task_waits = false;      // an operation starts when the device's channel is open
+    bool is_coming_back = false;  // the device was reset: that it is not there yet is no failure
     std::shared_ptr<int> asked;   // the question for a device that waits for its answer
 
     timer_handle reset_under_way; // for a second after "AT Z" was sent

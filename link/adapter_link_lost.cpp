@@ -52,9 +52,10 @@ bool adapter_link::fell_at_reset() {
                        "set up without a reset."));
     reopening = clock.one_shot(return_after_reset_ms, [this] {
         reopening.reset();
-        if (far_end.interface_kind() != interface_bluetooth)
+        if (!far_end.is_device())
             return void(openTCP_socky());
         task_waits = true;
+        is_coming_back = far_end.interface_kind() != interface_bluetooth;
         open_channel();
     });
     if (controller)

@@ -25,6 +25,12 @@ public:
     // What a USB or LE adapter is called: what it tells, else its address.
     const QString& other_name() const { return other_called.isEmpty() ? other : other_called; }
 
+    // A device reached by a channel of this computer's own: Bluetooth, LE or USB, not a host of a network.
+    bool is_device() const {
+        return kind == interface_bluetooth || kind == interface_le || kind == interface_serial;
+    }
+    // What that device is called.
+    const QString& device_called() const { return kind == interface_bluetooth ? device_name : other_name(); }
     // `where` is "" for a simulated adapter and while no device is chosen.
     adapter_address now() const {
         switch (kind) {

@@ -2,7 +2,6 @@
 
 #include "base/console_log.h"
 #include "base/string_table.h"
-#include "link/bluetooth_service.h"
 #include "persistence/recovery.h"
 #include "persistence/vehicles.h"
 
@@ -36,15 +35,11 @@ constexpr std::array<help_of_screen, 5> help_panels{{
 Bv_lite_delegate::Bv_lite_delegate(adapter_place& its_place, adapter_facts& its_adapter, car_state& its_car,
                                    mac_toolies& its_toolies, timers& time_source, screen& its_screen,
                                    adapter_link::transport_maker make)
-    : link(its_place, its_adapter, time_source, its_screen, std::move(make)), place(its_place), car(its_car),
+    : link(its_place, its_adapter, time_source, its_screen, std::move(make)),
+      adapters(its_toolies.settings(), its_place, link, its_car), car(its_car),
       defaults(its_toolies.settings()), toolies(its_toolies), db(its_toolies.store()), clock(time_source),
       view(its_screen) {
     read_defaults();
-    QObject::connect(&link, &adapter_link::device_taken, &link, [this] {
-        defaults.set(setting::bluetooth_address, place.bt_address());
-        defaults.set(setting::bluetooth_name, place.last_BT_Device());
-        defaults.synchronise();
-    });
     console_log(QStringLiteral("finish kloading"));
 }
 
@@ -52,13 +47,7 @@ void Bv_lite_delegate::read_defaults() {
     if (!defaults.has(setting::interface_kind))
         defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
                                      setting::metric_units, setting::log_runs});
-    place.choose(defaults.value(setting::interface_kind));
-    if (place.interface_kind() == interface_wifi)
-        place.choose_wifi(defaults.value(setting::wifi_ip), defaults.value(setting::wifi_port));
-    const QString device = defaults.value(setting::bluetooth_address).toUpper();
-    if (is_bluetooth_address(device))
-        place.take_device(
-            device, defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device);
+    adapters.read_place();
     car.make_current(-1, {});
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/app_paths.h"
-#include "link/adapter_link.h"
+#include "shell/adapter_list.h"
 #include "shell/main_area.h"
 #include "toolkit/mac_toolies.h"
 
@@ -45,13 +45,13 @@ public:
     void show_current_vehicle();
 
     adapter_link link;
+    adapter_list adapters;
 
 private:
     void read_defaults();
     void pick_current_vehicle();
     void handly3();
 
-    adapter_place& place;
     car_state& car;
     user_defaults& defaults;
     mac_toolies& toolies;

@@ -1,25 +1,11 @@
 #include "shell/launch_options.h"
 
 #include "formats/run_writer.h"
-#include "link/bluetooth_service.h"
+#include <algorithm>
 
 namespace brivant {
 
 namespace {
-
-// "HOST:PORT", with "[...]" around an IPv6 address.
-bool take_address(const QString& text, launch_options& options) {
-    const qsizetype colon = text.lastIndexOf(QLatin1Char(':'));
-    bool ok = false;
-    const int port = text.sliced(colon + 1).toInt(&ok);
-    if (colon <= 0 || !ok || port < 1 || port > 65535)
-        return false;
-    options.wifi_host = text.first(colon);
-    if (options.wifi_host.startsWith(QLatin1Char('[')) && options.wifi_host.endsWith(QLatin1Char(']')))
-        options.wifi_host = options.wifi_host.sliced(1).chopped(1);
-    options.wifi_port = QString::number(port);
-    return !options.wifi_host.isEmpty();
-}
 
 struct flag {
     const char* name;
@@ -34,6 +20,21 @@ constexpr flag flags[] = {{"--anonymous", &launch_options::anonymous},
                           {"--help", &launch_options::help},
                           {"-h", &launch_options::help},
                           {"--version", &launch_options::version}};
+
+struct given_link {
+    const char* option;
+    int kind;
+    const char* form;
+};
+constexpr given_link given_links[] = {
+    {"--wifi", interface_wifi,
+     "HOST:PORT with a port from 1 to 65535, for example --wifi 192.168.0.10:35000"},
+    {"--bluetooth", interface_bluetooth,
+     "the address of a device, for example --bluetooth 00:1D:A5:68:98:8B"},
+    {"--ble", interface_le, "the address of a device, for example --ble 00:1D:A5:68:98:8B"},
+    {"--serial", interface_serial,
+     "the device of a port, for example --serial /dev/ttyUSB0 or --serial /dev/ttyUSB0:115200"},
+};
 
 // One word that begins with "-". `value` is what stands after "=", or the next word for options that need
 // one.
@@ -59,10 +60,8 @@ private:
         const QString name = word.section(QLatin1Char('='), 0, 0);
         if (is_word_of_a_run(name))
             return take_word_of_a_run(word, name);
-        if (name == QLatin1String("--wifi"))
-            return choose_link(launch_options::link_choice::wifi) && take_wifi(value_of(word));
-        if (name == QLatin1String("--bluetooth"))
-            return choose_link(launch_options::link_choice::bluetooth) && take_device(value_of(word));
+        if (const given_link* kind = kind_of_link(name))
+            return choose_link(launch_options::link_choice::given) && take_address(*kind, value_of(word));
         if (name == QLatin1String("--demo"))
             return choose_link(launch_options::link_choice::demo) && take_car(word);
         if (name == QLatin1String("--profile"))
@@ -73,6 +72,8 @@ private:
             return wrong(QStringLiteral("There is no option %1.").arg(word));
         if (name == QLatin1String("--simulate"))
             return choose_link(launch_options::link_choice::simulate);
+        if (name == QLatin1String("--find"))
+            return choose_link(launch_options::link_choice::find);
         if (name == QLatin1String("--metric") || name == QLatin1String("--imperial"))
             return take_units(name == QLatin1String("--metric"));
         for (const flag& known : flags) {
@@ -116,22 +117,26 @@ private:
     bool choose_link(launch_options::link_choice choice) {
         if (options.link != launch_options::link_choice::as_stored)
             return wrong(
-                QStringLiteral("Only one of --wifi, --bluetooth, --demo and --simulate can be chosen."));
+                QStringLiteral("Only one of --wifi, --bluetooth, --ble, --serial, --find, --demo and "
+                               "--simulate can be chosen."));
         options.link = choice;
         return true;
     }
 
-    bool take_wifi(const QString& address) {
-        return take_address(address, options) ||
-               wrong(QStringLiteral("--wifi needs HOST:PORT with a port from 1 to 65535, for example "
-                                    "--wifi 192.168.0.10:35000."));
+    static const given_link* kind_of_link(const QString& name) {
+        const auto found =
+            std::find_if(std::begin(given_links), std::end(given_links),
+                         [&](const given_link& one) { return name == QLatin1String(one.option); });
+        return found == std::end(given_links) ? nullptr : found;
     }
 
-    bool take_device(const QString& address) {
-        options.bluetooth_address = address.toUpper();
-        return is_bluetooth_address(address) ||
-               wrong(QStringLiteral("--bluetooth needs the address of a device, for example --bluetooth "
-                                    "00:1D:A5:68:98:8B."));
+    bool take_address(const given_link& kind, const QString& text) {
+        const auto address = adapter_address::of(kind.kind, text);
+        if (!address)
+            return wrong(
+                QStringLiteral("%1 needs %2.").arg(QLatin1String(kind.option), QLatin1String(kind.form)));
+        options.address = *address;
+        return true;
     }
 
     bool take_car(const QString& word) {
@@ -187,6 +192,9 @@ QString launch_options_usage() {
         "The link:\n"
         "  --wifi HOST:PORT      a Wi-Fi adapter (otherwise the link chosen in the preferences)\n"
         "  --bluetooth ADDRESS   a Bluetooth adapter\n"
+        "  --ble ADDRESS         a Bluetooth LE adapter\n"
+        "  --serial PORT[:BAUD]  a USB adapter, by its device; without BAUD the speed is found out\n"
+        "  --find                whichever adapter is found\n"
         "  --demo[=CAR]          a car and an adapter inside the program; nothing is kept\n"
         "  --simulate            a stand-in adapter with a few fixed answers\n"
         "\nOther options:\n"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/adapter_address.h"
+
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -8,12 +10,10 @@ namespace brivant {
 
 // What the command line of brivant-lite or brivant-cli asks for.
 struct launch_options {
-    enum class link_choice { as_stored, wifi, bluetooth, demo, simulate };
+    enum class link_choice { as_stored, given, find, demo, simulate };
 
     link_choice link = link_choice::as_stored;
-    QString wifi_host;
-    QString wifi_port;
-    QString bluetooth_address;
+    adapter_address address;                    // that was given
     QString demo_car = QStringLiteral("can11"); // a name or a file
     QString profile;
     bool json = false;

@@ -45,14 +45,21 @@ bool program_core::start_demo(QString& problem, int answer_ms) {
     return demo_port != 0;
 }
 
+void program_core::choose_link(adapter_list& adapters) {
+    choose_link();
+    if (options.link != launch_options::link_choice::as_stored)
+        adapters.place_is_given(options.link == launch_options::link_choice::demo);
+}
+
 void program_core::choose_link() {
     switch (options.link) {
-    case launch_options::link_choice::as_stored: return;
-    case launch_options::link_choice::wifi: place.choose_wifi(options.wifi_host, options.wifi_port); return;
-    case launch_options::link_choice::bluetooth:
-        place.choose(interface_bluetooth);
-        if (place.bt_address() != options.bluetooth_address) // its name is not known
-            place.take_device(options.bluetooth_address, options.bluetooth_address);
+    case launch_options::link_choice::as_stored:
+    case launch_options::link_choice::find: return;
+    case launch_options::link_choice::given:
+        if (options.address.kind == interface_bluetooth && options.address.where == place.bt_address())
+            place.choose(interface_bluetooth); // its name is known
+        else
+            place.choose(options.address, QString());
         return;
     case launch_options::link_choice::demo:
         place.choose_wifi(QStringLiteral("127.0.0.1"), QString::number(demo_port));

@@ -9,6 +9,7 @@
 #include "livedata/live_results.h"
 #include "persistence/database.h"
 #include "position/gpsd_client.h"
+#include "shell/adapter_list.h"
 #include "shell/launch_options.h"
 #include "shell/vehicle_list.h"
 #include "toolkit/mac_toolies.h"
@@ -33,6 +34,7 @@ public:
     bool start_demo(QString& problem, int answer_ms = 0);
     // Puts the link that was asked for in the place of the stored one, for this run.
     void choose_link();
+    void choose_link(adapter_list& adapters);
     // Why the person's folders cannot be used, "" when they can.
     const QString& folder_problem() const { return bad_folder; }
 

@@ -16,7 +16,7 @@ public:
 protected:
     // Starts up, on the link that was asked for.
     void begin() {
-        core.choose_link();
+        core.choose_link(delegate.adapters);
         delegate.applicationDidFinishLaunching(nullptr);
     }
     // Why an operation failed may be told up to half a second after its end.

@@ -20,7 +20,8 @@ constexpr int wrong_usage = 2;
 
 QString usage() {
     QString text = QStringLiteral(
-        "Usage: brivant-cli [--wifi HOST:PORT | --bluetooth ADDRESS | --demo[=CAR] | --simulate]\n"
+        "Usage: brivant-cli [--wifi HOST:PORT | --bluetooth ADDRESS | --ble ADDRESS | --serial PORT[:BAUD]\n"
+        "                    | --find | --demo[=CAR] | --simulate]\n"
         "                   [--profile DIR] [--json] [--metric | --imperial] COMMAND\n\n"
         "Commands:\n");
     for (const cli_command& command : cli_commands())

@@ -1,4 +1,4 @@
-#include "link/bluetooth_service.h"
+#include "link/adapter_address.h"
 #include "position/gpsd_place.h"
 #include "shell/pid_choice.h"
 #include "shell/preferences.h"
@@ -31,6 +31,15 @@ QString device_name_problem(const QString& value) {
                                    : QStringLiteral("A name has at most %1 characters.").arg(longest);
 }
 
+QString link_problem(const QString& value) {
+    const auto address = adapter_address::of(value);
+    const bool is_other = address && (address->kind == interface_serial || address->kind == interface_le);
+    return value.isEmpty() || value == QLatin1String("any") || is_other
+               ? QString()
+               : QStringLiteral("The link is written usb:/dev/ttyUSB0, usb:/dev/ttyUSB0:115200, "
+                                "ble:00:1D:A5:68:98:8B or any; nothing for Bluetooth or Wi-Fi.");
+}
+
 QString server_problem(const QString& value) {
     return value.isEmpty() ? QString() : update_server_problem(value);
 }
@@ -42,9 +51,13 @@ QString gpsd_problem(const QString& value) {
 }
 
 const text_check text_checks[] = {
-    {setting::wifi_ip, preferences::address_problem}, {setting::wifi_port, preferences::port_problem},
-    {setting::bluetooth_address, device_problem},     {setting::bluetooth_name, device_name_problem},
-    {setting::update_server, server_problem},         {setting::gpsd, gpsd_problem},
+    {setting::wifi_ip, preferences::address_problem},
+    {setting::wifi_port, preferences::port_problem},
+    {setting::bluetooth_address, device_problem},
+    {setting::bluetooth_name, device_name_problem},
+    {setting::link, link_problem},
+    {setting::update_server, server_problem},
+    {setting::gpsd, gpsd_problem},
 };
 
 QStringList items_of(const QString& value) {

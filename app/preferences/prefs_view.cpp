@@ -1,6 +1,7 @@
 #include "app/preferences/prefs_view.h"
 
 #include "persistence/log_files.h"
+#include "shell/known_adapter.h"
 
 namespace brivant {
 
@@ -11,10 +12,12 @@ QString link_of_this_run(const launch_options& options) {
     switch (options.link) {
     case launch_options::link_choice::demo: return QStringLiteral("the demo car");
     case launch_options::link_choice::simulate: return QStringLiteral("the stand-in adapter");
-    case launch_options::link_choice::bluetooth:
-        return QStringLiteral("the Bluetooth adapter %1").arg(options.bluetooth_address);
-    case launch_options::link_choice::wifi:
-        return QStringLiteral("the Wi-Fi adapter at %1, port %2").arg(options.wifi_host, options.wifi_port);
+    case launch_options::link_choice::given:
+        return options.address.kind == interface_wifi
+                   ? QStringLiteral("the Wi-Fi adapter at %1, port %2")
+                         .arg(options.address.where, QString::number(options.address.number))
+                   : QStringLiteral("the %1 adapter %2")
+                         .arg(word_of_link(options.address.kind), options.address.where);
     default: return {};
     }
 }
