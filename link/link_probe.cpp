@@ -35,13 +35,13 @@ std::optional<QString> greeting_in(const QString& heard) {
     text.chop(1);
     if (!text.endsWith(u'\r'))
         return std::nullopt; // the prompt stands on a line of its own
+    // What it was asked before may have its prompt first; one that is asked twice answers twice.
     QStringList lines;
-    for (const QString& line : text.split(u'\r', Qt::SkipEmptyParts)) {
-        if (!line.trimmed().isEmpty() && !is_echo(line))
-            lines += line.trimmed();
+    for (const QString& part : text.split(u'\r', Qt::SkipEmptyParts)) {
+        const QString line = (part.startsWith(u'>') ? part.sliced(1) : part).trimmed();
+        if (!line.isEmpty() && !is_echo(line))
+            lines += line;
     }
-    // Behind the prompt of what it was asked before, its greeting; one that is asked twice answers twice.
-    lines.removeAll(QStringLiteral(">"));
     lines.removeDuplicates();
     return lines.size() == 1 && is_greeting(lines.first()) ? std::optional(lines.first()) : std::nullopt;
 }
