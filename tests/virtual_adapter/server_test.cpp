@@ -164,7 +164,8 @@ TEST(command_line, is_checked) {
     for (const char* bad :
          {"--nonsense", "stray", "--delay=-1", "--delay=x", "--listen=nowhere", "--late=3", "--late=1:2:3",
           "--protocol=D", "--port", "--kind=toy", "--baud=38400", "--kind=stn --baud=300",
-          "--kind=stn --ecu-delay=8,x", "--clone-fault=rust", "--ceiling=0C", "--kind=stn --ceiling=0C,xyz"})
+          "--kind=stn --ecu-delay=8,x", "--clone-fault=rust", "--ceiling=0C", "--kind=stn --ceiling=0C,xyz",
+          "--pty --baud=300", "--pty --baud=38401", "--pty --jitter=1"})
         EXPECT_FALSE(read(bad).mistake.isEmpty()) << bad;
     const wishes good = read("--late=3:250 --protocol=A3 --refuse=atrv --still");
     EXPECT_EQ(good.mistake, QString());
@@ -181,6 +182,10 @@ TEST(command_line, is_checked) {
     EXPECT_EQ(kind.options.time->ecu_ms, (std::vector<double>{8, 12}));
     EXPECT_TRUE(kind.what.clone.hangs_on_groups && kind.shows_ceiling);
     EXPECT_EQ(kind.ceiling_of, (std::vector<std::uint8_t>{0x0C, 0x0D}));
+    const wishes pty = read("--pty --baud=115200");
+    EXPECT_EQ(pty.mistake, QString());
+    EXPECT_TRUE(pty.pty && pty.pty_speed == 115200 && !pty.options.time);
+    EXPECT_EQ(read("--pty --kind=stn").pty_speed, 0);
     EXPECT_EQ(read("--kind=wifi --banner=X").options.banner, "X");
     EXPECT_TRUE(read("--list-cars").print_and_leave.contains("can11"));
 }

@@ -12,21 +12,12 @@ constexpr qint64 most_unsent = 1 << 20;
 adapter_connection::adapter_connection(QTcpSocket* socket, std::shared_ptr<car> on,
                                        const adapter_options& options, const faults& what,
                                        adapter_session::observer seen, QObject* parent)
-    : QObject(parent), m_socket(socket), m_exact_timer([this] { m_session.waited(); }),
-      m_session(std::move(on), options, what, std::move(seen),
-                {[this](std::string_view text) { write(text); },
-                 [this](int milliseconds) { m_timer.start(milliseconds); },
-                 [this] {
-                     m_timer.stop();
-                     m_exact_timer.stop();
-                 },
-                 [this] { m_socket->disconnectFromHost(); }, &exact_timer::now_ms,
-                 [this](double moment_ms) { m_exact_timer.call_at(moment_ms); }}) {
+    : QObject(parent), m_socket(socket),
+      m_session(
+          std::move(on), options, what, std::move(seen), [this](std::string_view text) { write(text); },
+          [this] { m_socket->disconnectFromHost(); }) {
     m_socket->setParent(this);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    m_timer.setSingleShot(true);
-    m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, [this] { m_session.waited(); });
     connect(m_socket, &QTcpSocket::readyRead, this, &adapter_connection::read_socket);
     connect(m_socket, &QTcpSocket::disconnected, this, &QObject::deleteLater);
 }

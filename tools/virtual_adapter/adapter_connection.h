@@ -1,10 +1,8 @@
 #pragma once
 
-#include "tools/virtual_adapter/adapter_session.h"
-#include "tools/virtual_adapter/exact_timer.h"
+#include "tools/virtual_adapter/running_session.h"
 
 #include <QObject>
-#include <QTimer>
 
 class QTcpSocket;
 
@@ -22,9 +20,7 @@ private:
     void write(std::string_view text);
 
     QTcpSocket* m_socket;
-    QTimer m_timer;
-    exact_timer m_exact_timer;
-    adapter_session m_session;
+    running_session m_session;
 };
 
 } // namespace virtual_adapter

@@ -3,6 +3,7 @@
 #include "tools/virtual_adapter/car_catalogue.h"
 #include "tools/virtual_adapter/hex_digit.h"
 #include "tools/virtual_adapter/kinds.h"
+#include "tools/virtual_adapter/pty_adapter.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -26,13 +27,14 @@ struct option {
 const option options[] = {
     {"port",           "N",       "35000",       "TCP port; 0 takes any free one."},
     {"listen",         "ADDRESS", "127.0.0.1",   "Address to listen on."},
+    {"pty",            nullptr,   nullptr,       "A serial port (pseudo-terminal) instead: its path is printed."},
     {"car",            "CAR",     "can11",       "Name of a car that is built in, or a car file."},
     {"list-cars",      nullptr,   nullptr,       "Print the names of the cars that are built in."},
     {"still",          nullptr,   nullptr,       "The car keeps driving 60 km/h: values stay put."},
     {"log",            nullptr,   nullptr,       "Print every command and its reply on standard error."},
     {"banner",         "TEXT",    "ELM327 v1.5", "What AT Z and AT I answer."},
     {"kind",           "KIND",    "",            "Take time like elm327-v1.4, clone-2.1, wifi, ble or stn."},
-    {"baud",           "N",       "",            "Serial speed of that kind, 9600 to 2000000."},
+    {"baud",           "N",       "",            "Serial speed of that kind and of --pty, 9600 to 2000000."},
     {"ecu-delay",      "MS,...",  "",            "What each ECU needs for an answer; the last is for all others."},
     {"ecu-spread",     "MS",      "",            "Up to that much more."},
     {"round-trip",     "MS",      "",            "What radio or network takes there and back."},
@@ -62,7 +64,7 @@ class reader {
 public:
     reader() {
         m_parser.setApplicationDescription(
-            QStringLiteral("An ELM327 adapter with a car behind it, on a TCP port."));
+            QStringLiteral("An ELM327 adapter with a car behind it, on a TCP port or a serial port."));
         for (const option& o : options) {
             QCommandLineOption made(QLatin1String(o.name), QLatin1String(o.text));
             if (o.value != nullptr) {
@@ -99,6 +101,9 @@ private:
         m_wish.port = quint16(number("port", 65535));
         if (!m_wish.address.setAddress(text("listen")))
             complain(QStringLiteral("\"%1\" is not an address.").arg(text("listen")));
+        m_wish.pty = is_set("pty");
+        if (m_wish.pty && is_set("baud"))
+            read_pty_speed();
         m_wish.car = text("car");
         m_wish.still = is_set("still");
         m_wish.log = is_set("log");
@@ -163,7 +168,7 @@ private:
     // Changes to the numbers of the kind.
     void read_timing() {
         for (const char* name : {"baud", "ecu-delay", "ecu-spread", "round-trip", "jitter", "ceiling"})
-            if (is_set(name) && !m_wish.options.time)
+            if (is_set(name) && !m_wish.options.time && !(m_wish.pty && name == QLatin1String("baud")))
                 return complain(QStringLiteral("--%1 needs --kind.").arg(QLatin1String(name)));
         if (!m_wish.options.time)
             return;
@@ -181,6 +186,12 @@ private:
             takes.round_trip_ms = number("round-trip");
         if (is_set("jitter"))
             takes.jitter_ms = number("jitter");
+    }
+
+    void read_pty_speed() {
+        m_wish.pty_speed = number("baud", fastest_baud);
+        if (!pty_adapter::knows_speed(m_wish.pty_speed))
+            complain(QStringLiteral("--baud: a serial port has no speed \"%1\".").arg(text("baud")));
     }
 
     void read_ceiling() {

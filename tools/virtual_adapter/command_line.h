@@ -14,6 +14,8 @@ struct wishes {
     QString print_and_leave; // help, version or list of cars; empty to serve
     QHostAddress address;
     quint16 port = 0;
+    bool pty = false;  // in place of address and port
+    int pty_speed = 0; // 0: any will do
     QString car;
     bool still = false;
     bool log = false;
