@@ -27,9 +27,9 @@ adapter_link::adapter_link(adapter_place& its_place, adapter_facts& its_facts, t
                            screen& its_screen, transport_maker make_transport)
     : far_end(its_place), facts(its_facts), clock(time_source), view(its_screen),
       maker(std::move(make_transport)), traffic(its_place, its_facts, time_source, *this), quirks(its_place),
-      watchdog(
-          time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); },
-          [this] { never_opened(); }),
+      steps(time_source), watchdog(
+                              time_source, [this](int tick, bool quiet) { still_waiting(tick, quiet); },
+                              [this] { never_opened(); }),
       again(
           time_source, [this](int seconds, int attempt) { tell_pause(seconds, attempt); },
           [this](int attempt) { open_again(attempt); }) {}
@@ -59,6 +59,10 @@ void adapter_link::make_sure_of_transport() {
     link = maker(far_end);
     link_kind = far_end.interface_kind();
     connect(link.get(), &transport::opened, this, &adapter_link::link_opened);
+    connect(link.get(), &transport::radio_ready, this, [this] {
+        steps.reached(start_step::radio);
+        Q_EMIT condition_changed();
+    });
     connect(link.get(), &transport::failed, this, &adapter_link::link_failed);
     connect(link.get(), &transport::closed, this, &adapter_link::link_closed);
     connect(link.get(), &transport::read_failed, this, [this](const QString& reason) {
@@ -87,6 +91,7 @@ void adapter_link::close_link() {
     search.reset();
     if (link)
         link->close();
+    steps.broke_off();
     is_coming_back = false;
     forget_adapter();
     Q_EMIT condition_changed();
@@ -136,8 +141,23 @@ void adapter_link::transmit(const QByteArray& command) {
         link->write(command);
 }
 
+void adapter_link::adapter_answered() {
+    facts.known = true;
+    steps.reached(start_step::adapter);
+    Q_EMIT condition_changed();
+}
+
+void adapter_link::protocol_told(int number) {
+    facts.protocol = number;
+    if (number < 0)
+        return;
+    steps.reached(start_step::protocol);
+    Q_EMIT condition_changed();
+}
+
 void adapter_link::adapter_is_set_up() {
     facts.ready = true;
+    steps.reached(start_step::ecus);
     Q_EMIT adapter_set_up();
     Q_EMIT condition_changed();
 }

@@ -8,6 +8,7 @@
 #include "link/connect_watchdog.h"
 #include "link/exchange.h"
 #include "link/reconnecting.h"
+#include "link/start_steps.h"
 #include "link/task_controller.h"
 #include "link/transport.h"
 
@@ -56,6 +57,12 @@ public:
     bool is_reconnecting() const { return again.is_active(); }
     // The operation waits for a new link: this one is closed, and opened again after a pause.
     void reopen(const QString& status);
+    // The link was dead without a sign: it is closed, and opened anew for the operation.
+    void open_anew();
+    // Nothing has come from the adapter for so long that it may be gone without a sign.
+    bool may_be_gone() const;
+    // The computer slept: whatever was open is gone.
+    void computer_woke();
     // The operation does not go on without this link.
     void left_by_loss(const link_lost& loss);
     bool is_connected() const { return link && link->state() == transport::condition::open; }
@@ -72,6 +79,8 @@ public:
     void send(const sent_command& command);
     void sendOBDcmd(const QString& command) { send(as_typed(command)); }
     int timeouts() const { return traffic.timeouts(); }
+    // How far the start of the link has come, or came last.
+    const start_steps& start() const { return steps; }
     const exchange_moments& moments() const { return traffic.moments(); }
     void warn_no_more() { traffic.warn_no_more(); }
     bool is_being_answered() const { return traffic.is_being_answered(); }
@@ -82,8 +91,8 @@ public:
     // The command that was sent last, with its "\r".
     const QString& current_command() const { return traffic.current_command().text; }
     // The initialisation tells what it finds out about the adapter:
-    void adapter_answered() { facts.known = true; } // to a reset
-    void protocol_told(int number) { facts.protocol = number; }
+    void adapter_answered(); // to a reset
+    void protocol_told(int number);
     void describe_interface(const QString& text) { facts.interface_text = text; }
     void describe_protocol(const QString& text) { facts.protocol_text = text; }
     void adapter_is_set_up();
@@ -161,6 +170,7 @@ private:
     exchange traffic;
     adapter_quirks quirks;
     QStringList undo_commands; // each once, in the order of the changes
+    start_steps steps;
     connect_watchdog watchdog;
     reconnecting again;
     std::unique_ptr<transport> link;

@@ -76,6 +76,7 @@ void adapter_link::open_channel() {
                    {connecting})
             : connecting);
     watchdog.start();
+    steps.begin(far_end.interface_kind() != interface_serial);
     link->open();
     Q_EMIT condition_changed();
 }

@@ -7,6 +7,7 @@ namespace brivant {
 
 namespace {
 constexpr int return_after_reset_ms = 1000;
+constexpr std::int64_t longest_silence_us = 20'000'000;
 } // namespace
 
 void adapter_link::tell_loss(const link_lost& loss) {
@@ -21,6 +22,26 @@ void adapter_link::reopen(const QString& status) {
     if (!status.isEmpty())
         l_set_status_msg(status);
     again.next_try();
+}
+
+void adapter_link::open_anew() {
+    close_link();
+    l_set_status_msg(QStringLiteral("The adapter is gone. The link is opened anew"));
+    if (openInterfaceConnection())
+        l_work_current_task(QString());
+}
+
+bool adapter_link::may_be_gone() const {
+    return is_connected() && far_end.interface_kind() != interface_simulated &&
+           clock.microseconds() - traffic.moments().last_byte > longest_silence_us;
+}
+
+void adapter_link::computer_woke() {
+    again.hurry();
+    if (is_connected() && traffic.is_in_flight())
+        tell_loss({.status = QStringLiteral("The computer was asleep: the link to the adapter is gone")});
+    else if (is_connected())
+        close_link(); // the next operation opens it
 }
 
 void adapter_link::left_by_loss(const link_lost& loss) {
@@ -75,6 +96,7 @@ void adapter_link::open_again(int attempt) {
     close_link(); // the try before may still be opening
     tcpConnectReady = false;
     task_waits = true;
+    steps.begin(far_end.is_device() && far_end.interface_kind() != interface_serial);
     link->open();
     Q_EMIT condition_changed();
 }

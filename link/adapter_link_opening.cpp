@@ -69,6 +69,7 @@ bool adapter_link::openTCP_socky() {
     tcpConnectReady = false;
     late_toast_clearing.reset();
     forget_adapter();
+    steps.begin(false);
     watchdog.start();
     if (far_end.interface_kind() == interface_wifi) {
         const QString trying = fill(QStringLiteral("Trying: %@:%d "),
@@ -85,6 +86,7 @@ bool adapter_link::openTCP_socky() {
 
 void adapter_link::link_opened() {
     quirks.link_opened();
+    steps.reached(start_step::link);
     watchdog.stop();
     again.opened();
     forget_adapter();

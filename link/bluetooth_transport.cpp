@@ -39,6 +39,7 @@ void bluetooth_transport::connect_when_usable(const bluetooth_surroundings& surr
 }
 
 void bluetooth_transport::start_channel(const QString& address) {
+    Q_EMIT radio_ready();
     serial_port_socket::prepare();
     if (!thread)
         thread = std::make_unique<own_thread>();

@@ -18,6 +18,9 @@ public:
     // The try has opened the link. Whether it holds is not known yet: the pauses go on growing.
     void opened() { timer.reset(); }
     void stop();
+    // The computer has just been woken: for two minutes tries are short and follow each other, so that the
+    // adapter has its link again within five seconds of being there.
+    void hurry();
     bool is_active() const { return attempt > 0; }
     // Which try is next or under way, from 1; 0 when the link is not tried for.
     int tries() const { return attempt; }
@@ -27,6 +30,7 @@ public:
 
 private:
     void tick();
+    bool is_in_a_hurry() const { return clock.microseconds() < hurried_until; }
 
     timers& clock;
     std::function<void(int, int)> on_waiting;
@@ -34,6 +38,7 @@ private:
     timer_handle timer;
     int attempt = 0;
     int seconds_left = 0;
+    std::int64_t hurried_until = 0;
 };
 
 } // namespace brivant

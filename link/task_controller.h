@@ -11,6 +11,8 @@ struct link_lost {
     QString message{}; // shown beside it when the operation is left, "" for none
     // The adapter took its link away with its reset, and the link opens it again by itself.
     bool at_reset = false;
+    // It was dead before the operation began, and is opened anew at once.
+    bool unnoticed = false;
     // The operation is left first, and the status shown behind that.
     bool status_stays = false;
 };

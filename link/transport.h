@@ -31,6 +31,8 @@ public:
 
 Q_SIGNALS:
     void opened();
+    // While opening: the radio can be used, and calls the device.
+    void radio_ready();
     // Text from the adapter as it came; a reply may be split over several.
     void OBDevent(const QString& text);
     // `reason`: a description for the person.

@@ -242,14 +242,31 @@ car_talk::reopening car_talk::again(const link_lost& loss) {
 
 bool car_talk::reopening::await_suspend(talk::handle who) {
     return car.held.wait(who, held_talk::thing::link, [this] {
-        if (!loss.at_reset)
+        if (loss.unnoticed)
+            car.link.open_anew();
+        else if (!loss.at_reset)
             car.link.reopen(loss.status);
     });
+}
+
+// A link that nobody used may have lost its far end without a sign: adapters go to sleep, networks are left.
+talk car_talk::see_that_it_is_there() {
+    sent_command question = command_of(QStringLiteral("AT I|2.0"), QStringLiteral("ELM"), false);
+    question.why = sent_command::purpose::on_its_own;
+    question.is_asked_again = false;
+    question.is_sent_once = question.is_a_trial = true;
+    co_await send(question);
+    const bool has_answered = link.moments().first_byte != 0;
+    const link_lost gone{.unnoticed = true};
+    if (!has_answered)
+        co_await again(gone);
 }
 
 talk car_talk::ready(QString opening) {
     if (!opening.isNull())
         show(opening);
+    if (link.adapter().adapter_ready() && link.may_be_gone())
+        co_await see_that_it_is_there();
     if (link.adapter().adapter_ready())
         co_await put_back_settings(*this);
     if (link.adapter().adapter_ready())

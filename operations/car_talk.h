@@ -128,6 +128,7 @@ protected:
     bool close(const QString& status);
 
 private:
+    talk see_that_it_is_there();
     void finish(bool done);
     void talk_over(std::exception_ptr failure);
     void ended_early(const std::exception_ptr& failure);

@@ -48,6 +48,7 @@ void Bv_lite_delegate::read_defaults() {
         defaults.store_first_values({setting::interface_kind, setting::wifi_ip, setting::wifi_port,
                                      setting::metric_units, setting::log_runs});
     adapters.read_place();
+    QObject::connect(&sleep, &wake_watch::woke, &link, &adapter_link::computer_woke);
     car.make_current(-1, {});
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/app_paths.h"
+#include "link/wake_watch.h"
 #include "shell/adapter_list.h"
 #include "shell/main_area.h"
 #include "toolkit/mac_toolies.h"
@@ -61,6 +62,7 @@ private:
     main_area* area = nullptr;
     screen_kind shown = screen_kind::live_data;
     timer_handle focus_check;
+    wake_watch sleep;
 };
 
 // Sends the diagnostic log to "console.log" in the Documents folder.

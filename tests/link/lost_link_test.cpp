@@ -26,6 +26,55 @@ protected:
 
 } // namespace
 
+// The adapter has its link again within five seconds of being there, however long it was away.
+TEST_F(lost_link, a_computer_that_wakes_is_in_a_hurry) {
+    begin();
+    ask("AT I", "ELM");
+    link.computer_woke();
+    for (int second = 0; second < 60; ++second)
+        clock.advance(1000); // nobody there yet
+    const int before = adapter->attempts;
+    clock.advance(5000);
+    EXPECT_GT(adapter->attempts, before);
+    EXPECT_TRUE(link.is_reconnecting());
+    adapter->finish_opening();
+    clock.advance(800);
+    EXPECT_TRUE(heard().endsWith("work"));
+    clock.advance(120000);
+
+    link.stop_opening();
+    opens_at_once = adapter->opens_at_once = true;
+    open();
+    adapter->receive("ELM\r\r>");
+    link.computer_woke(); // nothing is going on: the next operation opens it
+    EXPECT_FALSE(link.is_connected() || link.is_opening());
+    EXPECT_EQ(heard(), "reply ELM");
+}
+
+TEST_F(lost_link, tells_how_far_its_start_has_come) {
+    EXPECT_EQ(link.start().sentence(), "");
+    opens_at_once = false;
+    place.choose(interface_bluetooth);
+    place.take_device("AA:BB:CC:DD:EE:01", QString());
+    link.openInterfaceConnection();
+    clock.advance(200);
+    Q_EMIT adapter->radio_ready();
+    EXPECT_EQ(link.start().sentence(), "Radio 0.2 s, link ...");
+    clock.advance(300);
+    adapter->finish_opening();
+    link.adapter_answered();
+    clock.advance(1500);
+    link.protocol_told(-1);
+    link.protocol_told(6);
+    link.adapter_is_set_up();
+    EXPECT_EQ(link.start().sentence(), "Radio 0.2 s, link 0.3 s, adapter 0.0 s, protocol 1.5 s, ECUs 0.0 s");
+    link.disconnect();
+    link.openInterfaceConnection();
+    clock.advance(1000);
+    link.disconnect();
+    EXPECT_EQ(link.start().sentence(), "Radio failed 1.0 s");
+}
+
 TEST_F(lost_link, is_opened_again_with_growing_pauses_until_it_holds) {
     for (const int kind : {interface_wifi, interface_bluetooth}) {
         begin(kind);

@@ -54,6 +54,7 @@ struct operation_bench : adapter_bench {
         QObject::connect(&link, &adapter_link::condition_changed, &link,
                          [this] { told_ready = found_out.ready; });
         facts["told"] = [this] { return told_ready ? "ready" : "not ready"; };
+        facts["steps"] = [this] { return link.start().sentence(); };
         facts["found"] = [this] { return found; };
         facts["ended"] = [this] { return ended; };
         facts["logged"] = [this] { // of the initialisation's own lines the last
@@ -73,7 +74,7 @@ struct operation_bench : adapter_bench {
 } // namespace
 
 TEST(initialisation, happens_as_written) {
-    expect_as_written<operation_bench>(QStringLiteral(BV_TESTS "/operations/conversations/"), 6);
+    expect_as_written<operation_bench>(QStringLiteral(BV_TESTS "/operations/conversations/"), 7);
 }
 
 } // namespace brivant
