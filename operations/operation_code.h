@@ -19,7 +19,8 @@ enum operation : int {
     op_o2_tests = 15,
     op_link_info = 20, // initialise the adapter and stop there
     op_permanent = 21,
-    op_put_back = 22, // the adapter's settings after a run that changed some
+    op_put_back = 22,   // the adapter's settings after a run that changed some
+    op_link_check = 23, // what the adapter can do
 };
 
 } // namespace brivant

@@ -2,6 +2,7 @@
 #include "terminal/bluetooth_scan_run.h"
 #include "terminal/cli_run.h"
 #include "terminal/expert_run.h"
+#include "terminal/link_check_run.h"
 #include "terminal/live_run.h"
 #include "terminal/logs_run.h"
 #include "terminal/output.h"
@@ -17,6 +18,7 @@ using namespace brivant;
 namespace {
 
 constexpr int wrong_usage = 2;
+const QString link_check_command = QStringLiteral("link-check");
 
 QString usage() {
     QString text = QStringLiteral(
@@ -34,6 +36,7 @@ QString usage() {
         "  script TEMPLATE FROM TO LOOPS\n"
         "                        one command with a byte that counts up: script \"01 {L}\" 01 05 1\n");
     text += QStringLiteral(
+        "  link-check            what the adapter can do and how well, and whether it is what it says\n"
         "  bluetooth-scan        the Bluetooth devices around, with their addresses\n"
         "  logs list             the stored logs\n"
         "  logs show ID          what a log holds: a report as it is stored, a run as values\n"
@@ -73,7 +76,8 @@ QString wrong_command(const launch_options& options) {
     }
     if (is_profile_command(options.command))
         return wrong_profile_words(options.command, options.arguments, options.yes);
-    if (options.command != QLatin1String("bluetooth-scan") && !find_command(options.command))
+    if (options.command != QLatin1String("bluetooth-scan") && options.command != link_check_command &&
+        !find_command(options.command))
         return QStringLiteral("There is no command %1.").arg(options.command);
     if (!options.arguments.isEmpty())
         return options.arguments.first().startsWith(u'-')
@@ -116,6 +120,8 @@ int run(const launch_options& options) {
         return refuse(problem);
     if (expert_run::is_expert_command(options.command))
         return run_to_its_end(expert_run(core));
+    if (options.command == link_check_command)
+        return run_to_its_end(link_check_run(core));
     if (is_live_command(options.command))
         return run_to_its_end(live_run(core, *parse_live_words(options.command, options.arguments, problem)));
     return run_to_its_end(cli_run(core, *find_command(options.command)));

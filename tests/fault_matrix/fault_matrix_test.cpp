@@ -86,6 +86,8 @@ const operation_row operations[] = {
         b.console.load();
         b.console.start_script({"01 {L}", "0C", "0F", "2"});
     }, [](matrix_bench&) { return QStringList(); }}, // what comes is shown as it is
+    {"check",   [](matrix_bench& b) { b.begin(b.checking); b.checking.start(); },
+                                                              [](matrix_bench&)   { return QStringList(); }},
 };
 // clang-format on
 

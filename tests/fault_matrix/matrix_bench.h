@@ -4,6 +4,7 @@
 #include "diagnostics/readCodes.h"
 #include "expert/expertCtrlr.h"
 #include "livedata/actions.h"
+#include "livedata/link_check.h"
 #include "persistence/vehicles.h"
 #include "tests/fault_matrix/in_process_adapter.h"
 #include "tests/support/print_qt.h"
@@ -15,7 +16,7 @@
 
 namespace brivant {
 
-// The three controllers on one link to a virtual adapter, and a person who starts an operation, answers Yes,
+// The controllers on one link to a virtual adapter, and a person who starts an operation, answers Yes,
 // and ends a sampling run after some sweeps or some minutes. Time is cranked by hand.
 class matrix_bench : private run_observer {
 public:
@@ -33,6 +34,7 @@ public:
         live_controller.set_observer(this);
         diagnostics.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
         console.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
+        checking.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
         link.openInterfaceConnection(); // so that there is an adapter to be given faults
         link.disconnect();
     }
@@ -59,6 +61,8 @@ public:
     expert_session session{profile.defaults};
     expertCtrlr console{state, link, toolies, view, profile.defaults, session};
 
+    link_check checking{state, link, toolies, view, profile.defaults, clock, profile.paths};
+
     int step_ms = 50;                   // an adapter with timing needs smaller ones
     QString ended;                      // how the last operation ended; "" while it runs
     std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix
@@ -76,7 +80,8 @@ public:
         spent_ms = 0;
     }
     bool is_running() const {
-        return diagnostics.is_running() || live_controller.is_running() || console.is_running();
+        return diagnostics.is_running() || live_controller.is_running() || console.is_running() ||
+               checking.is_running();
     }
     // What happens next. Time passes only when nothing is on the way.
     void step() {

@@ -282,4 +282,23 @@ TEST(fast_runs, are_offered_and_leave_a_passport) {
     EXPECT_GT(passport["sentences"].toArray().size(), 3);
 }
 
+TEST(link_check, prints_verdict_and_rows) {
+    cli_process plain({"--demo", "link-check"});
+    EXPECT_EQ(plain.status(), 0);
+    EXPECT_TRUE(plain.out().startsWith("Good for codes and live data at ")) << plain.out().constData();
+    EXPECT_TRUE(plain.out().contains("\n[good] Losses: none in 500 requests\n")) << plain.out().constData();
+    EXPECT_TRUE(plain.progress().contains("200 requests made, 0 not answered"));
+
+    cli_process script({"--demo=iso9141", "--json", "link-check"});
+    EXPECT_EQ(script.status(), 0);
+    const QJsonObject told = script.json();
+    EXPECT_EQ(told["requests"], 500);
+    EXPECT_EQ(told["unanswered"], 0);
+    EXPECT_TRUE(told["done"].toBool());
+    EXPECT_EQ(told["grade"].toString().toStdString(), "amber"); // a version that was never made
+    EXPECT_TRUE(told["known"].toArray().contains("AT PPS"));
+    EXPECT_GT(told["rows"].toArray().size(), 9);
+    EXPECT_EQ(cli_process({"--demo", "link-check", "now"}).status(), 2);
+}
+
 } // namespace brivant

@@ -1,5 +1,6 @@
 #include "tools/virtual_adapter/elm327.h"
 
+#include "tools/virtual_adapter/chip_versions.h"
 #include "tools/virtual_adapter/hex_digit.h"
 
 namespace virtual_adapter {
@@ -26,7 +27,11 @@ std::string elm327::at_command(std::string_view command) {
         const int tenths = m_car->description().battery_tenths;
         return reply(std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + 'V');
     }
-    return reply(change_setting(command) ? "OK" : "?");
+    if (change_setting(command))
+        return reply("OK");
+    if (const char* answer = answer_by_version(command, m_options.commands_of))
+        return reply(answer);
+    return reply(m_clone.says_ok_to_all ? "OK" : "?");
 }
 
 // False for what is not a setting. Memory and long messages are taken and change nothing: every other form is

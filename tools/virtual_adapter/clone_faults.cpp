@@ -20,6 +20,8 @@ constexpr named_fault known[] = {
     {"order", &clone_faults::turns_groups, nullptr},
     {"drop", &clone_faults::drops_one, nullptr},
     {"cut", &clone_faults::cuts_groups, nullptr},
+    {"buffer", &clone_faults::has_small_buffer, nullptr},
+    {"ok-to-all", &clone_faults::says_ok_to_all, nullptr},
     {"ignore-s0", nullptr, "S0"},
     {"ignore-st", nullptr, "ST"},
     {"ignore-at2", nullptr, "AT2"},

@@ -14,6 +14,7 @@ namespace virtual_adapter {
 
 struct adapter_options {
     std::string banner = "ELM327 v1.5";
+    double commands_of = 1.42;                              // what it knows: see chip_versions
     std::string description = "OBDII to RS232 Interpreter"; // what "AT @1" answers
     std::string st_identity = {}; // what "STI" answers; empty: an adapter without ST commands
     int stored_protocol = 0;      // 0 or the number that "AT SP" would have stored

@@ -9,6 +9,7 @@ namespace {
 struct kind {
     std::string_view name;
     const char* banner;
+    double commands_of; // the version that it is
     const char* st_identity;
     double command, line, flow_control;
     int baud;
@@ -17,12 +18,12 @@ struct kind {
 
 // clang-format off
 constexpr kind kinds[] = {
-    // name          banner          STI               command  line  flow    baud  round trip  jitter
-    {"elm327-v1.4", "ELM327 v1.4",  "",                1,       0.5,  1,      38400,  2,         1},  // USB
-    {"clone-2.1",   "ELM327 v2.1",  "",                6,       3,    2,      38400, 30,        20},  // Bluetooth
-    {"wifi",        "ELM327 v1.5",  "",                3,       1.5,  1.5,   115200,  6,         8},
-    {"ble",         "ELM327 v2.2",  "",                2,       1,    1,     115200, 60,        30},
-    {"stn",         "ELM327 v1.4b", "STN1110 v4.0.1",  0.3,     0.1,  0.2,   115200,  2,         1},  // USB
+    // name          banner          is    STI               command  line  flow    baud  round trip  jitter
+    {"elm327-v1.4", "ELM327 v1.4",  1.4,  "",                1,       0.5,  1,      38400,  2,         1},  // USB
+    {"clone-2.1",   "ELM327 v2.1",  1.31, "",                6,       3,    2,      38400, 30,        20},  // Bluetooth
+    {"wifi",        "ELM327 v1.5",  1.42, "",                3,       1.5,  1.5,   115200,  6,         8},
+    {"ble",         "ELM327 v2.2",  2.2,  "",                2,       1,    1,     115200, 60,        30},
+    {"stn",         "ELM327 v1.4b", 1.42, "STN1110 v4.0.1",  0.3,     0.1,  0.2,   115200,  2,         1},  // USB
 };
 // clang-format on
 
@@ -45,7 +46,10 @@ std::optional<adapter_options> adapter_of_kind(std::string_view name) {
         takes.baud = one.baud;
         takes.round_trip_ms = one.round_trip;
         takes.jitter_ms = one.jitter;
-        return adapter_options{.banner = one.banner, .st_identity = one.st_identity, .time = takes};
+        return adapter_options{.banner = one.banner,
+                               .commands_of = one.commands_of,
+                               .st_identity = one.st_identity,
+                               .time = takes};
     }
     return std::nullopt;
 }

@@ -5,6 +5,10 @@
 
 namespace virtual_adapter {
 
+namespace {
+constexpr std::size_t lines_of_small_buffer = 36;
+}
+
 bool append_bytes(bytes& out, std::string_view digits) {
     for (std::size_t i = 0; i < digits.size(); i += 2) {
         const std::optional<std::uint32_t> value = hex_number(digits.substr(i, 2));
@@ -41,7 +45,12 @@ std::string elm327::ask_car(const obd_request& request) {
         const listening::outcome came = m_listening.hear(
             {answers_to(request), request.data.size(), request.most_frames, double(request.wait_ms)}, *m_car,
             m_settings, m_now_ms);
+        std::size_t lines = 0;
         for (const arrival& received : came.heard) {
+            if (m_clone.has_small_buffer && lines++ == lines_of_small_buffer) {
+                append_line(out, "BUFFER FULL");
+                break;
+            }
             append_frame(out, received.what, m_car->network().kind, style());
             print(out, received.at_ms + (m_options.time ? m_options.time->line_ms : 0));
         }
