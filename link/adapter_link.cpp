@@ -3,6 +3,7 @@
 #include "base/console_log.h"
 #include "base/string_table.h"
 #include "link/bluetooth_transport.h"
+#include "link/le_transport.h"
 #include "link/serial_transport.h"
 #include "link/simulated_adapter.h"
 #include "link/wifi_transport.h"
@@ -17,6 +18,7 @@ constexpr int reset_ms = 1000;
 std::unique_ptr<transport> make_transport(const adapter_place& place) {
     switch (place.interface_kind()) {
     case interface_wifi: return std::make_unique<wifi_transport>(place);
+    case interface_le: return std::make_unique<le_transport>(place);
     case interface_simulated: return std::make_unique<simulated_adapter>();
     case interface_serial: return std::make_unique<serial_transport>(place);
     default: return std::make_unique<bluetooth_transport>(place);

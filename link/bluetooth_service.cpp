@@ -1,148 +1,107 @@
 #include "link/bluetooth_service.h"
 
-#include <QDBusConnection>
-#include <QDBusMetaType>
-#include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
+#include "link/bluez_bus.h"
+#include "link/gatt_services.h"
+
+#include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <algorithm>
+#include <array>
 #include <tuple>
-
-namespace brivant {
-
-using bluez_interfaces = QMap<QString, QVariantMap>;
-using bluez_objects = QMap<QDBusObjectPath, bluez_interfaces>;
-} // namespace brivant
-
-Q_DECLARE_METATYPE(brivant::bluez_interfaces)
-Q_DECLARE_METATYPE(brivant::bluez_objects)
 
 namespace brivant {
 
 namespace {
 
-constexpr int answer_ms = 5000;
-constexpr qsizetype longest_name = 80;
 constexpr qsizetype most_devices = 200;
 
-const QString bluez = QStringLiteral("org.bluez");
-const QString adapter_interface = QStringLiteral("org.bluez.Adapter1");
-const QString device_interface = QStringLiteral("org.bluez.Device1");
 const QString serial_port_uuid = QStringLiteral("00001101-0000-1000-8000-00805f9b34fb");
 
-bluetooth_condition condition_after(const QDBusError& error) {
-    switch (error.type()) {
-    case QDBusError::AccessDenied: return bluetooth_condition::no_access;
-    case QDBusError::NoReply:
-    case QDBusError::Timeout:
-    case QDBusError::TimedOut: return bluetooth_condition::no_answer;
-    default: return bluetooth_condition::no_service;
-    }
+// How adapters on the market call themselves, or begin to.
+constexpr std::array adapter_names{"OBD",     "ELM327", "V-LINK",  "Vlink",  "IOS-Vlink", "Android-Vlink",
+                                   "vLinker", "Vgate",  "VEEPEAK", "LELink", "KONNWEI",   "UniCarScan"};
+
+bool is_adapter_name(const QString& name) {
+    return std::any_of(adapter_names.begin(), adapter_names.end(), [&](const char* known) {
+        return name.startsWith(QLatin1String(known), Qt::CaseInsensitive);
+    });
 }
 
-// A name comes from the air: one line, of bounded length.
-QString clean(QString name) {
-    name = name.simplified();
-    name.removeIf([](QChar c) { return !c.isPrint(); });
-    return name.left(longest_name);
+// Bluetooth LE is chosen where the serial port of classic Bluetooth cannot be had: a random address belongs
+// to a device of the former only, and one of the latter tells its class.
+bool is_le_device(const bluetooth_device& device, const QVariantMap& properties, bool has_le_service) {
+    if (properties.value(QStringLiteral("AddressType")).toString() == QLatin1String("random"))
+        return true;
+    return !device.serial_port &&
+           (has_le_service || (!device.paired && !properties.contains(QStringLiteral("Class"))));
 }
 
 bluetooth_device device_of(const QVariantMap& properties) {
     bluetooth_device device;
     device.address = properties.value(QStringLiteral("Address")).toString().toUpper();
-    device.name = clean(properties.value(QStringLiteral("Alias")).toString());
-    // A device whose name has not arrived is called by its address with dashes.
-    if (device.name.isEmpty() || device.name == QString(device.address).replace(u':', u'-'))
-        device.name = device.address;
+    device.name = bluez::name_of(properties);
     device.paired = properties.value(QStringLiteral("Paired")).toBool();
     const QStringList services = properties.value(QStringLiteral("UUIDs")).toStringList();
     device.knows_services = !services.isEmpty();
     device.serial_port = services.contains(serial_port_uuid, Qt::CaseInsensitive);
+    const bool has_le_service = std::any_of(services.begin(), services.end(), is_adapter_service);
+    device.is_le = is_le_device(device, properties, has_le_service);
+    device.may_be_adapter = device.serial_port || has_le_service || is_adapter_name(device.name);
     return device;
 }
 
-// A random address belongs to a device of Bluetooth Low Energy only, which has no serial port.
-bool may_have_serial_port(const QVariantMap& properties) {
-    return properties.value(QStringLiteral("AddressType")).toString() != QLatin1String("random") &&
-           is_bluetooth_address(properties.value(QStringLiteral("Address")).toString());
+// Beacons, watches and phones that tell neither a name nor a service are too many, and nobody could choose
+// between them.
+bool can_be_told_apart(const bluetooth_device& device) {
+    return is_bluetooth_address(device.address) &&
+           (!device.is_le || device.may_be_adapter || device.name != device.address);
 }
 
 int rank_of(const bluetooth_device& device) {
-    if (device.paired)
-        return device.serial_port ? 0 : 2;
-    return 1;
+    if (device.paired && device.serial_port)
+        return 0;
+    if (device.may_be_adapter)
+        return 1;
+    return device.paired ? 3 : 2;
 }
 
 bluetooth_surroundings surroundings_of(const bluez_objects& objects) {
-    bluetooth_surroundings found{bluetooth_condition::no_adapter, {}, {}};
-    for (auto object = objects.begin(); object != objects.end(); ++object) {
-        if (!object->contains(adapter_interface) || !found.adapter.isEmpty())
-            continue;
-        const bool powered = object->value(adapter_interface).value(QStringLiteral("Powered")).toBool();
-        found.condition = powered ? bluetooth_condition::ready : bluetooth_condition::switched_off;
-        found.adapter = object.key().path();
-    }
+    bluetooth_surroundings found = bluez::radio_of(objects);
     for (const bluez_interfaces& interfaces : objects) {
-        const QVariantMap properties = interfaces.value(device_interface);
-        const QString of_adapter =
-            properties.value(QStringLiteral("Adapter")).value<QDBusObjectPath>().path();
-        if (of_adapter == found.adapter && may_have_serial_port(properties) &&
-            found.devices.size() < most_devices)
-            found.devices += device_of(properties);
+        const QVariantMap properties = bluez::device_properties(interfaces, found.adapter);
+        if (const bluetooth_device device = device_of(properties); can_be_told_apart(device))
+            found.devices += device;
     }
     std::sort(found.devices.begin(), found.devices.end(),
               [](const bluetooth_device& one, const bluetooth_device& other) {
                   return std::tuple(rank_of(one), one.name.toCaseFolded(), one.address) <
                          std::tuple(rank_of(other), other.name.toCaseFolded(), other.address);
               });
+    if (found.devices.size() > most_devices)
+        found.devices.resize(most_devices);
     return found;
 }
 
-QDBusPendingCall ask_bluez(const QString& path, const QString& interface, const QString& method,
-                           const QVariantList& arguments = {}) {
-    QDBusMessage call = QDBusMessage::createMethodCall(bluez, path, interface, method);
-    call.setArguments(arguments);
-    return QDBusConnection::systemBus().asyncCall(call, answer_ms);
-}
-
-QDBusPendingCall ask_adapter(const QString& adapter, const QString& method,
-                             const QVariantList& arguments = {}) {
-    return ask_bluez(adapter, adapter_interface, method, arguments);
-}
-
-template <typename function>
-void when_answered(QObject* owner, const QDBusPendingCall& call, function tell) {
-    if (call.isFinished()) { // there is no bus
-        QMetaObject::invokeMethod(
-            owner, [call, tell] { tell(call); }, Qt::QueuedConnection);
-        return;
-    }
-    auto* watcher = new QDBusPendingCallWatcher(call, owner);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, owner, [watcher, tell] {
-        watcher->deleteLater();
-        tell(*watcher);
-    });
+QString word_for(bluetooth_service::kind_of_device kind) {
+    return kind == bluetooth_service::kind_of_device::le ? QStringLiteral("le") : QStringLiteral("auto");
 }
 
 } // namespace
 
 void bluetooth_service::look(std::function<void(const bluetooth_surroundings&)> tell) {
-    qDBusRegisterMetaType<bluez_interfaces>();
-    qDBusRegisterMetaType<bluez_objects>();
-    const auto call = ask_bluez(QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus.ObjectManager"),
-                                QStringLiteral("GetManagedObjects"));
-    when_answered(this, call, [tell](const QDBusPendingCall& answered) {
+    when_answered(this, bluez::ask_for_objects(), [tell](const QDBusPendingCall& answered) {
         const QDBusPendingReply<bluez_objects> reply = answered;
-        tell(reply.isError() ? bluetooth_surroundings{condition_after(reply.error()), {}, {}}
+        tell(reply.isError() ? bluetooth_surroundings{bluez::condition_after(reply.error()), {}, {}}
                              : surroundings_of(reply.value()));
     });
 }
 
-void bluetooth_service::start_discovery(const QString& adapter, std::function<void(const QString&)> tell) {
-    // Devices of the classic kind only; where that cannot be had, all of them will do.
-    ask_adapter(adapter, QStringLiteral("SetDiscoveryFilter"),
-                {QVariantMap{{QStringLiteral("Transport"), QStringLiteral("bredr")}}});
-    when_answered(this, ask_adapter(adapter, QStringLiteral("StartDiscovery")),
+void bluetooth_service::start_discovery(const QString& adapter, std::function<void(const QString&)> tell,
+                                        kind_of_device kind) {
+    // Where the kind cannot be had, what it finds by itself will do.
+    bluez::ask(adapter, bluez::adapter_interface, QStringLiteral("SetDiscoveryFilter"),
+               {QVariantMap{{QStringLiteral("Transport"), word_for(kind)}}});
+    when_answered(this, bluez::ask(adapter, bluez::adapter_interface, QStringLiteral("StartDiscovery")),
                   [tell](const QDBusPendingCall& answered) {
                       const QDBusPendingReply<> reply = answered;
                       const bool runs = !reply.isError() ||
@@ -152,7 +111,7 @@ void bluetooth_service::start_discovery(const QString& adapter, std::function<vo
 }
 
 void bluetooth_service::stop_discovery(const QString& adapter) {
-    ask_adapter(adapter, QStringLiteral("StopDiscovery"));
+    bluez::ask(adapter, bluez::adapter_interface, QStringLiteral("StopDiscovery"));
 }
 
 QString why_unusable(bluetooth_condition condition) {

@@ -16,6 +16,8 @@ struct bluetooth_device {
     bool serial_port =
         false; // it offers the serial port service (0x1101); before pairing that may be unknown
     bool knows_services = false; // what it offers is known
+    bool is_le = false;          // it is reached over Bluetooth LE; else over its serial port
+    bool may_be_adapter = false; // by its services or its name
     bool operator==(const bluetooth_device&) const = default;
 };
 
@@ -24,8 +26,9 @@ enum class bluetooth_condition { ready, no_service, no_access, no_answer, no_ada
 // What the Bluetooth service tells about this computer and the devices around it.
 struct bluetooth_surroundings {
     bluetooth_condition condition = bluetooth_condition::no_service;
-    QString adapter;                 // the radio's object on the bus
-    QList<bluetooth_device> devices; // paired ones with the serial port first, then those not paired
+    QString adapter; // the radio's object on the bus
+    QList<bluetooth_device>
+        devices; // paired ones with the serial port, what else may be an adapter, the others
     bool operator==(const bluetooth_surroundings&) const = default;
 };
 
@@ -36,9 +39,11 @@ class bluetooth_service : public QObject {
 
 public:
     void look(std::function<void(const bluetooth_surroundings&)> tell);
+    enum class kind_of_device { any, le };
     // Makes the radio of `adapter` look for devices until stop_discovery(). `tell` gets why it does not, ""
     // when it does.
-    void start_discovery(const QString& adapter, std::function<void(const QString& problem)> tell);
+    void start_discovery(const QString& adapter, std::function<void(const QString& problem)> tell,
+                         kind_of_device kind = kind_of_device::any);
     void stop_discovery(const QString& adapter);
 };
 

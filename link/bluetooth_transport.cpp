@@ -29,6 +29,9 @@ void bluetooth_transport::connect_when_usable(const bluetooth_surroundings& surr
             QStringLiteral("This computer does not know the device %1 (any more). %2, or look for it again.")
                 .arg(wanted.last_BT_Device(), pairing_advice()));
     device = *found;
+    if (device.is_le)
+        return fail(QStringLiteral("%1 speaks Bluetooth LE only. Choose it anew from the list of devices.")
+                        .arg(device.name));
     if (device.paired && device.knows_services && !device.serial_port) {
         console_log(QStringLiteral(
             "Error - no spp service in selected device.  ***This should never happen since the "

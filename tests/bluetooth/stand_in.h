@@ -15,6 +15,7 @@ namespace brivant {
 const QString obd_address = "AA:BB:CC:DD:EE:01";   // paired, with a serial port
 const QString late_address = "AA:BB:CC:DD:EE:02";  // not paired, found by a scan, its name arrives late
 const QString phone_address = "AA:BB:CC:DD:EE:03"; // paired, without a serial port
+const QString le_address = "C0:BB:CC:DD:EE:05";    // Bluetooth LE; put there by the tests that want it
 
 // A bus of its own with a Bluetooth service on it, in the place of the system's for the rest of the process.
 class private_bus {
@@ -50,8 +51,8 @@ public:
         call("close_channels");
         call("forget_devices");
         call("set_adapter", {true, true});
-        for (const char* member :
-             {"GetManagedObjects", "StartDiscovery", "RegisterProfile", "ConnectProfile"})
+        for (const char* member : {"GetManagedObjects", "StartDiscovery", "RegisterProfile", "ConnectProfile",
+                                   "Connect", "Disconnect", "StartNotify", "WriteValue"})
             call("set_fault", {member, ""});
         call("answer_late", {"org.bluez.Error.Failed"});
         call("put_device", {obd_address, "OBDII", true, true, true, ""});
@@ -62,6 +63,11 @@ public:
         call("set_port", {port});
         call("take_received");
     }
+    // A Bluetooth LE device, of which the service knows. See LeDevice in tools/bluez_stand_in/gatt.py.
+    void put_le(const QStringList& characteristics = usual, int mtu = 23, bool known = true) {
+        call("put_le_device", {le_address, "IOS-Vlink", known, characteristics, mtu});
+    }
+    void set_le(const char* key, const QVariant& value) { call("set_le", {le_address, key, value}); }
     // By its name in tools/bluez_stand_in.
     QVariant call(const QString& method, const QVariantList& arguments = {}) {
         const QString name = "org.brivant.BluezStandIn";
@@ -71,6 +77,7 @@ public:
         EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
         return reply.arguments().value(0);
     }
+    static inline const QStringList usual{"fff0 fff1 notify", "fff0 fff2 write-without-response,write"};
     void fault(const char* member, const char* error) { call("set_fault", {member, error}); }
 
     virtual_adapter_server server;
