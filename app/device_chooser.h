@@ -13,7 +13,7 @@ namespace brivant {
 
 // The list of Bluetooth devices on a card over the window, kept up to date while it is shown. The answer
 // comes through a callback, exactly once: the address and the name of the device, or two empty texts for
-// none. It deletes itself.
+// none; the address of a Bluetooth LE device as the text of an adapter_address. It deletes itself.
 class device_chooser : public card_sheet {
     Q_OBJECT
 
@@ -35,7 +35,8 @@ private:
     void set_up_list();
     QWidget* make_empty_page(const theme& look);
     void show_surroundings();
-    void show_devices();
+    QList<bluetooth_device> offered() const;
+    void show_devices(const QList<bluetooth_device>& rows);
     void show_hint();
     void select_first_choice();
     void take_selected();
@@ -52,6 +53,7 @@ private:
     QTableWidget* list;
     QLabel* empty_text;
     QLabel* empty_note;
+    QPushButton* more;
     busy_bar* progress;
     QLabel* sentence;
     QPushButton* rescan;

@@ -18,6 +18,7 @@ struct bluetooth_device {
     bool knows_services = false; // what it offers is known
     bool is_le = false;          // it is reached over Bluetooth LE; else over its serial port
     bool may_be_adapter = false; // by its services or its name
+    adapter_address where() const { return {is_le ? interface_le : interface_bluetooth, address, 0}; }
     bool operator==(const bluetooth_device&) const = default;
 };
 

@@ -207,10 +207,12 @@ void gatt_channel::write_next() {
     when(bluez::ask(port.written, bluez::characteristic_interface, QStringLiteral("WriteValue"),
                     {piece, with_type(port.without_response ? "command" : "request")}, patience.interval()),
          [this](const QDBusPendingCall& answered) {
-             if (answered.isError())
-                 fail(why_refused(answered.error()));
-             else
-                 write_next();
+             if (!answered.isError())
+                 return write_next();
+             if (wants_pairing(answered.error()))
+                 return fail(why_refused(answered.error()));
+             console_log(answered.error().message());
+             lose(); // half a command is worse than none
          });
 }
 
@@ -277,23 +279,24 @@ void gatt_channel::fail(const QString& reason) {
     Q_EMIT failed(reason);
 }
 
+bool gatt_channel::wants_pairing(const QDBusError& error) const {
+    return !paired && (is_error(error, "NotPermitted") || is_error(error, "NotAuthorized"));
+}
+
 QString gatt_channel::why_refused(const QDBusError& error) const {
     if (error.isValid())
         console_log(error.name() + QStringLiteral(": ") + error.message());
-    const bool wants_pairing = is_error(error, "NotPermitted") || is_error(error, "NotAuthorized");
-    if (wants_pairing && !paired)
+    if (wants_pairing(error))
         return QStringLiteral("%1 wants to be paired with this computer first. %2.")
             .arg(name, pairing_advice());
     if (now == step::connecting)
         return QStringLiteral("%1 could not be reached. See that it is plugged in, lit and near, and that no "
                               "phone or other computer is connected to it.")
             .arg(name);
-    return now == step::open
-               ? QStringLiteral("%1 takes no commands any more. Unplug it for ten seconds, then try again.")
-                     .arg(name)
-               : QStringLiteral("%1 is connected, but does not let this program hear what it says. Unplug it "
-                                "for ten seconds, then try again.")
-                     .arg(name);
+    return QStringLiteral(
+               "%1 is connected, but does not let this program hear what it says. Unplug it for ten "
+               "seconds, then try again.")
+        .arg(name);
 }
 
 } // namespace brivant

@@ -32,9 +32,9 @@ public:
 Q_SIGNALS:
     void opened();
     void received(const QByteArray& bytes);
-    // It could not be opened, or no longer be written to: a sentence.
+    // It could not be opened, or wants more before it takes a command: a sentence.
     void failed(const QString& reason);
-    // It was open, and the device is gone.
+    // It was open, and the device is gone or takes nothing any more.
     void closed();
 
 private Q_SLOTS:
@@ -61,6 +61,7 @@ private:
     void take_device_change(const QVariantMap& changed);
     void fail(const QString& reason);
     void lose();
+    bool wants_pairing(const QDBusError& error) const;
     QString why_refused(const QDBusError& error) const;
 
     bluetooth_service service;

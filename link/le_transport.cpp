@@ -3,12 +3,27 @@
 #include "base/console_log.h"
 #include "link/gatt_channel.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+
 namespace brivant {
+
+namespace {
+constexpr int bus_answer_ms = 500;
+} // namespace
 
 le_transport::le_transport(const adapter_place& place, int patience) : wanted(place), patience_ms(patience) {}
 
+// The device would stay connected, and nobody else could use it, if the program ended with the message
+// unsent: the bus itself answers at once, and after all that was sent before.
 le_transport::~le_transport() {
     le_transport::close();
+    if (!leaving || leaving->isFinished())
+        return;
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    QDBusConnection::systemBus().call(
+        QDBusMessage::createMethodCall(bus, QStringLiteral("/"), bus, QStringLiteral("GetId")), QDBus::Block,
+        bus_answer_ms);
 }
 
 void le_transport::open() {

@@ -77,8 +77,10 @@ void adapter_list::lead_to(const adapter_address& where, const QString& name) {
     is_given = false;
     if (is_in_force(where) && link.is_connected())
         return;
-    link.l_leave_cur_op_gracefully(QStringLiteral("")); // it runs over another one
-    link.disconnect();
+    if (!is_in_force(where)) {
+        link.l_leave_cur_op_gracefully(QStringLiteral("")); // it runs over another one
+        link.disconnect();
+    }
     place.choose(where, name);
 }
 

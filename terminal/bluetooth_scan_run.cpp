@@ -10,10 +10,14 @@ namespace brivant {
 namespace {
 
 QJsonObject device_as_json(const bluetooth_device& device) {
-    return {{QStringLiteral("address"), device.address},
-            {QStringLiteral("name"), device.name},
-            {QStringLiteral("paired"), device.paired},
-            {QStringLiteral("serial_port"), device.serial_port}};
+    QJsonObject found{{QStringLiteral("address"), device.address},
+                      {QStringLiteral("name"), device.name},
+                      {QStringLiteral("paired"), device.paired},
+                      {QStringLiteral("serial_port"), device.serial_port},
+                      {QStringLiteral("may_be_adapter"), device.may_be_adapter}};
+    if (device.is_le)
+        found.insert(QStringLiteral("link"), device.where().text());
+    return found;
 }
 
 } // namespace
@@ -63,7 +67,9 @@ QString devices_as_text(const QList<bluetooth_device>& devices) {
     for (const bluetooth_device& device : devices)
         text += QStringLiteral("%1  %2  %3\n")
                     .arg(device.address,
-                         device.paired ? QStringLiteral("paired    ") : QStringLiteral("not paired"),
+                         device.is_le    ? QStringLiteral("LE        ")
+                         : device.paired ? QStringLiteral("paired    ")
+                                         : QStringLiteral("not paired"),
                          device.name);
     return text;
 }

@@ -23,7 +23,7 @@ private:
     QSet<QString> listed; // the lines told while looking
 };
 
-// A line a device: address, whether it is paired, name.
+// A line a device: address, whether it is paired or Bluetooth LE, name.
 QString devices_as_text(const QList<bluetooth_device>& devices);
 
 } // namespace brivant

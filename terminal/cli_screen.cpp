@@ -64,9 +64,9 @@ void cli_screen::choose_device(const QString& why,
         show(why_unusable(surroundings.condition));
         if (!surroundings.devices.isEmpty())
             show(QStringLiteral("These devices are known:\n") + devices_as_text(surroundings.devices));
-        show(QStringLiteral(
-            "Name the adapter: --bluetooth ADDRESS (brivant-cli bluetooth-scan lists the devices "
-            "around), or --wifi HOST:PORT."));
+        show(QStringLiteral("Name the adapter: --bluetooth ADDRESS or --ble ADDRESS (brivant-cli "
+                            "bluetooth-scan lists the devices "
+                            "around), or --wifi HOST:PORT."));
         answer(QString(), QString());
     });
 }

@@ -37,6 +37,30 @@ TEST(bluetooth_cli, reads_the_same_as_over_wifi) {
     EXPECT_EQ(QByteArray(sent).replace(QByteArray("\r\0", 2), "").count('\0'), 0);
 }
 
+TEST(bluetooth_cli, reads_the_same_over_bluetooth_le) {
+    stand_in service;
+    const QString wifi = "127.0.0.1:" + QString::number(service.port);
+    for (const int mtu : {23, 247}) {
+        service.put_le(stand_in::usual, mtu);
+        for (const char* command : {"read-codes", "pending", "mode6"})
+            EXPECT_EQ(result_of({"--ble", le_address.toLower(), "--json", command}),
+                      result_of({"--wifi", wifi, "--json", command}))
+                << command << mtu;
+        EXPECT_EQ(service.call("le_state", {le_address}).toString(), ""); // let go of at its end
+    }
+    EXPECT_EQ(service.call("take_received").toByteArray().count('\0'), 0);
+    service.set_le("drops_after", 4);
+    cli_process run({"--ble", le_address, "--json", "read-codes"});
+    EXPECT_EQ(run.status(), 1);
+    EXPECT_TRUE(run.said().contains("Connected to IOS-Vlink")) << run.said().toStdString();
+    EXPECT_TRUE(run.said().contains("closed the connection")) << run.said().toStdString();
+    service.put_le({"fef5 8082 notify,write"});
+    cli_process other({"--ble", le_address, "--json", "read-codes"});
+    EXPECT_EQ(other.status(), 1);
+    EXPECT_TRUE(other.said().contains("IOS-Vlink is connected, but has no service that an adapter has"))
+        << other.said().toStdString();
+}
+
 TEST(bluetooth_cli, a_channel_lost_while_reading) {
     stand_in service;
     virtual_adapter::faults faults;
@@ -54,6 +78,10 @@ TEST(bluetooth_cli, tells_how_a_device_is_named) {
     EXPECT_EQ(run.status(), 1);
     EXPECT_TRUE(run.progress().contains("--bluetooth ADDRESS")) << run.progress().constData();
     EXPECT_TRUE(run.progress().contains("AA:BB:CC:DD:EE:01  paired      OBDII"));
+    service.put_le();
+    cli_process le_only({"--bluetooth", le_address, "read-codes"});
+    EXPECT_EQ(le_only.status(), 1);
+    EXPECT_TRUE(le_only.progress().contains("IOS-Vlink speaks Bluetooth LE only"));
     cli_process unpaired({"--bluetooth", late_address, "read-codes"});
     EXPECT_EQ(unpaired.status(), 1);
     EXPECT_TRUE(unpaired.progress().contains("PIN usually 1234 or 0000"));
@@ -63,11 +91,13 @@ TEST(bluetooth_cli, tells_how_a_device_is_named) {
 
 TEST(bluetooth_cli, scan) {
     stand_in service;
+    service.put_le();
     cli_process run({"bluetooth-scan"});
     EXPECT_TRUE(wait_until([&] { return run.progress().contains("V-LINK"); }));
     ::kill(static_cast<pid_t>(run.process.processId()), SIGINT);
     EXPECT_EQ(run.status(), 1); // stopped; what was found is told
-    EXPECT_EQ(run.out(), "AA:BB:CC:DD:EE:01  paired      OBDII\nAA:BB:CC:DD:EE:02  not paired  V-LINK\n"
+    EXPECT_EQ(run.out(), "AA:BB:CC:DD:EE:01  paired      OBDII\nC0:BB:CC:DD:EE:05  LE          IOS-Vlink\n"
+                         "AA:BB:CC:DD:EE:02  not paired  V-LINK\n"
                          "AA:BB:CC:DD:EE:03  paired      Phone\n");
     service.call("set_adapter", {false, false});
     cli_process none({"--json", "bluetooth-scan"});

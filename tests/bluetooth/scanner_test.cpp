@@ -78,6 +78,35 @@ TEST_F(bluetooth_scan, lists_the_likely_ones_first_and_follows_what_changes) {
     EXPECT_EQ(clock.running(), 0u);
 }
 
+TEST_F(bluetooth_scan, tells_kinds_apart_and_who_may_be_an_adapter) {
+    service.call("forget_devices");
+    const struct {
+        const char* name;
+        const char* characteristic;
+        bool random;
+    } rows[] = {{"Nobody knows", "fff0 fff1 notify", true},
+                {"elm327 v2.1", "180a 2a29 read", false},
+                {"My OBD", "180a 2a29 read", true}, // it does not begin so
+                {"Watch", "180d 2a37 notify", true},
+                {"", "180d 2a37 notify", true}, // a beacon, which nobody could choose
+                {"", "18f0 2af0 notify", true}};
+    for (int i = 0; i < 6; ++i) {
+        const QString address = "C0:00:00:00:00:0" + QString::number(i);
+        service.call("put_le_device", {address, rows[i].name, true, QStringList{rows[i].characteristic}, 23});
+        service.call("set_le", {address, "random", rows[i].random});
+    }
+    service.call("put_device", {obd_address, "OBDII", true, true, true, ""});
+    service.call("put_device", {late_address, "Loudspeaker", false, false, true, ""});
+    scanner.start();
+    EXPECT_TRUE(comes_to(phase::scanning));
+    QStringList list;
+    for (const bluetooth_device& device : scanner.devices())
+        list += QString(device.may_be_adapter ? "adapter " : "") + (device.is_le ? "LE " : "") + device.name;
+    EXPECT_EQ(list.join(", "), "adapter OBDII, adapter LE C0:00:00:00:00:05, adapter LE elm327 v2.1, "
+                               "adapter LE Nobody knows, Loudspeaker, LE My OBD, LE Watch");
+    EXPECT_EQ(scanner.devices()[1].where().text(), "ble:C0:00:00:00:00:05");
+}
+
 TEST_F(bluetooth_scan, says_why_not_and_goes_on_by_itself) {
     service.call("disappear");
     scanner.start();
