@@ -45,9 +45,9 @@ public:
     virtual void ask_same_car(const QString& title, const QString& text, std::function<void(bool)> answer) {
         ask_yes_no(title, text, std::move(answer));
     }
-    // `answer` is called once, with the address and the name of the Bluetooth device that the person chose,
-    // or two empty texts. `why`: what is wrong with the device before, "" for nothing. A screen that cannot
-    // ask answers so at once.
+    // `answer` is called once, with the address ("ble:..." of Bluetooth LE) and the name of the Bluetooth
+    // device that the person chose, or two empty texts, at once where the screen cannot ask. `why`: what is
+    // wrong with the device before, "" for nothing.
     virtual void choose_device([[maybe_unused]] const QString& why,
                                std::function<void(const QString& address, const QString& name)> answer) {
         answer(QString(), QString());

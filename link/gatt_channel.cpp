@@ -74,6 +74,8 @@ void gatt_channel::look() {
         const bluetooth_surroundings around = bluez::radio_of(reply.value());
         if (around.condition != bluetooth_condition::ready)
             return fail(why_unusable(around.condition));
+        if (now == step::looking)
+            Q_EMIT radio_ready();
         radio = around.adapter;
         bluez_owner = reply.reply().service();
         if (find_device(reply.value()))

@@ -30,6 +30,7 @@ public:
     const QString& device_name() const { return name; }
 
 Q_SIGNALS:
+    void radio_ready(); // see transport
     void opened();
     void received(const QByteArray& bytes);
     // It could not be opened, or wants more before it takes a command: a sentence.

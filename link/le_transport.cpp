@@ -36,6 +36,7 @@ void le_transport::open() {
         device_name = channel->device_name();
         Q_EMIT opened();
     });
+    connect(channel.get(), &gatt_channel::radio_ready, this, &le_transport::radio_ready);
     connect(channel.get(), &gatt_channel::received, this, &le_transport::take_bytes);
     connect(channel.get(), &gatt_channel::failed, this, &le_transport::fail);
     connect(channel.get(), &gatt_channel::closed, this, [this] {

@@ -134,12 +134,15 @@ TEST_F(bluetooth_le, finds_the_port_of_each_kind_of_adapter) {
 
 TEST_F(bluetooth_le, carries_commands_and_replies) {
     service.put_le(stand_in::usual, 23, false); // it is not known: it is looked for
+    bool has_radio = false;
+    QObject::connect(&transport, &transport::radio_ready, [&] { has_radio = true; });
     transport.write("too early\r");
     transport.open();
     transport.open(); // no second connection
     EXPECT_EQ(transport.state(), transport::condition::opening);
     EXPECT_EQ(events.join(' '), ""); // nothing is told inside the call
     EXPECT_EQ(told(), "opened");
+    EXPECT_TRUE(has_radio);
     EXPECT_FALSE(service.call("is_discovering").toBool());
     QByteArray many;
     for (int i = 0; i < 50; ++i) {
