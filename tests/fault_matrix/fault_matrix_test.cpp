@@ -1,5 +1,5 @@
-#include "base/string_table.h"
 #include "tests/fault_matrix/matrix_bench.h"
+#include "tests/fault_matrix/operations.h"
 
 #include <QRegularExpression>
 #include <gtest/gtest.h>
@@ -16,87 +16,6 @@ using virtual_adapter::faults;
 // --- the protocols -----------------------------------------------------------------------------------------
 
 constexpr std::array<const char*, 5> cars{"can11", "can29", "iso9141", "kwp", "j1850vpw"};
-
-// --- the operations ----------------------------------------------------------------------------------------
-
-QStringList after_the_index(const QStringList& rows) {
-    QStringList texts;
-    for (const QString& row : rows)
-        texts += row.section('|', 1);
-    return texts;
-}
-
-QStringList texts(const matrix_bench& bench, part which) {
-    return row_texts(which, bench.results.rows(which));
-}
-
-QStringList codes_and_readiness(const matrix_bench& bench) {
-    QStringList rows = texts(bench, part::codes);
-    for (const readiness_row& row : bench.results.readinessFlagsArray)
-        rows += row.label + ": " + row.state;
-    return rows;
-}
-
-QStringList live_rows(matrix_bench& bench) {
-    QStringList rows;
-    for (const QString& column : bench.columns)
-        rows += column;
-    for (const QStringList& line : bench.profile.db.retrieve_from_DB("SELECT DATA FROM LOGGIES_DATA"))
-        for (const QString& cell : line[0].split(','))
-            rows += "stored " + cell;
-    rows.removeDuplicates();
-    return rows;
-}
-
-void start_live(matrix_bench& bench, int mode) {
-    bench.begin(bench.live_controller);
-    bench.live_controller.comboBoxSelectionDidChange(mode);
-    if (!bench.live_controller.is_running())
-        bench.live_controller.runLogs();
-}
-
-template <void (readCodes::*Start)()>
-void diagnose(matrix_bench& bench) {
-    bench.begin(bench.diagnostics);
-    (bench.diagnostics.*Start)();
-}
-
-struct operation_row {
-    const char* name;
-    void (*start)(matrix_bench&);
-    QStringList (*rows)(matrix_bench&);
-};
-
-// clang-format off
-const operation_row operations[] = {
-    {"read",    diagnose<&readCodes::l_readCodes>,            [](matrix_bench& b) { return codes_and_readiness(b); }},
-    {"clear",   diagnose<&readCodes::start_clearing>,         [](matrix_bench&)   { return QStringList(); }},
-    {"pending", diagnose<&readCodes::readPendingFreezeCodes>, [](matrix_bench& b) { return texts(b, part::pending) + texts(b, part::freeze); }},
-    {"vehicle", diagnose<&readCodes::readVehicleInfo>,        [](matrix_bench& b) { return texts(b, part::vehicle); }},
-    {"mode 6",  diagnose<&readCodes::readMode6Support>,       [](matrix_bench& b) { return after_the_index(texts(b, part::mode6)); }},
-    {"misfire", diagnose<&readCodes::readMisfire>,            [](matrix_bench& b) { return after_the_index(texts(b, part::misfire)); }},
-    {"O2",      diagnose<&readCodes::readO2>,                 [](matrix_bench& b) { return after_the_index(texts(b, part::o2)); }},
-    {"extras",  diagnose<&readCodes::readXtras>,              [](matrix_bench& b) { return texts(b, part::extras); }},
-    {"log run", [](matrix_bench& b) { start_live(b, 0); },    live_rows},
-    {"fuel",    [](matrix_bench& b) { start_live(b, 1); },    live_rows},
-    {"O2 run",  [](matrix_bench& b) { start_live(b, 2); },    live_rows},
-    {"boost",   [](matrix_bench& b) { start_live(b, 3); },    live_rows},
-    {"console", [](matrix_bench& b) {
-        b.begin(b.console);
-        b.console.load();
-        b.console.start_script({"01 {L}", "0C", "0F", "2"});
-    }, [](matrix_bench&) { return QStringList(); }}, // what comes is shown as it is
-    {"check",   [](matrix_bench& b) { b.begin(b.checking); b.checking.start(); },
-                                                              [](matrix_bench&)   { return QStringList(); }},
-};
-// clang-format on
-
-// What stands there in place of a value, and what counts the others.
-bool is_a_value(const QString& row) {
-    static const QRegularExpression no_value(
-        "N/A|Not Supported|Not Available|stored ~|^ --- ECU|^No of ECUS");
-    return row != localised("NO_CODES") && !row.contains(no_value);
-}
 
 // --- the faults --------------------------------------------------------------------------------------------
 
@@ -176,10 +95,7 @@ outcome run(matrix_bench& bench, const operation_row& operation) {
     operation.start(bench);
     made.has_end = bench.pump();
     made.ended = bench.ended;
-    for (const QString& row : operation.rows(bench))
-        if (is_a_value(row))
-            made.rows += row;
-    made.rows.sort();
+    made.rows = values_of(operation, bench);
     made.left_behind = left_behind(bench);
     return made;
 }

@@ -1,87 +1,42 @@
 #pragma once
 
-#include "base/console_log.h"
-#include "diagnostics/readCodes.h"
-#include "expert/expertCtrlr.h"
-#include "livedata/actions.h"
-#include "livedata/link_check.h"
-#include "persistence/vehicles.h"
 #include "tests/fault_matrix/in_process_adapter.h"
-#include "tests/support/print_qt.h"
-#include "tests/support/recording_screen.h"
-#include "tests/support/temporary_profile.h"
-#include "tools/virtual_adapter/car_catalogue.h"
-
-#include <set>
+#include "tests/fault_matrix/operation_bench.h"
 
 namespace brivant {
 
-// The controllers on one link to a virtual adapter, and a person who starts an operation, answers Yes,
-// and ends a sampling run after some sweeps or some minutes. Time is cranked by hand.
-class matrix_bench : private run_observer {
+// It is there before the bench.
+struct cranked_clock {
+    hand_timers clock;
+};
+
+// The controllers on one link to a virtual adapter, and a person who answers Yes, and ends a sampling run
+// after some minutes too. Time is cranked by hand.
+class matrix_bench : public cranked_clock, public operation_bench {
 public:
-    static constexpr int sweeps_of_a_run = 4;
     static constexpr int minutes_of_a_run = 3;
 
-    explicit matrix_bench(in_process_adapter::car_pointer its_car) : car(its_car) {
-        silence_console_log();
-        place.choose(interface_wifi);
-        profile.db.init_DB();
-        if (const auto first = vehicle_or_first(profile.db, -1))
-            state.make_current(first->id, {});
-        profile.defaults.set(setting::metric_units, true);
-        profile.defaults.set(setting::log_runs, true);
-        live_controller.set_observer(this);
-        diagnostics.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
-        console.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
-        checking.operation_ended = [this](bool done) { ended = done ? "done" : "failed"; };
+    explicit matrix_bench(in_process_adapter::car_pointer its_car)
+        : operation_bench(clock,
+                          [this](const adapter_place&) {
+                              auto made = std::make_unique<in_process_adapter>(clock, car);
+                              adapter = made.get();
+                              return made;
+                          }),
+          car(its_car) {
         link.openInterfaceConnection(); // so that there is an adapter to be given faults
         link.disconnect();
     }
-    ~matrix_bench() override { link.set_controller(nullptr); }
 
     in_process_adapter::car_pointer car;
-    temporary_profile profile;
-    adapter_place place;
-    adapter_facts facts;
-    car_state state;
-    hand_timers clock;
-    recording_screen view;
     in_process_adapter* adapter = nullptr;
-    adapter_link link{place, facts, clock, view, [this](const adapter_place&) {
-                          auto made = std::make_unique<in_process_adapter>(clock, car);
-                          adapter = made.get();
-                          return made;
-                      }};
-    mac_toolies toolies{facts, state, profile.defaults, profile.db};
-    diagnostic_results results;
-    live_results live{[this](const QString& body) { return toolies.get_OBDVal(body); }};
-    readCodes diagnostics{state, link, toolies, view, results, profile.paths};
-    actions live_controller{state, link, toolies, view, profile.defaults, clock, live, profile.paths};
-    expert_session session{profile.defaults};
-    expertCtrlr console{state, link, toolies, view, profile.defaults, session};
-
-    link_check checking{state, link, toolies, view, profile.defaults, clock, profile.paths};
-
     int step_ms = 50;                   // an adapter with timing needs smaller ones
-    QString ended;                      // how the last operation ended; "" while it runs
-    std::set<QString> columns;          // "0C 410C1AF8": what a run has put into the matrix
-    qint64 missing = 0;                 // cells that were left without a value
-    std::function<void()> on_sweep;     // the person's doing
     QList<qsizetype> commands_by_sweep; // how many commands the adapter had carried out at the end of each
 
-    void begin(task_controller& controller) {
-        link.set_controller(&controller);
-        view.events.clear();
-        session.lines.clear();
-        ended.clear();
-        columns.clear();
+    void begin(task_controller& controller) override {
+        operation_bench::begin(controller);
         commands_by_sweep.clear();
         spent_ms = 0;
-    }
-    bool is_running() const {
-        return diagnostics.is_running() || live_controller.is_running() || console.is_running() ||
-               checking.is_running();
     }
     // What happens next. Time passes only when nothing is on the way.
     void step() {
@@ -116,39 +71,12 @@ public:
     }
 
 private:
-    void set_changed() override {}
-    void run_started() override {}
-    void run_ended() override { ended = live.sample_cnt >= sweeps_of_a_run ? "done" : "failed"; }
-    void sample_arrived(int index) override {
-        const QString body = live.cur_log_points.body(live.cur_log_points.rows() - 1, index);
-        if (body == no_reply)
-            ++missing;
-        else
-            columns.insert(live.these_samples[index].pid + ' ' + body);
-    }
     void sweep_completed() override {
         commands_by_sweep += adapter->commands.size();
-        if (on_sweep)
-            on_sweep();
-        else if (live.sample_cnt >= sweeps_of_a_run)
-            live_controller.stop();
+        operation_bench::sweep_completed();
     }
-    void o2_layout_known(int, const QString&) override {}
-    void set_sensor_value(int, const QString&) override {}
 
     int spent_ms = 0;
 };
-
-// A car of the catalogue at a steady 60 km/h, with every PID that an operation can ask of an engine.
-inline in_process_adapter::car_pointer steady_car(const QString& name) {
-    QString problem;
-    virtual_adapter::car_description description = virtual_adapter::load_car(name, problem)->description();
-    for (const std::uint8_t pid : {0x06, 0x08, 0x0A, 0x0B, 0x0C, 0x0D, 0x10, 0x11, 0x05})
-        description.ecus.front().pids.try_emplace(pid,
-                                                  virtual_adapter::pid_value{.live = true, .constant = {}});
-    auto made = std::make_shared<virtual_adapter::car>(std::move(description));
-    made->set_clock([] { return virtual_adapter::steady_moment_s; });
-    return made;
-}
 
 } // namespace brivant
