@@ -1,5 +1,6 @@
 #include "livedata/elm_commands.h"
 #include "livedata/link_check.h"
+#include "obd/reply_text.h"
 
 #include <array>
 
@@ -12,8 +13,12 @@ constexpr int timed_commands = 20;
 const QString who_are_you = QStringLiteral("AT I");
 const QString a_greeting = QStringLiteral("ELM");
 
-bool is_unknown(const reply& came) {
-    return came.text() == QLatin1String("?");
+enum class answer { none, known, unknown };
+
+answer answer_in(const reply& came, const QString& expected) {
+    return string_has_Tokens(came.text(), expected) ? answer::known
+           : came.text().contains(u'?')             ? answer::unknown
+                                                    : answer::none;
 }
 
 // "AT      I": what comes before blanks is not carried out without what is behind them.
@@ -26,7 +31,7 @@ QString long_command(int length) {
 talk check_commands(link_check& car) {
     reply came;
     co_await car.ask_adapter(who_are_you, a_greeting, came);
-    if (!came.is_none() && !is_unknown(came))
+    if (answer_in(came, a_greeting) == answer::known)
         car.found.greeting = came.text().left(80);
     const auto commands = elm_commands();
     int tried = 0;
@@ -38,17 +43,19 @@ talk check_commands(link_check& car) {
             car.found.unknown += text;
             throw;
         }
-        if (is_unknown(came))
-            car.found.unknown += text;
-        else if (!came.is_none())
-            car.found.known += text;
+        switch (answer_in(came, QLatin1String(one.answer))) {
+        case answer::known: car.found.known += text; break;
+        case answer::unknown: car.found.unknown += text; break;
+        default: break;
+        }
         car.progress_of_part(static_cast<double>(++tried) / static_cast<double>(commands.size()));
     }
     co_await car.ask_adapter(made_up_command, QStringLiteral("OK"), came);
-    car.found.says_ok_to_anything = came.text() == QLatin1String("OK");
+    car.found.says_ok_to_anything = answer_in(came, QStringLiteral("OK")) == answer::known;
     // Of chips with a command set of their own beside that one.
-    co_await car.ask_adapter(QStringLiteral("STI"), QStringLiteral("ST|OBDLINK"), came);
-    if (!came.is_none() && !is_unknown(came))
+    const QString a_name = QStringLiteral("STN|OBDLink");
+    co_await car.ask_adapter(QStringLiteral("STI"), a_name, came);
+    if (answer_in(came, a_name) == answer::known)
         car.found.chip = came.text().left(80);
 }
 
@@ -57,7 +64,7 @@ talk check_lines(link_check& car) {
         reply came;
         car.found.too_long = length;
         co_await car.ask_adapter(long_command(length), a_greeting, came);
-        if (came.is_none() || is_unknown(came))
+        if (answer_in(came, a_greeting) != answer::known)
             co_return;
         car.found.longest_line = length;
         car.found.too_long = 0;

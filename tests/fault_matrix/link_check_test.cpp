@@ -169,6 +169,26 @@ TEST(link_check, survives_adapters_that_do_not_bear_it) {
     }
 }
 
+// A late reply is not taken for the answer to another command, and noise not for one.
+TEST(link_check, finds_the_same_whatever_happens_on_the_way) {
+    checked calm("stn");
+    calm.run();
+    for (int at = 1; at <= 41; at += 2)
+        for (const bool is_late : {false, true}) {
+            virtual_adapter::faults trouble;
+            if (is_late)
+                trouble = {.late_reply = at, .late_ms = 3500};
+            else
+                trouble = {.garbage_before = "#\r", .garbage_every = 2 + at};
+            checked bench("stn", trouble);
+            bench.run();
+            SCOPED_TRACE((is_late ? "late " : "noise ") + std::to_string(at));
+            EXPECT_EQ(bench.ended, "done") << bench.all();
+            for (const char* row : {"Version", "Commands", "Longest command", "Longest answer", "Trouble"})
+                EXPECT_EQ(bench.words_of(row), calm.words_of(row)) << bench.all();
+        }
+}
+
 TEST(link_check, without_a_car_tells_of_the_adapter_alone) {
     checked bench("stn", {}, talkative_car(false));
     bench.run();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livedata/actions.h"
+#include "livedata/link_check.h"
 #include "tests/support/conversation.h"
 
 namespace brivant {
@@ -22,7 +23,8 @@ struct live_bench : adapter_bench, private run_observer {
     live_results results{[this](const QString& body) { return toolies.shown_number(body); }};
     told_position position;
     std::unique_ptr<brivant::actions> controller; // on the screen once something is done
-    QStringList sensors;                          // the last value of each oxygen sensor
+    link_check checking{state, link, toolies, view, profile.defaults, clock, profile.paths};
+    QStringList sensors; // the last value of each oxygen sensor
     QString layout = "none";
     int sweeps = 0;
     int stop_after = -1; // sweeps
@@ -48,6 +50,10 @@ struct live_bench : adapter_bench, private run_observer {
             QString line = profile.defaults.value(setting::adapter_passports).join(' ');
             return line.replace(QDate::currentDate().toString(Qt::ISODate), "today");
         };
+        facts["verdict"]  = [this] { return checking.verdict().words; };
+        facts["checked"]  = [this] { return QString(checking.is_running() ? "no" : "yes"); };
+        for (const char* title : {"Trouble", "Version", "Commands", "Longest command", "Longest answer", "Losses", "Fast runs", "Values a second"})
+            facts[QString(title).replace(' ', '-')] = [this, title] { return words_of(title); };
         facts["files"]    = [this] { return QString(session_files().entryList({"*.gol"}).isEmpty() ? "none" : "gol"); };
         // clang-format on
     }
@@ -79,6 +85,11 @@ private:
         const QStringList modes{"log", "fuel", "o2", "boost"};
         for (int mode = 0; mode < modes.size(); ++mode)
             actions[modes[mode]] = [this, mode](const QString&) { choose_and_start(mode); };
+        actions["check"] = [this](const QString&) {
+            link.set_controller(&checking);
+            checking.start();
+        };
+        actions["stop-check"] = [this](const QString&) { checking.stop(); };
         actions["button"] = [this](const QString&) { opened().runLogs(); };
         actions["stop"] = [this](const QString&) { opened().stop(); };
         actions["hurry"] = [this](const QString&) { opened().hurry(); };
@@ -119,6 +130,12 @@ private:
         opened().comboBoxSelectionDidChange(mode);
         if (!controller->is_running())
             controller->runLogs();
+    }
+    QString words_of(const char* title) const {
+        for (const check_row& row : checking.rows())
+            if (row.title == title)
+                return row.words;
+        return {};
     }
     template <typename Text>
     QString column(Text text) {
