@@ -30,17 +30,7 @@ constexpr std::array<mode_of_choice, 4> modes{{
 constexpr int wait_before_putting_back_ms = 20;
 constexpr int most_waits_before_putting_back = 50;
 
-class nobody : public run_observer {
-public:
-    void set_changed() override {}
-    void run_started() override {}
-    void run_ended() override {}
-    void sample_arrived(int) override {}
-    void sweep_completed() override {}
-    void o2_layout_known(int, const QString&) override {}
-    void set_sensor_value(int, const QString&) override {}
-};
-nobody no_observer;
+run_observer no_observer;
 
 } // namespace
 

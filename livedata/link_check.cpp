@@ -7,33 +7,12 @@ namespace brivant {
 
 namespace {
 
-class nobody : public run_observer {
-public:
-    void set_changed() override {}
-    void run_started() override {}
-    void run_ended() override {}
-    void sample_arrived(int) override {}
-    void sweep_completed() override {}
-    void o2_layout_known(int, const QString&) override {}
-    void set_sensor_value(int, const QString&) override {}
-};
-nobody no_observer;
+run_observer no_observer;
 
 constexpr int most_silences = 3;
 
-} // namespace
-
-struct link_check::part {
-    const char* status;
-    talk (*run)(link_check&);
-    bool with_car;
-    int until; // per cent of the whole
-};
-
-namespace {
-
 // clang-format off
-constexpr std::array<std::tuple<const char*, talk (*)(link_check&), bool, int>, 7> all_parts{{
+constexpr std::array<link_check::part, 7> all_parts{{
     {"Asking the adapter which commands it knows",                check_commands,     false, 8},
     {"Trying how long a command may be",                          check_lines,        false, 10},
     {"Timing the adapter alone",                                  check_adapter_pace, false, 12},
@@ -81,8 +60,8 @@ void link_check::keep_passport(const adapter_passport& passport) {
 }
 
 void link_check::progress_of_part(double share) {
-    const int from = begun == 0 ? 0 : std::get<3>(all_parts[static_cast<size_t>(begun) - 1]);
-    const int to = std::get<3>(all_parts[static_cast<size_t>(begun)]);
+    const int from = begun == 0 ? 0 : all_parts[static_cast<size_t>(begun) - 1].until;
+    const int to = all_parts[static_cast<size_t>(begun)].until;
     far = from + static_cast<int>(share * (to - from));
     if (changed)
         changed();
@@ -92,10 +71,10 @@ void link_check::progress_of_part(double share) {
 
 talk link_check::find_out() {
     for (begun = 0; begun < static_cast<int>(all_parts.size()); ++begun) {
-        const auto& [status, run, with_car, until] = all_parts[static_cast<size_t>(begun)];
-        show(QLatin1String(status));
+        const part& one = all_parts[static_cast<size_t>(begun)];
+        show(QLatin1String(one.status));
         progress_of_part(0);
-        co_await go_through({status, run, with_car, until});
+        co_await go_through(one);
     }
     --begun;
     progress_of_part(1);

@@ -54,8 +54,14 @@ public:
     void take_set(const QStringList&) override {}
     run_observer& observer() override;
 
+    struct part {
+        const char* status;
+        talk (*run)(link_check&);
+        bool with_car;
+        int until; // per cent of the whole
+    };
+
 private:
-    struct part;
     talk find_out();
     talk go_through(const part& one);
     talk ask(sent_command command, reply& told);
