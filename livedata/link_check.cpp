@@ -10,6 +10,8 @@ namespace {
 run_observer no_observer;
 
 constexpr int most_silences = 3;
+constexpr int watch_ms = 1000;
+constexpr int longest_without_link = 60; // seconds
 
 // clang-format off
 constexpr std::array<link_check::part, 7> all_parts{{
@@ -50,6 +52,30 @@ void link_check::start() {
     car_talk::start({op_link_check, QStringLiteral("Checking the adapter"),
                      QStringLiteral("The adapter check did not reach its end: %@"), nullptr,
                      [this] { return find_out(); }});
+}
+
+void link_check::started() {
+    sampling_talk::started();
+    seconds_without_link = 0;
+    watch_link();
+}
+
+void link_check::let_go() {
+    watch.reset();
+    sampling_talk::let_go();
+}
+
+// A link that is opened again is tried for ever; here somebody waits for the verdict.
+void link_check::watch_link() {
+    watch = link.time_source().one_shot(watch_ms, [this] {
+        seconds_without_link = link.is_connected() ? 0 : seconds_without_link + 1;
+        if (seconds_without_link < longest_without_link)
+            return watch_link();
+        const QString trouble = QStringLiteral("Its link did not come back within a minute.");
+        found.troubles += trouble;
+        link.stop_opening();
+        leave_cur_op_gracefully(trouble);
+    });
 }
 
 void link_check::keep_passport(const adapter_passport& passport) {

@@ -61,10 +61,15 @@ public:
         int until; // per cent of the whole
     };
 
+protected:
+    void started() override;
+    void let_go() override;
+
 private:
     talk find_out();
     talk go_through(const part& one);
     talk ask(sent_command command, reply& told);
+    void watch_link();
 
     live_results nothing_sampled;
     user_defaults& defaults;
@@ -72,6 +77,8 @@ private:
     int far = 0;
     int silences = 0;
     QString asked; // last
+    int seconds_without_link = 0;
+    timer_handle watch;
 };
 
 // The parts of the check.

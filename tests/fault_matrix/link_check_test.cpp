@@ -169,6 +169,17 @@ TEST(link_check, survives_adapters_that_do_not_bear_it) {
     }
 }
 
+TEST(link_check, does_not_wait_for_ever_for_an_adapter_that_is_gone) {
+    checked bench("stn", {.hangs_on = {"ATPPS"}});
+    bench.run([&] { return !bench.checking.findings().troubles.isEmpty(); });
+    bench.adapter->is_there = false;
+    bench.pump_until([&] { return !bench.is_running(); }, 2);
+    EXPECT_EQ(bench.ended, "failed");
+    EXPECT_EQ(bench.checking.findings().troubles.last(), "Its link did not come back within a minute.");
+    EXPECT_FALSE(bench.link.is_opening());
+    EXPECT_EQ(bench.clock.running(), 0u);
+}
+
 // A late reply is not taken for the answer to another command, and noise not for one.
 TEST(link_check, finds_the_same_whatever_happens_on_the_way) {
     checked calm("stn");
