@@ -40,8 +40,9 @@ main_window::main_window(program_core& its_core)
     connect(&tools, &tool_strip::chosen, this, &main_window::choose_screen);
     connect(&tools, &tool_strip::help_wanted, this, &main_window::toggle_help);
     connect(&tools, &tool_strip::updates_wanted, this, &main_window::open_updates);
-    connect(&status, &status_strip::choice_wanted, &delegate.link, &adapter_link::choose_bluetooth_device);
+    connect(&status, &status_strip::links_wanted, this, &main_window::open_links);
     connect(&delegate.link, &adapter_link::condition_changed, this, &main_window::show_surroundings);
+    connect(&delegate.link, &adapter_link::start_went_on, this, &main_window::show_surroundings);
     qApp->installEventFilter(this);
 }
 
@@ -74,6 +75,7 @@ void main_window::add_keys() {
     const auto on_key = [this](const QKeySequence& key, auto what) {
         connect(new QShortcut(key, this), &QShortcut::activated, this, what);
     };
+    on_key(Qt::CTRL | Qt::Key_L, [this] { open_links(); });
     on_key(Qt::Key_F1, [this] { toggle_help(); });
     on_key(Qt::Key_Escape, [this] { escape(); });
     on_key(Qt::Key_F5, [this] {
@@ -97,6 +99,8 @@ void main_window::start() {
     };
     delegate.applicationDidFinishLaunching(this);
     show_surroundings();
+    if (core.options.link == launch_options::link_choice::find)
+        open_links();
 }
 
 // --- screens -----------------------------------------------------------------------------------------------
@@ -236,7 +240,23 @@ void main_window::choose_device(const QString& why, device_chooser::answer answe
     chooser->open();
 }
 
+void main_window::open_links() {
+    if (!view || links || sheet.is_open() || chooser)
+        return;
+    help.hide();
+    links = new links_sheet(area, core, delegate);
+    connect(links, &links_sheet::chosen, this, [this](const QString& name) {
+        show_surroundings();
+        show_status(QStringLiteral("%1 is used from now on. Start with F5").arg(name));
+    });
+    links->open();
+    if (core.options.link == launch_options::link_choice::find && !core.found)
+        links->find();
+}
+
 void main_window::refuse_questions() {
+    if (links)
+        links->close_sheet();
     sheet.refuse();
     if (chooser)
         chooser->close_sheet();

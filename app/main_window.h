@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/device_chooser.h"
+#include "app/links/links_sheet.h"
 #include "app/look/help_panel.h"
 #include "app/look/notice_banner.h"
 #include "app/look/question_sheet.h"
@@ -66,6 +67,7 @@ private:
     void go_to(screen_kind kind) override;
     const theme& look() const override { return colours; }
     void settings_changed() override { show_surroundings(); }
+    void open_links() override;
     bool link_is_as_started() const override { return core.place.now() == started_with; }
 
     void lay_out();
@@ -97,6 +99,7 @@ private:
     help_panel help;
     question_sheet sheet;
     QPointer<device_chooser> chooser;
+    QPointer<links_sheet> links;
     std::unique_ptr<screen_view> view;
 };
 

@@ -63,7 +63,7 @@ void adapter_link::make_sure_of_transport() {
     connect(link.get(), &transport::opened, this, &adapter_link::link_opened);
     connect(link.get(), &transport::radio_ready, this, [this] {
         steps.reached(start_step::radio);
-        Q_EMIT condition_changed();
+        Q_EMIT start_went_on();
     });
     connect(link.get(), &transport::failed, this, &adapter_link::link_failed);
     connect(link.get(), &transport::closed, this, &adapter_link::link_closed);
@@ -146,7 +146,7 @@ void adapter_link::transmit(const QByteArray& command) {
 void adapter_link::adapter_answered() {
     facts.known = true;
     steps.reached(start_step::adapter);
-    Q_EMIT condition_changed();
+    Q_EMIT start_went_on();
 }
 
 void adapter_link::protocol_told(int number) {
@@ -154,7 +154,7 @@ void adapter_link::protocol_told(int number) {
     if (number < 0)
         return;
     steps.reached(start_step::protocol);
-    Q_EMIT condition_changed();
+    Q_EMIT start_went_on();
 }
 
 void adapter_link::adapter_is_set_up() {

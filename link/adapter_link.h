@@ -125,6 +125,8 @@ Q_SIGNALS:
     void adapter_set_up();
     // The person has chosen the place itself, not only the Bluetooth device.
     void place_chosen();
+    // Another step of the start is done.
+    void start_went_on();
     // The link opened, closed or began to open; or what stands at its far end became known.
     void condition_changed();
 

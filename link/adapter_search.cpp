@@ -63,6 +63,12 @@ void adapter_search::stop() {
     probes.clear();
 }
 
+void adapter_search::forget() {
+    stop();
+    asked.clear();
+    told.clear();
+}
+
 QList<probed_adapter> adapter_search::adapters() const {
     QList<probed_adapter> found;
     std::copy_if(told.begin(), told.end(), std::back_inserter(found),

@@ -24,6 +24,8 @@ public:
     // Asks there too; what was asked before is not asked again.
     void add(const candidate& what);
     void stop();
+    // What was asked may be asked again.
+    void forget();
 
     bool is_running() const { return !probes.empty() || !waiting.isEmpty(); }
     // How many addresses are not answered for yet, and how many there are.

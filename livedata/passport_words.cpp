@@ -116,6 +116,17 @@ QStringList sentences_of(const adapter_passport& passport) {
     return sentences;
 }
 
+QString brief_words(const adapter_passport& passport) {
+    QString words = QStringLiteral("does all that was tried");
+    if (!with(passport, effect::none).isEmpty())
+        words = QStringLiteral("says OK to what it does not do");
+    else if (passport.hangs || passport.too_many > 0 || !with(passport, effect::fails).isEmpty())
+        words = QStringLiteral("lacks some of what a fast run uses");
+    return passport.values_a_second > 0
+               ? words + QStringLiteral(", %1 values/s").arg(rounded(passport.values_a_second))
+               : words;
+}
+
 QJsonObject json_of(const adapter_passport& passport) {
     QJsonObject told = QJsonDocument::fromJson(line_of(passport).toUtf8()).object();
     told[QLatin1String("limited_by")] = QLatin1String(name_of(passport.limited_by()));

@@ -11,6 +11,8 @@ namespace brivant {
 QStringList sentences_of(const adapter_passport& passport);
 // The last of them; "" where it is not known.
 QString limit_sentence(const adapter_passport& passport);
+// The shortest of it: "does all that was tried, 61 values/s".
+QString brief_words(const adapter_passport& passport);
 // The same for a script, each fact by its name.
 QJsonObject json_of(const adapter_passport& passport);
 

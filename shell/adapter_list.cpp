@@ -1,5 +1,7 @@
 #include "shell/adapter_list.h"
 
+#include "link/serial_ports.h"
+
 #include <algorithm>
 
 namespace brivant {
@@ -13,6 +15,12 @@ bool is_same(const adapter_address& one, const adapter_address& other) {
 }
 
 } // namespace
+
+adapter_address lasting(adapter_address where) {
+    if (where.kind == interface_serial)
+        where.where = stable_port_name(where.where);
+    return where;
+}
 
 adapter_list::adapter_list(user_defaults& settings, adapter_place& its_place, adapter_link& its_link,
                            const car_state& its_car)
@@ -38,7 +46,7 @@ void adapter_list::read_place() {
         place.take_device(
             device, defaults.has(setting::bluetooth_name) ? defaults.value(setting::bluetooth_name) : device);
     if (const auto chosen = adapter_address::of(defaults.value(setting::link)))
-        place.choose(*chosen, with(*chosen).value_or(known_adapter()).name);
+        place.choose(lasting(*chosen), with(lasting(*chosen)).value_or(known_adapter()).name);
 }
 
 void adapter_list::place_is_given(bool its_demo) {
@@ -84,7 +92,8 @@ void adapter_list::lead_to(const adapter_address& where, const QString& name) {
     place.choose(where, name);
 }
 
-bool adapter_list::use(const adapter_address& where, const QString& name) {
+bool adapter_list::use(const adapter_address& chosen, const QString& name) {
+    const adapter_address where = lasting(chosen);
     const bool is_stored_elsewhere = where.kind == interface_serial || where.kind == interface_le;
     defaults.set(setting::link, is_stored_elsewhere ? where.text() : QString());
     if (!is_stored_elsewhere)

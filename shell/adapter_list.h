@@ -59,4 +59,7 @@ private:
     bool is_demo = false;
 };
 
+// The address under which a serial port is found again after it was unplugged; others as they are.
+adapter_address lasting(adapter_address where);
+
 } // namespace brivant

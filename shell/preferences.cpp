@@ -13,8 +13,8 @@ namespace {
 constexpr int highest_port = 65535;
 
 bool same_link(const general_settings& one, const general_settings& other) {
-    return one.interface_kind == other.interface_kind && one.wifi_ip == other.wifi_ip &&
-           one.wifi_port == other.wifi_port;
+    return one.link == other.link && one.interface_kind == other.interface_kind &&
+           one.wifi_ip == other.wifi_ip && one.wifi_port == other.wifi_port;
 }
 
 bool looks_like_ipv4(const QString& address) {
@@ -29,7 +29,8 @@ preferences::preferences(user_defaults& settings, adapter_place& its_place, adap
     : defaults(settings), place(its_place), link(its_link), toolies(its_toolies) {}
 
 general_settings preferences::stored() const {
-    return {.interface_kind = defaults.value(setting::interface_kind),
+    return {.link = defaults.value(setting::link),
+            .interface_kind = defaults.value(setting::interface_kind),
             .wifi_ip = defaults.value(setting::wifi_ip),
             .wifi_port = defaults.value(setting::wifi_port),
             .metric_units = defaults.value(setting::metric_units),
@@ -44,6 +45,8 @@ general_settings preferences::stored() const {
 
 bool preferences::changes_link(const general_settings& chosen) const {
     const general_settings now = stored();
+    if (chosen.link != now.link)
+        return true;
     if (chosen.interface_kind != now.interface_kind || chosen.interface_kind != interface_wifi)
         return chosen.interface_kind != now.interface_kind;
     return (chosen.wifi_ip != now.wifi_ip && address_problem(chosen.wifi_ip).isEmpty()) ||
@@ -77,6 +80,8 @@ bool preferences::store(const general_settings& chosen) {
 // The address and the port count only for Wi-Fi.
 void preferences::store_link(const general_settings& chosen) {
     const general_settings before = stored();
+    if (chosen.link != before.link)
+        defaults.set(setting::link, chosen.link);
     if (chosen.interface_kind != before.interface_kind)
         defaults.set(setting::interface_kind, chosen.interface_kind);
     if (chosen.interface_kind != interface_wifi)
@@ -93,6 +98,8 @@ void preferences::put_in_force(const general_settings& before) {
         return;
     place.choose_wifi(now.wifi_ip, now.wifi_port);
     place.choose(now.interface_kind);
+    if (const auto other = adapter_address::of(now.link))
+        place.choose(*other, QString());
     link.l_leave_cur_op_gracefully(QStringLiteral(""));
     link.disconnect(); // it leads to the old place
 }
@@ -100,6 +107,7 @@ void preferences::put_in_force(const general_settings& before) {
 bool preferences::restore_first_values() {
     const general_settings before = stored();
     toolies.setDefaults();
+    defaults.set(setting::link, QString());
     defaults.choose(setting::metric_units, setting::metric_units.first_value());
     defaults.choose(setting::sampling_speed, setting::sampling_speed.first_value());
     put_in_force(before);

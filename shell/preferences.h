@@ -8,6 +8,7 @@ namespace brivant {
 
 // What the General tab of the preferences edits.
 struct general_settings {
+    QString link;                             // a USB or LE adapter, which goes first, or "any"; "" for none
     int interface_kind = interface_bluetooth; // or interface_wifi
     QString wifi_ip;
     QString wifi_port;

@@ -53,13 +53,16 @@ void program_core::choose_link(adapter_list& adapters) {
 
 void program_core::choose_link() {
     switch (options.link) {
-    case launch_options::link_choice::as_stored:
-    case launch_options::link_choice::find: return;
+    case launch_options::link_choice::as_stored: return;
+    case launch_options::link_choice::find:
+        if (found)
+            place.choose(found->where, found->name);
+        return;
     case launch_options::link_choice::given:
         if (options.address.kind == interface_bluetooth && options.address.where == place.bt_address())
             place.choose(interface_bluetooth); // its name is known
         else
-            place.choose(options.address, QString());
+            place.choose(lasting(options.address), QString());
         return;
     case launch_options::link_choice::demo:
         place.choose_wifi(QStringLiteral("127.0.0.1"), QString::number(demo_port));

@@ -39,6 +39,8 @@ public:
     const QString& folder_problem() const { return bad_folder; }
 
     const launch_options options;
+    // The adapter that --find has found.
+    std::optional<probed_adapter> found;
 
 private:
     QString profile_folder();

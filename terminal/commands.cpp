@@ -46,6 +46,10 @@ QJsonObject link_info_json(readCodes& controller) {
     QJsonObject object{{"interface", adapter_of(controller).interface_description()},
                        {"protocol", adapter_of(controller).protocol_description()},
                        {"ecus", ecus}};
+    QJsonObject start;
+    for (const start_steps::row& step : controller.link.start().rows())
+        start.insert(name_of(step.what).toLower() + "_ms", step.milliseconds);
+    object.insert("start", start);
     if (const auto passport = passport_of(controller))
         object.insert("passport", json_of(*passport));
     return object;
@@ -59,6 +63,7 @@ QString link_info_text(readCodes& controller) {
         text += QStringLiteral("ECU %1 (%2), %3 PIDs: %4\n")
                     .arg(ecu_label(ecu.header), ecu_name(controller, ecu.header),
                          QString::number(ecu.pidSet.size()), ecu.pidSet.join(QLatin1Char(' ')));
+    text += QStringLiteral("Start: %1\n").arg(controller.link.start().sentence());
     if (const auto passport = passport_of(controller))
         text += sentences_of(*passport).join(u'\n') + u'\n';
     return text;

@@ -3,6 +3,7 @@
 #include "terminal/cli_run.h"
 #include "terminal/expert_run.h"
 #include "terminal/link_check_run.h"
+#include "terminal/links_run.h"
 #include "terminal/live_run.h"
 #include "terminal/logs_run.h"
 #include "terminal/output.h"
@@ -37,6 +38,11 @@ QString usage() {
         "                        one command with a byte that counts up: script \"01 {L}\" 01 05 1\n");
     text += QStringLiteral(
         "  link-check            what the adapter can do and how well, and whether it is what it says\n"
+        "  links list            the adapters that are known or around, Bluetooth, LE, USB and Wi-Fi\n"
+        "  links find [PORT...]  looks for an adapter everywhere; at a serial port that is not known only\n"
+        "                        where it is named\n"
+        "  links use ADAPTER|any, name ADAPTER NAME, forget ADAPTER, prefer ADAPTER\n"
+        "                        which one is used from now on, also for the current vehicle alone\n"
         "  bluetooth-scan        the Bluetooth devices around, with their addresses\n"
         "  logs list             the stored logs\n"
         "  logs show ID          what a log holds: a report as it is stored, a run as values\n"
@@ -65,6 +71,8 @@ QString wrong_command(const launch_options& options) {
         return logs_run::wrong_words(options.arguments, options.yes);
     if (options.command == QLatin1String("update-check"))
         return update_run::wrong_words(options.arguments);
+    if (options.command == QLatin1String("links"))
+        return links_run::wrong_words(options.arguments);
     if (expert_run::is_expert_command(options.command))
         return expert_run::wrong_words(options.command, options.arguments, options.yes);
     if (is_live_command(options.command)) {
@@ -118,6 +126,12 @@ int run(const launch_options& options) {
     QString problem;
     if (!core.start_demo(problem))
         return refuse(problem);
+    if (options.command == QLatin1String("links"))
+        return run_to_its_end(links_run(core));
+    if (options.link == launch_options::link_choice::find) {
+        if (const int failed = run_to_its_end(find_run(core)); failed != 0)
+            return failed;
+    }
     if (expert_run::is_expert_command(options.command))
         return run_to_its_end(expert_run(core));
     if (options.command == link_check_command)

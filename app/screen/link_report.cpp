@@ -1,6 +1,7 @@
 #include "app/screen/link_report.h"
 
 #include "obd/ecu_names.h"
+#include "shell/known_adapter.h"
 
 namespace brivant {
 
@@ -14,7 +15,10 @@ QString far_end_of(const adapter_place& place, bool is_demo) {
     switch (place.interface_kind()) {
     case interface_wifi: return QStringLiteral("Wi-Fi %1").arg(place.wifi_ip());
     case interface_simulated: return QStringLiteral("Stand-in adapter");
-    default: return QStringLiteral("Bluetooth %1").arg(place.last_BT_Device().left(longest_name)).trimmed();
+    default:
+        return QStringLiteral("%1 %2")
+            .arg(word_of_link(place.interface_kind()), place.device_called().left(longest_name))
+            .trimmed();
     }
 }
 
@@ -42,21 +46,23 @@ link_words report_link(const adapter_link& link, const car_state& car, const mac
     const adapter_facts& adapter = link.adapter();
     link_words words;
     words.far_end = far_end_of(place, is_demo);
-    words.can_choose = place.interface_kind() == interface_bluetooth;
     if (link.is_connected()) {
         words.now = link_words::condition::open;
         words.protocol = adapter.adapter_ready() ? adapter.protocol_description() : QString();
         words.details = details_of(adapter, car, toolies);
+        if (const QString start = link.start().sentence(); !start.isEmpty())
+            words.details += u'\n' + start;
         return words;
     }
     const bool opening = link.is_opening();
     words.now = opening ? link_words::condition::opening : link_words::condition::closed;
-    words.details = opening ? QStringLiteral("The link to the adapter is being opened.")
-                            : QStringLiteral("The link is opened when you start an operation (F5).");
+    words.details =
+        opening ? QStringLiteral("The link to the adapter is being opened: %1").arg(link.start().sentence())
+                : QStringLiteral("The link is opened when you start an operation (F5).");
     if (place.interface_kind() == interface_wifi && !is_demo)
         words.details += QStringLiteral("\nAddress %1, port %2").arg(place.wifi_ip(), place.wifi_port());
-    if (place.interface_kind() == interface_bluetooth && !place.bt_address().isEmpty())
-        words.details += QStringLiteral("\n%1, address %2").arg(place.last_BT_Device(), place.bt_address());
+    if (place.is_device() && !place.address().isEmpty())
+        words.details += QStringLiteral("\n%1, address %2").arg(place.device_called(), place.address());
     return words;
 }
 

@@ -26,6 +26,8 @@ public:
     virtual void pop_helpy(const QString& title, const QString& html, const QString& icon) = 0;
     // Settings that the window shows have changed.
     virtual void settings_changed() = 0;
+    // The card of links, over the screen.
+    virtual void open_links() = 0;
     // False once another link was chosen than the one that the program was started with.
     virtual bool link_is_as_started() const = 0;
 };

@@ -54,14 +54,21 @@ status_strip::status_strip(QWidget* parent) : QFrame(parent) {
     row->addWidget(link_box);
     row->addWidget(&change);
     change.setObjectName(QStringLiteral("change_device"));
-    change.setText(QStringLiteral("Change..."));
-    change.setToolTip(QStringLiteral("Choose the Bluetooth adapter"));
+    change.setText(QStringLiteral("Links..."));
+    change.setToolTip(QStringLiteral("The adapters that are known and around (Ctrl+L)"));
     change.setProperty("role", QStringLiteral("link"));
     change.setFocusPolicy(Qt::TabFocus);
-    change.hide();
-    connect(&change, &QToolButton::clicked, this, &status_strip::choice_wanted);
+    connect(&change, &QToolButton::clicked, this, &status_strip::links_wanted);
+    link_box->setCursor(Qt::PointingHandCursor);
+    link_box->installEventFilter(this);
     far_end.setTextFormat(Qt::PlainText);
     mark.setPixmap(QIcon(QLatin1String(look_of(shown.now).picture)).pixmap(mark_size));
+}
+
+bool status_strip::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == link_box && event->type() == QEvent::MouseButtonRelease)
+        Q_EMIT links_wanted();
+    return QFrame::eventFilter(watched, event);
 }
 
 void status_strip::set_link(const link_words& words) {
@@ -74,7 +81,6 @@ void status_strip::set_link(const link_words& words) {
     far_end.setText(far_end_words);
     protocol.set_text(shown.protocol);
     protocol.setVisible(!shown.protocol.isEmpty());
-    change.setVisible(shown.can_choose);
     link_box->setToolTip(theme::plain_tool_tip(shown.details));
     link_box->setAccessibleName(QStringLiteral("Link ") + far_end_words);
     link_box->setAccessibleDescription(shown.details);

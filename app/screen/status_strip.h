@@ -15,10 +15,9 @@ struct link_words {
     enum class condition { closed, opening, open };
 
     condition now = condition::closed;
-    QString far_end;         // "Wi-Fi 192.168.0.10"
-    QString protocol;        // "" while unknown
-    QString details;         // the tool tip, a line each
-    bool can_choose = false; // the far end is chosen from a list
+    QString far_end;  // "Wi-Fi 192.168.0.10"
+    QString protocol; // "" while unknown
+    QString details;  // the tool tip, a line each
     bool operator==(const link_words&) const = default;
 };
 
@@ -40,8 +39,11 @@ public:
     const link_words& link() const { return shown; }
 
 Q_SIGNALS:
-    // The person wants to choose the far end.
-    void choice_wanted();
+    // The person wants to see the links.
+    void links_wanted();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     busy_ring ring;

@@ -78,7 +78,8 @@ TEST(device_chooser, first_start_to_codes_and_the_next_time_without_asking) {
     EXPECT_EQ(car.chooser(), nullptr);
     EXPECT_EQ(car.part<QLabel>("code_count").text(), "2");
 
-    car.part<QToolButton>("change_device").click(); // the list is one click away
+    car.press(Qt::Key_5, Qt::ControlModifier); // the list is one click away in the preferences
+    car.part<QPushButton>("device_change").click();
     ASSERT_TRUE(car.shows_chooser());
     ASSERT_TRUE(car.lists(2));
     EXPECT_EQ(car.selected(), "OBDII, paired, last used");
