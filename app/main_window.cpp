@@ -249,12 +249,22 @@ void main_window::open_links() {
         show_surroundings();
         show_status(QStringLiteral("%1 is used from now on. Start with F5").arg(name));
     });
+    connect(links, &links_sheet::check_wanted, this, &main_window::open_check, Qt::QueuedConnection);
     links->open();
     if (core.options.link == launch_options::link_choice::find && !core.found)
         links->find();
 }
 
+void main_window::open_check() {
+    if (!view || check)
+        return;
+    check = new check_sheet(area, core, delegate, [this] { return current_controller(); });
+    check->open_and_check();
+}
+
 void main_window::refuse_questions() {
+    if (check)
+        check->close_sheet();
     if (links)
         links->close_sheet();
     sheet.refuse();

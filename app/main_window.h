@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/device_chooser.h"
+#include "app/links/check_sheet.h"
 #include "app/links/links_sheet.h"
 #include "app/look/help_panel.h"
 #include "app/look/notice_banner.h"
@@ -77,6 +78,7 @@ private:
     void show_surroundings();
     void toggle_help();
     void open_updates();
+    void open_check();
     void add_vehicle();
     view_context for_screens() { return {core, delegate, delegate.link, *this, *this}; }
     void escape();
@@ -100,6 +102,7 @@ private:
     question_sheet sheet;
     QPointer<device_chooser> chooser;
     QPointer<links_sheet> links;
+    QPointer<check_sheet> check;
     std::unique_ptr<screen_view> view;
 };
 

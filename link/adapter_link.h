@@ -108,6 +108,7 @@ public:
     timers& time_source() const { return clock; }
     // False for an adapter whose link fell at "AT Z" before.
     bool may_be_reset() const { return quirks.may_be_reset(); }
+    void do_not_reset() { quirks.do_not_reset(); }
 
     void l_set_status_msg(const QString& status);
     void l_set_toast_msg(const QString& toast);

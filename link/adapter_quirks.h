@@ -19,6 +19,8 @@ public:
     // The link fell at "AT Z". True when that is news.
     bool link_fell_at_reset();
     bool may_be_reset() const { return !of_current().reset_ends_link; }
+    // That is known from before.
+    void do_not_reset() { known[place.address()].reset_ends_link = true; }
 
     // A command was answered, or was not in all its tries although the adapter had answered others on this
     // link. Only an AT command that never was answered is one it falls silent at, after the second time: the

@@ -76,8 +76,11 @@ QList<adapter_search::candidate> adapter_list::lead_before_opening() {
             candidates += {one.where, one.name};
         return candidates;
     }
+    const known_adapter here = with(place.now()).value_or(known_adapter());
     if (place.interface_kind() == interface_serial && place.serial_speed() == 0)
-        place.take_speed(with(place.now()).value_or(known_adapter()).where.number);
+        place.take_speed(here.where.number);
+    if (here.falls_at_reset)
+        link.do_not_reset();
     return {};
 }
 
@@ -199,6 +202,7 @@ void adapter_list::note_use() {
         if (const QString told = cleaned_name(link.adapter().interface_description()); !told.isEmpty())
             one.greeting = told;
         one.last_used = QDate::currentDate();
+        one.falls_at_reset = !link.may_be_reset();
     });
 }
 

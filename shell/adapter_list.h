@@ -29,6 +29,8 @@ public:
     std::optional<known_adapter> named(const QString& word) const;
     // The link goes there, or will.
     bool is_in_force(const adapter_address& where) const;
+    // The link leads to the demo's car.
+    bool leads_to_demo() const { return is_given && is_demo; }
     // Whatever of the known ones is there is taken.
     bool takes_any() const;
 

@@ -42,7 +42,8 @@ QString line_of(const known_adapter& one) {
                            {QStringLiteral("named"), one.is_named},
                            {QStringLiteral("greeting"), one.greeting},
                            {QStringLiteral("used"), one.last_used.toString(Qt::ISODate)},
-                           {QStringLiteral("vehicles"), vehicles}};
+                           {QStringLiteral("vehicles"), vehicles},
+                           {QStringLiteral("falls_at_reset"), one.falls_at_reset}};
     return QString::fromUtf8(QJsonDocument(told).toJson(QJsonDocument::Compact));
 }
 
@@ -61,6 +62,7 @@ std::optional<known_adapter> known_adapter_of_line(const QString& line) {
     one.name = text("name");
     one.is_named = told[QLatin1String("named")].toBool();
     one.greeting = text("greeting");
+    one.falls_at_reset = told[QLatin1String("falls_at_reset")].toBool();
     one.last_used = QDate::fromString(text("used"), Qt::ISODate);
     for (const QJsonValue id : vehicles) {
         if (id.toInt(-1) <= 0)

@@ -11,11 +11,12 @@ namespace brivant {
 // An adapter that was used on this computer, or that the person has named.
 struct known_adapter {
     adapter_address where;
-    QString name;          // the person's, else what the device calls itself; "" for neither
-    bool is_named = false; // by the person
-    QString greeting;      // what it says that it is: "ELM327 v1.5"; "" while not known
-    QDate last_used;       // invalid: never
-    QList<int> vehicles;   // that prefer it
+    QString name;                // the person's, else what the device calls itself; "" for neither
+    bool is_named = false;       // by the person
+    QString greeting;            // what it says that it is: "ELM327 v1.5"; "" while not known
+    QDate last_used;             // invalid: never
+    QList<int> vehicles;         // that prefer it
+    bool falls_at_reset = false; // it takes its link away with "AT Z"
 
     bool operator==(const known_adapter&) const = default;
 

@@ -28,6 +28,7 @@ public:
         return rows.last();
     }
     void take(const known_adapter& one);
+    void take_place(const adapter_place& place);
     void take(const serial_port& port);
     void take(const bluetooth_device& device);
     void take(const probed_adapter& answer);
@@ -58,6 +59,20 @@ void row_maker::take(const known_adapter& one) {
     if (one.where.kind == interface_serial)
         row.state =
             QFile::exists(one.where.where) ? QStringLiteral("plugged in") : QStringLiteral("not plugged in");
+}
+
+// Where the link goes, known or not.
+void row_maker::take_place(const adapter_place& place) {
+    if (place.now().where.isEmpty())
+        return;
+    link_row& row = row_of(place.now());
+    row.is_likely = true;
+    if (row.name.isEmpty() && place.is_device())
+        row.name = place.device_called();
+    if (adapters.leads_to_demo()) {
+        row.name = QStringLiteral("Demo car");
+        row.what = QStringLiteral("a car and its adapter inside the program");
+    }
 }
 
 void row_maker::take(const serial_port& port) {
@@ -129,6 +144,7 @@ QList<link_row> link_rows(const adapter_list& adapters, const adapter_link& link
     row_maker maker(adapters, link, passports);
     for (const known_adapter& one : adapters.known())
         maker.take(one);
+    maker.take_place(link.place());
     for (const serial_port& port : around.ports)
         maker.take(port);
     for (const bluetooth_device& device : around.devices)

@@ -42,6 +42,10 @@ links_sheet::links_sheet(QWidget& asked_by, program_core& its_core, Bv_lite_dele
         if (const link_row* row = selected())
             tell_unless(adapters.forget(row->where));
     });
+    connect(check, &QPushButton::clicked, this, [this] {
+        close_sheet();
+        Q_EMIT check_wanted();
+    });
     connect(done, &QPushButton::clicked, this, &card_sheet::close_sheet);
     connect(any, &QCheckBox::clicked, this, [this](bool is_on) {
         const adapter_address here = core.place.now();
@@ -93,6 +97,9 @@ void links_sheet::lay_out() {
         QStringLiteral("Ask everywhere where an adapter may be: Wi-Fi, Bluetooth, and the serial ports "
                        "that are known or ticked (F5)"));
     forget = add_button(QStringLiteral("Forget"), "links_forget", false);
+    check = add_button(QStringLiteral("Check..."), "links_check", false);
+    check->setToolTip(
+        QStringLiteral("Find out what the adapter in use can do, and whether it is what it says"));
     use = add_button(QStringLiteral("Use this one"), "links_use", true);
     done = add_button(QStringLiteral("Close"), "links_close", false);
 }
@@ -209,6 +216,7 @@ void links_sheet::show_state() {
     if (!name->hasFocus() || !row)
         name->setText(row ? row->name : QString());
     forget->setEnabled(row && row->is_known);
+    check->setEnabled(row && row->is_in_force);
     any->setChecked(adapters.takes_any());
     any->setEnabled(any->isChecked() || !adapters.known().isEmpty());
     const auto vehicle = vehicle_with_id(core.db, core.car.cur_veh_id());

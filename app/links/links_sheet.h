@@ -29,6 +29,8 @@ public:
 Q_SIGNALS:
     // The adapter of that name is used from now on.
     void chosen(const QString& name);
+    // The adapter in use is to be checked.
+    void check_wanted();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -67,6 +69,7 @@ private:
     QCheckBox* more;
     QPushButton* search;
     QPushButton* use;
+    QPushButton* check;
     QPushButton* forget;
     QPushButton* done;
 };

@@ -55,6 +55,12 @@ prefs_view::prefs_view(const view_context& its_context)
 
 void prefs_view::connect_fields() {
     connect(ui.wifi, &QRadioButton::toggled, this, &prefs_view::savePrefs);
+    connect(ui.other_link, &QRadioButton::toggled, this, &prefs_view::choose_other_link);
+    connect(ui.open_links, &QPushButton::clicked, this, [this] { context.frame.open_links(); });
+    connect(&context.delegate.adapters, &adapter_list::changed, this, [this] {
+        if (settings.changes_link(chosen()))
+            setPrefsScreen(); // another one was chosen there
+    });
     for (QLineEdit* field : {ui.address, ui.port}) {
         connect(field, &QLineEdit::textChanged, this, &prefs_view::show_problems);
         connect(field, &QLineEdit::editingFinished, this, &prefs_view::savePrefs);
@@ -105,7 +111,11 @@ void prefs_view::look_changed() {
 void prefs_view::setPrefsScreen() {
     filling = true;
     const general_settings now = settings.stored();
-    (now.interface_kind == interface_wifi ? ui.wifi : ui.bluetooth)->setChecked(true);
+    QRadioButton& kind = !now.link.isEmpty()                    ? *ui.other_link
+                         : now.interface_kind == interface_wifi ? *ui.wifi
+                                                                : *ui.bluetooth;
+    kind.setChecked(true);
+    other_link = now.link;
     ui.address->setText(now.wifi_ip);
     ui.port->setText(now.wifi_port);
     ui.metric_units->setChecked(now.metric_units);
@@ -125,7 +135,10 @@ void prefs_view::setPrefsScreen() {
 
 general_settings prefs_view::chosen() const {
     general_settings what;
-    what.interface_kind = ui.wifi->isChecked() ? interface_wifi : interface_bluetooth;
+    what.link = ui.other_link->isChecked() ? other_link : QString();
+    what.interface_kind = ui.wifi->isChecked()        ? interface_wifi
+                          : ui.bluetooth->isChecked() ? interface_bluetooth
+                                                      : settings.stored().interface_kind;
     what.wifi_ip = typed_in(ui.address);
     what.wifi_port = typed_in(ui.port);
     what.metric_units = ui.metric_units->isChecked();
@@ -148,6 +161,15 @@ void prefs_view::savePrefs() {
     tell_unless(settings.store(now));
     handle_interface();
     context.frame.settings_changed();
+}
+
+// Which one it is stands in the list of links.
+void prefs_view::choose_other_link(bool is_on) {
+    if (!filling && is_on && other_link.isEmpty()) {
+        setPrefsScreen(); // as before, until one is chosen there
+        return context.frame.open_links();
+    }
+    savePrefs();
 }
 
 void prefs_view::setDefaultsClicked() {
@@ -183,10 +205,22 @@ void prefs_view::handle_interface() {
 void prefs_view::show_device() {
     const adapter_place& place = context.link.place();
     ui.bluetooth_pane->setVisible(ui.bluetooth->isChecked() && place.interface_kind() == interface_bluetooth);
+    ui.other_help->setText(words_of_other_link());
     const QString named = place.last_BT_Device() == place.bt_address()
                               ? place.bt_address()
                               : QStringLiteral("%1 (%2)").arg(place.last_BT_Device(), place.bt_address());
     ui.device_name->setText(place.bt_address().isEmpty() ? QStringLiteral("None chosen yet.") : named);
+}
+
+QString prefs_view::words_of_other_link() const {
+    if (other_link == QLatin1String("any"))
+        return QStringLiteral("Whatever of the known adapters is there.");
+    const auto address = adapter_address::of(other_link);
+    if (!address)
+        return QStringLiteral("Chosen from the list of links, which also finds adapters by itself.");
+    const auto known = context.delegate.adapters.with(*address);
+    return QStringLiteral("%1: %2").arg(word_of_link(address->kind),
+                                        known ? known->called() : address->where);
 }
 
 void prefs_view::show_problems() {

@@ -28,6 +28,8 @@ private:
     void test_connection();
     void setPrefsScreen();
     void savePrefs();
+    void choose_other_link(bool is_on);
+    QString words_of_other_link() const;
     void setDefaultsClicked();
     void set_defaults();
     void handle_interface();
@@ -39,6 +41,7 @@ private:
     const Ui::prefs ui;
     preferences settings;
     bool filling = false;
+    QString other_link; // as it is stored, or was before another kind was chosen
 
     prefs_connection_trial connection;
     pid_chooser& pids;

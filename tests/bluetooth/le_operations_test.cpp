@@ -12,7 +12,8 @@ namespace {
 
 // Without what names the link or the moment.
 QString of_the_car(cli_process& run) {
-    static const QRegularExpression passing("\\d\\d:\\d\\d:\\d\\d(\\.\\d+Z)?|\"messages\":\\[.*?\\](?=[,}])");
+    static const QRegularExpression passing(
+        "\\d\\d:\\d\\d:\\d\\d(\\.\\d+Z)?|\"start\":\\{[^}]*\\}|\"messages\":\\[.*?\\](?=[,}])");
     return QString::fromUtf8(run.out()).remove(passing);
 }
 

@@ -79,6 +79,21 @@ TEST_F(listed_adapters, what_was_used_is_remembered_with_what_it_is) {
     EXPECT_EQ(lines_of(known_adapters_in(lines)), lines.first(1));
 }
 
+TEST_F(listed_adapters, one_that_falls_at_its_reset_is_known_at_the_next_start) {
+    list.use(wifi, "");
+    link.openInterfaceConnection();
+    link.do_not_reset(); // it was found out
+    link.adapter_is_set_up();
+    EXPECT_TRUE(list.with(wifi)->falls_at_reset);
+    adapter_link of_the_next_day{place, found_out, clock, view, [this](const adapter_place&) {
+                                     return std::make_unique<scripted_transport>(written, true);
+                                 }};
+    adapter_list again{profile.defaults, place, of_the_next_day, state};
+    EXPECT_TRUE(of_the_next_day.may_be_reset());
+    of_the_next_day.openInterfaceConnection();
+    EXPECT_FALSE(of_the_next_day.may_be_reset());
+}
+
 TEST_F(listed_adapters, a_vehicle_may_prefer_one) {
     list.use(wifi, "");
     list.use(cable, "");
