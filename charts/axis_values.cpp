@@ -1,5 +1,7 @@
 #include "charts/axis_values.h"
 
+#include "charts/value_text.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -29,17 +31,17 @@ axis_values axis_values::between(double minimum, double maximum, int wanted) {
 }
 
 QString axis_values::text(double value) const {
-    return QString::number(value, 'f', decimals);
+    return in_locale(QString::number(value, 'f', decimals));
 }
 
 QString short_number(double value) {
     const double size = std::fabs(value);
-    return QString::number(value, 'f',
-                           size >= 1000  ? 0
-                           : size >= 100 ? 1
-                           : size >= 10  ? 1
-                           : size >= 1   ? 2
-                                         : 3);
+    return in_locale(QString::number(value, 'f',
+                                     size >= 1000  ? 0
+                                     : size >= 100 ? 1
+                                     : size >= 10  ? 1
+                                     : size >= 1   ? 2
+                                                   : 3));
 }
 
 } // namespace brivant

@@ -230,21 +230,8 @@ QString drawChartyItem::values_at(double ms, const sample_matrix& matrix, const 
     return clock_text(ms, 1) + QStringLiteral("   ") + texts.join(QStringLiteral(", "));
 }
 
-drawChartyItem::value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {
-    const QString text = index < cur_sample_set.size() ? cur_sample_set[index].trimmed() : QString();
-    const value_text none{QStringLiteral("\u2013"), unit_of(label)};
-    if (text == no_reply)
-        return none;
-    if (text.isEmpty())
-        return std::isnan(value) ? none : value_text{short_number(value), unit_of(label)};
-    const QString number = text.section(u' ', 0, 0);
-    bool is_number = false;
-    const double read = number.toDouble(&is_number);
-    if (!is_number)
-        return {text, QString()};
-    if (!std::isfinite(read))
-        return none; // the economy of a standing engine
-    return {number, text.contains(u' ') ? text.section(u' ', 1).trimmed() : unit_of(label)};
+value_text drawChartyItem::latest(int index, const chart_label& label, double value) const {
+    return shown_value(cur_sample_set.value(index), value, unit_of(label));
 }
 
 QString drawChartyItem::in_words(const chart_labels& labels) const {

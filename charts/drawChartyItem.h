@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/series_plot.h"
+#include "charts/value_text.h"
 
 #include <QColor>
 #include <QImage>
@@ -105,10 +106,6 @@ private:
         double minimum;
         double maximum;
         bool is_inverted() const { return maximum < minimum; }
-    };
-    struct value_text {
-        QString number;
-        QString unit;
     };
 
     plot_range shown_range(const sample_matrix& matrix) const;

@@ -13,8 +13,6 @@ namespace brivant {
 
 namespace {
 
-const QString family = QStringLiteral("Arial");
-
 constexpr QRgb ground_top = 0xff28323e;
 constexpr QRgb ground_bottom = 0xff12171d;
 constexpr QRgb plot_ground = 0x38000000;
@@ -94,11 +92,11 @@ void drawChartyItem::draw_grid(const chart_labels& labels, const QString& this_t
     if (is_thumbnail) {
         draw_grid_lines(painter, {0, 0});
         const QString name = columns.isEmpty() ? this_title : labels[columns.constFirst()].name;
-        write_in(painter, picture_font(family, 12), text, {pad, size.height() - foot() - 23}, name,
+        write_in(painter, picture_font(12), text, {pad, size.height() - foot() - 23}, name,
                  size.width() - 2 * pad);
         return;
     }
-    write_in(painter, picture_font(family, 15, QFont::DemiBold), text, {pad + 2, size.height() - foot() - 32},
+    write_in(painter, picture_font(15, QFont::DemiBold), text, {pad + 2, size.height() - foot() - 32},
              this_title, size.width() - 2 * pad);
     draw_grid_lines(painter, columns.isEmpty() ? value_range{0, 0} : axis_ends(labels[columns.constFirst()]));
     double x_guide = drawSizes.left();
@@ -177,7 +175,7 @@ double drawChartyItem::crisp(double logical) const {
 // A run of which no time is known has its sweep numbers there.
 void drawChartyItem::draw_time_lines(picture_painter& painter, const plot_range& range, bool is_known) const {
     const QRectF plot = painter.area(drawSizes);
-    const QFont font = picture_font(family, axis_font);
+    const QFont font = picture_font(axis_font);
     painter.setFont(font);
     const int wanted = std::max(1, static_cast<int>(plot.width() / pixels_per_time));
     const time_axis axis = time_axis::between(range.from, range.to, wanted);
@@ -202,7 +200,7 @@ void drawChartyItem::draw_time_lines(picture_painter& painter, const plot_range&
 }
 
 double drawChartyItem::get_width_of_axis_label(double cur_max, double cur_min) {
-    const QFont font = picture_font(family, axis_font);
+    const QFont font = picture_font(axis_font);
     const axis_values axis = axis_values::between(cur_min, cur_max, 5);
     return 14 + std::max(text_width(font, axis.text(cur_max)), text_width(font, axis.text(cur_min)));
 }
@@ -211,7 +209,7 @@ double drawChartyItem::get_width_of_axis_label(double cur_max, double cur_min) {
 void drawChartyItem::print_axis_values_4_grid(picture_painter& painter, double cur_max, double cur_min,
                                               const chart_label& cur_label, double x_guide,
                                               int this_idx) const {
-    const QFont font = picture_font(family, axis_font);
+    const QFont font = picture_font(axis_font);
     painter.setFont(font);
     const QColor ink = is_group() ? setMyColor(this_idx) : colour(dim);
     const int wanted = values_beside(drawSizes.height());
@@ -231,11 +229,11 @@ void drawChartyItem::print_axis_values_4_grid(picture_painter& painter, double c
 // `first`, `last`: counted from 1. The last row of a run that goes on is the sweep under way.
 void drawChartyItem::print_sweep_numbers(picture_painter& painter, qsizetype first, qsizetype last,
                                          bool has_points) const {
-    const QFont font = picture_font(family, axis_font);
+    const QFont font = picture_font(axis_font);
     painter.setFont(font);
     painter.setPen(colour(dim));
     if (!has_points) {
-        painter.setFont(picture_font(family, 15));
+        painter.setFont(picture_font(15));
         painter.write_centred(drawSizes.center().x(), drawSizes.center().y(),
                               QStringLiteral("No values yet"));
         return;
@@ -279,14 +277,14 @@ void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box,
     const double width = box.width() - 22;
     const bool is_large = box.height() >= 110;
     if (box.height() >= 32)
-        write_in(painter, fitting_font(family, is_large ? 14 : 11, QFont::Normal, label.name, width, 11),
-                 text, {left, box.bottom() - (is_large ? 30 : 17)}, label.name, width);
+        write_in(painter, fitting_font(is_large ? 14 : 11, QFont::Normal, label.name, width, 11), text,
+                 {left, box.bottom() - (is_large ? 30 : 17)}, label.name, width);
 
-    const QFont unit_font = picture_font(family, is_large ? 15 : 12);
+    const QFont unit_font = picture_font(is_large ? 15 : 12);
     const double beside = is_large ? 0 : text_width(unit_font, shown.unit) + 8;
     const double largest = is_large ? 36 : std::clamp(box.height() - 22, 13.0, 24.0);
     const QFont number_font =
-        fitting_font(family, largest, QFont::Bold, shown.number, std::max(width / 2, width - beside), 12);
+        fitting_font(largest, QFont::Bold, shown.number, std::max(width / 2, width - beside), 12);
     const double bottom = is_large ? box.bottom() - 78 : box.top() + box.height() * 0.06;
     write_in(painter, number_font, bright, {left, bottom}, shown.number, width);
     const double used = is_large ? 0 : text_width(number_font, shown.number) + 8;
@@ -294,7 +292,7 @@ void drawChartyItem::draw_value_box(picture_painter& painter, const QRectF& box,
              width - used);
 
     if (box.height() >= box_with_extremes && !values.empty()) {
-        const QFont font = picture_font(family, 13);
+        const QFont font = picture_font(13);
         write_in(painter, font, dim, {left, box.top() + 24},
                  QStringLiteral("Max  ") + short_number(values.maximum), width);
         write_in(painter, font, dim, {left, box.top() + 7},
@@ -307,8 +305,8 @@ void drawChartyItem::display_value_4_thumbnail(picture_painter& painter, int col
     const QSizeF size = image.deviceIndependentSize();
     const value_text shown = latest(column, label, value);
     const double width = size.width() - 2 * pad;
-    const QFont unit_font = picture_font(family, 12);
-    const QFont number_font = fitting_font(family, 20, QFont::Bold, shown.number, width, 12);
+    const QFont unit_font = picture_font(12);
+    const QFont number_font = fitting_font(20, QFont::Bold, shown.number, width, 12);
     const double bottom = size.height() - foot() - head_of_thumbnail + 3;
     painter.setFont(number_font);
     painter.setPen(setMyColor(column));

@@ -33,8 +33,8 @@ QPointF from_above(double x, double y) {
 
 enum class weight { plain, bold };
 
-QFont arial(double pixels, weight its_weight) {
-    QFont font(QStringLiteral("Arial"));
+QFont letters(double pixels, weight its_weight) {
+    QFont font;
     font.setPixelSize(std::max(1, qRound(pixels)));
     font.setBold(its_weight == weight::bold);
     return font;
@@ -46,7 +46,7 @@ void write(QPainter& painter, QPointF lower_left, const QString& text, double si
     const QTransform to_device = painter.transform();
     painter.save();
     painter.resetTransform();
-    painter.setFont(arial(size * to_device.m11(), its_weight));
+    painter.setFont(letters(size * to_device.m11(), its_weight));
     painter.setPen(colour);
     painter.drawText(to_device.map(lower_left).toPoint(), text);
     painter.restore();
@@ -155,7 +155,7 @@ void draw_value(QPainter& painter, const o2_sensor_place& sensor, const QString&
                 const o2_picture_look& look) {
     constexpr double size = 12;
     const QPointF left = from_above(sensor.value_x, sensor.value_y);
-    const QFontMetricsF metrics(arial(size, weight::bold));
+    const QFontMetricsF metrics(letters(size, weight::bold));
     const QRectF words(left.x(), left.y() - 9, metrics.horizontalAdvance(text), 10);
     QColor plate = look.plate;
     plate.setAlphaF(0.88F);

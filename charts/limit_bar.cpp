@@ -38,8 +38,8 @@ limits_told read_triple(const QString& limits) {
     return told;
 }
 
-QFont font(const char* family, int points) {
-    QFont chosen{QLatin1String(family)};
+QFont font(int points) {
+    QFont chosen;
     chosen.setPixelSize(points);
     return chosen;
 }
@@ -100,14 +100,14 @@ QImage draw_the_mode6_cues(const QString& limits, QSize size, const limit_bar_lo
                      QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                                       static_cast<float>(color.blue), static_cast<float>(color.alpha)));
 
-    painter.setFont(font("Verdana", 8));
+    painter.setFont(font(8));
     if (row.is_can) {
         draw_tick(painter, minimum_at, y, QStringLiteral("Min"));
         draw_tick(painter, maximum_at, y, QStringLiteral("Max"));
     } else {
         draw_tick(painter, limit_at, y, QStringLiteral("Limit"));
     }
-    painter.setFont(font("Arial", 11));
+    painter.setFont(font(11));
     const double text_x = std::clamp(x - 30, 0.0, std::max(0.0, size.width() - 60.0));
     painter.drawText(QRectF(text_x, y - 18, 60, 14), Qt::AlignHCenter | Qt::AlignBottom,
                      formatForDisplay(row.value));

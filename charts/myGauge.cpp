@@ -1,6 +1,8 @@
 #include "charts/myGauge.h"
 
+#include "charts/gauge_dial.h"
 #include "charts/picture.h"
+#include "charts/value_text.h"
 #include "toolkit/mac_toolies.h"
 
 #include <QPainterPath>
@@ -23,15 +25,12 @@ constexpr double needle_length = 140;
 constexpr double side_point = 0.7; // of the needle's width
 constexpr double hub_radius = 22;
 constexpr double shadow_blur = 10;
-constexpr double name_margin = 12;
 constexpr double scale_font_size = 30;
 
 const QColor needle_lit = QColor::fromRgbF(1, 0.12549019607843137f, 0.12549019607843137f, 0.9f);
 const QColor needle_shaded = QColor::fromRgbF(1, 0.18823529411764706f, 0.18823529411764706f, 0.9f);
 const QColor hub_grey = QColor::fromRgbF(0.5333333333333333f, 0.5333333333333333f, 0.5333333333333333f, 0.8f);
-const QColor name_green = QColor::fromRgbF(0.34509803921568627f, 0.9803921568627451f, 0.5098039215686274f);
 const QColor under_hub(0x16, 0x1b, 0x20);
-const QColor under_name(0x10, 0x14, 0x19, 0xb0);
 
 // A scale number: its lower-left corner, or the middle of its lower edge.
 struct number_place {
@@ -54,11 +53,11 @@ constexpr std::array<number_place, 11> number_places{{{100, 24, false},
 QString scale_number(int index, int lowest, int highest) {
     const double value = lowest + index * (highest - lowest) / 10.0;
     return highest - lowest >= 10 ? QString::number(static_cast<int>(std::trunc(value)))
-                                  : QString::number(value, 'f', 1);
+                                  : in_locale(QString::number(value, 'f', 1));
 }
 
 QFont scale_font() {
-    return picture_font(QStringLiteral("Arial"), scale_font_size);
+    return picture_font(scale_font_size);
 }
 
 // Smaller where it would run into the numbers at the ends of the scale. Leaves the painter with the scale's
@@ -72,38 +71,10 @@ void write_unit(picture_painter& painter, double middle, const QString& unit, in
         number_places.back().x - text_width(scale_font(), scale_number(10, lowest, highest)) / 2;
     const double room = 2 * (std::min(middle - first_ends, last_begins - middle) - gap);
     painter.setPen(Qt::yellow);
-    painter.setFont(
-        fitting_font(scale_font().family(), scale_font_size, QFont::Normal, unit.trimmed(), room, smallest));
+    painter.setFont(fitting_font(scale_font_size, QFont::Normal, unit.trimmed(), room, smallest));
     painter.write_centred(middle, 15, unit.trimmed());
     painter.setFont(scale_font());
 }
-
-// Lies partly over the ends of the scale, so it has a ground of its own, which the unit stands on as well.
-class name_plate {
-public:
-    name_plate(const QString& its_name, double face_width)
-        : middle(face_width / 2), width(face_width - 2 * name_margin),
-          font(fitting_font(QStringLiteral("Helvetica"), 20, QFont::Bold, its_name, width, 14)),
-          name(elided(font, its_name, width)) {}
-
-    void draw_ground(picture_painter& painter) const {
-        const double half = (text_width(font, name) + name_margin) / 2;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(under_name);
-        painter.drawRoundedRect(painter.area(middle - half, 2, 2 * half, 18), 5, 5);
-    }
-    void write(picture_painter& painter) const {
-        painter.setFont(font);
-        painter.setPen(name_green);
-        painter.write_centred(middle, 0, name);
-    }
-
-private:
-    double middle;
-    double width;
-    QFont font;
-    QString name;
-};
 
 // The art at twice its size, so that it is sharp on every screen.
 QImage artwork(const QString& name) {
@@ -164,6 +135,7 @@ gauge_needle gauge_needle_for(QPointF at, double this_val, double alpha_min, dou
 
 void myGauge::initGauge(const QString& pid) {
     cur_PID = pid_of(pid);
+    peak = std::numeric_limits<double>::quiet_NaN();
     draw_face();
     draw_cur_needle_value(toolies.get_PID_min_max(cur_PID, false));
 }
@@ -185,10 +157,11 @@ void myGauge::set_pixel_ratio(double pixels) {
 }
 
 void myGauge::draw_face() {
-    static const QImage background = artwork(QStringLiteral("gauge_empty_no_numbers@2x.gif"));
     gaugeSize = face_size.width();
     image_without_needle = blank_picture(face_size, ratio);
-    picture_painter(image_without_needle).drawImage(QRectF({0, 0}, face_size), background);
+    picture_painter painter(image_without_needle);
+    draw_gauge_dial(painter);
+    painter.end();
     work_out_base_gauge();
 }
 
@@ -213,12 +186,13 @@ void myGauge::work_out_base_gauge() {
         else
             painter.write({place.x, place.y}, text);
     }
-    const name_plate plate(toolies.get_pid_name_with_pid(cur_PID), gaugeSize);
-    plate.draw_ground(painter);
     write_unit(painter, gaugeSize / 2, toolies.shown_units(cur_PID), range_lo, range_hi);
-    if (range_scaling != 1)
-        painter.write_centred(gaugeSize / 2, 45, QStringLiteral("x %1").arg(range_scaling));
-    plate.write(painter);
+    if (range_scaling != 1) {
+        constexpr double between_needles = 84; // that lie at the ends of the scale
+        const QString times = QStringLiteral("x %1").arg(range_scaling);
+        painter.setFont(fitting_font(scale_font_size, QFont::Normal, times, between_needles, 14));
+        painter.write_centred(gaugeSize / 2, 45, times);
+    }
 }
 
 void myGauge::draw_cur_needle_value(double value) {
@@ -234,6 +208,12 @@ void myGauge::draw_gauge_needle_raw(double at_x, double at_y, double this_val, d
                                     double alpha_max, double min_val, double max_val, double needle_w,
                                     double needle_h) {
     picture_painter painter(image);
+    if (std::isfinite(peak)) {
+        const double shown = std::clamp(peak / range_scaling, min_val, max_val);
+        draw_gauge_peak(painter, gauge_needle_for({at_x, at_y}, shown, alpha_min, alpha_max, min_val, max_val,
+                                                  needle_w, needle_h)
+                                     .angle);
+    }
     if (std::isfinite(this_val)) {
         const gauge_needle needle = gauge_needle_for({at_x, at_y}, this_val, alpha_min, alpha_max, min_val,
                                                      max_val, needle_w, needle_h);

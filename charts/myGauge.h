@@ -24,7 +24,8 @@ struct gauge_needle {
 gauge_needle gauge_needle_for(QPointF centre, double this_val, double alpha_min, double alpha_max,
                               double min_val, double max_val, double needle_w, double needle_h);
 
-// The dial of one PID. The face is drawn once a PID; a new value copies it and draws the needle on the copy.
+// The dial of one PID; its name and its value stand outside of it. The face is drawn once a PID; a new value
+// copies it and draws the needle on the copy.
 class myGauge {
 public:
     // The toolkit outlives the gauge.
@@ -37,6 +38,8 @@ public:
     // Pixels of the screen to one of the gauge's own (it is 364 wide): draws face and needle anew when it
     // differs.
     void set_pixel_ratio(double pixels);
+    // A mark at the largest value so far, from the next needle on; NaN for none.
+    void set_peak(double value) { peak = value; }
     // The value in the PID's unit. NaN takes the needle away.
     void draw_cur_needle_value(double value);
 
@@ -60,6 +63,7 @@ private:
     int range_hi = 100;
     int range_scaling = 1;
     double ratio = 1;
+    double peak = std::numeric_limits<double>::quiet_NaN();
     QImage image_without_needle;
     QImage image;
     double last_OBD_val = std::numeric_limits<double>::quiet_NaN();

@@ -1,5 +1,6 @@
 #include "charts/picture.h"
 
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <algorithm>
 #include <cmath>
@@ -28,19 +29,23 @@ void picture_painter::write_centred(double x, double y, const QString& text) {
     write({x - text_width(font(), text) / 2, y}, text);
 }
 
-QFont picture_font(const QString& family, double pixels, int weight) {
-    QFont font(family);
+QFont picture_font(double pixels, int weight) {
+    QFont font;
     font.setPixelSize(std::max(1, static_cast<int>(std::lround(pixels))));
     font.setWeight(static_cast<QFont::Weight>(weight));
     return font;
 }
 
-QFont fitting_font(const QString& family, double pixels, int weight, const QString& text, double width,
-                   double smallest) {
-    QFont font = picture_font(family, pixels, weight);
+QFont fitting_font(double pixels, int weight, const QString& text, double width, double smallest) {
+    QFont font = picture_font(pixels, weight);
     while (pixels > smallest && text_width(font, text) > width)
-        font = picture_font(family, --pixels, weight);
+        font = picture_font(--pixels, weight);
     return font;
+}
+
+double growth_for(const QFont& body) {
+    constexpr double laid_out_for = 13; // pixels
+    return std::max(1.0, QFontInfo(body).pixelSize() / laid_out_for);
 }
 
 double text_width(const QFont& font, const QString& text) {

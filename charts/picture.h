@@ -38,11 +38,13 @@ private:
     double height; // of y 0 below the upper edge
 };
 
-// `pixels`: the height of the font, as a size in points on a screen of 72 points an inch.
-QFont picture_font(const QString& family, double pixels, int weight = QFont::Normal);
+// The letters of the system. `pixels`: their height, as a size in points on a screen of 72 points an inch.
+QFont picture_font(double pixels, int weight = QFont::Normal);
 // The same, smaller down to `smallest` where the text would be wider than `width`.
-QFont fitting_font(const QString& family, double pixels, int weight, const QString& text, double width,
-                   double smallest);
+QFont fitting_font(double pixels, int weight, const QString& text, double width, double smallest);
+// How much larger than it is laid out a picture is drawn, so that its text is as large as `body` asks for; at
+// least 1.
+double growth_for(const QFont& body);
 double text_width(const QFont& font, const QString& text);
 QString elided(const QFont& font, const QString& text, double width);
 

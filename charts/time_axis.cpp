@@ -1,5 +1,6 @@
 #include "charts/time_axis.h"
 
+#include <QLocale>
 #include <array>
 #include <cmath>
 
@@ -42,7 +43,8 @@ QString clock_text(double ms, int decimals) {
     const qint64 seconds = whole_ms / 1000;
     const QString below_minute =
         QStringLiteral("%1").arg(seconds % minute_s, 2, 10, QChar(u'0')) +
-        (decimals > 0 ? u'.' + QStringLiteral("%1").arg(whole_ms % 1000, 3, 10, QChar(u'0')).left(decimals)
+        (decimals > 0 ? QLocale().decimalPoint() +
+                            QStringLiteral("%1").arg(whole_ms % 1000, 3, 10, QChar(u'0')).left(decimals)
                       : QString());
     const qint64 minutes = seconds / minute_s % minute_s;
     if (seconds < hour_s)

@@ -1,8 +1,9 @@
 #include "app/livedata/actions_view.h"
 
+#include "app/livedata/words_before_values.h"
 #include "app/screen/reading_choice.h"
+#include "charts/picture.h"
 #include "livedata/second_value.h"
-#include "obd/supported_pids.h"
 
 #include <QEvent>
 #include <QShortcut>
@@ -13,28 +14,7 @@ namespace brivant {
 namespace {
 
 constexpr int empty_icon_size = 32;
-constexpr int widest_gauges = 256;
 constexpr int narrowest_gauges = 144;
-
-// What is said before the first run of a mode.
-QString invitation(int mode) {
-    switch (mode) {
-    case op_fuel:
-        return QStringLiteral(
-            "Press Start (F5) with the engine running: fuel economy from speed and air flow.");
-    case op_boost:
-        return QStringLiteral(
-            "Press Start (F5) with the engine running: boost from the pressure in the intake "
-            "manifold, with fuel trims and fuel pressure.");
-    case op_o2_layout:
-        return QStringLiteral(
-            "Press Start (F5) with the engine warm and running: the oxygen sensors in the exhaust, "
-            "with their voltages.");
-    default:
-        return QStringLiteral(
-            "Press Start (F5) with the ignition on. Under PIDs you choose what the car is asked.");
-    }
-}
 
 void keep_room(QWidget& widget, bool also_hidden) {
     QSizePolicy policy = widget.sizePolicy();
@@ -140,9 +120,9 @@ void actions_view::reload(part what) {
 // The gauges are as wide as their height asks for; the chart takes the rest.
 bool actions_view::eventFilter(QObject* watched, QEvent* event) {
     if (watched == ui.gauges && event->type() == QEvent::Resize) {
-        const int wanted = (ui.gauges->height() - theme::step) / 2 * gauge_picture::face.width() /
-                           gauge_picture::face.height();
-        ui.gauges->setFixedWidth(std::clamp(wanted, narrowest_gauges, widest_gauges));
+        const int wanted = ui.gauge_1->width_for((ui.gauges->height() - theme::step) / 2);
+        const int least = qRound(narrowest_gauges * growth_for(font()));
+        ui.gauges->setFixedWidth(std::clamp(wanted, least, std::max(least, width() / 3)));
     }
     return screen_view::eventFilter(watched, event);
 }
@@ -186,9 +166,9 @@ void actions_view::sample_arrived(int index) {
     if (shown.in_chart(index))
         ui.chart->set_stale();
     if (index == shown.chart)
-        ui.gauge_1->set_value(row);
+        ui.gauge_1->set_value(row, peak_of(index));
     if (index == shown.gauge_2)
-        ui.gauge_2->set_value(row);
+        ui.gauge_2->set_value(row, peak_of(index));
     pace.ask();
 }
 
@@ -238,14 +218,19 @@ void actions_view::mark() {
     pace.ask();
 }
 
+double actions_view::peak_of(int index) const {
+    const series_summary seen = results.cur_log_points.extremes_with_first(index);
+    return seen.empty() ? qQNaN() : seen.maximum;
+}
+
 void actions_view::fill_gauges() {
     const bool has_first = shown.chart < results.these_samples.size();
     ui.gauge_1->setVisible(has_first);
     ui.gauge_2->setVisible(shown.gauge_2 >= 0);
     if (has_first)
-        ui.gauge_1->show_sample(results.these_samples.at(shown.chart));
+        ui.gauge_1->show_sample(results.these_samples.at(shown.chart), peak_of(shown.chart));
     if (shown.gauge_2 >= 0)
-        ui.gauge_2->show_sample(results.these_samples.at(shown.gauge_2));
+        ui.gauge_2->show_sample(results.these_samples.at(shown.gauge_2), peak_of(shown.gauge_2));
 }
 
 // --- one frame ---------------------------------------------------------------------------------------------
@@ -293,7 +278,7 @@ void actions_view::show_page() {
     else
         ui.chart_stack->setCurrentWidget(filled ? ui.chart : ui.empty_page);
     if (ui.chart_stack->currentWidget() == ui.empty_page)
-        ui.empty_text->setText(empty_words());
+        ui.empty_text->setText(words_before_values(context, run_controller, ran));
     ui.swap->setVisible(results.mode == op_o2_layout);
     ui.swap->setEnabled(has_picture);
     ui.swap->setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
@@ -309,40 +294,6 @@ void actions_view::show_chart_name() {
             names += results.these_samples.at(index).name;
     }
     ui.chart_name->set_text(names.join(QStringLiteral(", ")));
-}
-
-QString actions_view::empty_words() const {
-    if (run_controller.is_running())
-        return context.core.adapter.adapter_ready()
-                   ? QStringLiteral("The car is being asked ...")
-                   : QStringLiteral(
-                         "The link is opened and the adapter set up. This can take half a minute ...");
-    if (!ran)
-        return invitation(results.mode);
-    const QString missing = missing_pids();
-    if (!missing.isEmpty())
-        return QStringLiteral(
-                   "This mode needs what the car does not report: %1. Log Run shows the values that it "
-                   "has.")
-            .arg(missing);
-    return QStringLiteral(
-        "The run ended before the first value came. Turn the ignition on and press Start (F5).");
-}
-
-QString actions_view::missing_pids() const {
-    if (results.mode != op_fuel && results.mode != op_boost)
-        return {};
-    QStringList missing;
-    for (const QString& item : std::as_const(results.pid_logitems_list)) {
-        const auto entry = split_sample_item(item);
-        if (!entry || entry->pid == QLatin1String("E4"))
-            continue;
-        const QString pid = requested_pid(entry->pid);
-        if (!isPID_in_avail_pid_list(context.core.car.available_pids(), {pid, entry->header},
-                                     context.core.adapter.cur_protocol()))
-            missing += QStringLiteral("%1 (%2)").arg(toolies.get_pid_name_with_pid(pid).trimmed(), pid);
-    }
-    return missing.join(QStringLiteral(", "));
 }
 
 } // namespace brivant

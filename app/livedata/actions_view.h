@@ -45,6 +45,7 @@ private:
     void choose_gauge(int index);
     void swap_picture();
     void mark();
+    double peak_of(int index) const;
     void fill_gauges();
 
     // One frame.
@@ -54,8 +55,6 @@ private:
     void show_chart_name();
     void zoom();
     bool has_samples() const;
-    QString empty_words() const;
-    QString missing_pids() const;
 
     const Ui::actions_view ui;
     mac_toolies& toolies;

@@ -2,6 +2,7 @@
 
 #include "app/look/theme.h"
 
+#include <QFontInfo>
 #include <QPainterPath>
 
 namespace brivant {
@@ -19,6 +20,12 @@ QPixmap rounded_picture(const QImage& image, const QSize& room, double ratio) {
     outline.addRoundedRect(place, theme::step, theme::step);
     painter.setClipPath(outline);
     painter.drawImage(place, image);
+    return result;
+}
+
+QFont sized(const QFont& font, double times) {
+    QFont result = font;
+    result.setPixelSize(std::max(1, qRound(QFontInfo(font).pixelSize() * times)));
     return result;
 }
 

@@ -1,5 +1,7 @@
 #include "app/pictures/chart_picture.h"
 
+#include "charts/picture.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -52,13 +54,34 @@ void chart_picture::show_between(double from, double to, const QString& its_titl
     stale = true;
 }
 
+void chart_picture::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        stale = true;
+        update();
+    }
+}
+
+QRectF chart_picture::plot_area() const {
+    const QRectF plot = item->plot_area();
+    return {plot.topLeft() * growth, plot.size() * growth};
+}
+
+QList<drawChartyItem::dot> chart_picture::dots_at(double ms) const {
+    QList<drawChartyItem::dot> dots = item->dots_at(ms, pictures->results.cur_log_points, pictures->labels);
+    for (drawChartyItem::dot& dot : dots)
+        dot.place *= growth;
+    return dots;
+}
+
 void chart_picture::draw_new() {
     if (stale && isVisible())
         update();
 }
 
 void chart_picture::draw_chart(double ratio) {
-    item->initWitdim(size(), objectName(), ratio);
+    growth = growth_for(font());
+    item->initWitdim(QSizeF(size()) / growth, objectName(), ratio * growth);
     item->update_cur_sample(pictures->value_texts);
     item->draw_grid(pictures->labels, title);
     item->plot_array_list(pictures->results.cur_log_points, pictures->labels);
@@ -75,7 +98,7 @@ void chart_picture::draw_marks(QPainter& painter) const {
         const auto way = item->x_of(mark.ms, pictures->results.cur_log_points);
         if (!way)
             continue;
-        const double x = plot.left() + *way;
+        const double x = plot.left() + *way * growth;
         painter.setPen(QPen(mark_ink, 1, Qt::DashLine));
         painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
         const QString word = metrics.elidedText(mark.text, Qt::ElideRight, widest_word);
@@ -93,7 +116,7 @@ void chart_picture::draw_marks(QPainter& painter) const {
 void chart_picture::draw_reading(QPainter& painter) const {
     const QRectF plot = plot_area();
     const sample_matrix& samples = pictures->results.cur_log_points;
-    const auto ms = pointer_x ? item->moment_at(*pointer_x - plot.left(), samples) : std::nullopt;
+    const auto ms = pointer_x ? item->moment_at((*pointer_x - plot.left()) / growth, samples) : std::nullopt;
     if (!ms)
         return;
     painter.setPen(QPen(reading_ink, 1));
@@ -133,13 +156,13 @@ void chart_picture::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double ratio = painter.device()->devicePixelRatioF();
-    if (stale || item->imageRepresentation().devicePixelRatio() != ratio)
+    if (stale || item->imageRepresentation().devicePixelRatio() != ratio * growth)
         draw_chart(ratio);
     stale = false;
     QPainterPath round;
     round.addRoundedRect(rect(), corner, corner);
     painter.setClipPath(round);
-    painter.drawImage(QPointF(0, 0), item->imageRepresentation());
+    painter.drawImage(QRectF(rect()), item->imageRepresentation());
     draw_marks(painter);
     draw_reading(painter);
 }

@@ -29,12 +29,11 @@ public:
 
 protected:
     // Where the widget shows the series.
-    QRectF plot_area() const { return item->plot_area(); }
+    QRectF plot_area() const;
     const sample_times& times() const { return pictures->results.cur_log_points.times(); }
-    QList<drawChartyItem::dot> dots_at(double ms) const {
-        return item->dots_at(ms, pictures->results.cur_log_points, pictures->labels);
-    }
+    QList<drawChartyItem::dot> dots_at(double ms) const;
     void paintEvent(QPaintEvent*) override;
+    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent*) override { stale = true; }
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -46,6 +45,7 @@ private:
 
     const run_pictures* pictures = nullptr;
     std::optional<drawChartyItem> item;
+    double growth = 1; // of the item, by the font
     qsizetype shown_points = -1;
     double shown_from = 0;
     double shown_to = 0;

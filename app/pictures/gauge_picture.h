@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/myGauge.h"
+#include "charts/value_text.h"
 #include "livedata/live_results.h"
 
 #include <QWidget>
@@ -8,30 +9,35 @@
 
 namespace brivant {
 
-// Shows the gauge of one PID, as large as its room allows.
+// Shows the gauge of one PID, as large as its room allows, with its name above and its value below.
 class gauge_picture : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr QSize face{364, 286};
-
     explicit gauge_picture(QWidget* parent = nullptr);
 
     // The toolkit outlives it.
     void set_up(const mac_toolies& toolies);
-    // Shows this PID, with its latest value.
-    void show_sample(const sample_row& row);
+    // Shows this PID, with its latest value and the largest one so far (NaN for none).
+    void show_sample(const sample_row& row, double peak);
     // A new value of the PID; draw_new() shows it.
-    void set_value(const sample_row& row);
+    void set_value(const sample_row& row, double peak);
     void draw_new();
+    // How wide it is best when it is that high.
+    int width_for(int height) const;
 
 protected:
     void paintEvent(QPaintEvent*) override;
 
 private:
-    QRectF place() const;
+    int name_height() const;
+    int value_height() const;
+    QRectF dial_place() const;
+    void draw_words(QPainter& painter, const QRectF& dial) const;
 
     std::optional<myGauge> gauge;
+    QString name;
+    value_text shown;
     double value = 0;
     bool has_value = false; // until then the needle is at rest
     bool stale = false;

@@ -75,9 +75,15 @@ void thumb_strip::draw_new() {
 
 // The scroll bar takes its room only where there is one.
 void thumb_strip::fit_height() {
-    const int wanted =
-        static_cast<int>(thumbs.size()) * (thumbnail::whole_size.width() + theme::step) - theme::step;
-    setFixedHeight(thumbnail::whole_size.height() + (wanted > width() ? scroll_bar_room : 0));
+    const QSize each = thumbnail::whole_size(font());
+    const int wanted = static_cast<int>(thumbs.size()) * (each.width() + theme::step) - theme::step;
+    setFixedHeight(each.height() + (wanted > width() ? scroll_bar_room : 0));
+}
+
+void thumb_strip::changeEvent(QEvent* event) {
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fit_height();
 }
 
 void thumb_strip::resizeEvent(QResizeEvent* event) {

@@ -33,6 +33,7 @@ Q_SIGNALS:
 protected:
     void wheelEvent(QWheelEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void add(const run_pictures& pictures, int index);

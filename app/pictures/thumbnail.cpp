@@ -1,6 +1,7 @@
 #include "app/pictures/thumbnail.h"
 
 #include "charts/axis_values.h"
+#include "charts/picture.h"
 #include "toolkit/mac_toolies.h"
 
 #include <QContextMenuEvent>
@@ -12,7 +13,8 @@ namespace brivant {
 
 namespace {
 
-constexpr int foot_height = 24;
+constexpr QSize laid_out(184, 124);
+constexpr int foot_of_layout = 24;
 constexpr int mark_size = 12;
 constexpr double corner = 8;
 
@@ -38,7 +40,7 @@ void shown_samples::toggle(int index) {
 
 thumbnail::thumbnail(const run_pictures& its_pictures, int its_index, QWidget* parent)
     : QAbstractButton(parent), pictures(its_pictures), index(its_index), item(its_pictures.toolies) {
-    setFixedSize(whole_size);
+    setFixedSize(whole_size(font()));
     setFocusPolicy(Qt::ClickFocus);
     setCursor(Qt::PointingHandCursor);
     item.setThumbnail(true);
@@ -89,8 +91,9 @@ void thumbnail::draw_new() {
 // --- the picture -------------------------------------------------------------------------------------------
 
 void thumbnail::draw_chart(double ratio) {
-    const QSize room(width(), height() - foot_height);
-    item.initWitdim(room, objectName(), ratio);
+    const double growth = growth_for(font());
+    const QSizeF room(width(), height() - foot_height());
+    item.initWitdim(room / growth, objectName(), ratio * growth);
     item.set_thumb_selected(charted);
     item.update_cur_sample(pictures.value_texts);
     item.draw_grid(pictures.labels, row().name);
@@ -104,21 +107,40 @@ QString thumbnail::extremes() const {
                : QStringLiteral("min %1  max %2").arg(short_number(seen.minimum), short_number(seen.maximum));
 }
 
+QSize thumbnail::whole_size(const QFont& font) {
+    return (QSizeF(laid_out) * growth_for(font)).toSize();
+}
+
+int thumbnail::foot_height() const {
+    return qRound(foot_of_layout * growth_for(font()));
+}
+
+void thumbnail::changeEvent(QEvent* event) {
+    QAbstractButton::changeEvent(event);
+    if (event->type() != QEvent::FontChange)
+        return;
+    setFixedSize(whole_size(font()));
+    stale = true;
+}
+
 QRect thumbnail::menu_place() const {
-    return {width() - foot_height - 4, height() - foot_height, foot_height + 4, foot_height};
+    const int foot = foot_height();
+    return {width() - foot - 4, height() - foot, foot + 4, foot};
 }
 
 void thumbnail::draw_foot(QPainter& painter) {
     painter.setFont(theme::small(font()));
     painter.setPen(look.muted);
-    const QRect foot(4, height() - foot_height, width() - 8, foot_height);
-    painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter, extremes());
+    const QRect foot(4, height() - foot_height(), menu_place().left() - 4, foot_height());
+    painter.drawText(foot, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(extremes(), Qt::ElideRight, foot.width()));
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(look.muted);
     const QPointF middle = QRectF(menu_place()).center();
     for (const int dot : {-1, 0, 1})
-        painter.drawEllipse(middle + QPointF(5 * dot, 0), 1.5, 1.5);
+        painter.drawEllipse(middle + QPointF(foot_height() * dot / 3.6, 0), foot_height() / 11.0,
+                            foot_height() / 11.0);
 
     if (!row().other_value.isEmpty()) {
         painter.setPen(look.muted);
@@ -139,14 +161,14 @@ void thumbnail::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double ratio = painter.device()->devicePixelRatioF();
-    if (stale || item.imageRepresentation().devicePixelRatio() != ratio)
+    if (stale || item.imageRepresentation().devicePixelRatio() != ratio * growth_for(font()))
         draw_chart(ratio);
     stale = false;
     QPainterPath round;
-    round.addRoundedRect(QRectF(0, 0, width(), height() - foot_height), corner, corner);
+    round.addRoundedRect(QRectF(0, 0, width(), height() - foot_height()), corner, corner);
     painter.save();
     painter.setClipPath(round);
-    painter.drawImage(QPointF(0, 0), item.imageRepresentation());
+    painter.drawImage(QRectF(0, 0, width(), height() - foot_height()), item.imageRepresentation());
     painter.restore();
     draw_foot(painter);
     if (hasFocus()) {

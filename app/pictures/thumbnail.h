@@ -43,7 +43,7 @@ class thumbnail : public QAbstractButton {
     Q_OBJECT
 
 public:
-    static constexpr QSize whole_size{184, 124};
+    static QSize whole_size(const QFont& font);
 
     // `its_pictures` outlive it.
     thumbnail(const run_pictures& its_pictures, int its_index, QWidget* parent);
@@ -55,7 +55,7 @@ public:
     // Has it drawn anew, when it is seen and has something new.
     void draw_new();
 
-    QSize sizeHint() const override { return whole_size; }
+    QSize sizeHint() const override { return whole_size(font()); }
 
 Q_SIGNALS:
     void chart_chosen();
@@ -68,12 +68,14 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent*) override;
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     const sample_row& row() const { return pictures.results.these_samples.at(index); }
+    int foot_height() const;
     QRect menu_place() const;
     void show_menu(const QPoint& at);
     void draw_chart(double ratio);

@@ -199,6 +199,31 @@ TEST(drawChartyItem, gives_a_number_without_a_unit_that_of_its_pid) {
     EXPECT_EQ(words("N/A"), "N/A");
 }
 
+TEST(shown_value, is_a_number_in_the_locale_and_its_unit) {
+    const struct {
+        const char* text;
+        double value;
+        const char* shown;
+    } rows[] = {
+        {"16.88 V", 16.88, "16,88|V"},
+        {"voltage 0.100 V", 0.1, "0,100|V"}, // of a rear oxygen sensor
+        {"850.00", 850, "850,00|unit"},
+        {"", 36.55, "36,5|unit"},
+        {"~", 5, "\u2013|unit"},
+        {"inf km/l", 5, "\u2013|unit"},
+        {"Closed loop", 2, "Closed loop|"},
+    };
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German));
+    for (const auto& [text, value, shown] : rows) {
+        const value_text told = shown_value(QString::fromUtf8(text), value, "unit");
+        EXPECT_EQ(told.number + '|' + told.unit, QString::fromUtf8(shown));
+    }
+    EXPECT_EQ(clock_text(1500, 1), "0:01,5");
+    EXPECT_EQ(axis_values::between(0, 1, 4).text(0.25), "0,25");
+    QLocale::setDefault(before);
+}
+
 TEST(drawChartyItem, is_drawn_in_the_pixels_of_the_screen) {
     drawn_chart chart({"0D"}, 2);
     chart.drive({10, 40, 20, 60, 30});

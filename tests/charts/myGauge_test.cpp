@@ -83,6 +83,11 @@ TEST(myGauge, draws_the_needle_on_a_copy_of_the_face) {
     EXPECT_TRUE(needle_at(gauge.imageRepresentation(), 90, 60));
     gauge.set_pixel_ratio(1);
     EXPECT_TRUE(needle_at(gauge.imageRepresentation(), 90, 60)) << "the value outlives another resolution";
+    EXPECT_NE(colour_at(gauge.imageRepresentation(), 182, 266), QColor(0xf2, 0xc9, 0x4c)) << "no peak yet";
+    gauge.set_peak(110);
+    gauge.draw_cur_needle_value(-40);
+    EXPECT_EQ(colour_at(gauge.imageRepresentation(), 182, 266), QColor(0xf2, 0xc9, 0x4c))
+        << "a mark above the middle";
     gauge.initGauge("no PID");
 }
 
