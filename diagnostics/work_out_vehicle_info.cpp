@@ -17,13 +17,21 @@ QString name_of(diagnostic_talk& car, const obd_group& ecu) {
     return label.isEmpty() ? ecu.header : label;
 }
 
+// Any answer is let through for this command, also a late "OK" to the one before, and noise. A number without
+// its unit beside other lines may be the half of one.
+QString voltage_in(const QString& text) {
+    static const QRegularExpression volts(QStringLiteral("^\\d+(\\.\\d+)?V$"),
+                                          QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression number(QStringLiteral("^\\d+(\\.\\d+)?$"));
+    if (number.match(text).hasMatch())
+        return text;
+    return text.split(u'\r').filter(volts).value(0, not_available);
+}
+
 void voltage_answered(diagnostic_talk& car, const reply& answer) {
     if (answer.is_none())
         throw left{QStringLiteral("Unable to connect to interface ... Timed out .. Try again")};
-    // Any answer is let through for this command, also a late "OK" to the one before, and noise.
-    static const QRegularExpression volts(QStringLiteral("^\\d+(\\.\\d+)?V?$"),
-                                          QRegularExpression::CaseInsensitiveOption);
-    const QString voltage = answer.text().split(u'\r').filter(volts).value(0, not_available);
+    const QString voltage = voltage_in(answer.text());
     if (voltage == not_available) {
         car.show("Voltage not available for this vehicle ");
     } else {
