@@ -47,12 +47,6 @@ outcome run(matrix_bench& bench, const operation_row& operation) {
     return made;
 }
 
-bool all_codes_gone(const virtual_adapter::car& car) {
-    const auto& ecus = car.description().ecus;
-    return std::all_of(ecus.begin(), ecus.end(),
-                       [](const virtual_adapter::ecu& ecu) { return ecu.codes.empty(); });
-}
-
 // One cell of the table: "=" the same as without the fault, "<" done with some of it, "-" ended without being
 // done. What is wrong goes to `problems`.
 char cell(const fault_row& fault, const operation_row& operation, const char* car, const outcome& clean,
@@ -74,8 +68,7 @@ char cell(const fault_row& fault, const operation_row& operation, const char* ca
     if (is_clearing && made.ended == "done" && !all_codes_gone(*bench.car))
         wrong("said to be cleared, and is not");
     const bool is_same = made.ended == clean.ended && made.rows == clean.rows;
-    const bool times_out = fault.what.late_ms > 0 || fault.what.glue_reply > 0;
-    if (fault.is_mended && !is_same && !(times_out && operation.name == QString("fuel")))
+    if (fault.is_mended && !is_same && !is_fuel_at_a_time_out(fault, operation))
         wrong(QString("%1 instead of %2, %3 of %4 values")
                   .arg(made.ended, clean.ended)
                   .arg(made.rows.size())

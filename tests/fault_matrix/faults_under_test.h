@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/fault_matrix/operation_bench.h"
+#include "tests/fault_matrix/operations.h"
 #include "tools/virtual_adapter/faults.h"
 
 #include <QRegularExpression>
@@ -15,8 +15,7 @@ inline constexpr const char* cutting_prompt = "\r>";
 struct fault_row {
     const char* name;
     virtual_adapter::faults what;
-    bool is_mended =
-        false; // the operations come to the same end, with all their values; fuel not at a time-out
+    bool is_mended = false; // the operations come to the same end, with all their values
     bool ignition = true;
 };
 
@@ -79,6 +78,17 @@ inline bool is_of_the_car(const fault_row& fault, const QString& row, const QStr
            std::any_of(clean.begin(), clean.end(), [&](const QString& known) {
                return is_short ? known.startsWith(QString(row).remove(end)) : known == row;
            });
+}
+
+inline bool all_codes_gone(const virtual_adapter::car& car) {
+    const auto& ecus = car.description().ecus;
+    return std::all_of(ecus.begin(), ecus.end(),
+                       [](const virtual_adapter::ecu& ecu) { return ecu.codes.empty(); });
+}
+
+// The one that is not mended where the others are.
+inline bool is_fuel_at_a_time_out(const fault_row& fault, const operation_row& operation) {
+    return (fault.what.late_ms > 0 || fault.what.glue_reply > 0) && operation.name == QString("fuel");
 }
 
 } // namespace brivant

@@ -56,6 +56,9 @@ struct operation_row {
     void (*start)(operation_bench&);
     QStringList (*rows)(operation_bench&);
 };
+inline void PrintTo(const operation_row& its, std::ostream* out) {
+    *out << its.name;
+}
 
 // clang-format off
 inline const operation_row operations[] = {
