@@ -7,6 +7,7 @@ namespace brivant {
 
 namespace {
 constexpr int return_after_reset_ms = 1000;
+constexpr int first_try_with_advice = 3;
 constexpr std::int64_t longest_silence_us = 20'000'000;
 } // namespace
 
@@ -85,9 +86,12 @@ bool adapter_link::fell_at_reset() {
     return true;
 }
 
+// An adapter that hangs is as dead on a port that is opened anew.
 void adapter_link::tell_pause(int seconds, int attempt) {
-    l_set_status_msg(
-        QStringLiteral("Connection lost. Trying again in %1 s (try %2)").arg(seconds).arg(attempt));
+    QString text = QStringLiteral("Connection lost. Trying again in %1 s (try %2)").arg(seconds).arg(attempt);
+    if (attempt >= first_try_with_advice && far_end.interface_kind() == interface_serial)
+        text += QStringLiteral(". If the adapter is plugged in, unplug it and plug it in again");
+    l_set_status_msg(text);
     Q_EMIT condition_changed();
 }
 

@@ -87,6 +87,9 @@ protected:
             EXPECT_EQ(made.ended, "done") << bench.view.events.join('\n').toStdString();
             EXPECT_EQ(made.values, clean.values);
         }
+        if (stays_hung(fault)) {
+            EXPECT_TRUE(bench.view.events.join('\n').contains("unplug it and plug it in again"));
+        }
         if (made == clean || !fault.what.hangs_on.empty() || !fault.what.refused.empty())
             return;
         bench.link.disconnect();
