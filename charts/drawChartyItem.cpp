@@ -124,6 +124,18 @@ chart_labels drawChartyItem::work_out_labels(const sample_matrix& matrix) const 
     return labels;
 }
 
+chart_labels drawChartyItem::fitted(chart_labels labels, const sample_matrix& matrix, bool from_zero) const {
+    const plot_range range = shown_range(matrix);
+    for (const int column : plotted(labels)) {
+        const series_summary seen = matrix.summary(column, range.first, range.rows);
+        if (seen.empty())
+            continue;
+        labels[column].minimum = as_f(from_zero ? std::min(0.0, seen.minimum) : seen.minimum);
+        labels[column].maximum = as_f(from_zero ? std::max(0.0, seen.maximum) : seen.maximum);
+    }
+    return labels;
+}
+
 drawChartyItem::value_range drawChartyItem::rounded_range(const chart_label& label) {
     return {round_outward(label.minimum.toDouble(), false), round_outward(label.maximum.toDouble(), true)};
 }
@@ -154,10 +166,13 @@ void drawChartyItem::plot_array_list(const sample_matrix& matrix, const chart_la
         range.maximum = ends.maximum;
         const QPolygon points = series_points(matrix, column, place, range);
         has_points = has_points || !points.isEmpty();
-        const int baseline = scale_point(range.first, range.minimum, place.x(), place.y(), place.width(),
-                                         place.height(), static_cast<double>(range.rows),
-                                         static_cast<double>(range.first), range.maximum, range.minimum)
-                                 .y();
+        const int foot_of_line = scale_point(range.first, range.minimum, place.x(), place.y(), place.width(),
+                                             place.height(), static_cast<double>(range.rows),
+                                             static_cast<double>(range.first), range.maximum, range.minimum)
+                                     .y();
+        std::optional<int> baseline;
+        if (columns.size() == 1)
+            baseline = foot_of_line;
         painter.setClipRect(visible);
         for (const QPolygon& part : parts_between(points, gaps))
             draw_series(painter, part, baseline, setMyColor(column),

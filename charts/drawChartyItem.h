@@ -79,6 +79,9 @@ public:
 
     // One entry a PID of the set.
     chart_labels work_out_labels(const sample_matrix& matrix) const;
+    // The same with the ends of what is shown now of the PIDs that are plotted, `from_zero` with zero among
+    // it.
+    chart_labels fitted(chart_labels labels, const sample_matrix& matrix, bool from_zero) const;
     // Background, frame, grid, axis values and title.
     void draw_grid(const chart_labels& labels, const QString& this_title);
     // The series, over the grid.

@@ -95,6 +95,22 @@ void fill_uprights(QPainter& painter, const QList<QLine>& uprights, const QColor
     }
 }
 
+// Piece by piece: the time that a path takes grows with the square of what lies side by side in it.
+void fill_to(QPainter& painter, const QPolygon& outline, int baseline, const QColor& colour) {
+    QColor filling = colour;
+    filling.setAlphaF(filling_alpha);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(filling);
+    // Its upper edge lies under the line, so it needs no smooth one.
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (qsizetype from = 0; from < outline.size() - 1; from += steps_at_once) {
+        QPolygon piece = outline.mid(from, steps_at_once + 1);
+        piece.append({piece.constLast().x(), baseline});
+        piece.append({piece.constFirst().x(), baseline});
+        painter.drawPolygon(piece);
+    }
+}
+
 } // namespace
 
 QPoint scale_point(qsizetype this_x, double this_y, int scr_x, int scr_y, int scr_width, int src_height,
@@ -151,25 +167,14 @@ void draw_gaps(QPainter& painter, const QList<int>& gaps, const QRect& place, do
         painter.drawLine(x, place.top(), x, place.top() + place.height());
 }
 
-void draw_series(QPainter& painter, const QPolygon& points, int baseline, const QColor& colour,
+void draw_series(QPainter& painter, const QPolygon& points, std::optional<int> baseline, const QColor& colour,
                  double line_width) {
     if (points.size() < 2)
         return;
     const series_parts parts = parts_of(points);
-    QColor filling = colour;
-    filling.setAlphaF(filling_alpha);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(filling);
-    // Its upper edge lies under the line, so it needs no smooth one. Piece by piece: the time that a path
-    // takes grows with the square of what lies side by side in it.
+    if (baseline)
+        fill_to(painter, parts.outline, *baseline, colour);
     painter.setRenderHint(QPainter::Antialiasing, false);
-    for (qsizetype from = 0; from < parts.outline.size() - 1; from += steps_at_once) {
-        QPolygon piece = parts.outline.mid(from, steps_at_once + 1);
-        piece.append({piece.constLast().x(), baseline});
-        piece.append({piece.constFirst().x(), baseline});
-        painter.drawPolygon(piece);
-    }
-
     fill_uprights(painter, parts.uprights, colour, std::max(1, qRound(line_width)));
     painter.setRenderHint(QPainter::Antialiasing);
     // One by one, with square ends, is what the painter draws fastest.

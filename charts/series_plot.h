@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPolygon>
 #include <QRect>
+#include <optional>
 
 namespace brivant {
 
@@ -40,9 +41,9 @@ QList<QPolygon> parts_between(const QPolygon& points, const QList<int>& gaps);
 // A line from bottom to top at each.
 void draw_gaps(QPainter& painter, const QList<int>& gaps, const QRect& place, double line_width);
 
-// Fills the area between the points and the baseline, and draws the line over it. Nothing for fewer than two
-// points.
-void draw_series(QPainter& painter, const QPolygon& points, int baseline, const QColor& colour,
+// The line, over the filled area between the points and the baseline where there is one to fill to. Nothing
+// for fewer than two points.
+void draw_series(QPainter& painter, const QPolygon& points, std::optional<int> baseline, const QColor& colour,
                  double line_width);
 
 // The colour of a column of the matrix. The eight of them differ clearly on a dark ground, also for people

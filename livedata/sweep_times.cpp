@@ -51,17 +51,28 @@ double sweep_times::seconds_of(qint64 known) const {
     return static_cast<double>(std::max(span, shortest)) / 1000;
 }
 
-double sweep_times::sweeps_a_second() const {
+qint64 sweep_times::telling() const {
     const qint64 known = std::min(sweeps - behind_gap, kept);
-    return known < 2 ? 0 : static_cast<double>(known - 1) / seconds_of(known);
+    if (known < 2)
+        return 0;
+    constexpr double overdue = 4;  // times as long as one takes
+    constexpr double patience = 2; // seconds
+    const double usual = seconds_of(known) / static_cast<double>(known - 1);
+    const double waited = static_cast<double>(clock() - at[static_cast<size_t>((sweeps - 1) % kept)]) / 1000;
+    return is_running && waited > std::max(patience, overdue * usual) ? 0 : known;
+}
+
+double sweep_times::sweeps_a_second() const {
+    const qint64 known = telling();
+    return known == 0 ? 0 : static_cast<double>(known - 1) / seconds_of(known);
 }
 
 double sweep_times::values_a_second() const {
-    const qint64 known = std::min(sweeps - behind_gap, kept);
+    const qint64 known = telling();
     qsizetype values = 0;
     for (qint64 sweep = sweeps - known + 1; sweep < sweeps; ++sweep)
         values += values_of[static_cast<size_t>(sweep % kept)];
-    return known < 2 ? 0 : static_cast<double>(values) / seconds_of(known);
+    return known == 0 ? 0 : static_cast<double>(values) / seconds_of(known);
 }
 
 } // namespace brivant

@@ -23,13 +23,16 @@ public:
 
     // Milliseconds from the start of the run until now, or until its end; 0 before the first run.
     qint64 duration_ms() const;
-    // Over the latest sweeps behind a gap, at most 20 of them; 0 while there are fewer than two.
+    // Over the latest sweeps behind a gap, at most 20 of them; 0 while there are fewer than two, and while
+    // the next one is long overdue.
     double sweeps_a_second() const;
     // The values of these sweeps but the first.
     double values_a_second() const;
 
 private:
     double seconds_of(qint64 known) const;
+    // The latest ones that tell a rate, 0 while they tell none.
+    qint64 telling() const;
 
     static constexpr qint64 kept = 20;
 

@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QShortcut>
 #include <algorithm>
+#include <cmath>
 
 namespace brivant {
 
@@ -15,6 +16,7 @@ namespace {
 
 constexpr int empty_icon_size = 32;
 constexpr int narrowest_gauges = 144;
+constexpr double fewest_shown = 20; // sweeps, by the zoom
 
 void keep_room(QWidget& widget, bool also_hidden) {
     QSizePolicy policy = widget.sizePolicy();
@@ -73,7 +75,18 @@ void actions_view::connect_parts() {
     connect(ui.thumbs, &thumb_strip::reading_chosen, this,
             [this](bool standard) { choose_reading(context, standard); });
     connect(ui.o2, &o2_picture::sensor_chosen, this, &actions_view::choose_chart);
-    connect(ui.swap, &QToolButton::clicked, this, &actions_view::swap_picture);
+    ui.views->add(QStringLiteral("Dashboard"), QStringLiteral("A tile a value"));
+    ui.views->add(QStringLiteral("Chart"), QStringLiteral("The values over the time"));
+    ui.views->add(QStringLiteral("Exhaust"), QStringLiteral("The oxygen sensors where they sit"));
+    connect(ui.views, &segments::chosen, this, &actions_view::choose_view);
+    connect(ui.tiles, &dashboard::chart_chosen, this, [this](int index) {
+        choose_chart(index);
+        choose_view(as_chart);
+    });
+    connect(ui.from_zero, &QCheckBox::toggled, this, [this](bool on) {
+        ui.chart->begin_at_zero(on);
+        pace.ask();
+    });
     connect(ui.copy_picture, &QToolButton::clicked, &saver, &picture_saver::copy);
     connect(ui.save_picture, &QToolButton::clicked, &saver, &picture_saver::save);
     connect(&saver, &picture_saver::done, this,
@@ -104,6 +117,7 @@ void actions_view::look_changed() {
     head.show();
     set_changed();
     ui.thumbs->set_look(look);
+    ui.tiles->set_look(look);
     draw();
 }
 
@@ -142,14 +156,21 @@ void actions_view::set_changed() {
         ran = false;
         ui.thumbs->rebuild(pictures);
         ui.thumbs->set_look(context.frame.look());
+        ui.tiles->rebuild(pictures);
+        ui.tiles->set_look(context.frame.look());
     }
-    if (results.mode != op_o2_layout)
-        o2_as_picture = true;
+    if (std::exchange(shown_mode, results.mode) != results.mode) {
+        if (results.mode == op_o2_layout)
+            view = as_exhaust;
+        else if (view == as_exhaust)
+            view = as_chart;
+    }
     mark();
 }
 
 void actions_view::run_started() {
     ran = false;
+    ui.tiles->set_silent_since({});
     head.show();
     pace.ask();
 }
@@ -160,9 +181,20 @@ void actions_view::run_ended() {
     pace.ask();
 }
 
+void actions_view::sweep_completed() {
+    ui.tiles->set_silent_since({});
+    pace.ask();
+}
+
+void actions_view::gap_begun() {
+    ui.tiles->set_silent_since(QTime::currentTime());
+    pace.ask();
+}
+
 void actions_view::sample_arrived(int index) {
     const sample_row& row = results.these_samples.at(index);
     ui.thumbs->sample_arrived(index);
+    ui.tiles->sample_arrived(index);
     if (shown.in_chart(index))
         ui.chart->set_stale();
     if (index == shown.chart)
@@ -201,8 +233,8 @@ void actions_view::choose_gauge(int index) {
     mark();
 }
 
-void actions_view::swap_picture() {
-    o2_as_picture = !o2_as_picture;
+void actions_view::choose_view(int index) {
+    view = static_cast<view_of_run>(index);
     ui.chart->set_stale();
     pace.ask();
 }
@@ -239,9 +271,9 @@ void actions_view::draw() {
     renew_pictures();
     show_page();
     zoom();
-    show_chart_name();
     head.show_figures();
     ui.thumbs->draw_new();
+    ui.tiles->draw_new();
     ui.chart->draw_new();
     ui.gauge_1->draw_new();
     ui.gauge_2->draw_new();
@@ -258,11 +290,16 @@ void actions_view::renew_pictures() {
 
 void actions_view::zoom() {
     const bool is_chart = ui.chart_stack->currentWidget() == ui.chart;
+    ui.chart->setAccessibleName(QStringLiteral("Chart: ") + chart_name());
     keep_room(*ui.zoom_row, is_chart);
     ui.zoom_row->setVisible(run_controller.zoom_slider_shown() && is_chart);
+    // The slider goes no lower than its label says.
+    const double rows = std::max(1.0, static_cast<double>(results.cur_log_points.rows()));
+    ui.zoom->setMinimum(
+        std::min(ui.zoom->maximum(), static_cast<int>(std::ceil(fewest_shown / rows * ui.zoom->maximum()))));
     const double slider = static_cast<double>(ui.zoom->value()) / ui.zoom->maximum();
     const brivant::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
-    ui.chart->zoom(now.points, now.title);
+    ui.chart->zoom(now.points, chart_name() + QStringLiteral(" \u2013 ") + now.title);
 }
 
 bool actions_view::has_samples() const {
@@ -273,27 +310,36 @@ bool actions_view::has_samples() const {
 void actions_view::show_page() {
     const bool filled = has_samples();
     const bool has_picture = results.mode == op_o2_layout && results.o2_mask != 0;
-    if (has_picture && o2_as_picture)
+    const view_of_run now = view == as_exhaust && !has_picture ? as_chart : view;
+    if (now == as_exhaust)
         ui.chart_stack->setCurrentWidget(ui.o2);
+    else if (!filled)
+        ui.chart_stack->setCurrentWidget(ui.empty_page);
+    else if (now == as_tiles)
+        ui.chart_stack->setCurrentWidget(ui.tiles);
     else
-        ui.chart_stack->setCurrentWidget(filled ? ui.chart : ui.empty_page);
-    if (ui.chart_stack->currentWidget() == ui.empty_page)
+        ui.chart_stack->setCurrentWidget(ui.chart);
+    const bool is_empty = ui.chart_stack->currentWidget() == ui.empty_page;
+    if (is_empty)
         ui.empty_text->setText(words_before_values(context, run_controller, ran));
-    ui.swap->setVisible(results.mode == op_o2_layout);
-    ui.swap->setEnabled(has_picture);
-    ui.swap->setText(o2_as_picture ? QStringLiteral("Show chart") : QStringLiteral("Show exhaust"));
-    ui.copy_picture->setEnabled(ui.chart_stack->currentWidget() != ui.empty_page);
-    ui.save_picture->setEnabled(ui.chart_stack->currentWidget() != ui.empty_page);
+    ui.views->at(as_exhaust).setVisible(results.mode == op_o2_layout);
+    ui.views->at(as_exhaust).setEnabled(has_picture);
+    ui.views->set_current(now);
+    for (QWidget* beside : {static_cast<QWidget*>(ui.gauges), static_cast<QWidget*>(ui.thumbs)})
+        beside->setHidden(ui.chart_stack->currentWidget() == ui.tiles);
+    theme::mark(*ui.chart_card, "role",
+                ui.chart_stack->currentWidget() == ui.tiles ? QString() : QStringLiteral("card"));
+    ui.copy_picture->setEnabled(!is_empty);
+    ui.save_picture->setEnabled(!is_empty);
 }
 
-void actions_view::show_chart_name() {
+QString actions_view::chart_name() const {
     QStringList names;
-    const bool is_empty = ui.chart_stack->currentWidget() == ui.empty_page;
-    for (int index = 0; !is_empty && index < results.these_samples.size(); ++index) {
+    for (int index = 0; index < results.these_samples.size(); ++index) {
         if (shown.in_chart(index))
             names += results.these_samples.at(index).name;
     }
-    ui.chart_name->set_text(names.join(QStringLiteral(", ")));
+    return names.join(QStringLiteral(", "));
 }
 
 } // namespace brivant

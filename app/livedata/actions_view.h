@@ -7,8 +7,9 @@
 
 namespace brivant {
 
-// The live-data screen: a run's large chart, two gauges and a thumbnail a PID; for the oxygen sensors also
-// the picture of the exhaust. What a reply changes is noted as it comes, and drawn once a display frame.
+// The live-data screen: a run as tiles, or as a large chart with two gauges and a thumbnail a PID; for the
+// oxygen sensors also the picture of the exhaust. What a reply changes is noted as it comes, and drawn once a
+// display frame.
 class actions_view : public screen_view, private run_observer {
     Q_OBJECT
 
@@ -33,7 +34,8 @@ private:
     void run_started() override;
     void run_ended() override;
     void sample_arrived(int index) override;
-    void sweep_completed() override { pace.ask(); }
+    void sweep_completed() override;
+    void gap_begun() override;
     void o2_layout_known(int mask, const QString& header) override;
     void set_sensor_value(int sensor, const QString& this_value) override;
 
@@ -43,7 +45,7 @@ private:
     void choose_chart(int index);
     void toggle_group(int index);
     void choose_gauge(int index);
-    void swap_picture();
+    void choose_view(int index);
     void mark();
     double peak_of(int index) const;
     void fill_gauges();
@@ -52,7 +54,7 @@ private:
     void draw();
     void renew_pictures();
     void show_page();
-    void show_chart_name();
+    QString chart_name() const;
     void zoom();
     bool has_samples() const;
 
@@ -63,7 +65,8 @@ private:
     run_pictures pictures;
     shown_samples shown;
     QStringList shown_set; // the PIDs that `shown` counts
-    bool o2_as_picture = true;
+    enum view_of_run { as_tiles, as_chart, as_exhaust } view = as_chart;
+    int shown_mode = 0;
     bool ran = false; // since the mode was chosen
 
     run_title head;

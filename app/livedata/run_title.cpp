@@ -3,6 +3,7 @@
 #include "app/livedata/trigger_sheet.h"
 #include "app/look/numbers.h"
 #include "app/pids/pid_chooser.h"
+#include "charts/value_text.h"
 #include "livedata/fast_gain.h"
 #include "livedata/passport_words.h"
 
@@ -16,7 +17,8 @@ constexpr int tick_ms = 500;
 const QString later = QStringLiteral("Can be changed when the run has ended");
 
 QString rate_text(double a_second) {
-    return a_second > 0 ? QString::number(a_second, 'f', a_second < 100 ? 1 : 0) : QStringLiteral("\u2013");
+    return a_second > 0 ? in_locale(QString::number(a_second, 'f', a_second < 100 ? 1 : 0))
+                        : QStringLiteral("\u2013");
 }
 
 } // namespace
@@ -25,15 +27,16 @@ run_title::run_title(QWidget& its_view, const Ui::actions_view& its_ui, const vi
                      actions& its_controller)
     : view(its_view), ui(its_ui), context(its_context), controller(its_controller),
       results(its_controller.results) {
-    ui.mode->addItems(actions::mode_names());
-    ui.mode->setCurrentIndex(controller.selected_index());
+    for (const QString& name : actions::mode_names())
+        ui.mode->add(name, QStringLiteral("What the car is asked; a change ends the run"));
+    ui.mode->set_current(controller.selected_index());
     second.setInterval(tick_ms);
     ui.faster_row->hide();
     connect_parts();
 }
 
 void run_title::connect_parts() {
-    connect(ui.mode, &QComboBox::activated, this, [this](int index) {
+    connect(ui.mode, &segments::chosen, this, [this](int index) {
         controller.comboBoxSelectionDidChange(index);
         show();
     });
@@ -103,7 +106,7 @@ void run_title::keep(const typed_setting<T>& which, T value) {
 void run_title::show() {
     const theme& look = context.frame.look();
     const bool runs = controller.is_running();
-    ui.mode->setCurrentIndex(controller.selected_index());
+    ui.mode->set_current(controller.selected_index());
     ui.run->setIcon(look.icon(runs ? QStringLiteral("stop.gif") : QStringLiteral("start.gif")));
     ui.run->setText(runs ? QStringLiteral("Stop (Esc)") : QStringLiteral("Start (F5)"));
     ui.run->setAccessibleName(runs ? QStringLiteral("Stop the run") : QStringLiteral("Start the run"));
@@ -111,7 +114,7 @@ void run_title::show() {
     ui.pids->setEnabled(has_choice);
     ui.pids->setToolTip(has_choice
                             ? QStringLiteral("Choose what is asked for; a change ends the run")
-                            : QStringLiteral("This mode has its own PIDs; Log Run has those you choose"));
+                            : QStringLiteral("This mode has its own values; Log Run has those you choose"));
     ui.progress->set_running(runs && results.sample_cnt == 0);
 
     show_choice_of_storing();
@@ -150,7 +153,7 @@ void run_title::show_figures() {
         QStringLiteral("%1 sweeps/s\n%2 values/s")
             .arg(rate_text(results.times.sweeps_a_second()), rate_text(results.times.values_a_second())));
     ui.run_time->setVisible(any);
-    ui.rate->setVisible(any);
+    ui.rate->setVisible(controller.is_running());
     ui.stored->setVisible(any);
     if (results.sample_cnt > 0)
         ui.progress->set_running(false);

@@ -22,7 +22,7 @@ QString invitation(int mode) {
             "with their voltages.");
     default:
         return QStringLiteral(
-            "Press Start (F5) with the ignition on. Under PIDs you choose what the car is asked.");
+            "Press Start (F5) with the ignition on. Under Values you choose what the car is asked.");
     }
 }
 

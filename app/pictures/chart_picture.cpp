@@ -68,10 +68,15 @@ QRectF chart_picture::plot_area() const {
 }
 
 QList<drawChartyItem::dot> chart_picture::dots_at(double ms) const {
-    QList<drawChartyItem::dot> dots = item->dots_at(ms, pictures->results.cur_log_points, pictures->labels);
+    QList<drawChartyItem::dot> dots = item->dots_at(ms, pictures->results.cur_log_points, fitted);
     for (drawChartyItem::dot& dot : dots)
         dot.place *= growth;
     return dots;
+}
+
+void chart_picture::begin_at_zero(bool on) {
+    from_zero = on;
+    stale = true;
 }
 
 void chart_picture::draw_new() {
@@ -83,8 +88,9 @@ void chart_picture::draw_chart(double ratio) {
     growth = growth_for(font());
     item->initWitdim(QSizeF(size()) / growth, objectName(), ratio * growth);
     item->update_cur_sample(pictures->value_texts);
-    item->draw_grid(pictures->labels, title);
-    item->plot_array_list(pictures->results.cur_log_points, pictures->labels);
+    fitted = item->fitted(pictures->labels, pictures->results.cur_log_points, from_zero);
+    item->draw_grid(fitted, title);
+    item->plot_array_list(pictures->results.cur_log_points, fitted);
     setAccessibleDescription(item->in_words(pictures->labels));
 }
 

@@ -21,6 +21,8 @@ public:
     void zoom(qsizetype points, const QString& its_title);
     // The same from one moment of the run to another, in milliseconds.
     void show_between(double from, double to, const QString& its_title);
+    // The axis of values has zero among them; else it is as long as what is visible.
+    void begin_at_zero(bool on);
     void set_stale() { stale = true; }
     // The pointer reads the values of the moment that it is at.
     void read_with_pointer() { setMouseTracking(reads = true); }
@@ -45,6 +47,8 @@ private:
 
     const run_pictures* pictures = nullptr;
     std::optional<drawChartyItem> item;
+    chart_labels fitted; // as the item was drawn with
+    bool from_zero = false;
     double growth = 1; // of the item, by the font
     qsizetype shown_points = -1;
     double shown_from = 0;

@@ -4,7 +4,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLineEdit>
 
 namespace brivant {
 
@@ -106,7 +105,7 @@ void pid_chooser::lay_out() {
     pages->addWidget(make_empty_page());
 
     const headed_card left = make_card(QStringLiteral("Reported by this vehicle"));
-    auto* search = new QLineEdit;
+    search = new QLineEdit;
     search->setObjectName(QStringLiteral("pid_search"));
     search->setPlaceholderText(QStringLiteral("Search by name, PID or ECU"));
     search->setAccessibleName(QStringLiteral("Search in the reported values"));
@@ -274,13 +273,22 @@ bool pid_chooser::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     const auto* pressed = static_cast<QKeyEvent*>(event);
-    return key_pressed(watched, pressed->key(), pressed->modifiers() & Qt::AltModifier);
+    if (key_pressed(watched, pressed->key(), pressed->modifiers() & Qt::AltModifier))
+        return true;
+    // Typing in a list searches.
+    const QString typed = pressed->text();
+    if (watched == search || typed.isEmpty() || !typed.at(0).isPrint() || typed == QLatin1String(" ") ||
+        (pressed->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+        return false;
+    search->setFocus(Qt::OtherFocusReason);
+    search->insert(typed);
+    return true;
 }
 
 // --- on a card over the window -----------------------------------------------------------------------------
 
 pid_sheet::pid_sheet(QWidget& asked_by, const view_context& its_context)
-    : card_sheet(asked_by, QStringLiteral("Sampled values"), sheet_width),
+    : card_sheet(asked_by, QStringLiteral("Values of a Log Run"), sheet_width),
       chooser(new pid_chooser(its_context)) {
     content()->addWidget(chooser, 1);
     fill_room();

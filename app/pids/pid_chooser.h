@@ -4,6 +4,7 @@
 #include "app/pids/pid_rows.h"
 #include "app/screen/screen_view.h"
 
+#include <QLineEdit>
 #include <QStackedWidget>
 #include <QTableView>
 
@@ -53,6 +54,7 @@ private:
     offered_pids_model offered_rows;
     chosen_pids_model chosen_rows;
     QStackedWidget* pages = nullptr;
+    QLineEdit* search = nullptr;
     QTableView* offered = nullptr;
     QTableView* chosen = nullptr;
     QLabel* offered_count = nullptr;

@@ -6,6 +6,7 @@
 #include "tests/support/wait_until.h"
 
 #include <QClipboard>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <csignal>
@@ -21,9 +22,7 @@ struct live_car : running_window {
         : running_window(launch_options::link_choice::demo, car), results(core.live) {}
 
     void choose(mode_index index) {
-        auto& mode = part<QComboBox>("mode");
-        mode.setCurrentIndex(index);
-        Q_EMIT mode.activated(index);
+        click(qPrintable(QStringLiteral("mode_%1").arg(static_cast<int>(index))));
     }
     bool runs() { return text_of<QPushButton>("run") == "Stop (Esc)"; }
     bool wait_for_sweeps(qint64 sweeps) {
@@ -43,8 +42,9 @@ struct live_car : running_window {
     }
     // The names come with the next frame.
     bool charts(const char* names) {
-        return wait_until(
-            [&] { return part<elided_label>("chart_name").full_text() == QLatin1String(names); });
+        return wait_until([&] {
+            return part<chart_picture>("chart").accessibleName() == QStringLiteral("Chart: ") + names;
+        });
     }
     QString second_gauge() { return part<gauge_picture>("gauge_2").accessibleName(); }
 
@@ -184,9 +184,9 @@ TEST(actions_view, ends_the_run_when_the_mode_changes) {
     auto& picture = car.part<o2_picture>("o2");
     EXPECT_TRUE(wait_until([&] { return picture.accessibleDescription().startsWith(u"S11 0."); }));
     EXPECT_TRUE(wait_until([&] { return picture.accessibleDescription().contains(u"S22 0."); }));
-    car.part<QToolButton>("swap").click();
+    car.click("views_1");
     EXPECT_TRUE(car.shows("chart"));
-    car.part<QToolButton>("swap").click();
+    car.click("views_2");
     EXPECT_TRUE(car.shows("o2"));
     car.press(Qt::Key_Escape);
     car.press(Qt::Key_1, Qt::ControlModifier);
@@ -199,7 +199,35 @@ TEST(actions_view, ends_the_run_when_the_mode_changes) {
     car.choose(boost);
     EXPECT_FALSE(car.runs());
     EXPECT_TRUE(car.shows("empty_page"));
-    EXPECT_TRUE(car.part<QToolButton>("swap").isHidden());
+    EXPECT_TRUE(car.part<QPushButton>("views_2").isHidden());
+}
+
+TEST(actions_view, shows_a_tile_a_value) {
+    live_car car;
+    car.click("views_0");
+    EXPECT_TRUE(car.shows("empty_page"));
+    car.press(Qt::Key_F5);
+    ASSERT_TRUE(car.wait_for_sweeps(3));
+    EXPECT_TRUE(car.shows("tiles"));
+    EXPECT_TRUE(car.part<QWidget>("thumbs").isHidden());
+    auto& speed = car.part<value_tile>("tile_0D");
+    auto& engine_speed = car.part<value_tile>("tile_0C");
+    EXPECT_TRUE(wait_until([&] { return engine_speed.accessibleDescription().contains(u"max 1"); }));
+    EXPECT_TRUE(car.part<QLabel>("rate").isVisible());
+    speed.setFocus();
+    car.press(Qt::Key_Right);
+    EXPECT_FALSE(speed.hasFocus());
+    car.part<dashboard>("tiles").set_silent_since(QTime(19, 4, 12));
+    car.press(Qt::Key_Escape);
+    EXPECT_FALSE(car.part<QLabel>("rate").isVisible()) << "no rate of a run that has ended";
+    EXPECT_TRUE(
+        wait_until([&] { return engine_speed.accessibleDescription().endsWith(u"nothing since 19:04:12"); }));
+    engine_speed.click();
+    EXPECT_TRUE(car.shows("chart"));
+    EXPECT_TRUE(car.charts("Engine RPM"));
+    const auto& zoom = car.part<QSlider>("zoom");
+    const auto rows = static_cast<double>(car.results.cur_log_points.rows());
+    EXPECT_GE(zoom.minimum() * rows / zoom.maximum(), 20) << "as its label says";
 }
 
 TEST(actions_view, says_what_a_car_lacks) {

@@ -2,6 +2,7 @@
 
 #include "charts/axis_values.h"
 #include "charts/series_plot.h"
+#include "charts/tile_grid.h"
 #include "charts/time_axis.h"
 #include "tests/charts/chart_bench.h"
 
@@ -197,6 +198,37 @@ TEST(drawChartyItem, gives_a_number_without_a_unit_that_of_its_pid) {
     EXPECT_EQ(words("7.270657"), "7.270657 km/litre");
     EXPECT_EQ(words("7.27 kpl"), "7.27 kpl");
     EXPECT_EQ(words("N/A"), "N/A");
+}
+
+TEST(fitted, has_the_ends_of_what_is_shown) {
+    drawn_chart chart;
+    chart.drive({10, 90, 50, 60, 55});
+    chart.item.setNumberPointsToPlot(3);
+    const chart_labels whole = chart.item.work_out_labels(chart.matrix);
+    const chart_label shown = chart.item.fitted(whole, chart.matrix, false).constFirst();
+    EXPECT_EQ(shown.minimum + ' ' + shown.maximum, "50.000000 60.000000");
+    EXPECT_EQ(chart.item.fitted(whole, chart.matrix, true).constFirst().minimum, "0.000000");
+    chart.drive({-1, -1});
+    EXPECT_EQ(chart.item.fitted(whole, chart.matrix, true), whole) << "nothing to go by";
+}
+
+TEST(tile_grid, fills_the_room_with_two_to_six_columns) {
+    const struct {
+        int tiles;
+        QSizeF room;
+        int columns, rows;
+    } examples[] = {
+        {1, {1000, 500}, 1, 1}, {2, {1000, 500}, 2, 1},  {4, {1000, 500}, 2, 2},
+        {6, {1900, 900}, 3, 2}, {24, {1900, 900}, 5, 5}, {24, {500, 900}, 2, 12}, // scrolls
+    };
+    for (const auto& [tiles, room, columns, rows] : examples) {
+        const tile_grid grid = tile_grid::filling(tiles, room, {240, 110}, 8);
+        EXPECT_EQ(grid.columns * 100 + grid.rows, columns * 100 + rows) << tiles;
+        EXPECT_NEAR(grid.place(columns - 1).right(), room.width(), 0.01) << tiles;
+        EXPECT_GE(grid.height(), room.height() - 0.01) << tiles;
+        EXPECT_GE(grid.tile.height(), 110) << tiles;
+    }
+    EXPECT_EQ(tile_grid::filling(0, {100, 100}, {10, 10}, 8).rows, 0);
 }
 
 TEST(shown_value, is_a_number_in_the_locale_and_its_unit) {

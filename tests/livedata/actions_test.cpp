@@ -218,6 +218,10 @@ TEST(sweep_times, duration_and_rate_of_the_latest_sweeps) {
     times.sweep_complete(3);
     times.sweep_complete(3);
     EXPECT_GT(times.sweeps_a_second(), 0) << "two in a millisecond are fast";
+    now += 2001;
+    EXPECT_EQ(times.sweeps_a_second() + times.values_a_second(), 0) << "the next one is overdue";
+    times.run_ends();
+    EXPECT_GT(times.sweeps_a_second(), 0);
 }
 
 } // namespace brivant
