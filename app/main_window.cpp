@@ -2,6 +2,7 @@
 
 #include "app/console/expert_view.h"
 #include "app/diagnostics/read_codes_view.h"
+#include "app/first_start_sheet.h"
 #include "app/livedata/actions_view.h"
 #include "app/logs/logs_view.h"
 #include "app/preferences/prefs_view.h"
@@ -12,6 +13,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QProcess>
 #include <QShortcut>
 
 namespace brivant {
@@ -32,15 +34,18 @@ QFrame* thin_line() {
 
 main_window::main_window(program_core& its_core)
     : core(its_core), delegate(core.place, core.adapter, core.car, core.toolies, core.clock, *this),
-      toast(&area), help(&area), sheet(this) {
+      tools(its_core.vehicles), toast(&area), help(&area), sheet(this) {
     lay_out();
     add_keys();
     apply_look();
     restore_place();
     connect(&tools, &tool_strip::chosen, this, &main_window::choose_screen);
-    connect(&tools, &tool_strip::help_wanted, this, &main_window::toggle_help);
-    connect(&tools, &tool_strip::updates_wanted, this, &main_window::open_updates);
-    connect(&status, &status_strip::links_wanted, this, &main_window::open_links);
+    connect(&tools, &tool_strip::wished, this, &main_window::grant);
+    connect(&tools, &tool_strip::demo_wanted, this, &main_window::open_demo);
+    connect(&tools.link(), &link_mark::clicked, this, &main_window::open_links);
+    connect(&tools.vehicle(), &vehicle_button::chosen, this, &main_window::choose_vehicle);
+    connect(&tools.vehicle(), &vehicle_button::new_one_wanted, this, &main_window::add_vehicle);
+    connect(&tools.vehicle(), &vehicle_button::all_wanted, this, [this] { go_to(screen_kind::preferences); });
     connect(&delegate.link, &adapter_link::condition_changed, this, &main_window::show_surroundings);
     connect(&delegate.link, &adapter_link::start_went_on, this, &main_window::show_surroundings);
     qApp->installEventFilter(this);
@@ -75,7 +80,10 @@ void main_window::add_keys() {
     const auto on_key = [this](const QKeySequence& key, auto what) {
         connect(new QShortcut(key, this), &QShortcut::activated, this, what);
     };
-    on_key(Qt::CTRL | Qt::Key_L, [this] { open_links(); });
+    on_key(Qt::CTRL | Qt::Key_L, [this] { grant(tool_strip::wish::links); });
+    on_key(Qt::Key_F11, [this] { grant(tool_strip::wish::full_screen); });
+    on_key(Qt::Key_Question, [this] { grant(tool_strip::wish::keys); });
+    on_key(Qt::CTRL | Qt::Key_Q, [this] { grant(tool_strip::wish::quit); });
     on_key(Qt::Key_F1, [this] { toggle_help(); });
     on_key(Qt::Key_Escape, [this] { escape(); });
     on_key(Qt::Key_F5, [this] {
@@ -101,6 +109,8 @@ void main_window::start() {
     show_surroundings();
     if (core.options.link == launch_options::link_choice::find)
         open_links();
+    else if (first_start_sheet::is_due(core))
+        greet();
 }
 
 // --- screens -----------------------------------------------------------------------------------------------
@@ -217,15 +227,19 @@ void main_window::add_vehicle() {
     connect(
         dialog, &vehicle_dialog::stored, this,
         [this](int veh_id) {
-            const QString problem = core.vehicles.setCurrentCar(veh_id);
-            delegate.show_current_vehicle();
-            delegate.switch_to(delegate.current_screen()); // what it shows is the other car's
-            if (!problem.isEmpty())
-                show_message(QString(), problem);
+            choose_vehicle(veh_id);
             show_status(QStringLiteral("The new vehicle is the current one. Start again (F5)"));
         },
         Qt::QueuedConnection);
     dialog->open();
+}
+
+void main_window::choose_vehicle(int veh_id) {
+    const QString problem = core.vehicles.setCurrentCar(veh_id);
+    delegate.show_current_vehicle();
+    delegate.switch_to(delegate.current_screen()); // what it shows is the other car's
+    if (!problem.isEmpty())
+        show_message(QString(), problem);
 }
 
 void main_window::choose_device(const QString& why, device_chooser::answer answer) {
@@ -282,9 +296,11 @@ void main_window::beep() {
 }
 
 void main_window::show_surroundings() {
-    status.set_link(report_link(delegate.link, core.car, core.toolies, is_demo()));
-    tools.set_vehicle_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
-                           is_demo());
+    const link_words words = report_link(delegate.link, core.car, core.toolies, is_demo());
+    tools.link().set_link(words);
+    status.set_protocol(words.protocol);
+    tools.vehicle().set_note(is_demo() ? QStringLiteral("Demo car") : QStringLiteral("Current vehicle"),
+                             is_demo());
 }
 
 bool main_window::is_demo() const {
@@ -298,6 +314,51 @@ void main_window::toggle_help() {
         help.hide();
     else if (!sheet.is_open())
         delegate.do_help_button();
+}
+
+void main_window::grant(tool_strip::wish what) {
+    using wish = tool_strip::wish;
+    switch (what) {
+    case wish::links: return open_links();
+    case wish::full_screen: return setWindowState(windowState() ^ Qt::WindowFullScreen);
+    case wish::help: return toggle_help();
+    case wish::keys:
+        return pop_helpy(localised(QStringLiteral("BV_KEYS_TITLE")), localised(QStringLiteral("BV_KEYS")),
+                         QStringLiteral("help.png"));
+    case wish::updates: return open_updates();
+    case wish::about:
+        return pop_helpy(localised(QStringLiteral("BV_ABOUT_TITLE")),
+                         fill(localised(QStringLiteral("BV_ABOUT")), {QStringLiteral(BV_VERSION)}),
+                         QStringLiteral("brivant-lite-64.png"));
+    case wish::quit: close();
+    }
+}
+
+// In a window of its own, which keeps nothing: the person's vehicle and logs are not the demo car's.
+void main_window::open_demo(const QString& car) {
+    if (QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("--demo=") + car}))
+        show_status(QStringLiteral("The demo car %1 opens in a window of its own").arg(car));
+    else
+        show_message(QString(), QStringLiteral("The demo cannot be started."));
+}
+
+void main_window::greet() {
+    auto* greeting = new first_start_sheet(area, core);
+    connect(greeting, &first_start_sheet::find_wanted, this, [this] {
+        open_links();
+        if (links)
+            links->find();
+    });
+    connect(greeting, &first_start_sheet::links_wanted, this, &main_window::open_links);
+    connect(greeting, &first_start_sheet::wifi_wanted, this, [this] {
+        delegate.adapters.use({interface_wifi, core.place.wifi_ip(), core.place.wifi_port().toUShort()},
+                              QString());
+        go_to(screen_kind::preferences);
+    });
+    connect(greeting, &first_start_sheet::demo_wanted, this, [this] { open_demo(QStringLiteral("can11")); });
+    connect(greeting, &first_start_sheet::units_chosen, this,
+            [this] { delegate.switch_to(delegate.current_screen()); });
+    greeting->open_first();
 }
 
 void main_window::open_updates() {

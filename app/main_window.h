@@ -51,7 +51,9 @@ public:
     void savePrefs() override;
     void set_selected_button(screen_kind kind) override { tools.mark(kind); }
     void set_window_title(const QString& title) override;
-    void show_vehicle(const QString& name, const QImage& image) override { tools.show_vehicle(name, image); }
+    void show_vehicle(const QString& name, const QImage& image) override {
+        tools.vehicle().show_vehicle(name, image);
+    }
     void pop_helpy(const QString& title, const QString& html, const QString& icon) override;
     void regain_focus() override;
 
@@ -80,6 +82,10 @@ private:
     void open_updates();
     void open_check();
     void add_vehicle();
+    void choose_vehicle(int veh_id);
+    void grant(tool_strip::wish what);
+    void open_demo(const QString& car);
+    void greet();
     view_context for_screens() { return {core, delegate, delegate.link, *this, *this}; }
     void escape();
     void refuse_questions();

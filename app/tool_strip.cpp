@@ -1,24 +1,19 @@
 #include "app/tool_strip.h"
 
-#include "app/look/painting.h"
+#include "tools/virtual_adapter/car_catalogue.h"
 
 #include <QIcon>
 #include <QMenu>
+#include <QPainter>
 #include <array>
 
 namespace brivant {
 
 namespace {
 
-constexpr int strip_height = 84;
-constexpr int icon_size = 32;
-constexpr int help_size = 24;
-constexpr int picture_width = 84;
-constexpr int picture_height = 49;
-constexpr int widest_name = 220;
-// The number that the marker below the chosen button goes by.
-constexpr int marker_tag = 667;
-constexpr int marker_width = 32;
+constexpr int least_height = 48;
+constexpr int icon_size = 24;
+constexpr int marker_height = 3;
 
 struct screen_button {
     screen_kind screen;
@@ -37,44 +32,60 @@ constexpr std::array<screen_button, 5> screens{{
 }};
 // clang-format on
 
+struct menu_entry {
+    tool_strip::wish what;
+    const char* text; // with its key
+    const char* name;
+};
+
+constexpr std::array<menu_entry, 7> entries{{
+    {tool_strip::wish::links, "Links...\tCtrl+L", "menu_links"},
+    {tool_strip::wish::full_screen, "Full screen\tF11", "menu_full_screen"},
+    {tool_strip::wish::help, "Help\tF1", "menu_help"},
+    {tool_strip::wish::keys, "Shortcuts\t?", "menu_keys"},
+    {tool_strip::wish::updates, "Check for updates...", "check_for_updates"},
+    {tool_strip::wish::about, "About", "menu_about"},
+    {tool_strip::wish::quit, "Quit\tCtrl+Q", "menu_quit"},
+}};
+
 } // namespace
 
-tool_strip::tool_strip(QWidget* parent) : QFrame(parent) {
+tool_strip::tool_strip(vehicle_list& vehicles, QWidget* parent) : QFrame(parent), its_vehicle(vehicles) {
     setProperty("role", QStringLiteral("strip"));
-    setFixedHeight(strip_height);
-    grid = new QGridLayout(this);
-    grid->setContentsMargins(theme::step, theme::step / 2, 2 * theme::step, 0);
-    grid->setHorizontalSpacing(theme::step / 2);
-    grid->setVerticalSpacing(0);
-    grid->setRowStretch(0, 1);
-    grid->setRowMinimumHeight(1, theme::step);
-    add_buttons();
-    const int after = static_cast<int>(screens.size());
-    grid->setColumnStretch(after, 1);
-    grid->addWidget(&help_button, 0, after + 1, 2, 1, Qt::AlignVCenter);
-    grid->addWidget(&menu_button, 0, after + 2, 2, 1, Qt::AlignVCenter);
-    add_menu();
-    grid->setColumnMinimumWidth(after + 3, theme::step);
-    add_vehicle(grid, after + 4);
-}
-
-void tool_strip::add_menu() {
+    setMinimumHeight(least_height);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(theme::step, 2, theme::step, 2);
+    row->setSpacing(theme::step / 2);
+    add_buttons(*row);
+    row->addStretch(1);
+    row->addWidget(&its_link);
+    row->addWidget(&its_vehicle);
     menu_button.setObjectName(QStringLiteral("menu"));
     menu_button.setText(QStringLiteral("Menu"));
-    menu_button.setToolTip(QStringLiteral("Help, updates (F10)"));
+    menu_button.setToolTip(QStringLiteral("Demo cars, full screen, help, about (F10)"));
     menu_button.setShortcut(Qt::Key_F10);
     menu_button.setFocusPolicy(Qt::StrongFocus);
-    auto* menu = new QMenu(&menu_button);
-    menu->addAction(QStringLiteral("Help\tF1"), this, &tool_strip::help_wanted);
-    QAction* updates = menu->addAction(QStringLiteral("Check for updates..."));
-    updates->setObjectName(QStringLiteral("check_for_updates"));
-    connect(updates, &QAction::triggered, this, &tool_strip::updates_wanted);
+    row->addWidget(&menu_button);
     // Popped up by hand: a button's own menu runs an event loop.
-    connect(&menu_button, &QToolButton::clicked, menu,
-            [this, menu] { menu->popup(menu_button.mapToGlobal(QPoint(0, menu_button.height()))); });
+    connect(&menu_button, &QToolButton::clicked, this, [this, menu = make_menu()] {
+        menu->popup(menu_button.mapToGlobal(QPoint(0, menu_button.height())));
+    });
 }
 
-void tool_strip::add_buttons() {
+QMenu* tool_strip::make_menu() {
+    auto* menu = new QMenu(&menu_button);
+    QMenu* cars = menu->addMenu(QStringLiteral("Demo cars"));
+    for (const QString& car : virtual_adapter::built_in_cars())
+        cars->addAction(car, this, [this, car] { Q_EMIT demo_wanted(car); });
+    for (const menu_entry& entry : entries) {
+        QAction* action = menu->addAction(QLatin1String(entry.text));
+        action->setObjectName(QLatin1String(entry.name));
+        connect(action, &QAction::triggered, this, [this, what = entry.what] { Q_EMIT wished(what); });
+    }
+    return menu;
+}
+
+void tool_strip::add_buttons(QHBoxLayout& row) {
     for (int i = 0; i < static_cast<int>(screens.size()); ++i) {
         const screen_button& one = screens[static_cast<size_t>(i)];
         auto* button = new QToolButton;
@@ -84,39 +95,14 @@ void tool_strip::add_buttons() {
         button->setToolTip(QStringLiteral("%1 (Ctrl+%2)").arg(QLatin1String(one.what)).arg(i + 1));
         button->setAccessibleName(QLatin1String(one.text));
         button->setAccessibleDescription(QLatin1String(one.what));
-        button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         button->setIconSize({icon_size, icon_size});
-        button->setCheckable(true);
+        button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
         button->setFocusPolicy(Qt::StrongFocus);
-        connect(button, &QToolButton::clicked, this, [this, button, kind = one.screen] {
-            button->setChecked(!button->isChecked()); // mark() decides
-            Q_EMIT chosen(kind);
-        });
-        grid->addWidget(button, 0, i);
+        connect(button, &QToolButton::clicked, this, [this, kind = one.screen] { Q_EMIT chosen(kind); });
+        row.addWidget(button);
         buttons += button;
     }
-    help_button.setObjectName(QStringLiteral("help"));
-    help_button.setIconSize({help_size, help_size});
-    help_button.setToolTip(QStringLiteral("Help (F1)"));
-    help_button.setAccessibleName(QStringLiteral("Help"));
-    help_button.setFocusPolicy(Qt::StrongFocus);
-    connect(&help_button, &QToolButton::clicked, this, &tool_strip::help_wanted);
-}
-
-void tool_strip::add_vehicle(QGridLayout* to, int column) {
-    picture.setFixedSize(picture_width, picture_height);
-    picture.setAccessibleName(QStringLiteral("Picture of the current vehicle"));
-    vehicle.setProperty("role", QStringLiteral("strong"));
-    vehicle.setMaximumWidth(widest_name);
-    auto* words = new QVBoxLayout;
-    words->setSpacing(2);
-    words->addStretch();
-    words->addWidget(&vehicle);
-    words->addWidget(&note_label, 0, Qt::AlignLeft);
-    words->addStretch();
-    to->addWidget(&picture, 0, column, 2, 1, Qt::AlignVCenter);
-    to->addLayout(words, 0, column + 1, 2, 1);
-    set_vehicle_note(QStringLiteral("Current vehicle"), false);
 }
 
 std::optional<screen_kind> tool_strip::screen_at(int index) {
@@ -125,37 +111,33 @@ std::optional<screen_kind> tool_strip::screen_at(int index) {
     return screens[static_cast<size_t>(index)].screen;
 }
 
+// A property instead of a check: a screen reader would call the buttons check boxes.
 void tool_strip::mark(screen_kind kind) {
-    const QString name = QString::number(marker_tag);
-    delete findChild<QLabel*>(name);
     for (int i = 0; i < buttons.size(); ++i) {
-        const bool is_it = screens[static_cast<size_t>(i)].screen == kind;
-        buttons[i]->setChecked(is_it);
-        if (!is_it)
-            continue;
-        auto* marker = new QLabel;
-        marker->setObjectName(name);
-        marker->setProperty("tag", marker_tag);
-        marker->setPixmap(QIcon(QStringLiteral(":/artwork/button_selected.png")).pixmap(marker_width));
-        grid->addWidget(marker, 1, i, Qt::AlignHCenter | Qt::AlignTop);
+        const screen_button& one = screens[static_cast<size_t>(i)];
+        const bool is_it = one.screen == kind;
+        theme::mark(*buttons[i], "current", is_it);
+        buttons[i]->setAccessibleName(is_it ? QStringLiteral("%1, shown").arg(QLatin1String(one.text))
+                                            : QLatin1String(one.text));
+    }
+    update();
+}
+
+// A line below the screen that is shown.
+void tool_strip::paintEvent(QPaintEvent* event) {
+    QFrame::paintEvent(event);
+    QPainter painter(this);
+    for (const QToolButton* button : std::as_const(buttons)) {
+        if (button->property("current").toBool())
+            painter.fillRect(button->x() + theme::step, height() - marker_height,
+                             button->width() - 2 * theme::step, marker_height, accent);
     }
 }
 
-void tool_strip::show_vehicle(const QString& name, const QImage& image) {
-    vehicle.set_text(name);
-    if (!image.isNull())
-        picture.setPixmap(rounded_picture(image, picture.size(), devicePixelRatioF()));
-}
-
-void tool_strip::set_vehicle_note(const QString& note, bool as_chip) {
-    theme::mark(note_label, "role", as_chip ? QStringLiteral("chip") : QStringLiteral("small"));
-    note_label.setText(note);
-}
-
 void tool_strip::set_look(const theme& look) {
+    accent = look.accent;
     for (int i = 0; i < buttons.size(); ++i)
         buttons[i]->setIcon(look.icon(QLatin1String(screens[static_cast<size_t>(i)].icon)));
-    help_button.setIcon(look.icon(QStringLiteral("help.png")));
 }
 
 } // namespace brivant

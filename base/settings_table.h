@@ -140,25 +140,41 @@ inline constexpr texts  expert_history    {"BV_expert_history",    "",          
     "the commands typed last"};
 inline constexpr texts  expert_script     {"obdScriptArray",       "01 {L},01,05,1",  program,
     "the script: template, from, to, loops"};
+inline constexpr flag   greeted           {"BV_greeted",           "false",           program,
+    "the card of the first start was shown"};
 inline constexpr text   window_geometry   {"BV_window_geometry",   "",                program,
     "where the window stood"};
 inline constexpr text   plot_geometry     {"BV_plot_geometry",     "",                program,
     "where the plot window stood"};
 // clang-format on
 
-inline constexpr std::array<const setting_row*, 26> all{&interface_kind,    &link,
-                                                        &known_adapters,    &wifi_ip,
-                                                        &wifi_port,         &metric_units,
-                                                        &log_runs,          &time_stamps,
-                                                        &sample_rate,       &sampling_speed,
-                                                        &pid_rates,         &adapter_passports,
-                                                        &standard_reading,  &anonymous,
-                                                        &store_position,    &gpsd,
-                                                        &bluetooth_address, &bluetooth_name,
-                                                        &update_server,     &current_vehicle,
-                                                        &sample_set,        &older_sample_set,
-                                                        &expert_history,    &expert_script,
-                                                        &window_geometry,   &plot_geometry};
+inline constexpr std::array<const setting_row*, 27> all{&greeted,
+                                                        &interface_kind,
+                                                        &link,
+                                                        &known_adapters,
+                                                        &wifi_ip,
+                                                        &wifi_port,
+                                                        &metric_units,
+                                                        &log_runs,
+                                                        &time_stamps,
+                                                        &sample_rate,
+                                                        &sampling_speed,
+                                                        &pid_rates,
+                                                        &adapter_passports,
+                                                        &standard_reading,
+                                                        &anonymous,
+                                                        &store_position,
+                                                        &gpsd,
+                                                        &bluetooth_address,
+                                                        &bluetooth_name,
+                                                        &update_server,
+                                                        &current_vehicle,
+                                                        &sample_set,
+                                                        &older_sample_set,
+                                                        &expert_history,
+                                                        &expert_script,
+                                                        &window_geometry,
+                                                        &plot_geometry};
 
 // The setting that a key of the file stands for.
 std::optional<setting_row> with_key(const QString& key);

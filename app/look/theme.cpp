@@ -20,7 +20,7 @@ constexpr int smallest_legible = 11; // pixels
 theme light() {
     theme t;
     t.ground  = 0xeef1f4; t.card      = 0xffffff; t.field       = 0xffffff;
-    t.edge    = 0xd8dfe5; t.field_edge = 0xaab4be;
+    t.edge    = 0xd8dfe5; t.field_edge = 0x7c8894;
     t.text    = 0x24303b; t.muted     = 0x5a6672;
     t.accent  = 0x14796f; t.on_accent = 0xffffff; t.accent_soft = 0xd9eeeb;
     t.amber   = 0x9a5b00; t.amber_soft = 0xfff3dc;
@@ -32,7 +32,7 @@ theme night() {
     theme t;
     t.dark    = true;
     t.ground  = 0x1b1f24; t.card      = 0x262c33; t.field       = 0x1b1f24;
-    t.edge    = 0x3a434d; t.field_edge = 0x66727f;
+    t.edge    = 0x3a434d; t.field_edge = 0x7a8693;
     t.text    = 0xe3e8ed; t.muted     = 0xa0acb8;
     t.accent  = 0x45c2b5; t.on_accent = 0x0d211f; t.accent_soft = 0x23443f;
     t.amber   = 0xf5b44b; t.amber_soft = 0x3d3220;
@@ -91,8 +91,8 @@ QToolButton:hover { background: {accent_soft}; }
 QToolButton:disabled { color: {field_edge}; background: transparent; }
 QToolButton:focus { border-color: {accent}; }
 QToolButton[role="link"] { color: {accent}; }
-QToolButton[role="screen"] { color: {muted}; padding: 6px 4px 2px 4px; min-width: 92px; }
-QToolButton[role="screen"]:checked { color: {text}; font-weight: 600; }
+QToolButton[role="screen"] { color: {muted}; padding: 2px 8px; }
+QToolButton[current="true"] { color: {text}; font-weight: 600; }
 
 QTableView { background: {card}; border: 1px solid transparent; border-radius: 3px; outline: 0;
     gridline-color: {edge}; color: {text}; }

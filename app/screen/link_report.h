@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/screen/status_strip.h"
+#include "app/screen/link_mark.h"
 #include "link/adapter_link.h"
 #include "toolkit/mac_toolies.h"
 

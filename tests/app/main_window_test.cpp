@@ -1,8 +1,11 @@
+#include "app/first_start_sheet.h"
+#include "base/string_table.h"
 #include "tests/app/running_window.h"
 
-#include "base/string_table.h"
-
+#include <QAction>
 #include <QFile>
+#include <QMenu>
+#include <QRadioButton>
 
 namespace brivant {
 
@@ -95,6 +98,46 @@ TEST(main_window, remembers_its_size) {
         EXPECT_EQ(window.size(), QSize(1000, 640));
         window.close();
     }
+}
+
+TEST(main_window, greets_once) {
+    QTemporaryDir profile;
+    for (const int run : {1, 2}) {
+        program_core core(running_window::with(launch_options::link_choice::as_stored, profile.path()));
+        main_window window(core);
+        window.start();
+        window.show();
+        auto* greeting = window.findChild<first_start_sheet*>();
+        ASSERT_EQ(greeting != nullptr, run == 1);
+        if (!greeting)
+            break;
+        EXPECT_TRUE(greeting->isVisible());
+        greeting->findChild<QRadioButton*>("first_metric")->click();
+        greeting->findChild<QPushButton*>("first_later")->click();
+        EXPECT_TRUE(core.defaults.value(setting::metric_units));
+        window.close();
+    }
+    program_core given(running_window::with(launch_options::link_choice::simulate, profile.path()));
+    EXPECT_FALSE(first_start_sheet::is_due(given));
+}
+
+TEST(main_window, another_vehicle_is_one_click_away) {
+    running_window program;
+    const int other = program.core.vehicles.saveCurCarVals(-1, {"Van", "2001", "2.0"}, QImage()).id;
+    ASSERT_GT(other, 0);
+    program.part<vehicle_button>().click();
+    QMenu* menu = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return (menu = program.part<vehicle_button>().findChild<QMenu*>()); }));
+    for (QAction* action : menu->actions())
+        if (action->text() == "Van")
+            action->trigger();
+    menu->close();
+    EXPECT_TRUE(program.core.vehicles.is_current(other));
+    EXPECT_EQ(program.part<vehicle_button>().accessibleName(), "Current vehicle Van");
+    program.press(Qt::Key_F11);
+    EXPECT_TRUE(program.window->isFullScreen());
+    program.part<QAction>("menu_full_screen").trigger();
+    EXPECT_FALSE(program.window->isFullScreen());
 }
 
 TEST(help_panel, opens_with_f1_and_loads_only_artwork) {

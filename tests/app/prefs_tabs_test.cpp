@@ -244,7 +244,7 @@ TEST(vehicles_tab, another_vehicle_leaves_nothing_of_the_other_one_at_the_link_m
     preferences_tabs program(0, launch_options::link_choice::demo);
     program.press(Qt::Key_F5);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !program.is_shown("test_stop"); }, 20000));
-    const auto words = [&] { return program.part<status_strip>().link(); };
+    const auto words = [&] { return program.part<link_mark>().link(); };
     EXPECT_TRUE(words().protocol.contains("CAN"));
     program.show_tab(vehicles_tab);
     program.add_vehicle("Van");

@@ -29,7 +29,7 @@ TEST(read_codes_view, shows_what_the_demo_car_says) {
     EXPECT_EQ(car.part<QLabel>("code_count").text(), "2");
     EXPECT_TRUE(car.part<QLabel>("facts").text().contains("ELM327v1.5"));
     EXPECT_EQ(car.link(), link_words::condition::open);
-    EXPECT_TRUE(car.part<status_strip>().link().details.contains("7E8 (Eng.), 7E9 (Trans.)"));
+    EXPECT_TRUE(car.part<link_mark>().link().details.contains("7E8 (Eng.), 7E9 (Trans.)"));
 
     const QAbstractItemModel& readiness = *car.part<QTableView>("readiness_table").model();
     EXPECT_EQ(readiness.index(0, 0).data().toString(), "Continous");

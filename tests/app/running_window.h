@@ -31,6 +31,7 @@ struct running_window {
         : core(with(link, folder.path(), car)) {
         QString problem;
         EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();
+        core.defaults.set(setting::greeted, true);
         window.emplace(core);
         window->start();
         window->show();
@@ -60,7 +61,7 @@ struct running_window {
     bool wait_until_idle() {
         return QTest::qWaitFor([this] { return part<QPushButton>("stop").isHidden(); }, 20000);
     }
-    link_words::condition link() { return part<status_strip>().link().now; }
+    link_words::condition link() { return part<link_mark>().link().now; }
 };
 
 } // namespace brivant

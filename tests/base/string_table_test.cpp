@@ -30,6 +30,7 @@ TEST(string_table, every_text_has_the_places_that_its_callers_fill) {
         {"TOAST_BT_NOT_RESP_RETRY", "@dd"},    // device, seconds so far, seconds in all
         {"TOAST_BT_CONN_FAILED", "@"},         // device
         {"DLG_VEH_DIFF_CONTINUE", "@"},        // the vehicle's name
+        {"BV_ABOUT", "@"},                     // version
         {"BV_MODE6_RESULT", "@@@@@"},          // colour, value, maximum, unit or relation, minimum
     };
     for (auto row = places.begin(); row != places.end(); ++row)

@@ -66,7 +66,7 @@ TEST(device_chooser, first_start_to_codes_and_the_next_time_without_asking) {
     EXPECT_EQ(car.chooser(), nullptr);
     EXPECT_TRUE(car.wait_until_idle());
     EXPECT_EQ(car.part<QLabel>("code_count").text(), "2");
-    EXPECT_EQ(car.part<status_strip>().link().far_end, "Bluetooth OBDII");
+    EXPECT_EQ(car.part<link_mark>().link().far_end, "Bluetooth OBDII");
     EXPECT_EQ(car.core.defaults.value(setting::bluetooth_address), obd_address);
     EXPECT_EQ(car.core.defaults.value(setting::bluetooth_name), "OBDII");
 
