@@ -19,9 +19,10 @@ void print(FILE* stream, const QString& text) {
 }
 
 QString usage() {
-    return QStringLiteral(
-               "Usage: brivant-lite [--wifi HOST:PORT | --bluetooth ADDRESS | --demo[=CAR] | --simulate]\n"
-               "                    [--profile DIR] [--log] [--metric | --imperial]\n\n") +
+    return QStringLiteral("Usage: brivant-lite [--wifi HOST:PORT | --bluetooth ADDRESS | --ble ADDRESS | "
+                          "--serial PORT[:BAUD]\n"
+                          "                     | --find | --demo[=CAR] | --simulate]\n"
+                          "                    [--profile DIR] [--log] [--metric | --imperial]\n\n") +
            launch_options_usage() + QStringLiteral("\nExit status: 0 after a normal end, 2 wrong usage.\n");
 }
 

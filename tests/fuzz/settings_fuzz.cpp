@@ -5,6 +5,7 @@
 
 #include "base/console_log.h"
 #include "expert/expert_commands.h"
+#include "shell/known_adapter.h"
 #include "shell/preferences.h"
 #include "tests/fuzz/must_hold.h"
 
@@ -25,6 +26,10 @@ void reading(const user_defaults& defaults) {
     }
     const int kind = defaults.value(setting::interface_kind);
     must_hold(kind == 5 || kind == 6, "a link is Bluetooth or Wi-Fi");
+    for (const known_adapter& one : known_adapters_in(defaults.value(setting::known_adapters)))
+        must_hold(adapter_address::of(one.where.text()) == one.where, "a known adapter has an address");
+    if (const auto link = adapter_address::of(defaults.value(setting::link)))
+        must_hold(adapter_address::of(link->text()) == link, "a link is written and read again");
     for (const setting::text& typed : {setting::wifi_ip, setting::wifi_port}) {
         const QString text = defaults.value(typed);
         must_hold(preferences::address_problem(text).size() < 300 &&
