@@ -22,7 +22,7 @@ theme light() {
     t.ground  = 0xeef1f4; t.card      = 0xffffff; t.field       = 0xffffff;
     t.edge    = 0xd8dfe5; t.field_edge = 0x7c8894;
     t.text    = 0x24303b; t.muted     = 0x5a6672;
-    t.accent  = 0x14796f; t.on_accent = 0xffffff; t.accent_soft = 0xd9eeeb;
+    t.accent  = 0x12736a; t.on_accent = 0xffffff; t.accent_soft = 0xd9eeeb;
     t.amber   = 0x9a5b00; t.amber_soft = 0xfff3dc;
     t.red     = 0xb3322a; t.green     = 0x1d7a3c;
     return t;
