@@ -28,6 +28,8 @@ constexpr QRgb dim = 0xff94a1ae;
 constexpr double corner = 10;
 constexpr double pad = 14;
 constexpr double head = 42;
+constexpr double low_head = 28; // of a chart that has no room to spare
+constexpr double low_chart = 260;
 constexpr double foot_of_chart = 30;
 constexpr double foot_of_thumbnail = 9;
 constexpr double head_of_thumbnail = 50;
@@ -51,6 +53,10 @@ QColor colour(QRgb value) {
 int values_beside(double height) {
     return std::max(static_cast<int>(height / pixels_per_axis_value),
                     std::min(static_cast<int>(height / least_per_axis_value), few_axis_values));
+}
+
+double head_of(double height) {
+    return height < low_chart ? low_head : head;
 }
 
 double box_width(double width) {
@@ -96,8 +102,10 @@ void drawChartyItem::draw_grid(const chart_labels& labels, const QString& this_t
                  size.width() - 2 * pad);
         return;
     }
-    write_in(painter, picture_font(15, QFont::DemiBold), text, {pad + 2, size.height() - foot() - 32},
-             this_title, size.width() - 2 * pad);
+    write_in(
+        painter, picture_font(15, QFont::DemiBold), text,
+        {pad + 2, size.height() - foot() - head_of(size.height()) + (size.height() < low_chart ? 5 : 10)},
+        this_title, size.width() - 2 * pad);
     draw_grid_lines(painter, columns.isEmpty() ? value_range{0, 0} : axis_ends(labels[columns.constFirst()]));
     double x_guide = drawSizes.left();
     for (const int column : columns.first(std::min(columns.size(), most_axes))) {
@@ -125,7 +133,8 @@ void drawChartyItem::work_out_drawing_sizes(const chart_labels& labels, const QL
     }
     left = std::round(std::max(left, pad + least_axis));
     const double right = std::round(size.width() - box_width(size.width()) - 2 * pad);
-    drawSizes = QRectF(left, 0, std::max(1.0, right - left), std::max(1.0, size.height() - foot() - head));
+    drawSizes = QRectF(left, 0, std::max(1.0, right - left),
+                       std::max(1.0, size.height() - foot() - head_of(size.height())));
 }
 
 void drawChartyItem::draw_background(picture_painter& painter) const {

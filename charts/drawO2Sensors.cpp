@@ -1,5 +1,7 @@
 #include "charts/drawO2Sensors.h"
 
+#include "charts/value_text.h"
+
 #include <QPainter>
 #include <algorithm>
 #include <bit>
@@ -33,7 +35,7 @@ QPointF from_above(double x, double y) {
 
 enum class weight { plain, bold };
 
-QFont letters(double pixels, weight its_weight) {
+QFont letters(double pixels, weight its_weight = weight::plain) {
     QFont font;
     font.setPixelSize(std::max(1, qRound(pixels)));
     font.setBold(its_weight == weight::bold);
@@ -165,19 +167,28 @@ void draw_value(QPainter& painter, const o2_sensor_place& sensor, const QString&
     write(painter, left, text, size, weight::bold, look.ink);
 }
 
+QString volts_text(double volts) {
+    return in_locale(QString::number(volts, 'f', 2));
+}
+
 void draw_legend(QPainter& painter, const o2_picture_look& look) {
-    struct entry {
-        int x, state;
-        QString words;
+    constexpr double begin = 104, end = drawO2Sensors::width - 4;
+    constexpr double before_words = 9, between = 16;
+    const QStringList words{QStringLiteral("lean, below %1 V").arg(volts_text(lean_below)),
+                            QStringLiteral("between, rear, unknown"),
+                            QStringLiteral("rich, above %1 V").arg(volts_text(rich_above))};
+    // In hundreds of pixels: the widths of small letters are rounded.
+    const auto width_of = [](const QString& text) {
+        return QFontMetricsF(letters(100)).horizontalAdvance(text) / 100;
     };
-    const entry entries[] = {
-        {128, -1, QStringLiteral("lean, below %1 V").arg(lean_below, 0, 'f', 2)},
-        {236, 0, QStringLiteral("between, rear, unknown")},
-        {358, 1, QStringLiteral("rich, above %1 V").arg(rich_above, 0, 'f', 2)},
-    };
-    for (const entry& one : entries) {
-        draw_dot(painter, from_above(one.x, 13), 4.8, one.state);
-        write(painter, from_above(one.x + 9, 10), one.words, 10, weight::plain, look.muted);
+    const double widths = width_of(words.join(QString()));
+    const double size = std::min(10.0, (end - begin - 3 * before_words - 2 * between) / widths);
+    double x = begin;
+    for (int state = -1; state <= 1; ++state) {
+        const QString& told = words.at(state + 1);
+        draw_dot(painter, from_above(x, 13), 4.8, state);
+        write(painter, from_above(x + before_words, 10), told, size, weight::plain, look.muted);
+        x += before_words + size * width_of(told) + between;
     }
 }
 
@@ -328,7 +339,7 @@ void drawO2Sensors::draw_values() {
         draw_snsr_dot(painter, sensor.dot_x, sensor.dot_y, is_highlighted, state_of(sensor.index),
                       look.accent);
         if (values.contains(sensor.index))
-            draw_value(painter, sensor, values.value(sensor.index), look);
+            draw_value(painter, sensor, in_locale(values.value(sensor.index)), look);
     }
     constexpr QPointF list_place(104, 195);
     write(painter, from_above(list_place.x(), list_place.y()), beside_the_picture(), 11, weight::plain,

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int empty_icon_size = 32;
 constexpr int narrowest_gauges = 144;
+constexpr int low_gauges = 300;
 constexpr double fewest_shown = 20; // sweeps, by the zoom
 
 void keep_room(QWidget& widget, bool also_hidden) {
@@ -131,10 +132,25 @@ void actions_view::reload(part what) {
     set_changed();
 }
 
+// What stores stands beside the mode where there is room, else below.
+void actions_view::resizeEvent(QResizeEvent* event) {
+    screen_view::resizeEvent(event);
+    const int wanted = ui.mode->sizeHint().width() + ui.run->sizeHint().width() +
+                       ui.pids->sizeHint().width() + ui.store_group->sizeHint().width() + 8 * theme::step;
+    QHBoxLayout* row = wanted > width() ? ui.store_row : ui.head;
+    if (row->indexOf(ui.store_group) < 0)
+        row->addWidget(ui.store_group, 0, Qt::AlignRight);
+}
+
 // The gauges are as wide as their height asks for; the chart takes the rest.
 bool actions_view::eventFilter(QObject* watched, QEvent* event) {
     if (watched == ui.gauges && event->type() == QEvent::Resize) {
-        const int wanted = ui.gauge_1->width_for((ui.gauges->height() - theme::step) / 2);
+        // In a low window side by side.
+        const int height = ui.gauges->height();
+        const bool is_low = height < qRound(low_gauges * growth_for(font()));
+        ui.gauge_column->setDirection(is_low ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+        const int wanted = is_low ? 2 * ui.gauge_1->width_for(height) + theme::step
+                                  : ui.gauge_1->width_for((height - theme::step) / 2);
         const int least = qRound(narrowest_gauges * growth_for(font()));
         ui.gauges->setFixedWidth(std::clamp(wanted, least, std::max(least, width() / 3)));
     }
@@ -192,15 +208,14 @@ void actions_view::gap_begun() {
 }
 
 void actions_view::sample_arrived(int index) {
-    const sample_row& row = results.these_samples.at(index);
     ui.thumbs->sample_arrived(index);
     ui.tiles->sample_arrived(index);
     if (shown.in_chart(index))
         ui.chart->set_stale();
     if (index == shown.chart)
-        ui.gauge_1->set_value(row, peak_of(index));
+        ui.gauge_1->set_value(results, index);
     if (index == shown.gauge_2)
-        ui.gauge_2->set_value(row, peak_of(index));
+        ui.gauge_2->set_value(results, index);
     pace.ask();
 }
 
@@ -250,19 +265,14 @@ void actions_view::mark() {
     pace.ask();
 }
 
-double actions_view::peak_of(int index) const {
-    const series_summary seen = results.cur_log_points.extremes_with_first(index);
-    return seen.empty() ? qQNaN() : seen.maximum;
-}
-
 void actions_view::fill_gauges() {
     const bool has_first = shown.chart < results.these_samples.size();
     ui.gauge_1->setVisible(has_first);
     ui.gauge_2->setVisible(shown.gauge_2 >= 0);
     if (has_first)
-        ui.gauge_1->show_sample(results.these_samples.at(shown.chart), peak_of(shown.chart));
+        ui.gauge_1->show_sample(results, shown.chart);
     if (shown.gauge_2 >= 0)
-        ui.gauge_2->show_sample(results.these_samples.at(shown.gauge_2), peak_of(shown.gauge_2));
+        ui.gauge_2->show_sample(results, shown.gauge_2);
 }
 
 // --- one frame ---------------------------------------------------------------------------------------------
@@ -290,7 +300,7 @@ void actions_view::renew_pictures() {
 
 void actions_view::zoom() {
     const bool is_chart = ui.chart_stack->currentWidget() == ui.chart;
-    ui.chart->setAccessibleName(QStringLiteral("Chart: ") + chart_name());
+    ui.chart->setAccessibleName(QStringLiteral("Chart: ") + shown.chart_names(results));
     keep_room(*ui.zoom_row, is_chart);
     ui.zoom_row->setVisible(run_controller.zoom_slider_shown() && is_chart);
     // The slider goes no lower than its label says.
@@ -299,7 +309,7 @@ void actions_view::zoom() {
         std::min(ui.zoom->maximum(), static_cast<int>(std::ceil(fewest_shown / rows * ui.zoom->maximum()))));
     const double slider = static_cast<double>(ui.zoom->value()) / ui.zoom->maximum();
     const brivant::actions::zoomed now = run_controller.zoom(run_controller.zoom_slider_shown() ? slider : 1);
-    ui.chart->zoom(now.points, chart_name() + QStringLiteral(" \u2013 ") + now.title);
+    ui.chart->zoom(now.points, shown.chart_names(results) + QStringLiteral(" \u2013 ") + now.title);
 }
 
 bool actions_view::has_samples() const {
@@ -325,21 +335,12 @@ void actions_view::show_page() {
     ui.views->at(as_exhaust).setVisible(results.mode == op_o2_layout);
     ui.views->at(as_exhaust).setEnabled(has_picture);
     ui.views->set_current(now);
-    for (QWidget* beside : {static_cast<QWidget*>(ui.gauges), static_cast<QWidget*>(ui.thumbs)})
-        beside->setHidden(ui.chart_stack->currentWidget() == ui.tiles);
-    theme::mark(*ui.chart_card, "role",
-                ui.chart_stack->currentWidget() == ui.tiles ? QString() : QStringLiteral("card"));
+    const bool fills = ui.chart_stack->currentWidget() == ui.tiles;
+    ui.gauges->setHidden(fills);
+    ui.thumbs->setHidden(fills);
+    theme::mark(*ui.chart_card, "role", fills ? QString() : QStringLiteral("card"));
     ui.copy_picture->setEnabled(!is_empty);
     ui.save_picture->setEnabled(!is_empty);
-}
-
-QString actions_view::chart_name() const {
-    QStringList names;
-    for (int index = 0; index < results.these_samples.size(); ++index) {
-        if (shown.in_chart(index))
-            names += results.these_samples.at(index).name;
-    }
-    return names.join(QStringLiteral(", "));
 }
 
 } // namespace brivant

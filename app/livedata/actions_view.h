@@ -26,6 +26,7 @@ public:
 
 protected:
     void showEvent(QShowEvent*) override { pace.ask(); }
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -47,14 +48,12 @@ private:
     void choose_gauge(int index);
     void choose_view(int index);
     void mark();
-    double peak_of(int index) const;
     void fill_gauges();
 
     // One frame.
     void draw();
     void renew_pictures();
     void show_page();
-    QString chart_name() const;
     void zoom();
     bool has_samples() const;
 

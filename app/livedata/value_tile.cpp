@@ -16,6 +16,7 @@ constexpr double dim = 0.45;
 constexpr double least_line_height = 16;
 // Of the tile, to what the name and the foot leave over.
 constexpr double value_part = 0.62;
+constexpr double unit_part = 0.25; // of the room for the value
 
 } // namespace
 
@@ -64,7 +65,8 @@ QString value_tile::foot_words() const {
 void value_tile::draw_value(QPainter& painter, const QRectF& room, const value_text& shown) const {
     QFont large = sized(theme::figures(font()), display_size);
     large.setWeight(QFont::DemiBold);
-    const QFont unit_font = sized(font(), heading_size);
+    QFont unit_font = sized(font(), heading_size);
+    unit_font.setPixelSize(std::max(unit_font.pixelSize(), static_cast<int>(room.height() * unit_part)));
     const double unit_width =
         shown.unit.isEmpty() ? 0 : QFontMetricsF(unit_font).horizontalAdvance(shown.unit) + theme::step;
     // In proportion, so that it need not be tried size by size; as wide as five figures, so that it does not

@@ -12,7 +12,8 @@ namespace {
 
 constexpr QSizeF face(364, 286);
 constexpr int gap = 4;
-constexpr double least_value_part = 0.12; // of the dial's height
+constexpr double value_part = 0.13;     // of the height, where that is more than a heading
+constexpr double letters_of_line = 0.8; // of the height of a line
 
 } // namespace
 
@@ -22,19 +23,21 @@ void gauge_picture::set_up(const mac_toolies& toolies) {
     gauge.emplace(toolies);
 }
 
-void gauge_picture::show_sample(const sample_row& row, double peak) {
+void gauge_picture::show_sample(const live_results& results, int index) {
+    const sample_row& row = results.these_samples.at(index);
     gauge->initGauge(row.pid);
     name = row.name;
     setAccessibleName(QStringLiteral("Gauge: %1").arg(name));
     setToolTip(name);
     has_value = false;
-    set_value(row, peak);
+    set_value(results, index);
     has_value = !row.value.isEmpty();
     update();
 }
 
-void gauge_picture::set_value(const sample_row& row, double peak) {
-    gauge->set_peak(peak);
+void gauge_picture::set_value(const live_results& results, int index) {
+    const sample_row& row = results.these_samples.at(index);
+    gauge->set_peak(results.cur_log_points.extremes_with_first(index).maximum);
     value = row.latest;
     shown = shown_value(row.value, row.latest, row.units == not_available ? QString() : row.units.trimmed());
     has_value = true;
@@ -51,16 +54,17 @@ int gauge_picture::name_height() const {
     return fontMetrics().height() + gap;
 }
 
-int gauge_picture::value_height() const {
-    return QFontMetrics(sized(font(), heading_size)).height() + gap;
+int gauge_picture::value_height(int whole) const {
+    return std::max(QFontMetrics(sized(font(), heading_size)).height(), qRound(whole * value_part)) + gap;
 }
 
 int gauge_picture::width_for(int height) const {
-    return qRound((height - name_height() - value_height()) * face.width() / face.height());
+    return qRound((height - name_height() - value_height(height)) * face.width() / face.height());
 }
 
 QRectF gauge_picture::dial_place() const {
-    const QRectF room(0, name_height(), width(), std::max(1, height() - name_height() - value_height()));
+    const QRectF room(0, name_height(), width(),
+                      std::max(1, height() - name_height() - value_height(height())));
     const QSizeF size = face.scaled(room.size(), Qt::KeepAspectRatio);
     return {QPointF((width() - size.width()) / 2, room.top() + (room.height() - size.height()) / 2), size};
 }
@@ -75,7 +79,8 @@ void gauge_picture::draw_words(QPainter& painter, const QRectF& dial) const {
 
     const QString words = (shown.number + u' ' + shown.unit).trimmed();
     QFont large = sized(strong, heading_size);
-    large.setPixelSize(std::max(large.pixelSize(), qRound(dial.height() * least_value_part)));
+    large.setPixelSize(
+        std::max(large.pixelSize(), static_cast<int>((value_height(height()) - gap) * letters_of_line)));
     while (large.pixelSize() > 8 && QFontMetrics(large).horizontalAdvance(words) > width())
         large.setPixelSize(large.pixelSize() - 1);
     painter.setFont(large);

@@ -18,10 +18,10 @@ public:
 
     // The toolkit outlives it.
     void set_up(const mac_toolies& toolies);
-    // Shows this PID, with its latest value and the largest one so far (NaN for none).
-    void show_sample(const sample_row& row, double peak);
+    // Shows a PID of the set, with its latest value and the largest one so far.
+    void show_sample(const live_results& results, int index);
     // A new value of the PID; draw_new() shows it.
-    void set_value(const sample_row& row, double peak);
+    void set_value(const live_results& results, int index);
     void draw_new();
     // How wide it is best when it is that high.
     int width_for(int height) const;
@@ -31,7 +31,7 @@ protected:
 
 private:
     int name_height() const;
-    int value_height() const;
+    int value_height(int whole) const;
     QRectF dial_place() const;
     void draw_words(QPainter& painter, const QRectF& dial) const;
 

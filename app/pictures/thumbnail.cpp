@@ -20,6 +20,15 @@ constexpr double corner = 8;
 
 } // namespace
 
+QString shown_samples::chart_names(const live_results& results) const {
+    QStringList names;
+    for (int index = 0; index < results.these_samples.size(); ++index) {
+        if (in_chart(index))
+            names += results.these_samples.at(index).name;
+    }
+    return names.join(QStringLiteral(", "));
+}
+
 void shown_samples::choose(int index) {
     chart = index;
     group.clear();

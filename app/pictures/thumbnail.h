@@ -16,6 +16,8 @@ struct shown_samples {
     int gauge_2 = -1;    // -1 for none
 
     bool is_group() const { return group.size() >= 2; }
+    // The names of what the chart shows.
+    QString chart_names(const live_results& results) const;
     bool in_chart(int index) const { return is_group() ? group.count(index) > 0 : index == chart; }
 
     // The chart shows that one alone.

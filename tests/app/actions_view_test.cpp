@@ -207,7 +207,7 @@ TEST(actions_view, shows_a_tile_a_value) {
     car.click("views_0");
     EXPECT_TRUE(car.shows("empty_page"));
     car.press(Qt::Key_F5);
-    ASSERT_TRUE(car.wait_for_sweeps(3));
+    ASSERT_TRUE(car.wait_for_sweeps(25));
     EXPECT_TRUE(car.shows("tiles"));
     EXPECT_TRUE(car.part<QWidget>("thumbs").isHidden());
     auto& speed = car.part<value_tile>("tile_0D");
