@@ -15,7 +15,8 @@ readCodes::~readCodes() {
 }
 
 void readCodes::l_readCodes() {
-    read_codes_and(toolies.standard_reading() ? &readCodes::readPermanent : nullptr);
+    const bool permanent_too = toolies.standard_reading() && !all.is_on(); // else they come later
+    read_codes_and(permanent_too ? &readCodes::readPermanent : nullptr);
 }
 
 void readCodes::read_codes_and(next_operation next) {
@@ -95,11 +96,25 @@ void readCodes::read_for_report() {
     read_codes_and(pending_and_freeze);
 }
 
+void readCodes::read_everything() {
+    if (!is_running())
+        all.start();
+}
+
+void readCodes::stop() {
+    const bool was_between = all.is_on() && !diagnostic_talk::is_running();
+    all.give_up();
+    diagnostic_talk::stop();
+    if (was_between)
+        view.reload(part::operation);
+}
+
 void readCodes::read_link_info() {
     start_operation({op_link_info, "Asking the adapter and the car who they are", "%@", work_out_link_info});
 }
 
 void readCodes::start_operation(const read& what, next_operation next) {
+    all.give_up();
     if (is_running())
         leave_cur_op_gracefully(QStringLiteral(""));
     follows = next;
@@ -133,6 +148,7 @@ void readCodes::told_the_end(bool done) {
         if (const QString problem = store_anyway(op_read_codes); !problem.isEmpty())
             view.show_message(QString(), problem);
     diagnostic_talk::told_the_end(done);
+    all.part_ended(done);
 }
 
 void readCodes::regainFocus() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "diagnostics/diagnostic_talk.h"
+#include "diagnostics/reading_all.h"
 
 namespace brivant {
 
@@ -30,6 +31,11 @@ public:
     void readPermanent();
     // Codes, readiness, pending codes and freeze frame, one operation after the other.
     void read_for_report();
+    // All that is read of a car, one operation after the other; also between two of them it is running.
+    void read_everything();
+    const reading_all& everything() const { return all; }
+    bool is_running() const override { return diagnostic_talk::is_running() || all.is_on(); }
+    void stop() override;
     // Initialises the adapter and stops there.
     void read_link_info();
     // The window got the focus back.
@@ -62,6 +68,7 @@ private:
     // Identifies the question in flight: an answer that comes after the screen was left is ignored.
     std::shared_ptr<int> asked;
     next_operation follows = nullptr;
+    reading_all all{*this};
     bool report_due = false; // to be stored when the operation ends
 };
 

@@ -19,9 +19,6 @@ bool is_sentence(const result_row& row) {
 
 } // namespace
 
-codes_model::codes_model(readCodes& its_controller, const QList<noted_row>& its_rows, QObject* parent)
-    : results_model(its_rows, code_headings, parent), controller(its_controller) {}
-
 codes_model::codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent)
     : results_model(its_reading, code_headings, parent), controller(its_controller) {}
 

@@ -13,7 +13,6 @@ class codes_model : public results_model {
 public:
     enum column { code_column, ecu_column, description_column };
 
-    codes_model(readCodes& its_controller, const QList<noted_row>& its_rows, QObject* parent = nullptr);
     codes_model(readCodes& its_controller, second_reading& its_reading, QObject* parent = nullptr);
 
     // A sentence in the place of codes.

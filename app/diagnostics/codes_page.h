@@ -1,17 +1,15 @@
 #pragma once
 
-#include "app/diagnostics/codes_model.h"
-#include "app/diagnostics/readiness_model.h"
+#include "app/diagnostics/code_list_model.h"
+#include "app/diagnostics/code_pane.h"
 #include "app/diagnostics/reading_bar.h"
+#include "app/diagnostics/verdict_band.h"
 #include "app/screen/operation_head.h"
-#include "diagnostics/permanent_codes.h"
-#include "diagnostics/second_status.h"
-#include "ui_read_codes_view.h"
 
 namespace brivant {
 
-// The page of the trouble codes: the codes, the permanent ones below them once they were read, the MIL, the
-// readiness of the monitors, and facts about the read.
+// The page that answers how the car fares: the verdict, the codes of all kinds with the chosen one beside
+// them, the readiness of the monitors, and facts about the read.
 class codes_page : public QObject {
     Q_OBJECT
 
@@ -19,34 +17,43 @@ public:
     codes_page(const Ui::read_codes_view& its_ui, const view_context& its_context, readCodes& its_controller);
 
     void start();
-    // The names of base/screen.h: "codes", "permanent", "readiness", "labels", "progress", "operation";
-    // "reading": the other of the two readings is shown from now on.
+    // The names of base/screen.h; part::reading: the other of the two readings is shown from now on.
     void reload(part what);
     void show_operation();
     void look_changed();
+    code_pane& pane() { return chosen; }
 
 private:
-    void set_up_tables();
-    void show_reading();
+    void set_up_table();
+    void read_again();
     void show_codes();
-    void show_permanent();
+    int row_to_choose() const;
+    void show_empty(const verdict& told);
+    void show_chosen();
+    void show_verdict();
     void show_readiness();
     void show_labels();
+    void show_progress();
 
     const Ui::read_codes_view& ui;
     view_context context;
     readCodes& controller;
     diagnostic_results& results;
-    second_reading reading;
-    codes_model codes;
+    second_reading confirmed;
+    second_reading pending;
+    second_reading frame;
+    second_reading vehicle;
+    second_reading tests;
     second_status status;
     permanent_codes permanent;
-    codes_model permanent_rows;
-    QList<readiness_row> monitors; // since the codes were cleared, then of this drive cycle
-    readiness_model readiness;
+    code_list codes;
+    code_list_model model;
 
     operation_head head;
     reading_bar& bar;
+    verdict_band band;
+    code_pane chosen;
+    listed_code shown; // in the pane
 };
 
 } // namespace brivant

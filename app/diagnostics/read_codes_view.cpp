@@ -67,6 +67,8 @@ constexpr std::array<rail_page, 7> rail_pages{{
 // clang-format on
 
 constexpr int codes_at = 0;
+constexpr int pending_at = 1;
+constexpr int mode6_at = 3;
 constexpr int narrowest_rail = 200;
 constexpr int widest_rail = 264;
 constexpr int rail_icon_size = 20;
@@ -88,6 +90,8 @@ read_codes_view::read_codes_view(const view_context& its_context)
                                         : op_read_codes);
     });
     ui.rail->setCurrentRow(codes_at);
+    connect(&codes.pane(), &code_pane::frame_asked_for, this, [this] { ui.rail->setCurrentRow(pending_at); });
+    connect(&codes.pane(), &code_pane::tests_asked_for, this, [this] { ui.rail->setCurrentRow(mode6_at); });
     begin_at(*ui.read);
     connect(&context.link, &adapter_link::condition_changed, this, [this] {
         if (codes_controller.is_running())

@@ -23,7 +23,6 @@ struct opened_car : running_window {
     bool wait_until_stopped(const char* stop) {
         return QTest::qWaitFor([&] { return part<QPushButton>(stop).isHidden(); }, 30000);
     }
-    QString text_of(const char* label) { return part<QLabel>(label).text(); }
     QString report_text() {
         const QString saved = folder.filePath("report.txt");
         part<report_button>().save_as_text(saved);

@@ -51,6 +51,8 @@ struct running_window {
     }
     void click(const char* button) { part<QPushButton>(button).click(); }
 
+    QString text_of(const char* label) { return part<QLabel>(label).text(); }
+
     QStringList rows_of(const char* table_name) {
         auto& table = part<QTableView>(table_name);
         table.selectAll();

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "diagnostics/code_detail.h"
 #include "diagnostics/permanent_codes.h"
 #include "diagnostics/readCodes.h"
 #include "diagnostics/second_reading.h"
 #include "diagnostics/second_status.h"
 #include "diagnostics/stored_result.h"
+#include "diagnostics/verdict.h"
 #include "tests/support/conversation.h"
 
 #include <QRegularExpression>
@@ -32,6 +34,7 @@ struct diagnostic_bench : adapter_bench {
         actions["vehicle-info"] = [this](const QString&) { controller.readVehicleInfo(); };
         actions["extras"] = [this](const QString&) { controller.readXtras(); };
         actions["report"] = [this](const QString&) { controller.read_for_report(); };
+        actions["everything"] = [this](const QString&) { controller.read_everything(); };
         actions["permanent"] = [this](const QString&) { controller.readPermanent(); };
         actions["standard"] = [this](const QString& on) {
             profile.defaults.set(setting::standard_reading, on == "on");
@@ -52,6 +55,26 @@ struct diagnostic_bench : adapter_bench {
                                           {"vehicle", part::vehicle},
                                           {"extras", part::extras}})
             add_results(name, which);
+        facts["reading"] = [this] { return controller.everything().words(); };
+        facts["failed"] = [this] { return controller.everything().what_failed(); };
+        facts["list"] = [this] {
+            QStringList rows;
+            for (const listed_code& row : listed().rows)
+                rows += row.is_sentence() ? row.sentence : row.code + ' ' + row.kinds();
+            return rows.join(" / ");
+        };
+        facts["verdict"] = [this] {
+            const second_reading vehicle(part::vehicle, results, toolies);
+            const verdict told = judge(results, listed(), read_status_again(results, toolies),
+                                       read_permanent_codes(results, toolies).was_read, vehicle.shown());
+            return QStringList{told.answer, told.more, told.monitors, told.missing, told.vin, told.voltage}
+                .join(" / ");
+        };
+        facts["detail"] = [this] {
+            const QList<noted_row> frame = second_reading(part::freeze, results, toolies).shown();
+            const QList<noted_row> tests = second_reading(part::mode6, results, toolies).shown();
+            return one_line({detail_of(listed().rows.value(0), "text", "ECU", frame, tests).as_text()});
+        };
         facts["faults-status"] = [this] { return read_status_again(results, toolies).faults; };
         facts["line-status"] = [this] { return read_status_again(results, toolies).line; };
         facts["permanent"] = [this] {
@@ -127,6 +150,14 @@ struct diagnostic_bench : adapter_bench {
             return second_reading(which, results, toolies).faults().join(", ");
         };
         facts["line-" + name] = [this, which] { return second_reading(which, results, toolies).line(); };
+    }
+
+    code_list listed() {
+        const second_reading codes(part::codes, results, toolies);
+        const second_reading pending(part::pending, results, toolies);
+        const second_reading frame(part::freeze, results, toolies);
+        return {codes.shown(), pending.shown(), read_permanent_codes(results, toolies),
+                freezing_code(frame.shown())};
     }
 
     static QString one_line(const QStringList& rows) {
