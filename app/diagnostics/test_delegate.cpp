@@ -5,26 +5,65 @@
 #include "charts/limit_bar.h"
 
 #include <QApplication>
-#include <QPaintDevice>
-#include <QPainterPath>
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace brivant {
 
 namespace {
 
-constexpr QSize bar_size{120, 40};
-constexpr int bar_room = 8; // on each side
+constexpr int bar_width = 120;
+constexpr int bar_height = 16;
+constexpr int bar_room = 40; // on each side, for the numbers of the limits
+constexpr int marker_width = 4;
+constexpr int marker_excess = 3; // above and below the bar
+constexpr double shade = 0.25;   // of the allowed range, inside its border
 constexpr int name_room = 11;
 constexpr int line_room = 14;
 constexpr int mark_room = 6;
-constexpr int most_bars = 500;
-constexpr double corner = 6;
+
+// Where the row's value stands, in points of the bar: see limit_bar_position().
+struct bar_places {
+    double from = 0; // the allowed range
+    double to = bar_width;
+    double value = 0;
+    bool is_inside = true;
+    QString low, high; // what the limits say, "" where there is none
+};
+
+bar_places places_of(const QString& triple) {
+    constexpr double scale_begin = 10; // and it ends at 110
+    constexpr double scale = 100;
+    constexpr double least = marker_width / 2.0;
+    const QStringList said = triple.split(u'~');
+    const bool only_most = said.value(2) == QLatin1String("max");
+    const bool only_least = said.value(2) == QLatin1String("min");
+    const QString low = said.value(0);
+    const QString high = only_most || only_least ? low : said.value(2);
+    const auto at = [&](double value) {
+        const double place = limit_bar_position(value, low.toDouble(), high.toDouble());
+        return std::isnan(place) ? 0 : (place - scale_begin) / scale * bar_width;
+    };
+    bar_places places;
+    const double value = said.value(1).toDouble();
+    if (!only_most) {
+        places.from = at(low.toDouble());
+        places.low = low;
+    }
+    if (!only_least) {
+        places.to = at(high.toDouble());
+        places.high = high;
+    }
+    places.value = std::clamp(at(value), least, bar_width - least);
+    places.is_inside = (only_most || value >= low.toDouble()) && (only_least || value <= high.toDouble());
+    return places;
+}
 
 } // namespace
 
 test_delegate::test_delegate(const theme& its_look, QObject* parent)
-    : QStyledItemDelegate(parent), look(its_look), bars(most_bars) {}
+    : QStyledItemDelegate(parent), look(its_look) {}
 
 void test_delegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const {
@@ -36,7 +75,7 @@ void test_delegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     cell.text.clear();
     cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
     switch (index.column()) {
-    case tests_model::limits_column: return paint_bar(*painter, option.rect, index);
+    case tests_model::limits_column: return paint_bar(*painter, cell, index);
     case tests_model::verdict_column: return paint_verdict(*painter, cell, mark, index);
     default: return paint_name(*painter, cell, index);
     }
@@ -74,40 +113,52 @@ void test_delegate::paint_name(QPainter& painter, const QStyleOptionViewItem& ce
     painter.restore();
 }
 
-void test_delegate::paint_bar(QPainter& painter, const QRect& cell, const QModelIndex& index) const {
-    const QString limits = index.data(tests_model::limits_role).toString();
-    const double ratio = painter.device()->devicePixelRatioF();
-    const QString key = limits + QLatin1Char('@') + QString::number(ratio) + (look.dark ? u'd' : u'l');
-    if (!bars.contains(key)) {
-        limit_bar_look bar;
-        QImage range;
-        if (look.dark) {
-            bar.ground = look.ground;
-            bar.ink = look.text;
-        } else {
-            range = QImage(QStringLiteral(":/artwork/mode6_range@2x.png"));
-        }
-        bar.pixel_ratio = ratio;
-        bars.insert(key, new QImage(draw_the_mode6_cues(limits, bar_size, bar, range)));
-    }
-    const QRect place(QPoint(cell.left() + bar_room, cell.center().y() - bar_size.height() / 2), bar_size);
-    QPainterPath round;
-    round.addRoundedRect(place, corner, corner);
+// The allowed range shaded, the limits as numbers below its ends, and a mark at the value, which stands
+// beyond a limit where the value does.
+void test_delegate::paint_bar(QPainter& painter, const QStyleOptionViewItem& cell,
+                              const QModelIndex& index) const {
+    const bar_places places = places_of(index.data(tests_model::limits_role).toString());
+    const QFont small = theme::small(cell.font);
+    const int numbers = QFontMetrics(small).height();
+    const int top = cell.rect.center().y() - (bar_height + marker_excess + numbers) / 2;
+    const QRectF bar(cell.rect.left() + bar_room, top, bar_width, bar_height);
+    const QRectF range = QRectF(bar.left() + places.from, top, places.to - places.from, bar_height);
+    QColor shaded = look.green;
+    shaded.setAlphaF(shade);
     painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setClipPath(round);
-    painter.drawImage(place.topLeft(), *bars.object(key));
+    painter.setPen(look.field_edge);
+    painter.setBrush(look.ground);
+    painter.drawRect(bar);
+    painter.setPen(look.green);
+    painter.setBrush(shaded);
+    painter.drawRect(range);
+    painter.fillRect(QRectF(bar.left() + places.value - marker_width / 2.0, top - marker_excess, marker_width,
+                            bar_height + 2 * marker_excess),
+                     places.is_inside ? look.green : look.red);
+    painter.setFont(small);
+    painter.setPen(look.muted);
+    const double below = bar.bottom() + marker_excess;
+    const bool is_one_point = range.width() < 1;
+    const auto number = [&](double x, const QString& text) {
+        painter.drawText(QRectF(x - bar_room, below, 2 * bar_room, numbers), Qt::AlignHCenter, text);
+    };
+    if (!places.low.isEmpty())
+        number(range.left(), places.low);
+    if (!places.high.isEmpty() && !(is_one_point && places.low == places.high))
+        number(range.right(), places.high);
     painter.restore();
 }
 
 QSize test_delegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     QSize size = QStyledItemDelegate::sizeHint(option, index);
     if (index.column() == tests_model::limits_column)
-        size.setWidth(bar_size.width() + 2 * bar_room);
+        size.setWidth(bar_width + 2 * bar_room);
     const int small_lines = index.siblingAtColumn(0).data(note_role).toString().isEmpty() ? 1 : 2;
     const int lines =
         QFontMetrics(option.font).height() + small_lines * (theme::small(option.font).pixelSize() + 2);
-    size.setHeight(std::max(bar_size.height(), lines) + line_room);
+    size.setHeight(
+        std::max(bar_height + 2 * marker_excess + QFontMetrics(theme::small(option.font)).height(), lines) +
+        line_room);
     return size;
 }
 

@@ -2,8 +2,6 @@
 
 #include "app/look/theme.h"
 
-#include <QCache>
-#include <QImage>
 #include <QStyledItemDelegate>
 
 namespace brivant {
@@ -24,11 +22,9 @@ private:
     void paint_name(QPainter& painter, const QStyleOptionViewItem& cell, const QModelIndex& index) const;
     void paint_verdict(QPainter& painter, const QStyleOptionViewItem& cell, const QIcon& mark,
                        const QModelIndex& index) const;
-    void paint_bar(QPainter& painter, const QRect& cell, const QModelIndex& index) const;
+    void paint_bar(QPainter& painter, const QStyleOptionViewItem& cell, const QModelIndex& index) const;
 
     const theme& look;
-    // By limits, pixel ratio and look: what the picture depends on.
-    mutable QCache<QString, QImage> bars;
 };
 
 } // namespace brivant
