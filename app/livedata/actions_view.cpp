@@ -17,6 +17,7 @@ namespace {
 constexpr int empty_icon_size = 32;
 constexpr int narrowest_gauges = 144;
 constexpr int low_gauges = 300;
+constexpr int low_screen = 480;
 constexpr double fewest_shown = 20; // sweeps, by the zoom
 
 void keep_room(QWidget& widget, bool also_hidden) {
@@ -140,6 +141,7 @@ void actions_view::resizeEvent(QResizeEvent* event) {
     QHBoxLayout* row = wanted > width() ? ui.store_row : ui.head;
     if (row->indexOf(ui.store_group) < 0)
         row->addWidget(ui.store_group, 0, Qt::AlignRight);
+    ui.thumbs->set_low(height() < qRound(low_screen * growth_for(font())));
 }
 
 // The gauges are as wide as their height asks for; the chart takes the rest.

@@ -45,6 +45,7 @@ void thumb_strip::add(const run_pictures& pictures, int index) {
     connect(thumb, &thumbnail::reading_chosen, this, &thumb_strip::reading_chosen);
     connect(thumb, &thumbnail::neighbour_wanted, this,
             [this, index](int direction) { focus(index + direction); });
+    thumb->set_low(is_low);
     places->insertWidget(places->count() - 1, thumb, 0, Qt::AlignTop);
     thumbs.push_back(thumb);
     thumb->show();
@@ -63,6 +64,14 @@ void thumb_strip::set_look(const theme& look) {
         thumb->set_look(look);
 }
 
+void thumb_strip::set_low(bool low) {
+    if (low == std::exchange(is_low, low))
+        return;
+    for (thumbnail* thumb : thumbs)
+        thumb->set_low(low);
+    fit_height();
+}
+
 void thumb_strip::mark(const shown_samples& shown) {
     for (thumbnail* thumb : thumbs)
         thumb->mark(shown);
@@ -75,7 +84,7 @@ void thumb_strip::draw_new() {
 
 // The scroll bar takes its room only where there is one.
 void thumb_strip::fit_height() {
-    const QSize each = thumbnail::whole_size(font());
+    const QSize each = thumbnail::whole_size(font(), is_low);
     const int wanted = static_cast<int>(thumbs.size()) * (each.width() + theme::step) - theme::step;
     setFixedHeight(each.height() + (wanted > width() ? scroll_bar_room : 0));
 }

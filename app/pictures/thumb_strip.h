@@ -19,6 +19,8 @@ public:
     void rebuild(const run_pictures& pictures);
     void clear();
     void set_look(const theme& look);
+    // The window has little height.
+    void set_low(bool low);
     void mark(const shown_samples& shown);
     // Row `index` has a new value; draw_new() shows it.
     void sample_arrived(int index) { thumbs.at(static_cast<size_t>(index))->set_stale(); }
@@ -42,6 +44,7 @@ private:
 
     QWidget* row = nullptr;
     QHBoxLayout* places = nullptr;
+    bool is_low = false;
     std::vector<thumbnail*> thumbs; // the row owns them
 };
 

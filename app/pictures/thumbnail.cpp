@@ -14,6 +14,7 @@ namespace brivant {
 namespace {
 
 constexpr QSize laid_out(184, 124);
+constexpr QSize laid_out_low(184, 98);
 constexpr int foot_of_layout = 24;
 constexpr int mark_size = 12;
 constexpr double corner = 8;
@@ -49,7 +50,7 @@ void shown_samples::toggle(int index) {
 
 thumbnail::thumbnail(const run_pictures& its_pictures, int its_index, QWidget* parent)
     : QAbstractButton(parent), pictures(its_pictures), index(its_index), item(its_pictures.toolies) {
-    setFixedSize(whole_size(font()));
+    setFixedSize(sizeHint());
     setFocusPolicy(Qt::ClickFocus);
     setCursor(Qt::PointingHandCursor);
     item.setThumbnail(true);
@@ -116,8 +117,8 @@ QString thumbnail::extremes() const {
                : QStringLiteral("min %1  max %2").arg(short_number(seen.minimum), short_number(seen.maximum));
 }
 
-QSize thumbnail::whole_size(const QFont& font) {
-    return (QSizeF(laid_out) * growth_for(font)).toSize();
+QSize thumbnail::whole_size(const QFont& font, bool low) {
+    return (QSizeF(low ? laid_out_low : laid_out) * growth_for(font)).toSize();
 }
 
 int thumbnail::foot_height() const {
@@ -128,8 +129,15 @@ void thumbnail::changeEvent(QEvent* event) {
     QAbstractButton::changeEvent(event);
     if (event->type() != QEvent::FontChange)
         return;
-    setFixedSize(whole_size(font()));
+    setFixedSize(sizeHint());
     stale = true;
+}
+
+void thumbnail::set_low(bool low) {
+    is_low = low;
+    setFixedSize(sizeHint());
+    stale = true;
+    update();
 }
 
 QRect thumbnail::menu_place() const {

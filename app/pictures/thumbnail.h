@@ -45,7 +45,9 @@ class thumbnail : public QAbstractButton {
     Q_OBJECT
 
 public:
-    static QSize whole_size(const QFont& font);
+    // `low`: where the window has little height.
+    static QSize whole_size(const QFont& font, bool low);
+    void set_low(bool low);
 
     // `its_pictures` outlive it.
     thumbnail(const run_pictures& its_pictures, int its_index, QWidget* parent);
@@ -57,7 +59,7 @@ public:
     // Has it drawn anew, when it is seen and has something new.
     void draw_new();
 
-    QSize sizeHint() const override { return whole_size(font()); }
+    QSize sizeHint() const override { return whole_size(font(), is_low); }
 
 Q_SIGNALS:
     void chart_chosen();
@@ -93,6 +95,7 @@ private:
     drawChartyItem item;
     theme look;
     bool charted = false;
+    bool is_low = false;
     bool on_gauge_2 = false;
     bool stale = true;
 };
