@@ -17,8 +17,8 @@ struct tile_grid {
     static tile_grid filling(int tiles, QSizeF room, QSizeF least, double gap);
     double height() const { return rows * tile.height() + (rows - 1) * gap; }
     QRectF place(int index) const {
-        return {QPointF(index % columns * (tile.width() + gap), index / columns * (tile.height() + gap)),
-                tile};
+        const int column = index % columns, row = index / columns;
+        return {QPointF(column * (tile.width() + gap), row * (tile.height() + gap)), tile};
     }
 };
 

@@ -27,10 +27,10 @@ struct running_window {
     std::optional<main_window> window;
 
     explicit running_window(launch_options::link_choice link = launch_options::link_choice::as_stored,
-                            const QString& car = "can11")
+                            const QString& car = "can11", int answer_ms = 0)
         : core(with(link, folder.path(), car)) {
         QString problem;
-        EXPECT_TRUE(core.start_demo(problem)) << problem.toStdString();
+        EXPECT_TRUE(core.start_demo(problem, answer_ms)) << problem.toStdString();
         core.defaults.set(setting::greeted, true);
         window.emplace(core);
         window->start();
