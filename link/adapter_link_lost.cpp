@@ -39,10 +39,8 @@ bool adapter_link::may_be_gone() const {
 
 void adapter_link::computer_woke() {
     again.hurry();
-    if (is_connected() && traffic.is_in_flight())
+    if (is_connected())
         tell_loss({.status = QStringLiteral("The computer was asleep: the link to the adapter is gone")});
-    else if (is_connected())
-        close_link(); // the next operation opens it
 }
 
 void adapter_link::left_by_loss(const link_lost& loss) {

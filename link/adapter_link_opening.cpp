@@ -45,7 +45,10 @@ bool adapter_link::look_for_one(const QList<adapter_search::candidate>& candidat
 void adapter_link::found_one(const probed_adapter& which) {
     if (!which.is_adapter() && search->is_running())
         return;
-    search.release()->deleteLater(); // it is talking
+    adapter_search* over = search.release();
+    over->disconnect(this);
+    over->stop();
+    over->deleteLater(); // it is talking
     if (which.is_adapter()) {
         far_end.choose(which.where, which.name);
         if (open_place())

@@ -46,9 +46,10 @@ TEST_F(lost_link, a_computer_that_wakes_is_in_a_hurry) {
     opens_at_once = adapter->opens_at_once = true;
     open();
     adapter->receive("ELM\r\r>");
+    controller.goes_on = false;
     link.computer_woke(); // nothing is going on: the next operation opens it
     EXPECT_FALSE(link.is_connected() || link.is_opening());
-    EXPECT_EQ(heard(), "reply ELM");
+    EXPECT_EQ(heard(), "reply ELM, leave");
 }
 
 TEST_F(lost_link, tells_how_far_its_start_has_come) {
